@@ -1,0 +1,43 @@
+// The library's one case-insensitive comparison, and the two lookups that hosts make with it.
+
+#include <mail_structure.h>
+
+#include <cstddef>
+
+namespace {
+
+/// Case is folded for ASCII letters alone, whatever the locale. A-Z and a-z lie 32 apart, and so do
+/// pairs such as '[' and '{', which must not match; hence the test that the letter is one.
+bool same_letter(char a, char b) noexcept {
+    if (a == b) return true;
+    const char upper = a < b ? a : b;
+    const char lower = a < b ? b : a;
+    return upper >= 'A' && upper <= 'Z' && lower == upper + ('a' - 'A');
+}
+
+} // namespace
+
+bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
+    constexpr std::uint32_t whole_of_s = 0xFFFFFFFF;
+    // Kept: with n = 0xFFFFFFFF this asks whether s is a prefix of p. The parser takes "Content:" for
+    // a Content-Type field by it, and hosts rely on abbreviated parameter names.
+    const std::size_t wanted = n == whole_of_s ? s.size() : n;
+    if (wanted > s.size()) return false;
+    for (std::size_t at = 0; at < wanted; ++at)
+        if (p[at] == '\0' || !same_letter(s[at], p[at])) return false;
+    return true;
+}
+
+const MailStructure::header* MailStructure::MimeObj::find_header_full(const std::string& name) const {
+    // Kept: the query matches every field whose name begins with it. A host that looks for "received-"
+    // or "resent-" finds the family by it.
+    const auto length = static_cast<std::uint32_t>(name.size());
+    for (const header& field : m_headers)
+        if (strncasecmp(field.m_name, name.c_str(), length)) return &field;
+    return nullptr;
+}
+
+const std::string* MailStructure::MimeObj::find_header(const std::string& name, const std::string* dflt) const {
+    const header* field = find_header_full(name);
+    return field != nullptr ? &field->m_value : dflt;
+}

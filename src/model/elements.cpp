@@ -1,0 +1,15 @@
+// Creates the elements of an entity: children and header fields.
+
+#include <mail_structure.h>
+
+const std::uint32_t _lib_version = 1;
+
+MailStructure::MimeObj* MailStructure::MimeObj::get_obj() {
+    MimeObj& child = m_children.emplace_back();
+    child.m_parent = this;
+    return &child;
+}
+
+MailStructure::header* MailStructure::MimeObj::get_header() { return &m_headers.emplace_back(); }
+
+void MailStructure::MimeObj::finalize() {}

@@ -1,0 +1,99 @@
+// The scan of body_scan.h by blocks of 64 bytes, as four bit masks: bit n tells of byte n of the block.
+//
+//     bytes     a b CR LF - - x LF      one bit of each kind is carried from block to block: was the last
+//     lf        0 0 0  1  0 0 0 1       byte an LF, a suspect, a dash that begins a line?
+//     suspect   0 0 1  0  0 0 0 0       a CR or NUL; stray unless the next byte is an LF
+//     dash      0 0 0  0  1 1 0 0
+//
+// Only how the masks are made differs between processors. Each processor's file includes this one where
+// its own instructions are switched on, so everything here is local to that file.
+
+#ifndef MAIL_STRUCTURE_PARSER_BODY_SCAN_BLOCKS_H
+#define MAIL_STRUCTURE_PARSER_BODY_SCAN_BLOCKS_H
+
+#include "body_scan.h"
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace mail_structure_detail {
+
+namespace {
+
+constexpr std::size_t block_bytes = 64;
+
+struct block_masks {
+    std::uint64_t m_lf;
+    std::uint64_t m_suspect;
+    std::uint64_t m_dash; // only looked at where dashes end the run
+};
+
+/// What the blocks so far leave for the next.
+struct block_carry {
+    std::uint64_t m_after_lf = 1; // the bytes begin at the beginning of a line
+    std::uint64_t m_after_suspect = 0;
+    std::uint64_t m_after_dash = 0; // one that begins a line
+};
+
+/// Bit n is set where byte n shows that the line it stands in, or the byte before it, ends the run.
+template <bool Dashes>
+std::uint64_t run_ends(const block_masks& masks, block_carry& carry) noexcept {
+    constexpr unsigned last = block_bytes - 1;
+    std::uint64_t ends = (masks.m_suspect << 1 | carry.m_after_suspect) & ~masks.m_lf;
+    carry.m_after_suspect = masks.m_suspect >> last;
+    if constexpr (Dashes) {
+        const std::uint64_t line_dash = masks.m_dash & (masks.m_lf << 1 | carry.m_after_lf);
+        ends |= masks.m_dash & (line_dash << 1 | carry.m_after_dash);
+        carry.m_after_lf = masks.m_lf >> last;
+        carry.m_after_dash = line_dash >> last;
+    }
+    return ends;
+}
+
+/// Make::masks(p) gives the masks of the 64 bytes at p.
+template <class Make, bool Dashes>
+scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
+    block_carry carry;
+    std::size_t lines = 0;
+    std::size_t start = 0;
+    std::uint64_t ends = 0;
+    std::uint64_t lf = 0;
+    for (; bytes.size() - start >= block_bytes; start += block_bytes) {
+        const block_masks masks = Make::masks(bytes.data() + start);
+        ends = run_ends<Dashes>(masks, carry);
+        lf = masks.m_lf;
+        if (ends != 0) break;
+        lines += static_cast<std::size_t>(std::popcount(lf));
+    }
+    if (ends == 0) { // less than a block is left; nothing is read past it
+        std::array<char, block_bytes> rest;
+        rest.fill('x'); // neither LF nor suspect nor dash
+        if (start < bytes.size()) std::memcpy(rest.data(), bytes.data() + start, bytes.size() - start);
+        const block_masks masks = Make::masks(rest.data());
+        ends = run_ends<Dashes>(masks, carry);
+        lf = masks.m_lf;
+    }
+    // Neither the byte at the first end nor the one before it is an LF, so the run is what ends with the
+    // last LF before it.
+    if (ends != 0) lf &= (ends & (0 - ends)) - 1;
+    lines += static_cast<std::size_t>(std::popcount(lf));
+    const std::size_t seen = start + static_cast<std::size_t>(std::bit_width(lf));
+    if (lines == 0) return {};
+    if (lf != 0) return {seen, lines};
+    const std::size_t last_lf = bytes.substr(0, seen).rfind('\n'); // in an earlier block
+    return {last_lf + 1, lines};
+}
+
+template <class Make>
+scanned_lines scan_by_blocks(std::string_view bytes, dashed_lines dashed) noexcept {
+    return dashed == dashed_lines::end_the_run ? scan_by_blocks<Make, true>(bytes) : scan_by_blocks<Make, false>(bytes);
+}
+
+} // namespace
+
+} // namespace mail_structure_detail
+
+#endif

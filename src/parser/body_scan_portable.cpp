@@ -1,0 +1,42 @@
+// The body scan with 8 bytes a word, for processors that have no scan of their own.
+
+#include "body_scan_blocks.h"
+#include "body_scan_processors.h"
+
+namespace mail_structure_detail {
+
+namespace {
+
+struct portable {
+    /// Bit n is set where byte n of the word, counted from its low end, is c.
+    static std::uint64_t equal(std::uint64_t word, char c) noexcept {
+        constexpr std::uint64_t ones = 0x0101010101010101;
+        constexpr std::uint64_t low7 = 0x7F7F7F7F7F7F7F7F;
+        const std::uint64_t differing = word ^ ones * static_cast<unsigned char>(c);
+        // 0x80 in each byte of `differing` that is 0; no carry passes from byte to byte.
+        const std::uint64_t zero_bytes = ~(((differing & low7) + low7) | differing | low7);
+        constexpr std::uint64_t gather = 0x0002040810204081; // moves the 8 marks next to one another
+        return ((zero_bytes >> 7) * gather >> 49 & 0x7F) | zero_bytes >> 63 << 7;
+    }
+
+    static block_masks masks(const char* p) noexcept {
+        block_masks found{0, 0, 0};
+        for (unsigned at = 0; at < block_bytes; at += 8) {
+            std::uint64_t word = 0;
+            for (unsigned byte = 0; byte < 8; ++byte)
+                word |= std::uint64_t{static_cast<unsigned char>(p[at + byte])} << 8 * byte;
+            found.m_lf |= equal(word, '\n') << at;
+            found.m_suspect |= (equal(word, '\r') | equal(word, '\0')) << at;
+            found.m_dash |= equal(word, '-') << at;
+        }
+        return found;
+    }
+};
+
+} // namespace
+
+scanned_lines scan_body_portable(std::string_view bytes, dashed_lines dashed) noexcept {
+    return scan_by_blocks<portable>(bytes, dashed);
+}
+
+} // namespace mail_structure_detail

@@ -1,0 +1,18 @@
+// The parse itself, for Fill and for tests that begin elsewhere than at offset 0.
+
+#ifndef MAIL_STRUCTURE_PARSER_FILL_H
+#define MAIL_STRUCTURE_PARSER_FILL_H
+
+#include <mail_structure.h>
+
+#include <cstdint>
+#include <istream>
+
+namespace mail_structure_detail {
+
+/// As MailStructure::Fill, but the first byte read has the given offset.
+void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset);
+
+} // namespace mail_structure_detail
+
+#endif

@@ -1,0 +1,98 @@
+#include "header_block.h"
+
+#include "content_type.h"
+#include "header_line.h"
+
+#include <stdexcept>
+#include <string_view>
+
+namespace mail_structure_detail {
+
+namespace {
+
+constexpr std::uint32_t not_yet_set = 0xFFFFFFFF;
+
+/// Common to every line that begins or continues a field.
+void record_line(fill_state& state, const input_line& line) {
+    MailStructure::header& record = *state.m_field.m_record;
+    if (record.m_beg == not_yet_set) record.m_beg = line.m_start;
+    record.m_end = line.m_end;
+    state.m_open.add_header_line(line.m_start, line.m_end);
+}
+
+/// The record that takes the field: a new one of the current entity, or the scratch record when the
+/// field would pass the memory limit.
+MailStructure::header& begin_record(fill_state& state, const input_line& line, std::size_t colon) {
+    // Kept: with kept text the limit is not asked for, so that every field has its record.
+    if (!state.m_keep_text && !state.m_memory.has_room_for(line.m_end - line.m_start)) {
+        state.m_scratch.m_name.clear();
+        state.m_scratch.m_value.clear();
+        state.m_scratch.m_params.clear();
+        state.m_scratch.m_beg = not_yet_set;
+        state.m_scratch.m_end = 0;
+        return state.m_scratch;
+    }
+    MailStructure::header& record = *state.m_open.top().get_header();
+    record.m_name = line.m_text.substr(0, colon);
+    return record;
+}
+
+/// The text from just past the colon. The scan end may have put the "colon" on the last byte of an LF line,
+/// whose value is then empty, or at the end of a CR LF line, past which no value can start.
+std::string_view text_after_colon(std::string_view text, std::size_t colon) {
+    // Kept: hosts take this exception for "not a message".
+    if (colon == text.size()) throw std::length_error("a field name without a colon");
+    return text.substr(colon + 1);
+}
+
+void on_field_line(fill_state& state, const input_line& line, std::size_t colon) {
+    MailStructure::header& record = begin_record(state, line, colon);
+    field_in_progress& field = state.m_field;
+    field.m_record = &record;
+    field.m_is_content_type = is_content_type_name(record.m_name);
+
+    std::string_view value = text_after_colon(line.m_text, colon);
+    std::size_t semicolon = std::string_view::npos;
+    if (field.m_is_content_type) {
+        semicolon = line.m_text.find(';', colon + 1);
+        if (semicolon != std::string_view::npos) value = value.substr(0, semicolon - (colon + 1));
+    }
+    record.m_value = state.m_trim(value);
+    // Kept: a field in the scratch record counts too, so that all fields after it go there as well.
+    state.m_memory.add(line.m_end - line.m_start);
+
+    if (field.m_is_content_type)
+        analyse_content_type(state, line.m_text, semicolon);
+    else if (is_encoding_name(record.m_name))
+        state.m_open.top().m_encoding = record.m_value;
+    record_line(state, line);
+}
+
+/// @param blank  position of the blank before the line's text
+void on_continuation_line(fill_state& state, const input_line& line, std::size_t blank) {
+    // Kept: a folded value keeps its trailing blanks, and is not held against the memory limit.
+    if (state.m_field.m_is_content_type)
+        read_parameters(state, line.m_text, blank);
+    else
+        state.m_field.m_record->m_value += line.m_text.substr(blank);
+    record_line(state, line);
+}
+
+} // namespace
+
+verdict on_header_line(fill_state& state, const input_line& line) {
+    const header_line found = classify_header_line(line, state.m_field.m_record != nullptr);
+    switch (found.m_kind) {
+    case header_line_kind::blank:
+        state.m_open.add_header_line(line.m_start, line.m_end);
+        state.m_phase = phase::body;
+        return verdict::consumed;
+    case header_line_kind::field: on_field_line(state, line, found.m_at); return verdict::consumed;
+    case header_line_kind::continuation: on_continuation_line(state, line, found.m_at); return verdict::consumed;
+    case header_line_kind::not_of_the_block: break;
+    }
+    state.m_phase = phase::body;
+    return verdict::again;
+}
+
+} // namespace mail_structure_detail

@@ -1,0 +1,146 @@
+#include "line_reader.h"
+
+#include "byte_scan.h"
+#include "get_area.h"
+
+#include <stdexcept>
+#ifdef __GLIBCXX__
+#include <cxxabi.h>
+#endif
+
+namespace mail_structure_detail {
+
+namespace {
+
+constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
+
+/// Whether the last line of a run, which ends with an LF, is empty.
+bool ends_with_empty_line(std::string_view run) noexcept {
+    run.remove_suffix(1);
+    if (run.ends_with('\r')) run.remove_suffix(1);
+    return run.empty() || run.ends_with('\n');
+}
+
+} // namespace
+
+line_reader::line_reader(std::istream& in, std::uint32_t first_offset) : m_in(in), m_position(first_offset) {
+#ifndef MAILSTRUCTURE_PLAIN
+    m_in_place = in.widen('\n') == '\n';
+#endif
+}
+
+bool line_reader::next(input_line& line) {
+    std::string_view text;
+    if (!read_line(text)) return false;
+    const std::uint64_t terminator_bytes = m_in.eof() ? 0 : 1;
+    line.m_start = static_cast<std::uint32_t>(m_position); // offsets wrap past 4 GiB
+    m_position += text.size() + terminator_bytes;
+    line.m_end = static_cast<std::uint32_t>(m_position);
+
+    line.m_scan_end = text.empty() ? 0 : text.size() - 1;
+    if (text.ends_with('\r')) text.remove_suffix(1);
+    line.m_text = text;
+    // Kept: the last byte of a line that no CR ends is not examined, here or by the scans of header lines:
+    // m_scan_end stays one short of such a text. A NUL just before an LF passes, and "ab!" with an LF is
+    // a field named "ab".
+    if (holds_stray_byte(text.substr(0, line.m_scan_end))) throw std::runtime_error("error in io input data");
+    return true;
+}
+
+bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
+    if (!m_in_place || !m_in.good()) return false;
+    // No run crosses a wrap of the offsets: who keeps watch from there on is told with a single line.
+    const std::uint64_t to_next_wrap = wrap - m_position % wrap;
+    const std::string_view ready = get_area::bytes(*m_in.rdbuf()).substr(0, to_next_wrap - 1);
+    const scanned_lines found = scan_body(ready, dashed);
+    if (found.m_lines == 0) return false;
+    run.m_bytes = ready.substr(0, found.m_bytes);
+    run.m_lines = found.m_lines;
+    run.m_start = static_cast<std::uint32_t>(m_position);
+    run.m_first_end = static_cast<std::uint32_t>(m_position + run.m_bytes.find('\n') + 1);
+    run.m_end = static_cast<std::uint32_t>(m_position + found.m_bytes);
+    run.m_last_empty = ends_with_empty_line(run.m_bytes);
+    return true;
+}
+
+void line_reader::take(const line_run& run) noexcept {
+    m_position += run.m_bytes.size();
+    get_area::consume(*m_in.rdbuf(), run.m_bytes.size());
+}
+
+/// One line as std::getline would read it, without its delimiter. The stream has eofbit if the input ended it.
+bool line_reader::read_line(std::string_view& line) {
+    if (!m_in_place || !m_in.good()) return read_by_getline(line);
+    std::streambuf& buffer = *m_in.rdbuf();
+    const std::string_view ready = get_area::bytes(buffer);
+    const std::size_t lf = ready.find('\n');
+    if (lf == std::string_view::npos) return read_straddling_line(line);
+    line = ready.substr(0, lf);
+    get_area::consume(buffer, lf + 1);
+    return true;
+}
+
+/// A line whose LF is not in the buffer yet.
+bool line_reader::read_straddling_line(std::string_view& line) {
+    std::streambuf& buffer = *m_in.rdbuf();
+    m_carry.clear();
+    for (;;) {
+        std::string_view ready = get_area::bytes(buffer);
+        const std::size_t lf = ready.find('\n');
+        if (lf != std::string_view::npos) ready = ready.substr(0, lf);
+        m_carry.append(ready);
+        line = m_carry;
+        get_area::consume(buffer, ready.size());
+        if (lf != std::string_view::npos) {
+            get_area::consume(buffer, 1);
+            return true;
+        }
+        if (is_at_end()) return !m_carry.empty() && !m_in.bad();
+        if (get_area::bytes(buffer).empty()) return read_rest_by_getline(line);
+    }
+}
+
+/// Refills the buffer. At the end of the input, or when the buffer cannot be read, the stream gets the state
+/// bits and throws what std::getline would, given whether it has read a part of the line.
+bool line_reader::is_at_end() {
+    const std::istream::sentry ready(m_in, true); // flushes the stream that is tied to this one
+    std::ios_base::iostate state = m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
+    try {
+        if (m_in.rdbuf()->sgetc() != std::istream::traits_type::eof()) return false;
+        state |= std::ios_base::eofbit;
+#ifdef __GLIBCXX__
+    } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be held up
+        set_badbit();
+        throw;
+#endif
+    } catch (...) {
+        set_badbit();
+        if ((m_in.exceptions() & std::ios_base::badbit) != 0) throw;
+    }
+    m_in.setstate(state);
+    return true;
+}
+
+/// Sets badbit without throwing for it.
+void line_reader::set_badbit() {
+    try {
+        m_in.setstate(std::ios_base::badbit);
+    } catch (const std::ios_base::failure&) {}
+}
+
+/// The rest of a line, from a buffer that has characters and no get area.
+bool line_reader::read_rest_by_getline(std::string_view& line) {
+    std::string rest;
+    if (!std::getline(m_in, rest)) return false;
+    m_carry += rest;
+    line = m_carry;
+    return true;
+}
+
+bool line_reader::read_by_getline(std::string_view& line) {
+    if (!std::getline(m_in, m_carry)) return false;
+    line = m_carry;
+    return true;
+}
+
+} // namespace mail_structure_detail
