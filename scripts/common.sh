@@ -1,0 +1,67 @@
+# What the scripts share: the packages that each job takes, and the places of things. To be sourced.
+# shellcheck shell=bash
+
+set -euo pipefail
+
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(cmake g++ libcli11-dev ninja-build)
+test_packages=("${build_packages[@]}" libgtest-dev pkg-config valgrind)
+fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
+# shellcheck disable=SC2034 # for those who source this
+check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 mandoc shellcheck)
+
+is_installed() {
+    [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2> /dev/null) == installed ]]
+}
+
+# install_missing PACKAGE...: installs those that are not there. Says nothing when all are.
+install_missing() {
+    command -v dpkg-query > /dev/null || return 0 # another system: what is missing, the build will tell
+    local package missing=()
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    ((${#missing[@]})) || return 0
+    if [[ $(id -u) != 0 ]]; then
+        echo "These packages are missing, and only root can install them: ${missing[*]}" >&2
+        return 1
+    fi
+    echo "Installing ${missing[*]}" >&2
+    export DEBIAN_FRONTEND=noninteractive
+    if ! { apt-get -qq update && apt-get -qq install -y --no-install-recommends "${missing[@]}"; } \
+        < /dev/null > /dev/null 2>&1; then
+        echo "Could not install them. Run apt-get by hand to see why." >&2
+        return 1
+    fi
+}
+
+# quietly COMMAND...: prints what the command says only when it fails.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" > "$log" 2>&1 < /dev/null || status=$?
+    ((status == 0)) || cat "$log" >&2
+    rm -f "$log"
+    return "$status"
+}
+
+# build PRESET [TARGET...]
+build() {
+    local preset=$1 targets=()
+    shift
+    (($# == 0)) || targets=(--target "$@")
+    (cd "$top" && quietly cmake --preset "$preset" && quietly cmake --build --preset "$preset" "${targets[@]}")
+}
+
+# run_tests PRESET [CTEST_OPTION...]: runs what has been built, to ctest's summary.
+run_tests() {
+    local preset=$1
+    shift
+    # Real mail to run against, where somebody has laid it beside the checkout.
+    if [[ -z ${MAILSTRUCTURE_CORPUS-} && -d $top/../shared/corpus ]]; then
+        MAILSTRUCTURE_CORPUS=$(cd "$top/../shared/corpus" && pwd)
+        export MAILSTRUCTURE_CORPUS
+    fi
+    (cd "$top" && ctest --preset "$preset" --parallel "$(nproc)" "$@" < /dev/null)
+}

@@ -1,0 +1,4 @@
+#!/bin/sh
+mailstructure dump messages/plain.eml >&- 2> complaints
+echo "$?"
+grep '^mailstructure' complaints

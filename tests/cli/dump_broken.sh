@@ -1,0 +1,3 @@
+#!/bin/sh
+# Structure is never an error.
+mailstructure dump messages/broken.eml

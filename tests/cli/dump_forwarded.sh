@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure dump --keep-text messages/forwarded.eml

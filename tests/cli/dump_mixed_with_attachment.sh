@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure dump messages/mixed-with-attachment.eml

@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure dump --keep-text messages/no-final-newline.eml

@@ -1,0 +1,3 @@
+#!/bin/sh
+cp messages/no-final-newline.eml ./--keep-text
+mailstructure dump -- --keep-text

@@ -1,0 +1,3 @@
+#!/bin/sh
+mkdir folder
+mailstructure dump folder

@@ -1,0 +1,3 @@
+#!/bin/sh
+mailstructure --help
+mailstructure dump --help

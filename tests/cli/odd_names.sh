@@ -1,0 +1,8 @@
+#!/bin/sh
+# Names that look like something else.
+for name in '[a,b]' '++' dump --keep-text ''; do
+    mailstructure dump -- "$name"
+done
+mailstructure dump '[a,b]' '++' dump
+cp messages/no-final-newline.eml ./-
+mailstructure dump ./-

@@ -1,0 +1,56 @@
+// Parses a message given as text, and tells how that ended.
+
+#ifndef TESTS_SUPPORT_PARSE_H
+#define TESTS_SUPPORT_PARSE_H
+
+#include <mail_structure.h>
+
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <string_view>
+
+namespace test_support {
+
+/// What a host sets before the parse.
+struct parse_options {
+    bool m_keep_text = false;
+    std::uint32_t m_memlimit = 0xFFFFFFFF;
+};
+
+struct parse_outcome {
+    MailStructure m_message;
+    /// Empty after a normal return, else what left Fill: "runtime_error: " and its text, "length_error",
+    /// "bad_cast", "bad_alloc", "ios_failure" or "other".
+    std::string m_error;
+};
+
+/// Sets the memory limit for header fields, which all parsers share, and sets it back at the end.
+class memory_limit {
+public:
+    explicit memory_limit(std::uint32_t bytes) : m_before(MailStructure::m_memlimit) {
+        MailStructure::m_memlimit = bytes;
+    }
+    ~memory_limit() { MailStructure::m_memlimit = m_before; }
+    memory_limit(const memory_limit&) = delete;
+    memory_limit& operator=(const memory_limit&) = delete;
+
+private:
+    std::uint32_t m_before;
+};
+
+/// Fills the object from the stream. Returns what left Fill, in the words above.
+std::string fill(MailStructure& message, std::istream& in);
+
+parse_outcome parse(std::istream& in, const parse_options& options = {});
+/// The text as one stream that hands out all bytes at once.
+parse_outcome parse(std::string_view input, const parse_options& options = {});
+
+/// The tree as tree_text gives it, then, if an exception left Fill, a line "! " and m_error.
+std::string outcome_text(const parse_outcome& outcome);
+/// The same with full_tree_text.
+std::string full_outcome_text(const parse_outcome& outcome);
+
+} // namespace test_support
+
+#endif

@@ -1,0 +1,122 @@
+// Streams that hand out their bytes in every way a standard stream may, that fail on the way, or that
+// make up their bytes as they go. None of them can seek.
+
+#ifndef TESTS_SUPPORT_STREAMS_H
+#define TESTS_SUPPORT_STREAMS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+namespace test_support {
+
+/// Hands out a text in chunks. Each chunk is an array of exactly its size, and is gone when the next one comes, so that
+/// a sanitizer sees whoever reads past its end or goes back to it.
+class chunked_buffer : public std::streambuf {
+public:
+    /// @param text   must outlive the buffer
+    /// @param chunk  bytes to hand out at a time, at least 1; more than there are: all at once
+    chunked_buffer(std::string_view text, std::size_t chunk) : m_text(text), m_chunk(chunk) {}
+
+protected:
+    int_type underflow() override;
+
+private:
+    std::string_view m_text;
+    std::size_t m_chunk;
+    std::size_t m_handed_out = 0;
+    std::unique_ptr<char[]> m_bytes;
+};
+
+/// Hands out a text without ever having a get area: each byte is asked for by a virtual call.
+class bare_buffer : public std::streambuf {
+public:
+    /// @param text  must outlive the buffer
+    explicit bare_buffer(std::string_view text) : m_text(text) {}
+
+protected:
+    int_type underflow() override;
+    int_type uflow() override;
+
+private:
+    std::string_view m_text;
+    std::size_t m_taken = 0;
+};
+
+/// One way of handing out bytes.
+struct delivery {
+    const char* m_name;
+    std::size_t m_chunk; // bytes at a time; 0: no get area
+};
+
+inline constexpr std::size_t all_bytes = std::numeric_limits<std::size_t>::max();
+
+inline constexpr std::array<delivery, 9> all_deliveries{{
+    {"one_byte_at_a_time", 1},
+    {"two_bytes_at_a_time", 2},
+    {"three_bytes_at_a_time", 3},
+    {"seven_bytes_at_a_time", 7},
+    {"63_bytes_at_a_time", 63},
+    {"64_bytes_at_a_time", 64},
+    {"65_bytes_at_a_time", 65},
+    {"all_bytes_at_once", all_bytes},
+    {"without_a_get_area", 0},
+}};
+
+/// A stream over a text that is handed out in the given way.
+class delivered_stream : public std::istream {
+public:
+    /// @param text  must outlive the stream
+    delivered_stream(std::string_view text, const delivery& way);
+
+private:
+    std::unique_ptr<std::streambuf> m_buffer;
+};
+
+/// What a faulty stream does instead of handing out a certain byte.
+enum class fault : std::uint8_t {
+    ends,       // the input is over
+    throws,     // the buffer throws stream_fault
+    sets_badbit // the buffer sets badbit in its stream and says that the input is over
+};
+
+/// What a faulty buffer throws.
+class stream_fault : public std::runtime_error {
+public:
+    stream_fault() : std::runtime_error("made to fail") {}
+};
+
+/// A stream over a text that goes wrong at an offset. All bytes before are handed out in the given way; a
+/// chunk never reaches over the offset.
+class faulty_stream : public std::istream {
+public:
+    /// @param text    must outlive the stream
+    /// @param offset  bytes that are still handed out; at most the length of the text
+    faulty_stream(std::string_view text, std::size_t offset, fault kind, const delivery& way = {"", all_bytes});
+
+private:
+    std::unique_ptr<std::streambuf> m_buffer;
+};
+
+/// A stream that repeats a pattern until a total number of bytes is reached. It holds one block of at most
+/// 64 KiB or one pattern, whatever the total is.
+class repeating_stream : public std::istream {
+public:
+    /// @param pattern  not empty
+    /// @param first    goes before all repetitions and counts in the total
+    repeating_stream(std::string first, std::string_view pattern, std::uint64_t total_bytes);
+
+private:
+    std::unique_ptr<std::streambuf> m_buffer;
+};
+
+} // namespace test_support
+
+#endif

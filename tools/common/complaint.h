@@ -1,0 +1,33 @@
+// How the tools speak to the user about what went wrong: one line on standard error.
+
+#ifndef TOOLS_COMMON_COMPLAINT_H
+#define TOOLS_COMMON_COMPLAINT_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// How a program ends.
+enum exit_status : int { all_well = 0, some_input_failed = 1, wrong_usage = 2 };
+
+/// The text with nothing in it that a terminal would act on: control characters become \xNN, and a
+/// backslash is doubled.
+std::string escaped(std::string_view text);
+
+/// What a message calls the file: its escaped name, or "standard input" for "-".
+std::string display_name(const std::string& file_name);
+
+/// Prints "mailstructure: what".
+void complain(const std::string& what);
+
+/// Prints "mailstructure: FILE: what at byte OFFSET".
+void complain_about_input(const std::string& file_name, const std::string& what, std::uint64_t offset);
+
+/// The system's words for an error number.
+std::string system_error_text(int error);
+
+/// Whether all that the program printed got out. If not, says so, unless the reader of a pipe has simply
+/// gone. To be called when everything has been printed; errno tells why the last write failed, if one did.
+bool output_got_out();
+
+#endif

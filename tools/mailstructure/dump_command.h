@@ -1,0 +1,22 @@
+// The command `mailstructure dump`: prints the tree of each message.
+
+#ifndef TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
+#define TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
+
+#include "common/complaint.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct dump_options {
+    bool m_keep_text = false;
+    std::uint32_t m_memlimit = 0xFFFFFFFF;
+    std::vector<std::string> m_files; // "-" is standard input
+};
+
+/// Prints the dump of each file in turn. A file that cannot be read or that is no message gets one line of
+/// complaint instead, and the next one is taken up. Stops early only when standard output takes no more.
+exit_status run_dump(const dump_options& options);
+
+#endif
