@@ -1,0 +1,95 @@
+#include "differential/both_parsers.h"
+
+#include "parser/fill.h"
+#include "support/compare.h"
+#include "support/escape.h"
+#include "support/shrink.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <istream>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+#include <typeinfo>
+
+namespace differential {
+namespace {
+
+/// Fills, and puts what left Fill into the words of the reference parser.
+std::string fill_and_name_error(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
+    try {
+        if (first_offset == 0)
+            message.Fill(in);
+        else
+            mail_structure_detail::fill_from(message, in, first_offset);
+    } catch (const std::ios_base::failure&) {
+        return "ios_failure";
+    } catch (const std::runtime_error& error) {
+        return std::string("runtime_error: ") + error.what();
+    } catch (const std::length_error&) {
+        return "length_error";
+    } catch (const std::bad_cast&) {
+        return "bad_cast";
+    } catch (const std::bad_alloc&) {
+        return "bad_alloc";
+    } catch (...) {
+        return "other";
+    }
+    return {};
+}
+
+bool g_full_run = false;
+
+} // namespace
+
+void parse_with_library(library_result& result, const std::string& input, const reference::options& wanted,
+                        const test_support::delivery& way) {
+    MailStructure::m_memlimit = wanted.m_memlimit;
+    result.m_message.m_keep_text = wanted.m_keep_text;
+    result.m_message.m_done = false;
+    test_support::delivered_stream in(input, way);
+    result.m_error = fill_and_name_error(result.m_message, in, wanted.m_first_offset);
+    MailStructure::m_memlimit = 0xFFFFFFFF;
+}
+
+reference::message parse_with_reference(const std::string& input, const reference::options& wanted) {
+    std::istringstream in(input);
+    return reference::parse(in, wanted);
+}
+
+std::string library_difference(library_result& result, const std::string& input, const reference::options& wanted,
+                               const test_support::delivery& way, const reference::message& expected) {
+    parse_with_library(result, input, wanted, way);
+    return test_support::first_difference(result.m_message, result.m_error, expected);
+}
+
+std::string failure_report(const std::string& input, const reference::options& wanted,
+                           const test_support::delivery& way) {
+    const auto difference_of = [&](const std::string& text) {
+        library_result fresh;
+        return library_difference(fresh, text, wanted, way, parse_with_reference(text, wanted));
+    };
+    std::ostringstream report;
+    report << difference_of(input) << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text
+           << ", memlimit " << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
+    const std::string small =
+        test_support::shrunk(input, [&](const std::string& text) { return !difference_of(text).empty(); });
+    report << "\n  shrunk to \"" << test_support::escaped(small) << "\"\n  which gives " << difference_of(small);
+    return report.str();
+}
+
+bool full_run() {
+    const char* const wish = std::getenv("MAILSTRUCTURE_FULL");
+    return g_full_run || (wish != nullptr && std::string(wish) != "0" && *wish != '\0');
+}
+
+void ask_for_full_run() { g_full_run = true; }
+
+void record_count(const char* what, std::uint64_t count) {
+    std::cout << "    " << what << ": " << count << '\n';
+    testing::Test::RecordProperty(what, std::to_string(count));
+}
+
+} // namespace differential

@@ -1,0 +1,256 @@
+// Messages nested as deep as their size allows, a few bytes a level. Whatever is done with such a tree is
+// done on a stack far too small for anything that recurses on its depth.
+
+#include <mail_structure.h>
+
+#include "support/parse.h"
+#include "support/small_stack.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <istream>
+#include <streambuf>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace hostile {
+namespace {
+
+using entity = MailStructure::MimeObj;
+
+/// A way to nest. The message is m_first, m_unit again and again, and m_innermost.
+struct shape {
+    const char* m_name;
+    const char* m_first;
+    const char* m_unit;
+    std::size_t m_levels_of_unit;
+    const char* m_innermost; // the last entity, with one field "a" and one body line
+};
+
+constexpr std::array<shape, 3> shapes = {{
+    // Each "C:" is a Content-Type field without a value, which makes its entity a message. The blank line
+    // right after it is dropped, the next one ends its header block; only the root needs no second.
+    {"messages", "C:\n\n", "C:\n\n\n", 1, "a:\n\n\n1\n"},
+    {"multiparts", "c:multipart/;b=X\n--X\n", "c:multipart/;b=X\n--X\n", 1, "a:\n\n1\n"},
+    {"messages_in_multiparts", "c:multipart/;b=X\n--X\n", "C:\n\nc:multipart/;b=X\n--X\n", 2, "a:\n\n1\n"},
+}};
+
+/// How the parse ends: with the input, or at a byte that cannot stand in a line, in the deepest entity.
+enum class ending : std::uint8_t { end_of_input, stray_byte };
+
+struct depth_case {
+    shape m_shape;
+    std::size_t m_levels; // the root and the innermost entity included
+    std::size_t m_stack_bytes;
+    ending m_ending;
+};
+
+/// Hands out a message piece by piece: any depth in constant memory.
+class nest_buffer : public std::streambuf {
+public:
+    explicit nest_buffer(const depth_case& wanted)
+        : m_piece(wanted.m_shape.m_first), m_unit(wanted.m_shape.m_unit), m_innermost(wanted.m_shape.m_innermost),
+          m_units_left((wanted.m_levels - 2) / wanted.m_shape.m_levels_of_unit) {
+        if (wanted.m_ending == ending::stray_byte) m_innermost.append("2").append(1, '\0').append("3\n");
+        hand_out();
+    }
+
+protected:
+    int_type underflow() override {
+        if (m_at_end) return traits_type::eof();
+        m_at_end = m_units_left == 0;
+        if (!m_at_end) --m_units_left;
+        m_piece = m_at_end ? m_innermost : m_unit;
+        hand_out();
+        return traits_type::to_int_type(*gptr());
+    }
+
+private:
+    void hand_out() { setg(m_piece.data(), m_piece.data(), m_piece.data() + m_piece.size()); }
+
+    std::string m_piece;
+    std::string m_unit;
+    std::string m_innermost;
+    std::size_t m_units_left;
+    bool m_at_end = false;
+};
+
+/// What a walk along the chain of last children finds.
+struct measured {
+    std::size_t m_levels = 0;
+    std::size_t m_levels_with_one_line = 0;
+    const entity* m_innermost = nullptr;
+};
+
+measured measure(const entity& root) {
+    measured result;
+    for (const entity* at = &root; at != nullptr; at = at->m_children.empty() ? nullptr : &at->m_children.back()) {
+        ++result.m_levels;
+        result.m_levels_with_one_line += at->m_lines == 1 ? 1U : 0U;
+        result.m_innermost = at;
+    }
+    return result;
+}
+
+entity& descendant(entity& root, std::size_t steps_down) {
+    entity* at = &root;
+    for (; steps_down > 0; --steps_down) at = &at->m_children.back();
+    return *at;
+}
+
+/// That the tree has all its levels, and that the one body line reached every one of them.
+void expect_depth(const entity& root, std::size_t levels) {
+    const measured found = measure(root);
+    EXPECT_EQ(found.m_levels, levels);
+    EXPECT_EQ(found.m_levels_with_one_line, levels);
+    EXPECT_EQ(found.m_innermost->m_body_len, 2U);
+    ASSERT_EQ(found.m_innermost->m_headers.size(), 1U);
+    EXPECT_EQ(found.m_innermost->m_headers[0].m_name, "a");
+}
+
+/// Takes whatever is written and counts its lines.
+class counting_buffer : public std::streambuf {
+public:
+    std::size_t lines() const { return m_lines; }
+
+protected:
+    int_type overflow(int_type c) override {
+        m_lines += c == '\n' ? 1U : 0U;
+        return traits_type::not_eof(c);
+    }
+    std::streamsize xsputn(const char* text, std::streamsize length) override {
+        for (std::streamsize i = 0; i < length; ++i) m_lines += text[i] == '\n' ? 1U : 0U;
+        return length;
+    }
+
+private:
+    std::size_t m_lines = 0;
+};
+
+/// Sends a standard stream elsewhere for as long as it lives.
+class redirected {
+public:
+    redirected(std::ostream& stream, std::streambuf& target) : m_stream(stream), m_before(stream.rdbuf(&target)) {}
+    ~redirected() { m_stream.rdbuf(m_before); }
+    redirected(const redirected&) = delete;
+    redirected& operator=(const redirected&) = delete;
+
+private:
+    std::ostream& m_stream;
+    std::streambuf* m_before;
+};
+
+void expect_dump(const MailStructure& message, std::size_t levels) {
+    counting_buffer errors;
+    counting_buffer output;
+    {
+        const redirected cerr_elsewhere(std::cerr, errors);
+        const redirected cout_elsewhere(std::cout, output);
+        std::ifstream unread;
+        message.Dump(unread);
+    }
+    EXPECT_GE(errors.lines(), 2 + levels * 6); // an entity has its own line, and five for ranges and its field
+    EXPECT_EQ(output.lines(), 2U);             // the rulers of the one leaf
+}
+
+class nested : public testing::TestWithParam<depth_case> {
+protected:
+    /// Runs the body of a test on the small stack of its case.
+    static void on_small_stack(const std::function<void()>& job) {
+        test_support::run_on_stack(GetParam().m_stack_bytes, job);
+    }
+
+    static std::size_t levels() { return GetParam().m_levels; }
+
+    /// Parses the message of the case, and checks how that ends.
+    static void fill(MailStructure& message) {
+        nest_buffer buffer(GetParam());
+        std::istream in(&buffer);
+        const bool stray = GetParam().m_ending == ending::stray_byte;
+        EXPECT_EQ(test_support::fill(message, in), stray ? "runtime_error: error in io input data" : "");
+        EXPECT_EQ(message.m_done, !stray);
+    }
+};
+
+TEST_P(nested, is_parsed_dumped_and_destroyed) {
+    on_small_stack([] {
+        MailStructure message;
+        fill(message);
+        expect_depth(message.m_root, levels());
+        expect_dump(message, levels());
+    });
+}
+
+TEST_P(nested, is_copied_and_assigned) {
+    on_small_stack([] {
+        MailStructure message;
+        fill(message);
+        entity copy(message.m_root);
+        expect_depth(copy, levels());
+        expect_depth(message.m_root, levels());
+        copy = message.m_root; // over a tree as deep
+        expect_depth(copy, levels());
+        message.m_root = descendant(message.m_root, levels() / 2);
+        expect_depth(message.m_root, levels() - levels() / 2);
+        message.m_root = *measure(message.m_root).m_innermost;
+        expect_depth(message.m_root, 1);
+    });
+}
+
+TEST_P(nested, is_moved) {
+    on_small_stack([] {
+        MailStructure message;
+        fill(message);
+        std::vector<entity> several;
+        several.push_back(std::move(message.m_root));
+        several.resize(100); // a growing vector moves what it holds
+        expect_depth(several.front(), levels());
+        message.m_done = false;
+        fill(message);
+        message.m_root = std::move(several.front()); // over a tree as deep
+        expect_depth(message.m_root, levels());
+        message.m_root = std::move(descendant(message.m_root, levels() / 2));
+        expect_depth(message.m_root, levels() - levels() / 2);
+    });
+}
+
+TEST_P(nested, is_cleared_and_filled_again) {
+    on_small_stack([] {
+        MailStructure message;
+        fill(message);
+        message.m_done = false;
+        fill(message); // clears the tree of the first
+        expect_depth(message.m_root, levels());
+        message.m_root.clear();
+        EXPECT_EQ(measure(message.m_root).m_levels, 1U);
+    });
+}
+
+std::vector<depth_case> depth_cases() {
+    std::vector<depth_case> cases;
+    for (const shape& nesting : shapes) {
+        for (const ending end : {ending::end_of_input, ending::stray_byte}) {
+            cases.push_back({nesting, 100002, 256 * 1024, end});
+            cases.push_back({nesting, 1000002, 128 * 1024, end});
+        }
+    }
+    return cases;
+}
+
+std::string depth_name(const testing::TestParamInfo<depth_case>& depth) {
+    const depth_case& wanted = depth.param;
+    return std::string(wanted.m_shape.m_name) + '_' + std::to_string(wanted.m_levels) + "_deep_on_"
+           + std::to_string(wanted.m_stack_bytes / 1024) + "_KiB"
+           + (wanted.m_ending == ending::stray_byte ? "_to_a_stray_byte" : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(shapes, nested, testing::ValuesIn(depth_cases()), depth_name);
+
+} // namespace
+} // namespace hostile
