@@ -1,44 +1,18 @@
 #include "differential/both_parsers.h"
 
-#include "parser/fill.h"
 #include "support/compare.h"
 #include "support/escape.h"
+#include "support/parse.h"
 #include "support/shrink.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <istream>
-#include <new>
 #include <sstream>
-#include <stdexcept>
-#include <typeinfo>
 
 namespace differential {
 namespace {
-
-/// Fills, and puts what left Fill into the words of the reference parser.
-std::string fill_and_name_error(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
-    try {
-        if (first_offset == 0)
-            message.Fill(in);
-        else
-            mail_structure_detail::fill_from(message, in, first_offset);
-    } catch (const std::ios_base::failure&) {
-        return "ios_failure";
-    } catch (const std::runtime_error& error) {
-        return std::string("runtime_error: ") + error.what();
-    } catch (const std::length_error&) {
-        return "length_error";
-    } catch (const std::bad_cast&) {
-        return "bad_cast";
-    } catch (const std::bad_alloc&) {
-        return "bad_alloc";
-    } catch (...) {
-        return "other";
-    }
-    return {};
-}
 
 bool g_full_run = false;
 
@@ -50,7 +24,7 @@ void parse_with_library(library_result& result, const std::string& input, const 
     result.m_message.m_keep_text = wanted.m_keep_text;
     result.m_message.m_done = false;
     test_support::delivered_stream in(input, way);
-    result.m_error = fill_and_name_error(result.m_message, in, wanted.m_first_offset);
+    result.m_error = test_support::fill(result.m_message, in, wanted.m_first_offset);
     MailStructure::m_memlimit = 0xFFFFFFFF;
 }
 

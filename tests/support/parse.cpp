@@ -1,5 +1,6 @@
 #include "support/parse.h"
 
+#include "parser/fill.h"
 #include "support/tree_text.h"
 
 #include <ios>
@@ -18,9 +19,12 @@ std::string with_error(std::string text, const std::string& error) {
 
 } // namespace
 
-std::string fill(MailStructure& message, std::istream& in) {
+std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
     try {
-        message.Fill(in);
+        if (first_offset == 0)
+            message.Fill(in);
+        else
+            mail_structure_detail::fill_from(message, in, first_offset);
         return {};
     } catch (const std::ios_base::failure&) { // before runtime_error, which it derives from
         return "ios_failure";

@@ -1,0 +1,157 @@
+// Fill when memory runs out: each allocation of each message fails once, alone and with all that follow it.
+
+#include <mail_structure.h>
+
+#include "parser/fill.h"
+#include "robustness/allocating_messages.h"
+#include "robustness/failing_new.h"
+#include "robustness/progress.h"
+#include "robustness/window_stream.h"
+#include "support/compare.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <ios>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <tuple>
+
+namespace {
+
+using test_support::allocating_message;
+using test_support::allocation_trap;
+using test_support::memory;
+using test_support::parse_steps;
+using test_support::window_stream;
+
+struct run_options {
+    std::size_t m_window;
+    memory m_afterwards;
+    std::ios_base::iostate m_mask;
+};
+
+/// Without a mask std::getline keeps a failure to enlarge the line to itself; with badbit in it, it does not.
+const run_options all_runs[] = {
+    {test_support::all_bytes, memory::comes_back, std::ios_base::goodbit},
+    {test_support::all_bytes, memory::stays_out, std::ios_base::badbit},
+    {7, memory::comes_back, std::ios_base::badbit},
+    {64, memory::stays_out, std::ios_base::goodbit},
+    {0, memory::comes_back, std::ios_base::goodbit},
+};
+
+#ifdef MAILSTRUCTURE_PLAIN
+constexpr bool reads_in_place = false; // every line is read by std::getline
+#else
+constexpr bool reads_in_place = true; // where the buffer has a get area
+#endif
+
+/// What one Fill did with a certain allocation failing.
+struct failed_run {
+    const char* m_error = ""; // in the words of the reference parser
+    bool m_has_sprung = false;
+    bool m_went_bad = false; // the stream has badbit
+    std::size_t m_taken = 0; // bytes
+};
+
+failed_run run(MailStructure& message, const allocating_message& filled_with, const run_options& options,
+               std::size_t failing) {
+    failed_run result;
+    window_stream in(filled_with.m_input, options.m_window);
+    in.exceptions(options.m_mask);
+    {
+        const allocation_trap trap(failing, options.m_afterwards);
+        try {
+            mail_structure_detail::fill_from(message, in, filled_with.m_first_offset);
+        } catch (const std::bad_alloc&) {
+            result.m_error = "bad_alloc";
+        } catch (const std::ios_base::failure&) {
+            result.m_error = "ios_failure";
+        } catch (const std::runtime_error& error) {
+            const bool is_ours = std::strcmp(error.what(), "error in io input data") == 0;
+            result.m_error = is_ours ? "runtime_error: error in io input data" : "another runtime_error";
+        } catch (const std::length_error&) {
+            result.m_error = "length_error";
+        } catch (...) {
+            result.m_error = "other";
+        }
+        result.m_has_sprung = trap.has_sprung();
+    }
+    result.m_went_bad = in.bad();
+    result.m_taken = in.taken();
+    return result;
+}
+
+class failed_fill : public testing::TestWithParam<std::tuple<allocating_message, bool>> {
+protected:
+    const allocating_message& filled_with() const { return std::get<0>(GetParam()); }
+    bool keep_text() const { return std::get<1>(GetParam()); }
+
+    /// The tree is as far as the bytes taken tell, and what left Fill is what should.
+    std::string judged(const MailStructure& message, const failed_run& result, const run_options& options) const {
+        const std::size_t lines = m_steps.lines_within(result.m_taken);
+        if (std::strcmp(result.m_error, "bad_alloc") == 0) {
+            if (message.m_done) return "m_done is set";
+            const std::size_t before = lines == 0 ? 0 : lines - 1;
+            return test_support::progress_difference(message.m_root, m_steps.after(before).root(),
+                                                     m_steps.after(lines).root());
+        }
+        // std::getline could not enlarge the line, and said so by badbit alone: the input ended there.
+        if (!result.m_went_bad || (reads_in_place && options.m_window != 0))
+            return std::string("left with ") + result.m_error;
+        return test_support::first_difference(message, result.m_error, m_steps.after(lines));
+    }
+
+    std::string refilled(MailStructure& message) const {
+        const failed_run result = run(message, filled_with(), all_runs[0], allocation_trap::never);
+        return test_support::first_difference(message, result.m_error, m_steps.at_end());
+    }
+
+    /// What the tests themselves keep from one comparison to the next is allocated before the counting.
+    void SetUp() override {
+        MailStructure message;
+        message.m_keep_text = keep_text();
+        ASSERT_EQ(refilled(message), "");
+    }
+
+    /// Lets one allocation after the other fail, until there is none left that could.
+    void run_all(const run_options& options) {
+        bool goes_on = true;
+        for (std::size_t failing = 0; goes_on; ++failing) {
+            const std::size_t live_before = test_support::live_allocations();
+            {
+                MailStructure message;
+                message.m_keep_text = keep_text();
+                const failed_run result = run(message, filled_with(), options, failing);
+                goes_on = result.m_has_sprung;
+                const std::string difference =
+                    result.m_has_sprung ? judged(message, result, options)
+                                        : test_support::first_difference(message, result.m_error, m_steps.at_end());
+                ASSERT_EQ(difference, "") << "allocation " << failing << ", window " << options.m_window;
+                message.m_done = false;
+                ASSERT_EQ(refilled(message), "") << "in the next Fill, allocation " << failing;
+            }
+            ASSERT_EQ(test_support::live_allocations(), live_before) << "leaked, allocation " << failing;
+        }
+    }
+
+private:
+    test_support::memory_limit m_limit{filled_with().m_memlimit};
+    parse_steps m_steps{filled_with().m_input, {keep_text(), filled_with().m_memlimit, filled_with().m_first_offset}};
+};
+
+TEST_P(failed_fill, leaves_the_tree_as_far_as_built) {
+    for (const run_options& options : all_runs) run_all(options);
+}
+
+std::string name_of(const testing::TestParamInfo<std::tuple<allocating_message, bool>>& info) {
+    return std::get<0>(info.param).m_name + (std::get<1>(info.param) ? "_keeping_text" : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(messages, failed_fill,
+                         testing::Combine(testing::ValuesIn(test_support::allocating_messages()), testing::Bool()),
+                         name_of);
+
+} // namespace

@@ -1,0 +1,212 @@
+// What the locales mean to Fill. The stream's tells which byte ends a line, as it does to std::getline; the global one
+// tells what is trimmed off field values.
+
+#include <mail_structure.h>
+
+#include "reference/reference_parser.h"
+#include "robustness/after_reading.h"
+#include "support/compare.h"
+#include "support/message_generator.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <ios>
+#include <locale>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace {
+
+using test_support::delivery;
+
+/// Takes another byte for the end of a line, as the character types of some foreign encodings do.
+class other_line_end : public std::ctype<char> {
+public:
+    explicit other_line_end(char end) : m_end(end) {}
+
+protected:
+    char do_widen(char c) const override { return c == '\n' ? m_end : c; }
+    const char* do_widen(const char* from, const char* end, char* to) const override {
+        while (from != end) *to++ = do_widen(*from++);
+        return end;
+    }
+
+private:
+    char m_end;
+};
+
+std::locale locale_with_line_end(char end) { return {std::locale::classic(), new other_line_end(end)}; }
+
+std::string with_line_end(std::string text, char end) {
+    std::replace(text.begin(), text.end(), '\n', end);
+    return text;
+}
+
+/// The library and the reference parser over streams of the locale.
+std::string difference(const std::string& text, const std::locale& locale, const delivery& way) {
+    test_support::delivered_stream for_fill(text, way);
+    test_support::delivered_stream for_reference(text, way);
+    for_fill.imbue(locale);
+    for_reference.imbue(locale);
+    MailStructure message;
+    const std::string error = test_support::fill(message, for_fill);
+    std::string report = test_support::first_difference(message, error, reference::parse(for_reference, {}));
+    if (report.empty() && for_fill.rdstate() != for_reference.rdstate()) report = "the states differ";
+    return report;
+}
+
+std::string tree_of(const std::string& text, char line_end) {
+    std::istringstream in(text);
+    in.imbue(locale_with_line_end(line_end));
+    return test_support::outcome_text(test_support::parse(in));
+}
+
+TEST(stream_locale, lines_end_where_its_line_feed_is) {
+    EXPECT_EQ(tree_of("a: b||hi|", '|'), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n");
+    EXPECT_EQ(tree_of("a: b\r|\r|hi", '|'), "1 text/plain h=0+8 m=0+10 b=8+2 c=8+2 n=1\n");
+}
+
+TEST(stream_locale, line_feeds_inside_lines_are_stray_bytes) {
+    EXPECT_EQ(tree_of("|1\nhi|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|\nhi|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|hi\n\r|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    std::string long_line = '|' + std::string(200, 'x') + '|';
+    for (std::size_t at = 1; at < 200; ++at) {
+        std::string text = long_line;
+        text[at] = '\n';
+        EXPECT_EQ(tree_of(text, '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    }
+}
+
+TEST(stream_locale, keeps_a_line_feed_before_the_end_of_the_line_unseen) {
+    EXPECT_EQ(tree_of("|hi\n|", '|'), "1 text/plain h=0+1 m=0+5 b=1+4 c=1+4 n=1\n");
+    EXPECT_EQ(tree_of("|hi|\n", '|'), "1 text/plain h=0+1 m=0+5 b=1+4 c=1+4 n=2\n");
+}
+
+TEST(stream_locale, any_byte_can_end_the_lines) {
+    const char ends[] = {'|', '\0', '\r', ' ', ':', '-', 'a', '\x80', '\xFF'};
+    for (const char end : ends) {
+        const std::locale locale = locale_with_line_end(end);
+        for (std::uint64_t seed = 1; seed <= 60; ++seed) {
+            const std::string text = test_support::generate_message(seed).m_input;
+            const delivery& way = test_support::all_deliveries[seed % test_support::all_deliveries.size()];
+            ASSERT_EQ(difference(with_line_end(text, end), locale, way), "") << int{end} << ", seed " << seed;
+            ASSERT_EQ(difference(text, locale, way), "") << "with LF, " << int{end} << ", seed " << seed;
+        }
+    }
+}
+
+TEST(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
+    const std::string text = "a: b||hi|ho";
+    const std::locale locale = locale_with_line_end('|');
+    for (std::size_t offset = 0; offset <= text.size(); ++offset) {
+        for (const auto kind : {test_support::fault::ends, test_support::fault::throws}) {
+            for (const delivery& way : test_support::all_deliveries) {
+                test_support::faulty_stream for_fill(text, offset, kind, way);
+                test_support::faulty_stream for_getline(text, offset, kind, way);
+                for_fill.imbue(locale);
+                for_getline.imbue(locale);
+                MailStructure message;
+                EXPECT_EQ(test_support::after_fill(message, for_fill), test_support::after_getline(for_getline))
+                    << "offset " << offset << ", " << way.m_name;
+            }
+        }
+    }
+}
+
+// Every standard locale has a character type, and there is no portable way to take it out. In this library
+// version a facet's place in the locale goes by the address of its id alone, so that a facet of another
+// kind can be put there; later ones do not look at what they find.
+#if defined(_GLIBCXX_RELEASE) && _GLIBCXX_RELEASE < 13
+
+/// Stands where the character type should be.
+class no_character_type : public std::locale::facet {
+public:
+    static std::locale::id& id;
+};
+std::locale::id& no_character_type::id = std::ctype<char>::id;
+
+std::locale locale_without_character_type() { return {std::locale::classic(), new no_character_type}; }
+
+TEST(stream_locale, without_a_character_type_gives_bad_cast) {
+    ASSERT_FALSE(std::has_facet<std::ctype<char>>(locale_without_character_type()));
+    const auto make = [] {
+        auto in = std::make_unique<std::istringstream>("a: b\n\nhi\n");
+        in->imbue(locale_without_character_type());
+        return in;
+    };
+    const auto for_fill = make();
+    const auto for_getline = make();
+    MailStructure message;
+    message.m_root.get_obj();
+    const auto found = test_support::after_fill(message, *for_fill);
+    EXPECT_EQ(found, test_support::after_getline(*for_getline));
+    EXPECT_EQ(found.m_error, "bad_cast");
+    EXPECT_EQ(found.m_rest, "a: b\n\nhi\n");
+    EXPECT_EQ(test_support::first_difference(message, found.m_error, reference::parse(*make(), {})), "");
+}
+
+/// Sets the global locale, and sets it back at the end.
+class global_locale {
+public:
+    explicit global_locale(const std::locale& locale) : m_before(std::locale::global(locale)) {}
+    ~global_locale() { std::locale::global(m_before); }
+    global_locale(const global_locale&) = delete;
+    global_locale& operator=(const global_locale&) = delete;
+
+private:
+    std::locale m_before;
+};
+
+TEST(global_locale, without_a_character_type_gives_bad_cast_at_the_first_field_value) {
+    std::istringstream for_fill("a: b\n\nhi\n");
+    std::istringstream for_reference("a: b\n\nhi\n");
+    MailStructure message;
+    std::string error;
+    reference::message wanted;
+    {
+        const global_locale changed(locale_without_character_type());
+        error = test_support::fill(message, for_fill);
+        wanted = reference::parse(for_reference, {});
+    }
+    EXPECT_EQ(error, "bad_cast");
+    EXPECT_EQ(test_support::first_difference(message, error, wanted), "");
+}
+
+#endif
+
+/// Finds blanks in letters.
+class spacious_letters : public std::ctype<char> {
+public:
+    spacious_letters() : std::ctype<char>(table()) {}
+
+private:
+    static const mask* table() {
+        static mask changed[table_size];
+        std::copy_n(classic_table(), table_size, changed);
+        // 'x' and a byte above 127 become blanks, the tab does not stay one.
+        for (const std::size_t blank : {0x78U, 0xA0U}) changed[blank] |= space;
+        changed[0x09] = 0;
+        return changed;
+    }
+};
+
+TEST(global_locale, tells_what_is_trimmed_off_values_and_nothing_else) {
+    const std::locale before = std::locale::global({std::locale::classic(), new spacious_letters});
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
+        const std::string text = test_support::generate_message(seed).m_input;
+        EXPECT_EQ(difference(text, std::locale::classic(), test_support::all_deliveries[0]), "") << "seed " << seed;
+    }
+    const auto outcome = test_support::parse("a: xx\xA0 v x\r\nxx: x\n\nhi\n");
+    std::locale::global(before);
+    ASSERT_EQ(outcome.m_message.m_root.m_headers.size(), 2U);
+    EXPECT_EQ(outcome.m_message.m_root.m_headers[0].m_value, "v");
+    EXPECT_EQ(outcome.m_message.m_root.m_headers[1].m_name, "xx");
+    EXPECT_EQ(outcome.m_message.m_root.m_headers[1].m_value, "");
+}
+
+} // namespace

@@ -1,0 +1,333 @@
+// How Fill leaves the stream it has read: in the place, with the state and by the exception with which std::getline
+// leaves it, whatever the stream does.
+
+#include <mail_structure.h>
+
+#include "reference/reference_parser.h"
+#include "robustness/after_reading.h"
+#include "robustness/window_stream.h"
+#include "support/case_name.h"
+#include "support/compare.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <ios>
+#include <memory>
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace std::string_view_literals;
+using test_support::after_fill;
+using test_support::after_getline;
+using test_support::after_reading;
+using test_support::delivery;
+using test_support::fault;
+
+struct named_message {
+    const char* m_name;
+    std::string_view m_text;
+};
+
+void PrintTo(const named_message& message, std::ostream* out) { *out << message.m_name; }
+
+constexpr named_message messages[] = {
+    {"empty", ""},
+    {"plain", "Subject: a\n b\n\nhi\n\nho\n"},
+    {"plain_with_crlf", "Subject: a\r\n b\r\n\r\nhi\r\n\r\nho\r\n"},
+    {"without_final_newline", "a: b\n\nhi\nho"},
+    {"multipart", "C:multipart/x;b=X\n\npre\n--X\nC:m\n\na:b\n\nhi\n--X\n\n1\n--X--\nepi\n"},
+    {"stray_byte", "a: b\n\nhi\nh\ro\nhi\n"},
+    {"stray_nul_at_the_start", "\0: b\n\nhi\n"sv},
+    {"name_without_colon", "a: b\nab\r\n\r\nhi\n"},
+};
+
+constexpr std::ios_base::iostate state_bits[] = {std::ios_base::eofbit, std::ios_base::failbit, std::ios_base::badbit};
+
+/// The state, or exception mask, of a number from 0 to 7.
+std::ios_base::iostate state_of(unsigned number) {
+    std::ios_base::iostate state = std::ios_base::goodbit;
+    for (unsigned bit = 0; bit < 3; ++bit)
+        if ((number >> bit & 1U) != 0) state |= state_bits[bit];
+    return state;
+}
+
+/// Three readers of streams that are made alike: Fill, a loop over std::getline, and the reference parser.
+/// @param make_stream  makes one of the streams
+/// @param own          where the text of the stream would end the parse of itself
+/// @return "" or what differs
+template <class Make>
+std::string difference(Make make_stream, const test_support::erroneous_line& own) {
+    const auto for_fill = make_stream();
+    const auto for_getline = make_stream();
+    const auto for_reference = make_stream();
+    MailStructure message;
+    const after_reading found = after_fill(message, *for_fill);
+    const after_reading wanted = after_getline(*for_getline, own.m_lines, own.m_error);
+    if (found != wanted) {
+        std::ostringstream report;
+        report << "found " << found << "\nwanted " << wanted;
+        return report.str();
+    }
+    return test_support::first_difference(message, found.m_error, reference::parse(*for_reference, {}));
+}
+
+class faulty_streams : public testing::TestWithParam<named_message> {
+protected:
+    void expect_as_getline(fault kind) const {
+        const std::string_view text = GetParam().m_text;
+        for (std::size_t offset = 0; offset <= text.size(); ++offset) {
+            const auto own = test_support::first_erroneous_line(text.substr(0, offset));
+            for (const delivery& way : test_support::all_deliveries) {
+                for (unsigned mask = 0; mask < 8; ++mask) {
+                    const auto make = [&] {
+                        auto in = std::make_unique<test_support::faulty_stream>(text, offset, kind, way);
+                        in->exceptions(state_of(mask));
+                        return in;
+                    };
+                    ASSERT_EQ(difference(make, own), "")
+                        << "at offset " << offset << ", " << way.m_name << ", mask " << state_of(mask);
+                }
+            }
+        }
+    }
+};
+
+TEST_P(faulty_streams, that_end_are_left_as_by_getline) { expect_as_getline(fault::ends); }
+
+TEST_P(faulty_streams, that_throw_are_left_as_by_getline) { expect_as_getline(fault::throws); }
+
+TEST_P(faulty_streams, that_set_badbit_are_left_as_by_getline) { expect_as_getline(fault::sets_badbit); }
+
+INSTANTIATE_TEST_SUITE_P(messages, faulty_streams, testing::ValuesIn(messages), test_support::case_name<named_message>);
+
+/// A buffer that says at an offset that its input is over, and has more when it is asked again.
+class pausing_buffer : public test_support::window_buffer {
+public:
+    pausing_buffer(std::string_view text, std::size_t offset, std::size_t window)
+        : window_buffer(text, window), m_offset(offset) {}
+
+protected:
+    int_type underflow() override { return pauses() ? traits_type::eof() : window_buffer::underflow(); }
+    int_type uflow() override { return pauses() ? traits_type::eof() : window_buffer::uflow(); }
+
+private:
+    bool pauses() {
+        if (m_has_paused || taken() < m_offset) return false;
+        m_has_paused = true;
+        return true;
+    }
+
+    std::size_t m_offset;
+    bool m_has_paused = false;
+};
+
+/// A buffer that only knows how to hand out bytes: whatever else is asked of it is a failure.
+class one_way_buffer : public test_support::window_buffer {
+public:
+    using window_buffer::window_buffer;
+
+protected:
+    pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override {
+        ADD_FAILURE() << "it was asked to seek";
+        return pos_type(off_type(-1));
+    }
+    pos_type seekpos(pos_type, std::ios_base::openmode) override { return seekoff(0, std::ios_base::beg, {}); }
+    std::streambuf* setbuf(char*, std::streamsize) override {
+        ADD_FAILURE() << "it was given a buffer";
+        return this;
+    }
+    int sync() override {
+        ADD_FAILURE() << "it was asked to synchronise";
+        return -1;
+    }
+    int_type pbackfail(int_type) override {
+        ADD_FAILURE() << "it was asked to take a byte back";
+        return traits_type::eof();
+    }
+};
+
+/// A stream that owns its buffer.
+template <class Buffer>
+class stream_over : public std::istream {
+public:
+    template <class... Arguments>
+    explicit stream_over(Arguments... arguments) : std::istream(nullptr), m_buffer(arguments...) {
+        rdbuf(&m_buffer);
+    }
+
+private:
+    Buffer m_buffer;
+};
+
+TEST(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
+    for (const named_message& message : messages) {
+        for (std::size_t offset = 0; offset <= message.m_text.size(); ++offset) {
+            const auto own = test_support::first_erroneous_line(message.m_text.substr(0, offset));
+            for (const std::size_t window : {std::size_t{0}, std::size_t{1}, std::size_t{5}, offset}) {
+                const auto make = [&] {
+                    return std::make_unique<stream_over<pausing_buffer>>(message.m_text, offset, window);
+                };
+                // With a window of 5 the pause comes at the end of a window, and so perhaps later.
+                if (window == 5 && offset % 5 != 0) continue;
+                ASSERT_EQ(difference(make, own), "") << message.m_name << " at offset " << offset;
+            }
+        }
+    }
+}
+
+TEST(stream_state, nothing_but_bytes_is_asked_of_the_buffer) {
+    for (const named_message& message : messages) {
+        const auto own = test_support::first_erroneous_line(message.m_text);
+        for (const std::size_t window : {0U, 1U, 7U, 1000U}) {
+            const auto make = [&] { return std::make_unique<stream_over<one_way_buffer>>(message.m_text, window); };
+            EXPECT_EQ(difference(make, own), "") << message.m_name << " through a window of " << window;
+        }
+    }
+}
+
+TEST(stream_state, a_stream_that_is_not_good_stays_unread) {
+    for (unsigned state = 1; state < 8; ++state) {
+        for (unsigned mask = 0; mask < 8; ++mask) {
+            const auto make = [&] {
+                auto in = std::make_unique<std::istringstream>("a: b\n\nhi\n");
+                in->exceptions(state_of(mask));
+                try {
+                    in->clear(state_of(state));
+                } catch (const std::ios_base::failure&) { // the state is set for all that
+                }
+                return in;
+            };
+            EXPECT_EQ(difference(make, {}), "") << "state " << state_of(state) << ", mask " << state_of(mask);
+        }
+    }
+}
+
+TEST(stream_state, a_stream_without_a_buffer_stays_as_it_is) {
+    const auto make = [] { return std::make_unique<std::istream>(nullptr); };
+    EXPECT_EQ(difference(make, {}), "");
+    std::istream in(nullptr);
+    MailStructure message;
+    message.Fill(in);
+    EXPECT_TRUE(message.m_done);
+    EXPECT_EQ(message.m_root.m_mime_len, 0U);
+}
+
+TEST(stream_state, reading_begins_where_the_stream_stands) {
+    for (const named_message& message : messages) {
+        const std::string text = "xyz" + std::string(message.m_text);
+        const auto own = test_support::first_erroneous_line(message.m_text);
+        for (const delivery& way : test_support::all_deliveries) {
+            const auto make = [&] {
+                auto in = std::make_unique<test_support::delivered_stream>(text, way);
+                char taken[3];
+                in->read(taken, 3); // gcount is 3 and stays so
+                return in;
+            };
+            EXPECT_EQ(difference(make, own), "") << message.m_name << ' ' << way.m_name;
+        }
+    }
+}
+
+TEST(stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
+    const std::string_view text = "a: b\n\nh\ri\nc: d\n\nho\n";
+    for (const delivery& way : test_support::all_deliveries) {
+        test_support::delivered_stream in(text, way);
+        MailStructure message;
+        EXPECT_EQ(test_support::fill(message, in), "runtime_error: error in io input data");
+        EXPECT_TRUE(in.good()) << way.m_name;
+        EXPECT_EQ(test_support::fill(message, in), "");
+        ASSERT_EQ(message.m_root.m_headers.size(), 1U) << way.m_name;
+        EXPECT_EQ(message.m_root.m_headers[0].m_name, "c");
+        EXPECT_EQ(message.m_root.m_body_beg, 6U);
+    }
+}
+
+TEST(stream_state, width_and_blank_skipping_mean_nothing) {
+    for (const bool skips : {false, true}) {
+        const auto make = [&] {
+            auto in = std::make_unique<std::istringstream>("a: b\n  folded\n\n\n   hi\n");
+            in->width(2);
+            if (skips)
+                in->setf(std::ios_base::skipws);
+            else
+                in->unsetf(std::ios_base::skipws);
+            return in;
+        };
+        EXPECT_EQ(difference(make, {}), "");
+        const auto in = make();
+        MailStructure message;
+        message.Fill(*in);
+        EXPECT_EQ(in->width(), 2);
+    }
+}
+
+TEST(stream_state, a_tied_stream_is_flushed_before_the_first_byte_is_asked_for) {
+    struct counting_buffer : std::stringbuf {
+        int m_flushes = 0;
+        int sync() override {
+            ++m_flushes;
+            return 0;
+        }
+    } screen;
+    struct asking_buffer : std::streambuf {
+        const counting_buffer* m_screen = nullptr;
+        int m_flushes_at_first = -1;
+        int_type underflow() override {
+            if (m_flushes_at_first < 0) m_flushes_at_first = m_screen->m_flushes;
+            return traits_type::eof();
+        }
+    } keyboard;
+    keyboard.m_screen = &screen;
+    std::ostream out(&screen);
+    std::istream in(&keyboard);
+    in.tie(&out);
+    MailStructure message;
+    message.Fill(in);
+    EXPECT_GT(keyboard.m_flushes_at_first, 0);
+}
+
+/// The stream's own idea of its position, once its state is cleared.
+std::streamoff position_of(std::istream& in) {
+    in.clear();
+    return in.tellg();
+}
+
+TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
+    std::string text;
+    for (int line = 0; line < 3000; ++line) text += "1 line of a body that is longer than the buffers of files\n";
+    const std::string place = testing::TempDir() + "mailstructure_stream_state_test.eml";
+    for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190}, text.size() - 3}) {
+        std::string damaged = text;
+        damaged[stray] = '\r';
+        {
+            std::ofstream file(place, std::ios_base::binary);
+            file << damaged;
+        }
+        const auto own = test_support::first_erroneous_line(damaged.substr(0, damaged.find('\n', stray) + 1));
+        for (const bool from_file : {false, true}) {
+            const auto make = [&]() -> std::unique_ptr<std::istream> {
+                if (from_file) return std::make_unique<std::ifstream>(place, std::ios_base::binary);
+                return std::make_unique<std::istringstream>(damaged);
+            };
+            EXPECT_EQ(difference(make, own), "") << "stray byte at " << stray;
+            const auto for_fill = make();
+            const auto for_getline = make();
+            MailStructure message;
+            EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
+            std::string line;
+            for (std::size_t count = 0; count < own.m_lines; ++count) std::getline(*for_getline, line);
+            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline)) << "stray byte at " << stray;
+        }
+    }
+    std::remove(place.c_str());
+}
+
+} // namespace

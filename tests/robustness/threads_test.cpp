@@ -1,0 +1,104 @@
+// Threads that each have parsers and trees of their own do not meet.
+
+#include <mail_structure.h>
+
+#include "robustness/allocating_messages.h"
+#include "support/parse.h"
+#include "support/streams.h"
+#include "support/tree_text.h"
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using test_support::allocating_message;
+
+constexpr std::size_t thread_count = 16;
+constexpr std::size_t rounds = 3;
+
+struct expected_message {
+    std::string m_input;
+    std::string m_full_tree; // with the words for what left Fill
+};
+
+std::vector<expected_message> expected_messages() {
+    std::vector<expected_message> expected;
+    for (const allocating_message& message : test_support::allocating_messages())
+        expected.push_back({message.m_input, test_support::full_outcome_text(
+                                                 test_support::parse(message.m_input, {.m_keep_text = true}))});
+    return expected;
+}
+
+/// What one thread does with one message; how many of its results were wrong.
+std::size_t wrong_results(MailStructure& reused, const expected_message& expected, std::size_t way) {
+    test_support::parse_outcome outcome;
+    outcome.m_message.m_keep_text = reused.m_keep_text = true;
+    test_support::delivered_stream in(expected.m_input, test_support::all_deliveries[way]);
+    outcome.m_error = test_support::fill(outcome.m_message, in);
+    std::size_t wrong = test_support::full_outcome_text(outcome) == expected.m_full_tree ? 0 : 1;
+
+    test_support::delivered_stream again(expected.m_input, test_support::all_deliveries[0]);
+    test_support::fill(reused, again);
+    outcome.m_message.m_root = reused.m_root;
+    wrong += test_support::full_outcome_text(outcome) == expected.m_full_tree ? 0 : 1;
+    outcome.m_message.m_root = std::move(reused.m_root);
+    wrong += test_support::full_outcome_text(outcome) == expected.m_full_tree ? 0 : 1;
+
+    const std::string name = "content-t";
+    const MailStructure::MimeObj copy(outcome.m_message.m_root);
+    outcome.m_message.m_root.clear();
+    if (copy.find_header(name, nullptr) == &name) ++wrong;
+    return wrong;
+}
+
+TEST(threads, with_parsers_of_their_own_get_the_trees_of_one_thread) {
+    const std::vector<expected_message> expected = expected_messages();
+    std::atomic<std::size_t> wrong = 0;
+    std::atomic<std::size_t> done = 0;
+    std::atomic<std::size_t> ready = 0;
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < thread_count; ++number)
+        threads.emplace_back([&, number] {
+            ++ready;
+            while (ready < thread_count) std::this_thread::yield(); // all begin at once
+            MailStructure reused;
+            for (std::size_t i = 0; i < rounds * expected.size(); ++i) {
+                // Some go through the messages in step with each other, some shifted.
+                const expected_message& message = expected[(i + number / 2) % expected.size()];
+                wrong += wrong_results(reused, message, (i + number) % test_support::all_deliveries.size());
+                ++done;
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0U);
+    EXPECT_EQ(done, thread_count * rounds * expected.size());
+}
+
+TEST(threads, may_read_one_tree_together) {
+    const auto outcome = test_support::parse(
+        "C: multipart/x; b=X\n\n--X\nSubject: a\n\nhi\n--X\n\n1\n--X--\nepilogue\n", {.m_keep_text = true});
+    const std::string wanted = test_support::full_outcome_text(outcome);
+    const std::string name = "sub";
+    std::array<std::size_t, thread_count> wrong{};
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < thread_count; ++number)
+        threads.emplace_back([&, number] {
+            for (int round = 0; round < 50; ++round) {
+                const MailStructure::MimeObj copy(outcome.m_message.m_root);
+                if (test_support::full_tree_text(copy) != wanted) ++wrong[number];
+                const auto* const found = outcome.m_message.m_root.m_children[0].find_header(name, nullptr);
+                if (found == nullptr || *found != "a") ++wrong[number];
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, (std::array<std::size_t, thread_count>{}));
+}
+
+} // namespace

@@ -1,0 +1,76 @@
+// Offsets that wrap at every byte of a message give the tree of the reference parser. The messages begin near the wrap, so
+// that they can be short.
+
+#include <mail_structure.h>
+
+#include "parser/fill.h"
+#include "reference/reference_parser.h"
+#include "robustness/window_stream.h"
+#include "support/compare.h"
+#include "support/escape.h"
+#include "support/message_generator.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// Where the offsets of the library's tree differ from the reference parser's.
+std::string difference(const std::string& text, const reference::options& wanted) {
+    const test_support::memory_limit limit(wanted.m_memlimit);
+    MailStructure message;
+    message.m_keep_text = wanted.m_keep_text;
+    test_support::window_stream in(text, test_support::all_bytes);
+    std::string error;
+    try {
+        mail_structure_detail::fill_from(message, in, wanted.m_first_offset);
+    } catch (const std::runtime_error& thrown) {
+        error = std::string("runtime_error: ") + thrown.what();
+    } catch (const std::length_error&) {
+        error = "length_error";
+    }
+    std::istringstream for_reference(text);
+    return test_support::first_difference(message, error, reference::parse(for_reference, wanted));
+}
+
+/// The first offset with which the wrap comes after so many bytes of the message.
+std::uint32_t wrapping_after(std::size_t bytes) { return 0U - static_cast<std::uint32_t>(bytes); }
+
+TEST(wrap, at_every_byte_gives_the_reference_tree) {
+    const std::vector<std::string> messages{
+        "a: b\n c\n\nhi\n\nho\n",
+        "a: b\r\n c\r\n\r\nhi\r\n\r\nho",
+        "C:multipart/x;b=X\n\npre\n--X\nC:m\n\na:b\n\nhi\nho\n--X\n\n1\n2\n--X--\nepi\n\nlogue\n",
+        "C:multipart/x;b=X\n\n--X\nC:multipart/x;b=Y\n\n--Y\n\n\nhi\nho\n--Y--\nepi\n--X\n\n1\n--X--\nepi\n",
+        "C:m\n\n\nC:m\n\n\na:b\n\nhi\nho\n",
+        "C:multipart/x;b=X\n\n--X--\nepi\n--X\na: b\n\nhi\n--X--\n--X\nhu\n",
+        "hi\nho\nhu\n",
+        "\nhi\nho\n",
+    };
+    for (const std::string& message : messages) {
+        for (std::size_t bytes = 0; bytes <= message.size() + 1; ++bytes)
+            EXPECT_EQ(difference(message, {false, 0xFFFFFFFF, wrapping_after(bytes)}), "")
+                << "wrap after " << bytes << " bytes of \"" << test_support::escaped(message) << '"';
+    }
+}
+
+TEST(wrap, at_the_lines_of_random_messages_gives_the_reference_tree) {
+    for (std::uint64_t seed = 1; seed <= 700; ++seed) {
+        const test_support::generated_message made = test_support::generate_message(seed);
+        for (std::size_t end = 0; end != std::string::npos; end = made.m_input.find('\n', end + 1)) {
+            ASSERT_EQ(difference(made.m_input, {made.m_keep_text, made.m_memlimit, wrapping_after(end + 1)}), "")
+                << "seed " << seed << ", wrap after " << end + 1 << " bytes";
+            if (seed % 8 != 0) continue;
+            ASSERT_EQ(difference(made.m_input, {made.m_keep_text, made.m_memlimit, wrapping_after(end)}), "")
+                << "seed " << seed << ", wrap after " << end << " bytes";
+        }
+    }
+}
+
+} // namespace
