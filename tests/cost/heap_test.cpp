@@ -1,0 +1,97 @@
+// What a tree takes on the heap, for each entity and each field; and that a message without structure takes
+// next to nothing, however long it is.
+
+#include "cost/heap_meter.h"
+#include "cost/shapes.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+using cost::heap_meter;
+using cost::shape;
+using test_support::repeating_stream;
+
+namespace {
+
+struct tree_size {
+    std::size_t m_entities = 0;
+    std::size_t m_fields = 0;
+    std::size_t m_parameters = 0;
+};
+
+tree_size size_of(const MailStructure::MimeObj& root) {
+    tree_size size;
+    std::vector<const MailStructure::MimeObj*> waiting{&root};
+    while (!waiting.empty()) {
+        const MailStructure::MimeObj& entity = *waiting.back();
+        waiting.pop_back();
+        ++size.m_entities;
+        size.m_fields += entity.m_headers.size();
+        for (const MailStructure::header& field : entity.m_headers) size.m_parameters += field.m_params.size();
+        for (const MailStructure::MimeObj& child : entity.m_children) waiting.push_back(&child);
+    }
+    return size;
+}
+
+class text_buffer : public std::streambuf {
+public:
+    explicit text_buffer(std::string& text) { setg(text.data(), text.data(), text.data() + text.size()); }
+};
+
+/// The most that a tree may take at any moment of the parse. A vector that grows holds its elements twice for a
+/// moment, and room for as many again afterwards.
+constexpr std::size_t entity_bytes = 4 * sizeof(MailStructure::MimeObj) + 128;
+constexpr std::size_t field_bytes = 4 * sizeof(MailStructure::header) + 64;
+constexpr std::size_t parameter_bytes = 4 * 2 * sizeof(std::string) + 64;
+constexpr std::size_t message_bytes = 64 << 10;
+
+TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
+    std::cout << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and of each "
+                 "entity, field and parameter together:\n";
+    for (const shape& wanted : cost::shapes()) {
+        std::string text = wanted.m_message(wanted.m_n);
+        if (wanted.m_keeps_text) continue; // bounded by its own size
+        text_buffer buffer(text);
+        std::istream in(&buffer);
+        const heap_meter meter;
+        {
+            MailStructure message;
+            test_support::fill(message, in);
+            const std::size_t peak = meter.peak();
+            const std::size_t after = meter.now();
+            const tree_size size = size_of(message.m_root);
+            const std::size_t elements = size.m_entities + size.m_fields + size.m_parameters;
+            std::cout << "    " << wanted.m_name << ": " << static_cast<double>(peak) / static_cast<double>(text.size())
+                      << " a byte; " << peak / elements << " peak, " << after / elements << " after, an element ("
+                      << size.m_entities << " entities, " << size.m_fields << " fields, " << size.m_parameters
+                      << " parameters)\n";
+            // A header line is copied once into its field, and once more while the value's room grows.
+            std::size_t header_text = 0;
+            for (const MailStructure::header& field : message.m_root.m_headers) header_text += field.m_value.size();
+            EXPECT_LE(peak, message_bytes + size.m_entities * entity_bytes + size.m_fields * field_bytes
+                                + size.m_parameters * parameter_bytes + 3 * header_text)
+                << wanted.m_name;
+        }
+        EXPECT_EQ(meter.now(), 0U) << wanted.m_name;
+    }
+}
+
+TEST(heap, holds_nothing_of_a_message_of_one_gibibyte) {
+    constexpr std::uint64_t gibibyte = std::uint64_t{1} << 30;
+    const std::string line = std::string(76, 'A') + "\r\n";
+    repeating_stream in("Content-Type: application/octet-stream\r\n\r\n", line, gibibyte);
+    MailStructure message;
+    const heap_meter meter;
+    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(message.m_root.m_mime_len, gibibyte);
+    EXPECT_LT(meter.peak(), std::size_t{1} << 20);
+    std::cout << "peak heap of Fill: " << meter.peak() << " bytes\n";
+}
+
+} // namespace
