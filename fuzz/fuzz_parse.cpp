@@ -1,0 +1,123 @@
+// Parses a message, holds the tree against what is true of all trees, parses again over the filled object, and
+// takes the tree through the life that a host gives it: copies, assignments, the dump, clear, destruction.
+
+#include <mail_structure.h>
+
+#include "fuzz_options.h"
+#include "require.h"
+#include "same_tree.h"
+#include "tree_rules.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <streambuf>
+
+namespace {
+
+enum class outcome : std::uint8_t { done, length_error, other_exception };
+
+outcome fill(MailStructure& message, const fuzz::fuzz_input& input) {
+    fuzz::input_stream stream(input);
+    message.m_done = false;
+    try {
+        message.Fill(stream.get());
+    } catch (const std::length_error&) {
+        fuzz::require(!message.m_done, "m_done stays when an exception leaves Fill");
+        return outcome::length_error;
+    } catch (const std::exception&) {
+        fuzz::require(!message.m_done, "m_done stays when an exception leaves Fill");
+        return outcome::other_exception;
+    }
+    fuzz::require(message.m_done, "m_done is set at the end of the input");
+    return outcome::done;
+}
+
+/// Takes what is written to it and keeps nothing.
+class null_buffer : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+};
+
+class streams_silenced {
+public:
+    streams_silenced() : m_cerr(std::cerr.rdbuf(&m_null)), m_cout(std::cout.rdbuf(&m_null)) {}
+    ~streams_silenced() {
+        std::cerr.rdbuf(m_cerr);
+        std::cout.rdbuf(m_cout);
+    }
+    streams_silenced(const streams_silenced&) = delete;
+    streams_silenced& operator=(const streams_silenced&) = delete;
+
+private:
+    null_buffer m_null;
+    std::streambuf* m_cerr;
+    std::streambuf* m_cout;
+};
+
+void dump(const MailStructure& message) {
+    static std::ifstream unread;
+    const streams_silenced silenced;
+    message.Dump(unread);
+}
+
+void require_cleared(const MailStructure::MimeObj& entity) {
+    MailStructure::MimeObj wanted;
+    wanted.m_parent = entity.m_parent;
+    wanted.m_type.clear();
+    wanted.m_subtype.clear();
+    wanted.m_encoding.clear();
+    fuzz::require_same_tree(entity, wanted, fuzz::parents::equal);
+}
+
+/// @param copy  a copy of the message's root, used up here
+void live_on(MailStructure& message, MailStructure::MimeObj& copy) {
+    MailStructure::MimeObj target;
+    target.get_obj()->get_obj();
+    target = copy;
+    fuzz::require_same_tree(target, copy, fuzz::parents::equal);
+    // From a descendant, which the assignment destroys. The deepest one along the last children.
+    MailStructure::MimeObj* below = &copy;
+    const MailStructure::MimeObj* original = &target;
+    while (!below->m_children.empty()) {
+        below = &below->m_children.back();
+        original = &original->m_children.back();
+    }
+    copy = *below;
+    fuzz::require_same_tree(copy, *original, fuzz::parents::equal);
+    MailStructure::MimeObj moved = std::move(target);
+    fuzz::require_same_tree(moved, message.m_root, fuzz::parents::ignored);
+    target = std::move(moved);
+    target.clear();
+    require_cleared(target);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const fuzz::fuzz_input input = fuzz::read_input(data, size);
+    MailStructure::m_memlimit = input.m_memlimit;
+    MailStructure message;
+    message.m_keep_text = input.m_keep_text;
+    const outcome first = fill(message, input);
+    fuzz::require_tree_rules(
+        message, {input.m_message, input.m_keep_text, input.has_memlimit(), first == outcome::length_error});
+
+    MailStructure::MimeObj copy(message.m_root);
+    fuzz::require_same_tree(copy, message.m_root, fuzz::parents::equal);
+
+    // Once more over the filled tree; how the bytes arrive must not matter, unless a fault stops them.
+    fuzz::fuzz_input again = input;
+    if (!input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit) again.m_stream_kind = 0;
+    fuzz::require(fill(message, again) == first, "a second run ends as the first");
+    fuzz::require_same_tree(message.m_root, copy, fuzz::parents::ignored);
+
+    if (!input.m_rare_steps) return 0;
+    if (input.m_dump) dump(message); // slow: it makes and flushes many small lines
+    live_on(message, copy);
+    return 0;
+}

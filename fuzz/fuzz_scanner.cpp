@@ -1,0 +1,75 @@
+// Holds each fast scanner against its plain twin. The first byte chooses the scanner, the second how far from an
+// aligned address the text begins; the text ends where its memory ends.
+
+#include "parser/body_scan.h"
+#include "parser/byte_scan.h"
+#include "require.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <iterator>
+#include <new>
+#include <string_view>
+
+namespace {
+
+using namespace mail_structure_detail;
+
+/// A scanner's name, and whether it comes to what its plain twin does.
+struct scanner {
+    const char* m_name;
+    bool (*m_agrees)(std::string_view text);
+};
+
+bool stray_byte_scan_agrees(std::string_view text) { return holds_stray_byte(text) == holds_stray_byte_plain(text); }
+
+/// All that this processor runs.
+bool body_scans_agree(std::string_view text) {
+    for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
+        const scanned_lines wanted = scan_body_plain(text, dashed);
+        for (const named_body_scanner& one : body_scanners()) {
+            const scanned_lines found = one.m_scan(text, dashed);
+            if (found.m_bytes != wanted.m_bytes || found.m_lines != wanted.m_lines) return false;
+        }
+    }
+    return true;
+}
+
+const scanner scanners[] = {
+    {"holds_stray_byte agrees with its twin", stray_byte_scan_agrees},
+    {"the body scanners agree with the plain one", body_scans_agree},
+};
+
+constexpr std::size_t alignments = 64;
+
+/// Begins at an aligned address and is exactly as long as asked for, so that a sanitizer sees who reads on.
+class aligned_memory {
+public:
+    explicit aligned_memory(std::size_t bytes) : m_bytes(static_cast<char*>(::operator new(bytes, alignment))) {}
+    ~aligned_memory() { ::operator delete(m_bytes, alignment); }
+    aligned_memory(const aligned_memory&) = delete;
+    aligned_memory& operator=(const aligned_memory&) = delete;
+
+    char* get() const { return m_bytes; }
+
+private:
+    static constexpr std::align_val_t alignment{alignments};
+    char* m_bytes;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return 0;
+    const scanner& chosen = scanners[data[0] % std::size(scanners)];
+    const std::size_t offset = data[1] % alignments;
+    const std::string_view bytes(reinterpret_cast<const char*>(data) + 2, size - 2);
+
+    const aligned_memory memory(offset + bytes.size());
+    std::memset(memory.get(), '\n', offset); // a scanner that begins too early finds something
+    char* const text = memory.get() + offset;
+    bytes.copy(text, bytes.size());
+    fuzz::require(chosen.m_agrees({text, bytes.size()}), chosen.m_name);
+    return 0;
+}
