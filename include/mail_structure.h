@@ -232,7 +232,8 @@ struct MAIL_STRUCTURE_API MailStructure {
     ///
     /// @throws std::runtime_error   "error in io input data": a CR, LF or NUL stands inside a line
     /// @throws std::length_error    a header line ended by CR LF holds a field name and no colon
-    /// @throws std::bad_alloc       out of memory
+    /// @throws std::bad_alloc       out of memory; while std::getline reads a line, which is where the stream's buffer
+    ///                              has no get area or its locale widens LF to another byte, it is a read error instead
     /// @throws std::bad_cast        the stream's locale has no std::ctype<char>
     /// and what the stream itself throws where the host has given it an exception mask. A read error
     /// without a mask ends the input, as the end of the data does.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <initializer_list>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -46,6 +47,13 @@ private:
 
     bool crlf() const { return m_endings != endings::lf; }
 
+    /// Drawn from left to right, as a chain of + would not promise: a seed gives the same message with every compiler.
+    static std::string joined(std::initializer_list<std::string> pieces) {
+        std::string all;
+        for (const std::string& piece : pieces) all += piece;
+        return all;
+    }
+
     std::string blank() { return m_random.one_of(words::blanks); }
 
     /// Makes a boundary up and remembers it, so that separators can name it.
@@ -61,13 +69,13 @@ private:
     }
 
     std::string boundary_parameter() {
-        return blank() + m_random.one_of(words::boundary_names) + blank() + '=' + blank()
-               + quoted_or_not(new_boundary());
+        return joined(
+            {blank(), m_random.one_of(words::boundary_names), blank(), "=", blank(), quoted_or_not(new_boundary())});
     }
 
     std::string other_parameter() {
-        return blank() + m_random.one_of(words::parameter_names) + blank() + (m_random.one_in(8) ? "" : "=") + blank()
-               + m_random.one_of(words::parameter_values);
+        return joined({blank(), m_random.one_of(words::parameter_names), blank(), m_random.one_in(8) ? "" : "=",
+                       blank(), m_random.one_of(words::parameter_values)});
     }
 
     /// Some parameters, each after its semicolon; any of them may stand on a folded line, where the parser
@@ -96,7 +104,7 @@ private:
 
     void content_type(const char* type, std::size_t boundary_odds) {
         std::string text = m_random.one_of(words::content_type_names);
-        text += ':' + blank() + type + blank();
+        text += joined({":", blank(), type, blank()});
         add_parameters(text, boundary_odds);
         line(text);
     }
@@ -110,10 +118,10 @@ private:
     }
 
     void plain_field() {
-        line(std::string(m_random.one_of(words::other_names)) + ':' + m_random.one_of(words::plain_values));
+        line(joined({m_random.one_of(words::other_names), ":", m_random.one_of(words::plain_values)}));
     }
 
-    void fold() { line(std::string(m_random.one_of(words::fold_starts)) + m_random.one_of(words::fold_texts)); }
+    void fold() { line(joined({m_random.one_of(words::fold_starts), m_random.one_of(words::fold_texts)})); }
 
     /// A name without a colon. Ended by CR LF it ends the parse, so it is rare where lines end so.
     void colonless_name() {
@@ -148,7 +156,8 @@ private:
         for (std::size_t i = 0; i < lines; ++i) {
             static constexpr std::size_t lengths[] = {0,  0,  1,  2,  5,   29,  60,  61, 62,
                                                       63, 64, 65, 76, 125, 126, 127, 130};
-            std::string text(m_random.one_of(lengths), static_cast<char>('!' + m_random.below(90)));
+            const std::size_t length = m_random.one_of(lengths);
+            std::string text(length, static_cast<char>('!' + m_random.below(90)));
             if (m_random.one_in(20)) text.insert(m_random.one_in(2) ? 0 : m_random.below(text.size()), "--");
             if (m_random.one_in(100)) text += '\0'; // legal, unless a CR follows
             if (m_random.one_in(15))
@@ -158,9 +167,14 @@ private:
         }
     }
 
+    std::string long_line() {
+        const std::size_t length = 1 + m_random.below(3000);
+        return std::string(length, "x-:; "[m_random.below(5)]);
+    }
+
     void body_line() {
         if (m_random.one_in(200))
-            line(std::string(1 + m_random.below(3000), "x-:; "[m_random.below(5)]));
+            line(long_line());
         else if (m_random.one_in(12))
             boundary_line();
         else
@@ -276,7 +290,8 @@ std::uint32_t limit_near_the_estimate(const std::string& input, seeded_random& r
             if (end - at > 3) estimates.push_back(estimates.back() + 64 + (end - at - 1) - 1);
         }
     }
-    const std::size_t nearby = random.one_of(estimates) + random.below(7);
+    std::size_t nearby = random.one_of(estimates);
+    nearby += random.below(7);
     return static_cast<std::uint32_t>(nearby < 3 ? 0 : nearby - 3);
 }
 
