@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <ostream>
 #include <string>
 
 namespace {
@@ -28,6 +29,9 @@ struct lookup_case {
     std::string m_query;
     int m_found; // index of the field, or -1
 };
+
+/// GoogleTest would print a row byte by byte, those between its members included.
+void PrintTo(const lookup_case& row, std::ostream* out) { *out << row.m_name; }
 
 // The fields are X-Subject, Subject-Line, SUBJECT, To and a field without a name, in this order.
 const lookup_case lookup_cases[] = {

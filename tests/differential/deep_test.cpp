@@ -41,7 +41,8 @@ private:
             m_text += m_random.one_in(2) ? "a: b\n" : "";
             return;
         }
-        m_boundaries.emplace_back(1 + m_random.below(2), "XYZ"[m_random.below(3)]);
+        const std::size_t length = 1 + m_random.below(2);
+        m_boundaries.emplace_back(length, "XYZ"[m_random.below(3)]);
         m_text += "c:multipart/;b=" + m_boundaries.back() + '\n';
         if (m_random.one_in(6)) some_lines(1);
         m_text += "--" + m_boundaries.back() + '\n';
