@@ -1,0 +1,271 @@
+"""Writes the figures of a benchmark run as a table (results.md) and as a picture (results.svg). See bench/run."""
+
+import argparse
+import datetime
+import glob
+import html
+import json
+import os
+import platform
+import statistics
+import subprocess
+
+WORKLOADS = {
+    "base64_crlf": "base64 attachments, CRLF, 64 MiB",
+    "text_lf": "plain text, LF, 64 MiB",
+    "small_messages": "5,000 small messages",
+    "tiny_parts": "1,000,000 parts",
+    "levels": "100,000 levels",
+    "fields": "1,000,000 fields",
+}
+STREAMS = {
+    "parse": "memory stream",
+    "keep_text": "memory stream, text kept",
+    "by_4096": "buffer that hands out 4 KB",
+    "ifstream": "`std::ifstream`",
+    "mapped": "memory-mapped file",
+}
+FLOORS = {"getline_floor": "`std::getline` loop", "memchr": "`memchr` loop", "memcpy": "`memcpy`"}
+PEERS = {"dovecot": "Dovecot", "gmime": "GMime", "mimetic": "mimetic"}
+SCANS = {"scan_avx512": "AVX-512", "scan_avx2": "AVX2", "scan_sse2": "SSE2", "scan_portable": "portable",
+         "scan_plain": "plain twin"}
+
+
+class Figure:
+    """The repeats of one benchmark, in seconds of processor time."""
+
+    def __init__(self):
+        self.times, self.bytes, self.lines, self.error = [], 0.0, 0.0, None
+
+    def megabytes_per_second(self):
+        return self.bytes / statistics.median(self.times) / 1e6
+
+    def best_megabytes_per_second(self):
+        return self.bytes / min(self.times) / 1e6
+
+    def nanoseconds_per_line(self):
+        return statistics.median(self.times) / self.lines * 1e9
+
+
+def read_figures(paths):
+    """The figures of all the files by name, "workload/what"."""
+    figures = {}
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            text = file.read()
+        for run in json.loads(text)["benchmarks"] if text else []: # an empty file: nothing was to be measured
+            figure = figures.setdefault(run["run_name"], Figure())
+            if run.get("error_occurred"):
+                figure.error = run["error_message"]
+                continue
+            figure.times.append(run["cpu_time"] / 1e3)
+            figure.bytes, figure.lines = run["bytes"], run["lines"]
+    return figures
+
+
+def has_times(figures, name):
+    return name in figures and bool(figures[name].times)
+
+
+def rate(figures, name):
+    return f"{figures[name].megabytes_per_second():,.0f}" if has_times(figures, name) else "–"
+
+
+def ratio(figures, name, others, other):
+    """How many times as fast as the other the first one is."""
+    if not (has_times(figures, name) and has_times(others, other)):
+        return "–"
+    times = figures[name].megabytes_per_second() / others[other].megabytes_per_second()
+    return f"{times:.2f}" if times < 10 else f"{times:.0f}"
+
+
+def table(heads, rows):
+    lines = [heads, ["---"] + ["---:"] * (len(heads) - 1)] + rows
+    return "".join("| " + " | ".join(cells) + " |\n" for cells in lines) + "\n"
+
+
+def speed_row(figures, plain, name, title):
+    figure = figures[name]
+    return [title, f"{figure.megabytes_per_second():,.0f}", f"{figure.best_megabytes_per_second():,.0f}",
+            f"{figure.nanoseconds_per_line():.1f}", ratio(figures, name, plain, name)]
+
+
+def memory_table(figures, plain):
+    rows = []
+    for workload, title in WORKLOADS.items():
+        name = workload + "/parse"
+        if has_times(figures, name):
+            rows.append(speed_row(figures, plain, name, title)
+                        + [ratio(figures, name, figures, f"{workload}/{floor}") for floor in FLOORS])
+    return table(["workload", "MB/s", "best MB/s", "ns per line", "× plain build"]
+                 + [f"× {title}" for title in FLOORS.values()], rows)
+
+
+def peer_table(figures):
+    rows = []
+    for workload, title in WORKLOADS.items():
+        cells = [title, rate(figures, workload + "/parse")]
+        for peer in PEERS:
+            cells += [rate(figures, f"{workload}/{peer}"),
+                      ratio(figures, workload + "/parse", figures, f"{workload}/{peer}")]
+        rows.append(cells)
+    heads = ["workload", "MB/s"]
+    for title in PEERS.values():
+        heads += [f"{title} MB/s", "×"]
+    return table(heads, rows)
+
+
+def peer_errors(figures):
+    return "".join(f"- {PEERS[name.split('/')[1]]} {figure.error} of “{WORKLOADS[name.split('/')[0]]}”.\n"
+                   for name, figure in figures.items() if figure.error and name.split("/")[1] in PEERS)
+
+
+def stream_table(figures, plain):
+    rows = []
+    for workload in ("base64_crlf", "text_lf"):
+        for stream, title in STREAMS.items():
+            name = f"{workload}/{stream}"
+            if has_times(figures, name):
+                floor = ratio(figures, name, figures, workload + "/ifstream_floor") if stream == "ifstream" else ""
+                rows.append(speed_row(figures, plain, name, f"{WORKLOADS[workload]}: {title}") + [floor])
+    return table(["workload and stream", "MB/s", "best MB/s", "ns per line", "× plain build",
+                  "× 8 KiB `sgetn` loop"], rows)
+
+
+def scan_table(figures):
+    rows = []
+    for workload in ("base64_crlf", "text_lf"):
+        names = [f"{workload}/{scan}" for scan in SCANS]
+        fastest = next((name for name in names if has_times(figures, name)), None)
+        rows.append([WORKLOADS[workload]] + [rate(figures, name) for name in names]
+                    + [ratio(figures, workload + "/parse", figures, fastest)])
+    return table(["MB/s", *SCANS.values(), "parse × the first one"], rows)
+
+
+def heap_table(path):
+    figures = {}
+    with open(path, encoding="utf-8") as file:
+        for line in file:
+            what, number = line.rstrip("\n").split("\t")
+            figures[what] = number
+    things = [what[len("bytes of "):] for what in figures if what.startswith("bytes of ")]
+    kinds = ["bytes of ", "peak bytes of ", "allocations of ", "allocations when reused of "]
+    rows = [[thing] + [figures[kind + thing] for kind in kinds] for thing in things]
+    entity, field = (float(figures["size of " + thing]) for thing in ("an entity", "a field"))
+    sizes = f"An entity is {entity:.0f} bytes, a field {field:.0f}.\n\n"
+    return sizes + table(["of each", "bytes", "bytes at the peak", "allocations", "allocations when reused"], rows)
+
+
+def machine():
+    model = platform.processor()
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        for line in file:
+            if line.startswith("model name"):
+                model = line.split(":", 1)[1].strip()
+    return f"{model}, {os.cpu_count()} processors, Linux {platform.release()}"
+
+
+def package_versions(names):
+    query = ["dpkg-query", "-W", "-f", "${Package} ${Version}\n"]
+    try:
+        found = subprocess.run(query + names, capture_output=True, text=True, check=False).stdout.split("\n")
+    except FileNotFoundError: # not a Debian machine
+        return "unknown"
+    return ", ".join(sorted({line for line in found if len(line.split()) == 2}))
+
+
+INTRODUCTION = """# Figures of the last accepted run
+
+Written by `bench/run`; not to be edited. MB/s are millions of bytes per second of processor time, the median
+of {repeats} repeats that took turns; “best” is the fastest of them. “× thing” is how many times as fast as the
+thing the parse is, within this run. One parser object takes all messages of a workload, as it would in a server,
+so each parse also clears away the tree of the one before. Its result was checked outside the timing.
+
+- machine: {machine}
+- compiler: {compiler}
+- packages: {packages}
+- date: {date}
+
+"""
+
+PEER_NOTES = """Each of them parses from memory, and is told to keep or copy no text. Dovecot's tree has offsets and
+no header fields; GMime's has both; mimetic's has fields and no offsets. mimetic is not asked for the plain text,
+which it skips unread where no boundary can come, nor for the levels, on which it recurses.
+
+"""
+
+
+def write_table(path, options, figures, plain):
+    repeats = max(len(figure.times) for figure in figures.values())
+    text = INTRODUCTION.format(repeats=repeats, machine=machine(), compiler=options.compiler,
+                               packages=package_versions(options.packages.split()),
+                               date=datetime.date.today().isoformat())
+    text += "## From memory, against the least that reading costs\n\n" + memory_table(figures, plain)
+    text += "The plain build (`MAILSTRUCTURE_PLAIN`) reads by `std::getline`, and looks at byte after byte.\n\n"
+    text += "## Against other libraries\n\n" + peer_table(figures) + PEER_NOTES + peer_errors(figures)
+    text += "\n## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
+    text += "## The scan of bodies alone\n\n" + scan_table(figures)
+    text += "## Heap\n\n" + heap_table(options.figures + "/heap.txt")
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text.rstrip("\n") + "\n")
+
+
+# The picture: a panel for each workload, a bar for each program, as long as it is fast.
+BARS = {"parse": ("mailstructure", "#1f6feb"), "dovecot": ("Dovecot", "#8b949e"), "gmime": ("GMime", "#8b949e"),
+        "mimetic": ("mimetic", "#8b949e"), "getline_floor": ("empty getline loop", "#d0d7de")}
+PANEL_WIDTH, BAR_HEIGHT, LABEL_WIDTH, NUMBER_WIDTH = 430, 20, 125, 85
+
+
+def svg_text(x, y, text, extra=""):
+    return f'<text x="{x:.0f}" y="{y:.0f}" {extra}>{html.escape(text)}</text>\n'
+
+
+def panel(figures, workload, left, top):
+    drawn = svg_text(left, top + 12, WORKLOADS[workload], 'font-weight="bold"')
+    rates = {bar: figures[f"{workload}/{bar}"].megabytes_per_second()
+             for bar in BARS if has_times(figures, f"{workload}/{bar}")}
+    longest = max(rates.values(), default=1)
+    for row, (bar, value) in enumerate(rates.items()):
+        title, colour = BARS[bar]
+        y = top + 22 + row * BAR_HEIGHT
+        width = max(1, (PANEL_WIDTH - LABEL_WIDTH - NUMBER_WIDTH) * value / longest)
+        drawn += svg_text(left + LABEL_WIDTH - 6, y + 12, title, 'text-anchor="end"')
+        drawn += (f'<rect x="{left + LABEL_WIDTH}" y="{y}" width="{width:.1f}" height="{BAR_HEIGHT - 5}" '
+                  f'fill="{colour}"/>\n')
+        number = f"{value / 1e3:.1f} GB/s" if value >= 1e3 else f"{value:.0f} MB/s"
+        drawn += svg_text(left + LABEL_WIDTH + width + 5, y + 12, number)
+    return drawn
+
+
+def write_picture(path, figures):
+    workloads = [name for name in WORKLOADS if has_times(figures, name + "/parse")]
+    panel_height = 22 + len(BARS) * BAR_HEIGHT + 16
+    height = (len(workloads) + 1) // 2 * panel_height + 10
+    width = 2 * PANEL_WIDTH + 30
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
+                   f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12" fill="#1f2328">\n'
+                   '<title>Speed of parsing mail from memory</title>\n'
+                   f'<rect width="{width}" height="{height}" fill="#ffffff"/>\n')
+        for index, workload in enumerate(workloads):
+            file.write(panel(figures, workload, 10 + index % 2 * (PANEL_WIDTH + 10), 10 + index // 2 * panel_height))
+        file.write("</svg>\n")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    for name in ("compiler", "packages", "figures", "output"):
+        parser.add_argument("--" + name, required=True)
+    options = parser.parse_args()
+    figures = read_figures(glob.glob(options.figures + "/bench.*.json"))
+    plain = read_figures(glob.glob(options.figures + "/bench-plain.*.json"))
+    wrong = [name for all_figures in (figures, plain) for name, figure in all_figures.items()
+             if figure.error and name.split("/")[1] not in PEERS]
+    if wrong or not figures:
+        raise SystemExit("No report: " + (", ".join(wrong) + ": a wrong result" if wrong else "nothing was measured"))
+    write_table(options.output + ".md", options, figures, plain)
+    write_picture(options.output + ".svg", figures)
+
+
+if __name__ == "__main__":
+    main()
