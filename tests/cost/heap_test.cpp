@@ -6,6 +6,7 @@
 #include "support/parse.h"
 #include "support/streams.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -51,6 +52,23 @@ constexpr std::size_t field_bytes = 4 * sizeof(MailStructure::header) + 64;
 constexpr std::size_t parameter_bytes = 4 * 2 * sizeof(std::string) + 64;
 constexpr std::size_t message_bytes = 64 << 10;
 
+/// How much of the longest line is held besides: where lines are read by std::getline it is copied into a string, which
+/// has twice its size and once more of it while it grows. A line that lies whole in the stream's buffer is not copied.
+#ifdef MAILSTRUCTURE_PLAIN
+constexpr std::size_t line_copies = 3;
+#else
+constexpr std::size_t line_copies = 0;
+#endif
+
+std::size_t longest_line(const std::string& text) {
+    std::size_t longest = 0;
+    for (std::size_t start = 0, end = 0; start < text.size(); start = end + 1) {
+        end = std::min(text.find('\n', start), text.size());
+        longest = std::max(longest, end - start);
+    }
+    return longest;
+}
+
 TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
     std::cout << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and of each "
                  "entity, field and parameter together:\n";
@@ -75,7 +93,8 @@ TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
             std::size_t header_text = 0;
             for (const MailStructure::header& field : message.m_root.m_headers) header_text += field.m_value.size();
             EXPECT_LE(peak, message_bytes + size.m_entities * entity_bytes + size.m_fields * field_bytes
-                                + size.m_parameters * parameter_bytes + 3 * header_text)
+                                + size.m_parameters * parameter_bytes + 3 * header_text
+                                + line_copies * longest_line(text))
                 << wanted.m_name;
         }
         EXPECT_EQ(meter.now(), 0U) << wanted.m_name;
