@@ -7,7 +7,7 @@
 #include <fstream>
 #include <istream>
 #include <memory>
-#include <parser/body_scan.h>
+#include <parser/scanners.h>
 #include <string>
 #include <string_view>
 
@@ -104,12 +104,12 @@ void register_floors(workload_source& source) {
 
 void register_floors_of_large(workload_source& source) {
     register_one(source, "ifstream_floor", read_file);
-    for (const named_body_scanner& scanner : body_scanners())
-        register_one(source, std::string("scan_") + scanner.m_name,
-                     [scanner](benchmark::State& state, const workload& mail) {
-                         time_lines(state, mail,
-                                    [&](const std::string& message) { return count_by_scan(message, scanner.m_scan); });
-                     });
+    for (const scanner_set& scanner : all_scanners())
+        register_one(
+            source, std::string("scan_") + scanner.m_name, [scanner](benchmark::State& state, const workload& mail) {
+                time_lines(state, mail,
+                           [&](const std::string& message) { return count_by_scan(message, scanner.m_scan_body); });
+            });
 }
 
 } // namespace bench

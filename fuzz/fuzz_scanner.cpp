@@ -1,8 +1,7 @@
-// Holds each fast scanner against its plain twin. The first byte chooses the scanner, the second how far from an
+// Holds each scanner that this processor runs against its plain twin. The first byte chooses the scanner, the second how far from an
 // aligned address the text begins; the text ends where its memory ends.
 
-#include "parser/body_scan.h"
-#include "parser/byte_scan.h"
+#include "parser/scanners.h"
 #include "require.h"
 
 #include <cstddef>
@@ -22,14 +21,22 @@ struct scanner {
     bool (*m_agrees)(std::string_view text);
 };
 
-bool stray_byte_scan_agrees(std::string_view text) { return holds_stray_byte(text) == holds_stray_byte_plain(text); }
+bool line_scans_agree(std::string_view text) {
+    const scanned_line wanted = scan_line_plain(text);
+    for (const scanner_set& one : all_scanners()) {
+        const scanned_line found = one.m_scan_line(text);
+        if (found.m_bytes != wanted.m_bytes || found.m_has_lf != wanted.m_has_lf || found.m_stray != wanted.m_stray
+            || found.m_name_bytes != wanted.m_name_bytes)
+            return false;
+    }
+    return true;
+}
 
-/// All that this processor runs.
 bool body_scans_agree(std::string_view text) {
     for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
         const scanned_lines wanted = scan_body_plain(text, dashed);
-        for (const named_body_scanner& one : body_scanners()) {
-            const scanned_lines found = one.m_scan(text, dashed);
+        for (const scanner_set& one : all_scanners()) {
+            const scanned_lines found = one.m_scan_body(text, dashed);
             if (found.m_bytes != wanted.m_bytes || found.m_lines != wanted.m_lines) return false;
         }
     }
@@ -37,7 +44,7 @@ bool body_scans_agree(std::string_view text) {
 }
 
 const scanner scanners[] = {
-    {"holds_stray_byte agrees with its twin", stray_byte_scan_agrees},
+    {"the line scanners agree with the plain one", line_scans_agree},
     {"the body scanners agree with the plain one", body_scans_agree},
 };
 

@@ -1,7 +1,5 @@
 #include "body_scan.h"
 
-#include "body_scan_processors.h"
-
 namespace mail_structure_detail {
 
 scanned_lines scan_body_plain(std::string_view bytes, dashed_lines dashed) noexcept {
@@ -17,35 +15,6 @@ scanned_lines scan_body_plain(std::string_view bytes, dashed_lines dashed) noexc
         found.m_bytes = start;
         ++found.m_lines;
     }
-}
-
-std::span<const named_body_scanner> body_scanners() noexcept {
-    static constexpr named_body_scanner all[] = {
-#ifdef MAIL_STRUCTURE_X86_64
-        {"avx512", scan_body_avx512},
-        {"avx2", scan_body_avx2},
-        {"sse2", scan_body_sse2},
-#endif
-        {"portable", scan_body_portable},
-        {"plain", scan_body_plain}};
-    const std::span<const named_body_scanner> known = all;
-#ifdef MAIL_STRUCTURE_X86_64
-    __builtin_cpu_init();
-    const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2")
-                      && __builtin_cpu_supports("popcnt");
-    if (!avx2) return known.subspan(2);
-    if (!__builtin_cpu_supports("avx512bw")) return known.subspan(1);
-#endif
-    return known;
-}
-
-scanned_lines scan_body(std::string_view bytes, dashed_lines dashed) noexcept {
-#ifdef MAILSTRUCTURE_PLAIN
-    return scan_body_plain(bytes, dashed);
-#else
-    static const body_scanner fastest = body_scanners().front().m_scan;
-    return fastest(bytes, dashed);
-#endif
 }
 
 } // namespace mail_structure_detail

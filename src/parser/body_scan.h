@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 namespace mail_structure_detail {
@@ -26,16 +25,6 @@ using body_scanner = scanned_lines (*)(std::string_view bytes, dashed_lines dash
 
 /// Byte by byte: the truth that the others are tested against.
 scanned_lines scan_body_plain(std::string_view bytes, dashed_lines dashed) noexcept;
-
-/// The fastest one that this processor runs.
-scanned_lines scan_body(std::string_view bytes, dashed_lines dashed) noexcept;
-
-struct named_body_scanner {
-    const char* m_name;
-    body_scanner m_scan;
-};
-/// All that this processor runs, the fastest first, the plain one last.
-std::span<const named_body_scanner> body_scanners() noexcept;
 
 } // namespace mail_structure_detail
 

@@ -1,35 +1,24 @@
-// The scan of body_scan.h by blocks of 64 bytes, as four bit masks: bit n tells of byte n of the block.
+// The scan of body_scan.h by blocks of 64 bytes; see block_masks.h.
 //
 //     bytes     a b CR LF - - x LF      one bit of each kind is carried from block to block: was the last
 //     lf        0 0 0  1  0 0 0 1       byte an LF, a suspect, a dash that begins a line?
-//     suspect   0 0 1  0  0 0 0 0       a CR or NUL; stray unless the next byte is an LF
-//     dash      0 0 0  0  1 1 0 0
-//
-// Only how the masks are made differs between processors. Each processor's file includes this one where
-// its own instructions are switched on, so everything here is local to that file.
+//     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
+//     dash      0 0 0  0  1 1 0 0       two at the beginning of a line may be a boundary's
 
 #ifndef MAIL_STRUCTURE_PARSER_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_BODY_SCAN_BLOCKS_H
 
+#include "block_masks.h"
 #include "body_scan.h"
 
-#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <string_view>
 
 namespace mail_structure_detail {
 
 namespace {
-
-constexpr std::size_t block_bytes = 64;
-
-struct block_masks {
-    std::uint64_t m_lf;
-    std::uint64_t m_suspect;
-    std::uint64_t m_dash; // only looked at where dashes end the run
-};
 
 /// What the blocks so far leave for the next.
 struct block_carry {
@@ -68,11 +57,8 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
         if (ends != 0) break;
         lines += static_cast<std::size_t>(std::popcount(lf));
     }
-    if (ends == 0) { // less than a block is left; nothing is read past it
-        std::array<char, block_bytes> rest;
-        rest.fill('x'); // neither LF nor suspect nor dash
-        if (start < bytes.size()) std::memcpy(rest.data(), bytes.data() + start, bytes.size() - start);
-        const block_masks masks = Make::masks(rest.data());
+    if (ends == 0) { // less than a block is left
+        const block_masks masks = padded_block<Make>(bytes.substr(start)).masks();
         ends = run_ends<Dashes>(masks, carry);
         lf = masks.m_lf;
     }

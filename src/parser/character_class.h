@@ -10,6 +10,9 @@ constexpr bool is_space(char c) noexcept { return c == ' ' || (c >= '\t' && c <=
 
 constexpr bool is_letter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
+/// What a field name may hold here: letters and hyphens.
+constexpr bool is_name_character(char c) noexcept { return is_letter(c) || c == '-'; }
+
 } // namespace mail_structure_detail
 
 #endif

@@ -2,6 +2,8 @@
 
 #include "character_class.h"
 
+#include <algorithm>
+
 namespace mail_structure_detail {
 
 namespace {
@@ -24,8 +26,7 @@ header_line classify_blank_led(const input_line& line) noexcept {
 header_line classify_letter_led(const input_line& line) noexcept {
     // Kept: one letter with an LF ends the block, for its scan is empty; with a CR it is a field name.
     if (line.m_scan_end == 0) return not_of_the_block;
-    std::size_t at = 0;
-    while (at < line.m_scan_end && (is_letter(line.m_text[at]) || line.m_text[at] == '-')) ++at;
+    const std::size_t at = std::min(line.m_name_bytes, line.m_scan_end);
     // Kept: a name that reaches the scan end makes the line a field whatever byte comes there: "ab!" with an
     // LF is a field "ab" with an empty value.
     if (at == line.m_scan_end || line.m_text[at] == ':') return {header_line_kind::field, at};

@@ -1,6 +1,5 @@
 #include "line_reader.h"
 
-#include "byte_scan.h"
 #include "get_area.h"
 
 #include <stdexcept>
@@ -14,6 +13,15 @@ namespace {
 
 constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
 
+/// Of a whole line. One that another byte than LF ends may hold an LF, and that is stray too.
+bool holds_stray_byte(std::string_view line) noexcept {
+    if (line.empty()) return false;
+    line.remove_suffix(1); // the last byte is free
+    for (const char stray : {'\r', '\n', '\0'})
+        if (line.find(stray) != std::string_view::npos) return true;
+    return false;
+}
+
 /// Whether the last line of a run, which ends with an LF, is empty.
 bool ends_with_empty_line(std::string_view run) noexcept {
     run.remove_suffix(1);
@@ -23,38 +31,48 @@ bool ends_with_empty_line(std::string_view run) noexcept {
 
 } // namespace
 
-line_reader::line_reader(std::istream& in, std::uint32_t first_offset) : m_in(in), m_position(first_offset) {
+line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
+    : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_position(first_offset) {
 #ifndef MAILSTRUCTURE_PLAIN
-    m_in_place = in.widen('\n') == '\n';
+    m_in_place = m_in.widen('\n') == '\n';
 #endif
 }
 
 bool line_reader::next(input_line& line) {
-    std::string_view text;
-    if (!read_line(text)) return false;
-    const std::uint64_t terminator_bytes = m_in.eof() ? 0 : 1;
+    std::string_view text = ready();
+    scanned_line found = m_scanners.m_scan_line(text);
+    std::size_t terminator_bytes = 1;
+    if (found.m_has_lf) {
+        text = text.substr(0, found.m_bytes);
+        get_area::consume(*m_state.rdbuf(), found.m_bytes + terminator_bytes);
+    } else {
+        if (!read_unfinished_line(text)) return false;
+        terminator_bytes = m_state.eof() ? 0 : 1;
+        found = m_scanners.m_scan_line(text);
+        found.m_stray = holds_stray_byte(text);
+    }
     line.m_start = static_cast<std::uint32_t>(m_position); // offsets wrap past 4 GiB
     m_position += text.size() + terminator_bytes;
     line.m_end = static_cast<std::uint32_t>(m_position);
 
     line.m_scan_end = text.empty() ? 0 : text.size() - 1;
+    line.m_name_bytes = found.m_name_bytes;
     if (text.ends_with('\r')) text.remove_suffix(1);
     line.m_text = text;
     // Kept: the last byte of a line that no CR ends is not examined, here or by the scans of header lines:
     // m_scan_end stays one short of such a text. A NUL just before an LF passes, and "ab!" with an LF is
     // a field named "ab".
-    if (holds_stray_byte(text.substr(0, line.m_scan_end))) throw std::runtime_error("error in io input data");
+    if (found.m_stray) throw std::runtime_error("error in io input data");
     return true;
 }
 
 bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
-    if (!m_in_place || !m_in.good()) return false;
     // No run crosses a wrap of the offsets: who keeps watch from there on is told with a single line.
     const std::uint64_t to_next_wrap = wrap - m_position % wrap;
-    const std::string_view ready = get_area::bytes(*m_in.rdbuf()).substr(0, to_next_wrap - 1);
-    const scanned_lines found = scan_body(ready, dashed);
+    const std::string_view bytes = ready().substr(0, to_next_wrap - 1);
+    const scanned_lines found = m_scanners.m_scan_body(bytes, dashed);
     if (found.m_lines == 0) return false;
-    run.m_bytes = ready.substr(0, found.m_bytes);
+    run.m_bytes = bytes.substr(0, found.m_bytes);
     run.m_lines = found.m_lines;
     run.m_start = static_cast<std::uint32_t>(m_position);
     run.m_first_end = static_cast<std::uint32_t>(m_position + run.m_bytes.find('\n') + 1);
@@ -65,24 +83,24 @@ bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
 
 void line_reader::take(const line_run& run) noexcept {
     m_position += run.m_bytes.size();
-    get_area::consume(*m_in.rdbuf(), run.m_bytes.size());
+    get_area::consume(*m_state.rdbuf(), run.m_bytes.size());
 }
 
-/// One line as std::getline would read it, without its delimiter. The stream has eofbit if the input ended it.
-bool line_reader::read_line(std::string_view& line) {
-    if (!m_in_place || !m_in.good()) return read_by_getline(line);
-    std::streambuf& buffer = *m_in.rdbuf();
-    const std::string_view ready = get_area::bytes(buffer);
-    const std::size_t lf = ready.find('\n');
-    if (lf == std::string_view::npos) return read_straddling_line(line);
-    line = ready.substr(0, lf);
-    get_area::consume(buffer, lf + 1);
-    return true;
+/// The bytes in the buffer; none when lines cannot be looked at there.
+std::string_view line_reader::ready() const noexcept {
+    if (!m_in_place || !m_state.good()) return {};
+    return get_area::bytes(*m_state.rdbuf());
+}
+
+/// A line that does not end in the buffer, as std::getline would read it, without its delimiter. The stream has
+/// eofbit if the input ended it.
+bool line_reader::read_unfinished_line(std::string_view& line) {
+    return m_in_place && m_state.good() ? read_straddling_line(line) : read_by_getline(line);
 }
 
 /// A line whose LF is not in the buffer yet.
 bool line_reader::read_straddling_line(std::string_view& line) {
-    std::streambuf& buffer = *m_in.rdbuf();
+    std::streambuf& buffer = *m_state.rdbuf();
     m_carry.clear();
     for (;;) {
         std::string_view ready = get_area::bytes(buffer);
@@ -106,7 +124,7 @@ bool line_reader::is_at_end() {
     const std::istream::sentry ready(m_in, true); // flushes the stream that is tied to this one
     std::ios_base::iostate state = m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
     try {
-        if (m_in.rdbuf()->sgetc() != std::istream::traits_type::eof()) return false;
+        if (m_state.rdbuf()->sgetc() != std::istream::traits_type::eof()) return false;
         state |= std::ios_base::eofbit;
 #ifdef __GLIBCXX__
     } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be held up

@@ -8,8 +8,8 @@
 #ifndef MAIL_STRUCTURE_PARSER_LINE_READER_H
 #define MAIL_STRUCTURE_PARSER_LINE_READER_H
 
-#include "body_scan.h"
 #include "line_run.h"
+#include "scanners.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,8 +24,9 @@ struct input_line {
     /// Where the scans of header lines end: at the end of a text that a CR followed, and one byte before the
     /// end of any other. See line_reader::next.
     std::size_t m_scan_end = 0;
-    std::uint32_t m_start = 0; // offset of its first byte
-    std::uint32_t m_end = 0;   // offset just past its LF, or past the last byte of the input
+    std::size_t m_name_bytes = 0; // so many bytes of the text, from the first on, are letters or hyphens
+    std::uint32_t m_start = 0;    // offset of its first byte
+    std::uint32_t m_end = 0;      // offset just past its LF, or past the last byte of the input
 };
 
 class line_reader {
@@ -50,7 +51,8 @@ public:
     bool has_wrapped() const noexcept { return m_position > 0xFFFFFFFF; }
 
 private:
-    bool read_line(std::string_view& line);
+    std::string_view ready() const noexcept;
+    bool read_unfinished_line(std::string_view& line);
     bool read_straddling_line(std::string_view& line);
     bool read_by_getline(std::string_view& line);
     bool read_rest_by_getline(std::string_view& line);
@@ -58,6 +60,8 @@ private:
     void set_badbit();
 
     std::istream& m_in;
+    std::ios& m_state; // of the same stream; to reach a virtual base takes time
+    const scanner_set& m_scanners;
     std::string m_carry;      // a line that straddles two fillings of the buffer
     bool m_in_place = false;  // lines are ended by LF, so the buffer may be searched for it
     std::uint64_t m_position; // of the next byte to be read

@@ -2,8 +2,7 @@
 
 #include <mail_structure.h>
 
-#include "parser/body_scan.h"
-#include "parser/byte_scan.h"
+#include "parser/scanners.h"
 #include "reference/reference_parser.h"
 #include "robustness/guarded_memory.h"
 #include "robustness/window_stream.h"
@@ -133,9 +132,15 @@ void PrintTo(const scanner& which, std::ostream* out) { *out << which.m_name; }
 std::vector<scanner> all_scanners() {
     using namespace mail_structure_detail;
     std::vector<scanner> all;
-    all.push_back({"holds_stray_byte",
-                   [](std::string_view text) { return std::vector<std::size_t>{holds_stray_byte(text)}; },
-                   [](std::string_view text) { return std::vector<std::size_t>{holds_stray_byte_plain(text)}; }});
+    const auto line_numbers_of = [](line_scanner scan) {
+        return [scan](std::string_view text) {
+            const scanned_line found = scan(text);
+            return std::vector<std::size_t>{found.m_bytes, found.m_has_lf, found.m_stray, found.m_name_bytes};
+        };
+    };
+    for (const scanner_set& known : mail_structure_detail::all_scanners())
+        all.push_back({std::string(known.m_name) + "_of_lines", line_numbers_of(known.m_scan_line),
+                       line_numbers_of(scan_line_plain)});
     for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
         const auto numbers_of = [dashed](body_scanner scan) {
             return [dashed, scan](std::string_view text) {
@@ -144,8 +149,8 @@ std::vector<scanner> all_scanners() {
             };
         };
         const std::string suffix = dashed == dashed_lines::are_text ? "_with_dashes" : "_up_to_dashes";
-        for (const named_body_scanner& known : body_scanners())
-            all.push_back({known.m_name + suffix, numbers_of(known.m_scan), numbers_of(scan_body_plain)});
+        for (const scanner_set& known : mail_structure_detail::all_scanners())
+            all.push_back({known.m_name + suffix, numbers_of(known.m_scan_body), numbers_of(scan_body_plain)});
     }
     return all;
 }

@@ -1,6 +1,7 @@
-// The body scan with 64 bytes a register.
+// The scanners with 64 bytes a register.
 
-#include "body_scan_processors.h"
+#include "character_class.h"
+#include "scanner_processors.h"
 
 #ifdef MAIL_STRUCTURE_X86_64
 
@@ -8,8 +9,9 @@
 #include <bit>
 #include <cstring>
 #include <immintrin.h>
+#include <string_view>
 
-// All standard headers are in by now: what follows is compiled for AVX-512, and their functions must not be.
+// All that others use too is in by now: what follows is compiled for AVX-512, and that must not be.
 #ifdef __clang__
 #pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx2,bmi,bmi2,popcnt"))), apply_to = function)
 #else
@@ -18,6 +20,7 @@
 #endif
 
 #include "body_scan_blocks.h"
+#include "line_scan_blocks.h"
 
 namespace mail_structure_detail {
 
@@ -31,6 +34,14 @@ struct avx512 {
         };
         return {equal('\n'), equal('\r') | std::uint64_t{_mm512_testn_epi8_mask(bytes, bytes)}, equal('-')};
     }
+
+    static std::uint64_t name(const char* p) noexcept {
+        const __m512i bytes = _mm512_loadu_si512(p);
+        const __m512i lower = _mm512_or_si512(bytes, _mm512_set1_epi8(0x20));
+        const __m512i from_a = _mm512_sub_epi8(lower, _mm512_set1_epi8('a'));
+        return std::uint64_t{_mm512_cmplt_epu8_mask(from_a, _mm512_set1_epi8(26))}
+               | std::uint64_t{_mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8('-'))};
+    }
 };
 
 } // namespace
@@ -38,6 +49,8 @@ struct avx512 {
 scanned_lines scan_body_avx512(std::string_view bytes, dashed_lines dashed) noexcept {
     return scan_by_blocks<avx512>(bytes, dashed);
 }
+
+scanned_line scan_line_avx512(std::string_view bytes) noexcept { return scan_line_by_blocks<avx512>(bytes); }
 
 } // namespace mail_structure_detail
 

@@ -1,7 +1,8 @@
-// The body scan with 8 bytes a word, for processors that have no scan of their own.
+// The scanners with 8 bytes a word, for processors that have no scan of their own.
 
 #include "body_scan_blocks.h"
-#include "body_scan_processors.h"
+#include "line_scan_blocks.h"
+#include "scanner_processors.h"
 
 namespace mail_structure_detail {
 
@@ -31,6 +32,13 @@ struct portable {
         }
         return found;
     }
+
+    /// Names are short: the bytes are looked at one by one, and none behind the name.
+    static std::uint64_t name(const char* p) noexcept {
+        std::size_t count = 0;
+        while (count < block_bytes && is_name_character(p[count])) ++count;
+        return first_bits(count);
+    }
 };
 
 } // namespace
@@ -38,5 +46,7 @@ struct portable {
 scanned_lines scan_body_portable(std::string_view bytes, dashed_lines dashed) noexcept {
     return scan_by_blocks<portable>(bytes, dashed);
 }
+
+scanned_line scan_line_portable(std::string_view bytes) noexcept { return scan_line_by_blocks<portable>(bytes); }
 
 } // namespace mail_structure_detail
