@@ -35,6 +35,7 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
     : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_position(first_offset) {
 #ifndef MAILSTRUCTURE_PLAIN
     m_in_place = m_in.widen('\n') == '\n';
+    if (m_in_place && m_state.good() && read_ahead::suits(*m_state.rdbuf())) m_ahead.emplace(*m_state.rdbuf());
 #endif
 }
 
@@ -44,7 +45,7 @@ bool line_reader::next(input_line& line) {
     std::size_t terminator_bytes = 1;
     if (found.m_has_lf) {
         text = text.substr(0, found.m_bytes);
-        get_area::consume(*m_state.rdbuf(), found.m_bytes + terminator_bytes);
+        get_area::consume(buffer(), found.m_bytes + terminator_bytes);
     } else {
         if (!read_unfinished_line(text)) return false;
         terminator_bytes = m_state.eof() ? 0 : 1;
@@ -83,13 +84,19 @@ bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
 
 void line_reader::take(const line_run& run) noexcept {
     m_position += run.m_bytes.size();
-    get_area::consume(*m_state.rdbuf(), run.m_bytes.size());
+    get_area::consume(buffer(), run.m_bytes.size());
+}
+
+/// Where lines are read from, in place.
+std::streambuf& line_reader::buffer() const noexcept {
+    if (m_ahead) return const_cast<read_ahead&>(*m_ahead);
+    return *m_state.rdbuf();
 }
 
 /// The bytes in the buffer; none when lines cannot be looked at there.
 std::string_view line_reader::ready() const noexcept {
     if (!m_in_place || !m_state.good()) return {};
-    return get_area::bytes(*m_state.rdbuf());
+    return get_area::bytes(buffer());
 }
 
 /// A line that does not end in the buffer, as std::getline would read it, without its delimiter. The stream has
@@ -100,7 +107,7 @@ bool line_reader::read_unfinished_line(std::string_view& line) {
 
 /// A line whose LF is not in the buffer yet.
 bool line_reader::read_straddling_line(std::string_view& line) {
-    std::streambuf& buffer = *m_state.rdbuf();
+    std::streambuf& buffer = this->buffer();
     m_carry.clear();
     for (;;) {
         std::string_view ready = get_area::bytes(buffer);
@@ -124,7 +131,7 @@ bool line_reader::is_at_end() {
     const std::istream::sentry ready(m_in, true); // flushes the stream that is tied to this one
     std::ios_base::iostate state = m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
     try {
-        if (m_state.rdbuf()->sgetc() != std::istream::traits_type::eof()) return false;
+        if (buffer().sgetc() != std::istream::traits_type::eof()) return false;
         state |= std::ios_base::eofbit;
 #ifdef __GLIBCXX__
     } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be held up

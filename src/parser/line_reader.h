@@ -9,11 +9,13 @@
 #define MAIL_STRUCTURE_PARSER_LINE_READER_H
 
 #include "line_run.h"
+#include "read_ahead.h"
 #include "scanners.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <istream>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -51,6 +53,7 @@ public:
     bool has_wrapped() const noexcept { return m_position > 0xFFFFFFFF; }
 
 private:
+    std::streambuf& buffer() const noexcept;
     std::string_view ready() const noexcept;
     bool read_unfinished_line(std::string_view& line);
     bool read_straddling_line(std::string_view& line);
@@ -62,9 +65,10 @@ private:
     std::istream& m_in;
     std::ios& m_state; // of the same stream; to reach a virtual base takes time
     const scanner_set& m_scanners;
-    std::string m_carry;      // a line that straddles two fillings of the buffer
-    bool m_in_place = false;  // lines are ended by LF, so the buffer may be searched for it
-    std::uint64_t m_position; // of the next byte to be read
+    std::string m_carry;               // a line that straddles two fillings of the buffer
+    bool m_in_place = false;           // lines are ended by LF, so the buffer may be searched for it
+    std::uint64_t m_position;          // of the next byte to be read
+    std::optional<read_ahead> m_ahead; // what lines are read from, where the stream reads a plain file
 };
 
 } // namespace mail_structure_detail

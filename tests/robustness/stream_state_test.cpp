@@ -59,18 +59,24 @@ std::ios_base::iostate state_of(unsigned number) {
     return state;
 }
 
+/// Whether the number of bytes that are ready in the buffer is part of how a stream is left. Of a file it is not: Fill
+/// may set the file's position, after which its buffer has to be filled anew.
+enum class bytes_ready : bool { count, do_not_count };
+
 /// Three readers of streams that are made alike: Fill, a loop over std::getline, and the reference parser.
 /// @param make_stream  makes one of the streams
 /// @param own          where the text of the stream would end the parse of itself
 /// @return "" or what differs
 template <class Make>
-std::string difference(Make make_stream, const test_support::erroneous_line& own) {
+std::string difference(Make make_stream, const test_support::erroneous_line& own,
+                       bytes_ready ready = bytes_ready::count) {
     const auto for_fill = make_stream();
     const auto for_getline = make_stream();
     const auto for_reference = make_stream();
     MailStructure message;
-    const after_reading found = after_fill(message, *for_fill);
+    after_reading found = after_fill(message, *for_fill);
     const after_reading wanted = after_getline(*for_getline, own.m_lines, own.m_error);
+    if (ready == bytes_ready::do_not_count) found.m_available = wanted.m_available;
     if (found != wanted) {
         std::ostringstream report;
         report << "found " << found << "\nwanted " << wanted;
@@ -304,7 +310,8 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
     std::string text;
     for (int line = 0; line < 3000; ++line) text += "1 line of a body that is longer than the buffers of files\n";
     const std::string place = testing::TempDir() + "mailstructure_stream_state_test.eml";
-    for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190}, text.size() - 3}) {
+    for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190}, std::size_t{65535},
+                                    std::size_t{65536}, text.size() - 3}) {
         std::string damaged = text;
         damaged[stray] = '\r';
         {
@@ -317,7 +324,8 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
                 if (from_file) return std::make_unique<std::ifstream>(place, std::ios_base::binary);
                 return std::make_unique<std::istringstream>(damaged);
             };
-            EXPECT_EQ(difference(make, own), "") << "stray byte at " << stray;
+            const bytes_ready ready = from_file ? bytes_ready::do_not_count : bytes_ready::count;
+            EXPECT_EQ(difference(make, own, ready), "") << "stray byte at " << stray;
             const auto for_fill = make();
             const auto for_getline = make();
             MailStructure message;
