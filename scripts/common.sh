@@ -6,7 +6,7 @@ set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake g++ libcli11-dev ninja-build)
-test_packages=("${build_packages[@]}" libgtest-dev pkg-config valgrind)
+test_packages=("${build_packages[@]}" libgtest-dev libsqlite3-dev pkg-config valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 # shellcheck disable=SC2034 # for those who source this
 check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 mandoc shellcheck)
