@@ -29,6 +29,15 @@ string(REGEX REPLACE "[^/]+" ".." pkgconfig_to_prefix "${pkgconfig_depth}")
 configure_file(cmake/mailstructure.pc.in ${PROJECT_BINARY_DIR}/mailstructure.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/mailstructure.pc DESTINATION ${pkgconfig_dir})
 
+# A page is named after what it describes; a colon in a file name is more than some file systems take.
+foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::header)
+  string(REPLACE "::" "." file ${page})
+  install(
+    FILES man/${file}.3
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man3
+    RENAME ${page}.3)
+endforeach()
+
 if(MAILSTRUCTURE_TOOLS)
   install(TARGETS mailstructure_tool)
   install(FILES man/mailstructure.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -32,6 +32,9 @@
 #ifndef MAIL_STRUCTURE_H
 #define MAIL_STRUCTURE_H
 
+/// @file
+/// The public interface of mailstructure.
+
 #include <cstdint>
 #include <iosfwd>
 #include <string>
@@ -66,7 +69,9 @@ extern MAIL_STRUCTURE_API const std::uint32_t _lib_version;
 /// An overload beside the platform's function of the same name. A std::string as first argument
 /// selects this one, which answers true for "equal", where the platform's answers 0. With a C string first, the
 /// platform's wants its count as a std::size_t; an unsigned count fits both, and the call is ambiguous.
+/// @param s  the text that may be longer than what is compared
 /// @param p  must not be null
+/// @param n  how many characters to compare
 /// Allocates nothing and throws nothing; reads at most n characters of each.
 MAIL_STRUCTURE_API bool strncasecmp(const std::string& s, const char* p, std::uint32_t n);
 
@@ -112,21 +117,21 @@ struct MAIL_STRUCTURE_API MailStructure {
         bool m_message = false;
         /// The header block, the blank line that ends it included.
         std::uint32_t m_header_beg = 0;
-        std::uint32_t m_header_len = 0;
+        std::uint32_t m_header_len = 0; ///< Bytes of the header block.
         /// The whole entity: header block and body, without the epilogue.
         std::uint32_t m_mime_beg = 0;
-        std::uint32_t m_mime_len = 0;
+        std::uint32_t m_mime_len = 0; ///< Bytes of the whole entity.
         /// The body. Of a multipart it begins with the preamble and ends with the closing line. A
         /// body that begins at offset 0 loses its first line from this range when a second one comes.
         std::uint32_t m_body_beg = 0;
-        std::uint32_t m_body_len = 0;
+        std::uint32_t m_body_len = 0; ///< Bytes of the body.
         /// The lines after the closing line of a multipart, those of its descendants included.
         std::uint32_t m_epilogue_beg = 0;
-        std::uint32_t m_epilogue_len = 0;
+        std::uint32_t m_epilogue_len = 0; ///< Bytes of the epilogue.
         /// The lines after this entity's header block that belong to it or to its descendants,
         /// separator lines and descendants' header blocks included, epilogue lines not.
         std::uint32_t m_contents_beg = 0;
-        std::uint32_t m_contents_len = 0;
+        std::uint32_t m_contents_len = 0; ///< Bytes of the contents.
         /// Body parts, or the one encapsulated message, in the order of the input.
         std::vector<MimeObj> m_children;
         /// Header fields in the order of the input.
@@ -135,8 +140,8 @@ struct MAIL_STRUCTURE_API MailStructure {
         MimeObj* m_parent = nullptr;
         /// Media type, subtype and content transfer encoding as written, no case folding.
         std::string m_type = "text";
-        std::string m_subtype = "plain";
-        std::string m_encoding = "7bit";
+        std::string m_subtype = "plain"; ///< Media subtype; see m_type.
+        std::string m_encoding = "7bit"; ///< Content transfer encoding; see m_type.
         /// Number of body lines of this entity and all its descendants.
         std::uint32_t m_lines = 0;
         /// The text of the body lines, each followed by CR LF; empty unless text is kept.
@@ -148,6 +153,7 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// The last epilogue line added was empty.
         bool m_epilogue_last_empty = false;
 
+        /// A text/plain entity without ranges, fields and children.
         MimeObj();
         /// Deep copy; every m_parent as it stands in the original. Linear in the size of the tree.
         /// @throws std::bad_alloc
@@ -159,6 +165,7 @@ struct MAIL_STRUCTURE_API MailStructure {
         MimeObj& operator=(const MimeObj& other);
         /// Takes the contents of other, which may lie anywhere in this entity's own tree.
         MimeObj& operator=(MimeObj&& other) noexcept;
+        /// Allocates nothing, and does not recurse on the depth of the tree.
         ~MimeObj();
 
         /// Resets the entity for reuse: flags, ranges, counts and texts as in a new one, no children,
@@ -188,6 +195,8 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// m_lines; an epilogue line extends the epilogue range only.
         /// @param save      append the line and CR LF to the kept text as well
         /// @param line      the line without its terminator; it is not changed
+        /// @param start     offset of the line's first byte
+        /// @param end       offset just past its terminator, or past the last byte of the input
         /// @param epilogue  the line is an epilogue line
         /// @throws std::bad_alloc  only when save is true
         /// One step for each ancestor.

@@ -6,10 +6,12 @@ set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake g++ libcli11-dev ninja-build)
-test_packages=("${build_packages[@]}" libgtest-dev libsqlite3-dev pkg-config valgrind)
+# What the packages are made and checked with, and hosts that use them: the last lines of tests/package/CMakeLists.txt.
+packaging_packages=(doxygen libsqlite3-dev mandoc pkg-config)
+test_packages=("${build_packages[@]}" libgtest-dev "${packaging_packages[@]}" valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 # shellcheck disable=SC2034 # for those who source this
-check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 mandoc shellcheck)
+check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 shellcheck)
 
 is_installed() {
     [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2> /dev/null) == installed ]]
