@@ -1,33 +1,66 @@
 # What `cmake --install` lays down: the header, both libraries, the files by which a host's build finds
-# them, the tool and its manual page. Nothing installed names the folder it was installed into, so the
-# whole prefix can be moved.
+# them, the tool, manual pages and documentation. Nothing installed names the folder it was installed into,
+# so the whole prefix can be moved.
+#
+# The components are the packages that a distribution makes of it: `runtime` (the shared library), `development`
+# (what a host is built with) and `tool`.
 
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mailstructure)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+get_target_property(library_kind mailstructure TYPE)
+set(installed_libraries mailstructure)
+if(library_kind STREQUAL "SHARED_LIBRARY")
+  list(APPEND installed_libraries mailstructure_static)
+endif()
 install(
-  TARGETS mailstructure mailstructure_static
+  TARGETS ${installed_libraries}
   EXPORT mailstructureTargets
-  FILE_SET HEADERS)
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  FILE_SET HEADERS COMPONENT development)
 install(
   EXPORT mailstructureTargets
   NAMESPACE mailstructure::
-  DESTINATION ${package_dir})
+  DESTINATION ${package_dir}
+  COMPONENT development)
 
 configure_package_config_file(cmake/mailstructureConfig.cmake.in ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake
                               INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
-        DESTINATION ${package_dir})
+write_basic_package_version_file(
+  ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
+  VERSION ${PROJECT_VERSION}
+  COMPATIBILITY SameMajorVersion)
+install(
+  FILES ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
+  DESTINATION ${package_dir}
+  COMPONENT development)
 
 # The .pc file gives its folders relative to its own place.
 cmake_path(SET pkgconfig_place NORMALIZE "/prefix/${pkgconfig_dir}")
 cmake_path(RELATIVE_PATH pkgconfig_place BASE_DIRECTORY /prefix OUTPUT_VARIABLE pkgconfig_depth)
 string(REGEX REPLACE "[^/]+" ".." pkgconfig_to_prefix "${pkgconfig_depth}")
+
+# The static library takes the C++ runtime with it, which a host that is not linked by a C++ compiler has to name.
+# Where there is no shared library, every host needs it.
+set(runtime_libraries ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(FILTER runtime_libraries INCLUDE REGEX "^(stdc\\+\\+|c\\+\\+|c\\+\\+abi|m)$")
+list(REMOVE_DUPLICATES runtime_libraries)
+list(TRANSFORM runtime_libraries PREPEND "-l")
+list(JOIN runtime_libraries " " runtime_libraries)
+set(pkgconfig_libs "-lmailstructure")
+set(pkgconfig_private_libs "${runtime_libraries}")
+if(NOT library_kind STREQUAL "SHARED_LIBRARY")
+  string(APPEND pkgconfig_libs " ${runtime_libraries}")
+  set(pkgconfig_private_libs "")
+endif()
 configure_file(cmake/mailstructure.pc.in ${PROJECT_BINARY_DIR}/mailstructure.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/mailstructure.pc DESTINATION ${pkgconfig_dir})
+install(
+  FILES ${PROJECT_BINARY_DIR}/mailstructure.pc
+  DESTINATION ${pkgconfig_dir}
+  COMPONENT development)
 
 # A page is named after what it describes; a colon in a file name is more than some file systems take.
 foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::header)
@@ -35,10 +68,41 @@ foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStruct
   install(
     FILES man/${file}.3
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man3
-    RENAME ${page}.3)
+    RENAME ${page}.3
+    COMPONENT development)
 endforeach()
 
+set(document_dir ${CMAKE_INSTALL_DOCDIR})
+if(NOT PROJECT_IS_TOP_LEVEL)
+  set(document_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/mailstructure) # the other one is the host's
+endif()
+install(
+  FILES CHANGELOG.md LICENSE
+  DESTINATION ${document_dir}
+  COMPONENT runtime)
+install(
+  FILES README.md SECURITY.md
+  DESTINATION ${document_dir}
+  COMPONENT development)
+install(
+  FILES doc/architecture.md doc/behaviour.md
+  DESTINATION ${document_dir}/doc
+  COMPONENT development)
+install(
+  FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp examples/index_folder.cpp
+  DESTINATION ${document_dir}/examples
+  COMPONENT development)
+
 if(MAILSTRUCTURE_TOOLS)
-  install(TARGETS mailstructure_tool)
-  install(FILES man/mailstructure.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(TARGETS mailstructure_tool COMPONENT tool)
+  install(
+    FILES man/mailstructure.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT tool)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/tools/completion/mailstructure)
+    install(
+      FILES tools/completion/mailstructure
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+      COMPONENT tool)
+  endif()
 endif()
