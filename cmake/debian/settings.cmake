@@ -1,0 +1,21 @@
+# Read by cpack before anything else. SOURCE_DATE_EPOCH, where nobody has set it, is the time of the newest entry in
+# the changelog; cpack and all that it calls take their time stamps from there.
+
+set(changelog ${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/changelog)
+
+if(CPACK_GENERATOR STREQUAL "DEB")
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
+
+  file(STRINGS ${changelog} newest LIMIT_COUNT 1)
+  set(version ${CPACK_DEBIAN_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+  if(NOT newest MATCHES "^mailstructure \\((.*)\\) " OR NOT CMAKE_MATCH_1 STREQUAL version)
+    message(FATAL_ERROR "${changelog} begins with another version than ${version}, which is being packaged")
+  endif()
+  if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
+    execute_process(
+      COMMAND dpkg-parsechangelog -l${changelog} -STimestamp
+      OUTPUT_VARIABLE timestamp
+      OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    set(ENV{SOURCE_DATE_EPOCH} ${timestamp})
+  endif()
+endif()

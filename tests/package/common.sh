@@ -1,0 +1,28 @@
+# What the tests of the packages share. To be sourced.
+# shellcheck shell=bash
+
+set -euo pipefail
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+skip_without() {
+    local program
+    for program in "$@"; do
+        command -v "$program" > /dev/null || { echo "skipped: there is no $program"; exit 77; }
+    done
+}
+
+# copy_sources FROM TO: what the packages are made of, and nothing that lies about beside it.
+copy_sources() {
+    mkdir -p "$2"
+    (cd "$1" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json LICENSE README.md SECURITY.md \
+        cmake doc examples include man src tools "$2")
+}
+
+# make_packages SOURCES: leaves them in SOURCES/build/package.
+make_packages() {
+    (cd "$1" && cmake --preset package && cmake --build --preset package --parallel 2 && cpack --preset package)
+}
