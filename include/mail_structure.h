@@ -171,6 +171,7 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// Resets the entity for reuse: flags, ranges, counts and texts as in a new one, no children,
         /// no fields, storage of both vectors kept. The three type strings become empty, unlike those of
         /// a new entity, and m_parent stays. Allocates nothing; linear in the size of the tree.
+        /// The storage of both vectors and of the strings is given back by assigning MimeObj().
         void clear();
 
         /// The first field whose name begins with the given one, ASCII case ignored, or null. So
@@ -236,6 +237,11 @@ struct MAIL_STRUCTURE_API MailStructure {
     static std::uint32_t m_memlimit;
 
     /// Clears m_root and fills it from the stream, which is read from its present position to its end.
+    /// What m_root held before is gone, references to it included: its records and their storage are used again for the
+    /// new message, and what that does not need is freed by the end, so that at its peak the object may take what the
+    /// old tree and the new one take together; call m_root.clear() first where that matters. Of m_root itself storage stays
+    /// as clear leaves it; assign MailStructure() to free everything. Until Fill returns or throws, the tree is in no
+    /// state that a stream's buffer, say, could look at.
     /// The input is one message (RFC 5322, with MIME as of RFC 2045 and RFC 2046), its lines ended by
     /// LF or by CR LF. No structure is an error: missing or mismatched boundaries yield a tree too.
     ///

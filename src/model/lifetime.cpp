@@ -6,6 +6,8 @@
 
 #include <mail_structure.h>
 
+#include "reset.h"
+
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -112,21 +114,8 @@ MailStructure::MimeObj& MailStructure::MimeObj::operator=(MimeObj&& other) noexc
 MailStructure::MimeObj::~MimeObj() { destroy_children(*this); }
 
 void MailStructure::MimeObj::clear() {
-    m_header_beg = m_header_len = 0;
-    m_mime_beg = m_mime_len = 0;
-    m_body_beg = m_body_len = 0;
-    m_epilogue_beg = m_epilogue_len = 0;
-    m_contents_beg = m_contents_len = 0;
-    m_message = m_multipart = false;
-    m_epilogue_last_empty = m_body_last_empty = false;
-    m_lines = 0;
-    m_body_text.clear();
-    m_epilogue_text.clear();
+    mail_structure_detail::reset_own_members(*this);
+    mail_structure_detail::empty_type_strings(*this);
     destroy_children(*this);
     m_headers.clear();
-    // Kept: the three type strings become empty, not "text", "plain" and "7bit". Fill clears the root, so
-    // an empty m_encoding tells a host that the message itself named no encoding.
-    m_type.clear();
-    m_subtype.clear();
-    m_encoding.clear();
 }

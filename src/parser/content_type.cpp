@@ -11,10 +11,12 @@ constexpr std::uint32_t whole_name = 0xFFFFFFFF; // the first argument is compar
 /// A parameter counts as stored once it is in the record; only then does it register a boundary.
 void store_parameter(fill_state& state, const parameter& found) {
     state.m_memory.add(static_cast<std::uint32_t>(found.m_name.size() + found.m_value.size()));
-    const auto& [name, value] = state.m_field.m_record->m_params.emplace_back(found.m_name, found.m_value);
+    field_in_progress& field = state.m_field;
+    set_parameter(*field.m_record, field.m_parameters, found.m_name, found.m_value);
+    const auto& [name, value] = field.m_record->m_params[field.m_parameters++];
     // Kept: any prefix of "boundary" registers one, and each of several does. Only the last one registered
     // is matched until a closing line removes it.
-    if (state.m_field.m_is_multipart && strncasecmp(name, "boundary", whole_name)) {
+    if (field.m_is_multipart && strncasecmp(name, "boundary", whole_name)) {
         state.m_delimiters.push_back("--" + value);
         state.m_open.top().m_multipart = true;
     }

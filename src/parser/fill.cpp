@@ -63,8 +63,7 @@ void take_run(fill_state& state, line_reader& reader) {
 } // namespace
 
 void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
-    message.m_root.clear();
-    fill_state state(message);
+    fill_state state(message); // clears the root
     line_reader reader(in, first_offset);
     input_line line;
     for (;;) {

@@ -9,7 +9,9 @@
 #include "field_trim.h"
 #include "line_reader.h"
 #include "open_entities.h"
+#include "reused_records.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,10 +27,15 @@ enum class verdict : std::uint8_t { consumed, again };
 /// The field that a header block is at. Begins anew with each block.
 struct field_in_progress {
     MailStructure::header* m_record = nullptr; // what a folded line extends; null before the first field
+    std::size_t m_parameters = 0;              // so many of the record's are its own; the others are old
     bool m_is_content_type = false;            // its folded lines hold parameters
     bool m_is_multipart = false;               // its boundary parameters count; of a Content-Type field only
 
-    void reset() { *this = field_in_progress(); }
+    /// Ends the field, if there is one.
+    void end() noexcept {
+        if (m_record != nullptr) cut_off_old_parameters(*m_record, m_parameters);
+        *this = field_in_progress();
+    }
 };
 
 /// An estimate of what the header fields take, held against the host's limit. 32-bit, wrapping.
@@ -49,6 +56,9 @@ struct fill_state {
         : m_open(message.m_root), m_memory(MailStructure::m_memlimit), m_keep_text(message.m_keep_text) {
         m_delimiters.reserve(10); // usual nesting then never reallocates
     }
+    ~fill_state() { m_field.end(); }
+    fill_state(const fill_state&) = delete;
+    fill_state& operator=(const fill_state&) = delete;
 
     phase m_phase = phase::header;
     open_entities m_open;
@@ -66,7 +76,7 @@ struct fill_state {
     /// present one if that has yet to be looked at.
     void open_entity() {
         m_open.open();
-        m_field.reset();
+        m_field.end();
         m_just_opened = true;
         m_phase = phase::header;
     }

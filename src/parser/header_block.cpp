@@ -20,21 +20,19 @@ void record_line(fill_state& state, const input_line& line) {
     state.m_open.add_header_line(line.m_start, line.m_end);
 }
 
-/// The record that takes the field: a new one of the current entity, or the scratch record when the
-/// field would pass the memory limit.
+/// Ends the last field, and begins the record that takes the new one: one of the current entity, or the scratch record
+/// when the field would pass the memory limit.
 MailStructure::header& begin_record(fill_state& state, const input_line& line, std::size_t colon) {
+    state.m_field.end();
     // Kept: with kept text the limit is not asked for, so that every field has its record.
     if (!state.m_keep_text && !state.m_memory.has_room_for(line.m_end - line.m_start)) {
-        state.m_scratch.m_name.clear();
-        state.m_scratch.m_value.clear();
-        state.m_scratch.m_params.clear();
-        state.m_scratch.m_beg = not_yet_set;
-        state.m_scratch.m_end = 0;
-        return state.m_scratch;
+        reset_field(state.m_scratch);
+        state.m_field.m_record = &state.m_scratch;
+    } else {
+        state.m_field.m_record = &state.m_open.add_field();
+        state.m_field.m_record->m_name = line.m_text.substr(0, colon);
     }
-    MailStructure::header& record = *state.m_open.top().get_header();
-    record.m_name = line.m_text.substr(0, colon);
-    return record;
+    return *state.m_field.m_record;
 }
 
 /// The text from just past the colon. The scan end may have put the "colon" on the last byte of an LF line,
@@ -48,7 +46,6 @@ std::string_view text_after_colon(std::string_view text, std::size_t colon) {
 void on_field_line(fill_state& state, const input_line& line, std::size_t colon) {
     MailStructure::header& record = begin_record(state, line, colon);
     field_in_progress& field = state.m_field;
-    field.m_record = &record;
     field.m_is_content_type = is_content_type_name(record.m_name);
 
     std::string_view value = text_after_colon(line.m_text, colon);

@@ -1,22 +1,35 @@
 #include "open_entities.h"
 
+#include "../model/reset.h"
+
 #include <algorithm>
 
 namespace mail_structure_detail {
 
 using MimeObj = MailStructure::MimeObj;
 
-open_entities::open_entities(MimeObj& root)
-    : m_entities{&root}, m_at_opening{{0, 0}}, m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
+open_entities::open_entities(MimeObj& root) try
+    : m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
       m_body(&MimeObj::m_body_beg, &MimeObj::m_body_len, unset_by::offset),
       m_epilogue(&MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, unset_by::length),
-      m_contents(&MimeObj::m_contents_beg, &MimeObj::m_contents_len, unset_by::length) {}
+      m_contents(&MimeObj::m_contents_beg, &MimeObj::m_contents_len, unset_by::length) {
+    constexpr std::size_t usual_depth = 8;
+    reserve_depth(usual_depth);
+    m_entities.push_back(&root);
+    m_accounts.push_back({0, 0});
+    reset_own_members(root);
+    empty_type_strings(root);
+} catch (...) {
+    root.clear(); // no destructor will cut off what is below it
+}
 
 open_entities::~open_entities() { settle_from(0); }
 
 void open_entities::open() {
-    m_at_opening.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
-    m_entities.push_back(top().get_obj());
+    // First what may fail: a child that is in no account would not be settled with.
+    if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
+    m_entities.push_back(&m_accounts.back().m_records.next_child(top()));
+    m_accounts.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
 }
 
 void open_entities::close() {
@@ -24,7 +37,7 @@ void open_entities::close() {
     settle_from(m_entities.size() - 1);
     top().finalize();
     m_entities.pop_back();
-    m_at_opening.pop_back();
+    m_accounts.pop_back();
 }
 
 void open_entities::finalize() noexcept {
@@ -83,7 +96,13 @@ void open_entities::watch_for_lapses() {
     m_contents.watch_for_lapses(m_entities);
 }
 
-/// Pays what is owed to the entities from index `count` up. Allocates nothing.
+/// Reserves room for a chain of that depth. The accounts come first: they have room wherever the entities have.
+void open_entities::reserve_depth(std::size_t depth) {
+    m_accounts.reserve(depth);
+    m_entities.reserve(depth);
+}
+
+/// Pays what is owed to the entities from index `count` up, and cuts off their old records. Allocates nothing.
 void open_entities::settle_from(std::size_t count) noexcept {
     m_mime.release(m_entities, count);
     m_body.release(m_entities, count);
@@ -91,11 +110,13 @@ void open_entities::settle_from(std::size_t count) noexcept {
     m_contents.release(m_entities, count);
     for (std::size_t index = count; index < m_entities.size(); ++index) {
         MimeObj& entity = *m_entities[index];
-        const std::uint64_t body_lines = m_body_tally.m_lines - m_at_opening[index].m_body_lines;
+        const account& settled = m_accounts[index];
+        const std::uint64_t body_lines = m_body_tally.m_lines - settled.m_body_lines_before;
         entity.m_lines += static_cast<std::uint32_t>(body_lines); // a count past 2^32 wraps, as offsets do
         if (body_lines != 0) entity.m_body_last_empty = m_body_tally.m_last_empty;
-        if (m_epilogue_tally.m_lines != m_at_opening[index].m_epilogue_lines)
+        if (m_epilogue_tally.m_lines != settled.m_epilogue_lines_before)
             entity.m_epilogue_last_empty = m_epilogue_tally.m_last_empty;
+        settled.m_records.cut_off_old(entity);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <mail_structure.h>
 
+#include "reused_records.h"
 #include "shared_range.h"
 
 #include <cstddef>
@@ -30,9 +31,10 @@ struct line_tally {
 
 class open_entities {
 public:
-    /// Begins with the root alone. The root's tree outlives this object; nobody else adds to it meanwhile.
+    /// Begins with the root alone, cleared. What is below it waits to be used again. The root's tree outlives this object;
+    /// nobody else adds to it meanwhile. @throws std::bad_alloc, and then the root is cleared, with nothing below it
     explicit open_entities(MailStructure::MimeObj& root);
-    /// Pays what is owed to the entities still open, also when an exception ends the parse.
+    /// Pays what is owed to the entities still open, and cuts off old records, also when an exception ends the parse.
     ~open_entities();
     open_entities(const open_entities&) = delete;
     open_entities& operator=(const open_entities&) = delete;
@@ -40,8 +42,10 @@ public:
     /// The innermost open entity.
     MailStructure::MimeObj& top() const noexcept { return *m_entities.back(); }
 
-    /// Opens a new child of the top. @throws std::bad_alloc
+    /// Opens a new child of the top. @throws std::bad_alloc, and then nothing has changed
     void open();
+    /// Adds a field to the top, in its initial state but for old parameters. @throws std::bad_alloc
+    MailStructure::header& add_field() { return m_accounts.back().m_records.next_field(top()); }
     /// Closes the top. The root stays open: what would close it changes nothing.
     void close();
     /// Finalizes all open entities, the root first, at the end of the input. None is closed.
@@ -71,16 +75,18 @@ public:
     void watch_for_lapses();
 
 private:
-    /// What the tallies held when an entity opened.
-    struct tallies_at_opening {
-        std::uint64_t m_body_lines;
-        std::uint64_t m_epilogue_lines;
+    /// What is to be settled with an open entity when it closes.
+    struct account {
+        std::uint64_t m_body_lines_before; // in the tallies when it opened
+        std::uint64_t m_epilogue_lines_before;
+        records_in_use m_records = {};
     };
 
+    void reserve_depth(std::size_t depth);
     void settle_from(std::size_t count) noexcept;
 
     std::vector<MailStructure::MimeObj*> m_entities; // never empty: the root is at the bottom
-    std::vector<tallies_at_opening> m_at_opening;    // one for each entity
+    std::vector<account> m_accounts;                 // one for each entity
     line_tally m_body_tally;
     line_tally m_epilogue_tally;
     shared_range m_mime;

@@ -113,4 +113,75 @@ TEST(heap, holds_nothing_of_a_message_of_one_gibibyte) {
     std::cout << "peak heap of Fill: " << meter.peak() << " bytes\n";
 }
 
+std::string repeated(std::size_t times, const std::string& text) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
+}
+
+/// What the object holds, beyond what it held when the meter began, after it has been filled.
+std::size_t held_after(MailStructure& message, const heap_meter& meter, std::string text) {
+    {
+        text_buffer buffer(text);
+        std::istream in(&buffer);
+        test_support::fill(message, in);
+    }
+    std::string().swap(text);
+    return meter.now();
+}
+
+const std::string small_message = "Subject: hi\nC: multipart/mixed; boundary=b\n\n--b\nA: b\n\nhi\n--b--\n";
+
+/// The storage of the root's own vectors and texts stays, as clear() leaves it, and nothing else that is large.
+TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
+    const std::string part = "--b\nA: " + std::string(500, 'x') + "\nC: a/b" + repeated(50, "; p=q") + "\n\nhi\n";
+    const std::string large[] = {
+        "A: " + std::string(10 << 20, 'x') + "\n\nhi\n",
+        "C: multipart/mixed; boundary=b\n\n" + repeated(2000, part) + "--b--\n",
+        "C: multipart/mixed; boundary=b\n\n--b\n" + repeated(20000, "A: b\n") + "\nhi\n--b--\n",
+        repeated(10000, "C: message\n\n") + "hi\n",
+        "C: multipart/mixed" + repeated(10000, "; boundary=" + std::string(50, 'b')) + "\n\nhi\n",
+    };
+    for (const std::string& text : large) {
+        const heap_meter meter;
+        MailStructure message;
+        const std::size_t after_large = held_after(message, meter, text);
+        held_after(message, meter, small_message);
+        const std::size_t after_small = held_after(message, meter, small_message);
+        const std::size_t of_root = message.m_root.m_children.capacity() * sizeof(MailStructure::MimeObj)
+                                    + message.m_root.m_headers.capacity() * sizeof(MailStructure::header);
+        EXPECT_GT(after_large, 1U << 20);
+        EXPECT_LT(after_small, of_root + 4096) << text.substr(0, 40);
+        message = MailStructure();
+        EXPECT_EQ(meter.now(), 0U);
+    }
+}
+
+/// Each message leaves long things at other places. Were all of that kept, it would pile up.
+TEST(heap, does_not_pile_up_from_message_to_message) {
+    constexpr std::size_t places = 200;
+    const std::string long_texts = "--b\nC: " + std::string(2000, 't') + "/" + std::string(2000, 's')
+                                   + "; p=" + std::string(2000, 'v') + "\nA: " + std::string(2000, 'x') + "\n\n"
+                                   + std::string(2000, 'y') + "\n";
+    const std::string many_records =
+        "--b\nC: message" + repeated(50, "; p=q") + "\n" + repeated(100, "B: c\n") + "\nA: b\n\nhi\n";
+    const std::string short_one = "--b\nC: a/b; p=q\nA: x\n\ny\n";
+    MailStructure message;
+    message.m_keep_text = true;
+    std::size_t most_at_first = 0;
+    std::size_t most_at_last = 0;
+    const heap_meter meter;
+    for (std::size_t round = 0; round < 2 * places; ++round) {
+        std::string text = "C: multipart/mixed; boundary=b\n\n";
+        const std::string& long_one = round % 2 == 0 ? long_texts : many_records;
+        for (std::size_t place = 0; place < places; ++place) text += place == round % places ? long_one : short_one;
+        const std::size_t held = held_after(message, meter, text + "--b--\n");
+        if (round < 4) most_at_first = std::max(most_at_first, held);
+        if (round >= places) most_at_last = std::max(most_at_last, held);
+    }
+    constexpr std::size_t small_storage = 300; // of a part and its fields, which stays
+    EXPECT_LT(most_at_last, most_at_first + places * small_storage);
+    std::cout << "held after a few messages: " << most_at_first << " bytes, after many: " << most_at_last << '\n';
+}
+
 } // namespace

@@ -93,7 +93,7 @@ const shape all_shapes[] = {
     {"nested_by_turns", nested_by_turns, 10'000},
     {"parts", parts, 10'000},
     {"bare_parts", bare_parts, 10'000},
-    {"parts_at_depth", parts_at_depth, 5'000},
+    {"parts_at_depth", parts_at_depth, 2'500},
     {"separators_at_depth", separators_at_depth, 10'000},
     {"fields", fields, 20'000},
     {"shortest_fields", shortest_fields, 20'000},

@@ -46,8 +46,11 @@ std::string failure_report(const std::string& input, const reference::options& w
         return library_difference(fresh, text, wanted, way, parse_with_reference(text, wanted));
     };
     std::ostringstream report;
-    report << difference_of(input) << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text
-           << ", memlimit " << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
+    const std::string difference = difference_of(input);
+    if (difference.empty()) report << "none in a parser object that was not filled before; ";
+    report << difference << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text << ", memlimit "
+           << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
+    if (difference.empty()) return report.str();
     const std::string small =
         test_support::shrunk(input, [&](const std::string& text) { return !difference_of(text).empty(); });
     report << "\n  shrunk to \"" << test_support::escaped(small) << "\"\n  which gives " << difference_of(small);

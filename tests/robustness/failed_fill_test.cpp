@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace {
 
@@ -117,12 +118,14 @@ protected:
     }
 
     /// Lets one allocation after the other fail, until there is none left that could.
-    void run_all(const run_options& options) {
+    /// @param before  what the parser object was filled with before; null: nothing
+    void run_all(const run_options& options, const allocating_message* before = nullptr) {
         bool goes_on = true;
         for (std::size_t failing = 0; goes_on; ++failing) {
             const std::size_t live_before = test_support::live_allocations();
             {
                 MailStructure message;
+                if (before != nullptr) fill_before(message, *before);
                 message.m_keep_text = keep_text();
                 const failed_run result = run(message, filled_with(), options, failing);
                 goes_on = result.m_has_sprung;
@@ -138,12 +141,32 @@ protected:
     }
 
 private:
+    /// Keeps text, so that there is as much to be used again as can be.
+    static void fill_before(MailStructure& message, const allocating_message& before) {
+        const test_support::memory_limit limit(before.m_memlimit);
+        message.m_keep_text = true;
+        run(message, before, all_runs[0], allocation_trap::never);
+        message.m_done = false;
+    }
+
     test_support::memory_limit m_limit{filled_with().m_memlimit};
     parse_steps m_steps{filled_with().m_input, {keep_text(), filled_with().m_memlimit, filled_with().m_first_offset}};
 };
 
 TEST_P(failed_fill, leaves_the_tree_as_far_as_built) {
     for (const run_options& options : all_runs) run_all(options);
+}
+
+/// The trees of these have records of all kinds for the next message to use, and more of some than it wants.
+TEST_P(failed_fill, leaves_the_tree_as_far_as_built_in_a_used_parser) {
+    static const std::vector<allocating_message> all = test_support::allocating_messages();
+    for (const allocating_message& before : all) {
+        for (const char* const name : {"many_fields", "many_parameters", "many_full_parts", "deep_multiparts",
+                                       "multiparts_and_messages_mixed", "name_without_colon_at_depth"}) {
+            if (before.m_name == name) run_all(all_runs[0], &before);
+        }
+        if (before.m_name == filled_with().m_name) run_all(all_runs[1], &before);
+    }
 }
 
 std::string name_of(const testing::TestParamInfo<std::tuple<allocating_message, bool>>& info) {

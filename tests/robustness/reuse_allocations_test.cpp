@@ -1,0 +1,129 @@
+// What a parser object that is filled with one message after another still allocates.
+
+#include <mail_structure.h>
+
+#include "robustness/failing_new.h"
+
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <istream>
+#include <new>
+#include <streambuf>
+#include <string>
+#include <utility>
+
+namespace {
+
+using test_support::allocation_trap;
+
+std::string repeated(std::size_t times, const std::string& text) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
+}
+
+/// A stream all of whose bytes are there from the start, so that no line is ever copied.
+class text_stream : public std::istream {
+public:
+    explicit text_stream(std::string text) : std::istream(nullptr), m_buffer(std::move(text)) { rdbuf(&m_buffer); }
+
+private:
+    class text_buffer : public std::streambuf {
+    public:
+        explicit text_buffer(std::string text) : m_text(std::move(text)) {
+            setg(m_text.data(), m_text.data(), m_text.data() + m_text.size());
+        }
+
+    private:
+        std::string m_text;
+    };
+
+    text_buffer m_buffer;
+};
+
+/// Allocations of one Fill.
+std::size_t allocations(MailStructure& message, const std::string& input) {
+    text_stream in(input);
+    const allocation_trap counter;
+    message.Fill(in);
+    return counter.count();
+}
+
+#ifdef MAILSTRUCTURE_PLAIN
+constexpr std::size_t for_the_line = 3; // that std::getline reads into, as it grows
+#else
+constexpr std::size_t for_the_line = 0;
+#endif
+
+/// The chain of open entities, their accounts, and the delimiters.
+constexpr std::size_t for_one_fill = 3;
+
+struct same_message {
+    const char* m_name;
+    std::string m_input;
+    std::size_t m_more = 0; // allocations than for one Fill
+};
+
+std::string name_of(const testing::TestParamInfo<same_message>& info) { return info.param.m_name; }
+
+class filled_twice : public testing::TestWithParam<same_message> {};
+
+TEST_P(filled_twice, allocates_nothing_for_the_tree) {
+    const same_message& tried = GetParam();
+    for (const bool keep_text : {false, true}) {
+        MailStructure message;
+        message.m_keep_text = keep_text;
+        allocations(message, tried.m_input);
+        const std::size_t live = test_support::live_allocations();
+        const std::size_t more = tried.m_more + (keep_text ? 2 : 0); // the kept form of lines, as it grows
+        for (int round = 0; round < 3; ++round) {
+            EXPECT_LE(allocations(message, tried.m_input), for_one_fill + more + for_the_line) << keep_text;
+            EXPECT_EQ(test_support::live_allocations(), live);
+        }
+    }
+}
+
+const std::string word(60, 'w');
+
+const same_message same_messages[] = {
+    {"nothing", ""},
+    {"fields", repeated(1000, "Received: " + word + "\n") + "\nhi\n"},
+    {"folds", "Received: " + word + "\n" + repeated(100, " " + word + "\n") + "\nhi\n"},
+    {"parameters", "C: a/b" + repeated(100, "; name=" + word) + "\n\nhi\n"},
+    {"parts", "C: multipart/mixed; boundary=b\n\n"
+                  + repeated(1000, "--b\nContent-Type: text/" + word + "; name=" + word + "\nA: " + word + "\n\nhi\n")
+                  + "--b--\n"},
+    {"nested_messages", repeated(8, "Content-Type: message/rfc822\nA: " + word + "\n\n") + "hi\n",
+     2}, // the chain and its accounts grow
+};
+
+INSTANTIATE_TEST_SUITE_P(messages, filled_twice, testing::ValuesIn(same_messages), name_of);
+
+/// Once the storage has been where it is wanted, one allocation after the other can fail and is not missed.
+TEST(filled_again, needs_no_memory_but_for_the_call) {
+    MailStructure message;
+    const std::string input = repeated(100, "Received: " + word + "\n") + "\nhi\n";
+    allocations(message, input);
+    text_stream in(input);
+    const allocation_trap trap(for_one_fill + for_the_line, test_support::memory::stays_out);
+    message.Fill(in);
+    EXPECT_FALSE(trap.has_sprung());
+}
+
+TEST(filled_again, clears_the_root_where_the_first_allocation_fails) {
+    for (std::size_t failing = 0; failing < for_one_fill; ++failing) {
+        MailStructure message;
+        const std::string input = "C: multipart/mixed; b=b\n\n--b\nA: b\n\nhi\n";
+        allocations(message, input);
+        text_stream in(input);
+        const allocation_trap trap(failing);
+        EXPECT_THROW(message.Fill(in), std::bad_alloc);
+        EXPECT_TRUE(message.m_root.m_children.empty());
+        EXPECT_TRUE(message.m_root.m_headers.empty());
+        EXPECT_TRUE(message.m_root.m_type.empty());
+        EXPECT_EQ(message.m_root.m_mime_len, 0U);
+        EXPECT_FALSE(message.m_root.m_multipart);
+    }
+}
+
+} // namespace
