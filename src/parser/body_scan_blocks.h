@@ -11,6 +11,7 @@
 #include "block_masks.h"
 #include "body_scan.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -42,6 +43,15 @@ std::uint64_t run_ends(const block_masks& masks, block_carry& carry) noexcept {
     return ends;
 }
 
+/// Has the processor fetch the bytes that the scan will come to from here in a while: by itself it foresees them only
+/// within a page of memory. Nothing is read.
+inline void fetch_ahead([[maybe_unused]] std::string_view bytes, [[maybe_unused]] std::size_t from) noexcept {
+#ifdef __GNUC__
+    constexpr std::size_t distance = 2048; // takes the scan about as long as memory takes to answer
+    __builtin_prefetch(bytes.data() + std::min(from + distance, bytes.size()));
+#endif
+}
+
 /// Make::masks(p) gives the masks of the 64 bytes at p.
 template <class Make, bool Dashes>
 scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
@@ -51,6 +61,7 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
     std::uint64_t ends = 0;
     std::uint64_t lf = 0;
     for (; bytes.size() - start >= block_bytes; start += block_bytes) {
+        fetch_ahead(bytes, start);
         const block_masks masks = Make::masks(bytes.data() + start);
         ends = run_ends<Dashes>(masks, carry);
         lf = masks.m_lf;

@@ -5,6 +5,7 @@
 
 #ifdef MAIL_STRUCTURE_X86_64
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
