@@ -1,5 +1,5 @@
 # What `cmake --install` lays down: the header, both libraries, the files by which a host's build finds
-# them, the tool, manual pages and documentation. Nothing installed names the folder it was installed into,
+# them, the tool with its completion, manual pages and documentation. Nothing installed names the folder it was installed into,
 # so the whole prefix can be moved.
 #
 # The components are the packages that a distribution makes of it: `runtime` (the shared library), `development`
@@ -99,10 +99,12 @@ if(MAILSTRUCTURE_TOOLS)
     FILES man/mailstructure.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
     COMPONENT tool)
-  if(EXISTS ${PROJECT_SOURCE_DIR}/tools/completion/mailstructure)
-    install(
-      FILES tools/completion/mailstructure
-      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-      COMPONENT tool)
-  endif()
+  install(
+    FILES tools/completion/mailstructure
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    COMPONENT tool)
+  install(
+    FILES doc/json.md doc/json.schema.json
+    DESTINATION ${document_dir}/doc
+    COMPONENT tool)
 endif()

@@ -1,9 +1,16 @@
 #!/bin/sh
-mailstructure
-echo "$?"
+# What is no command is the name of a file to draw.
 mailstructure frobnicate
 echo "$?"
 mailstructure --frobnicate
+echo "$?"
+mailstructure --version messages/plain.eml
+echo "$?"
+mailstructure tree --color=sometimes messages/plain.eml
+echo "$?"
+mailstructure tree --color
+echo "$?"
+mailstructure tree --keep-text messages/plain.eml
 echo "$?"
 mailstructure dump --frobnicate messages/plain.eml
 echo "$?"

@@ -62,11 +62,13 @@ tool)
     unset LD_LIBRARY_PATH
     "$prefix/bin/mailstructure" --version
     test -f "$prefix/share/man/man1/mailstructure.1"
+    test -f "$prefix/share/bash-completion/completions/mailstructure"
+    test -f "$prefix/share/doc/mailstructure/doc/json.schema.json"
     ;;
 files)
-    # All that belongs there and nothing else. The completion and the build type are as they may be.
+    # All that belongs there and nothing else. The build type is as it may be.
     (cd "$prefix" && find . ! -type d | sed "s#$libdir#LIBDIR#; s#Targets-[a-z]*\.cmake#Targets-TYPE.cmake#" | LC_ALL=C sort) \
-        | grep -v bash-completion | diff -u "$here/installed_files.txt" -
+        | diff -u "$here/installed_files.txt" -
     readelf -d "$prefix/$libdir/libmailstructure.so" | grep -q 'SONAME.*\[libmailstructure\.so\.1\]'
     test "$(readlink "$prefix/$libdir/libmailstructure.so.1")" = libmailstructure.so.1.0.0
     # The place where it was built or installed is in none of the texts.

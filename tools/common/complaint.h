@@ -10,8 +10,7 @@
 /// How a program ends.
 enum exit_status : int { all_well = 0, some_input_failed = 1, wrong_usage = 2 };
 
-/// The text with nothing in it that a terminal would act on: control characters become \xNN, and a
-/// backslash is doubled.
+/// The text as printable() gives it, in the characters of the user's locale.
 std::string escaped(std::string_view text);
 
 /// What a message calls the file: its escaped name, or "standard input" for "-".

@@ -1,10 +1,11 @@
-// The command `mailstructure dump`: prints the tree of each message.
+// The command `mailstructure dump`: prints the library's own dump of each message.
 
 #ifndef TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
 
 #include "common/complaint.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ struct dump_options {
     std::uint32_t m_memlimit = 0xFFFFFFFF;
     std::vector<std::string> m_files; // "-" is standard input
 };
+
+void describe_dump(CLI::App& command, dump_options& options);
 
 /// Prints the dump of each file in turn. A file that cannot be read or that is no message gets one line of
 /// complaint instead, and the next one is taken up. Stops early only when standard output takes no more.

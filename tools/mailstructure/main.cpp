@@ -1,95 +1,123 @@
-// The command line of `mailstructure`: reads the options and hands over to the command.
+// The command line of `mailstructure`: finds the command, reads its options and hands over to it.
 
 #include "common/complaint.h"
+#include "common/file_bytes.h"
 #include "mailstructure/dump_command.h"
+#include "mailstructure/json_command.h"
+#include "mailstructure/part_command.h"
+#include "mailstructure/tree_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
 #include <cerrno>
-#include <charconv>
-#include <cstdint>
 #include <exception>
-#include <iostream>
-#include <optional>
+#include <memory>
+#include <new>
 #include <string>
-#include <string_view>
-#include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace {
 
-/// "4096" or "0x1000"; nothing for any other text or for what does not fit in 32 bits.
-std::optional<std::uint32_t> parse_number(std::string_view text) {
-    const bool hex = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
-    if (hex) text.remove_prefix(2);
-    std::uint32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number, hex ? 16 : 10);
-    if (error != std::errc() || stop != end) return std::nullopt;
-    return number;
+/// A command reads what stands after its name, last word first, and does its work.
+struct command {
+    const char* m_name;
+    const char* m_description;
+    exit_status (*m_run)(CLI::App& line, std::vector<std::string>& arguments_reversed);
+};
+
+template <typename options, void (*describe)(CLI::App&, options&), exit_status (*run)(const options&)>
+exit_status run_command(CLI::App& line, std::vector<std::string>& arguments_reversed) {
+    options chosen;
+    describe(line, chosen);
+    line.parse(arguments_reversed);
+    return run(chosen);
 }
 
-/// The arguments after the program's name, last one first, as the option parser takes them. It would read
-/// "++" as the end of a command and "[a,b]" as a list; as "./++" and "./[a,b]" they are the files they name.
-std::vector<std::string> arguments_reversed(int count, char** values) {
-    std::vector<std::string> arguments;
-    for (int at = count - 1; at > 0; --at) {
-        const std::string argument = values[at];
-        const bool list = !argument.empty() && argument.front() == '[' && argument.back() == ']';
-        arguments.push_back(list || argument == "++" ? "./" + argument : argument);
+/// The first one is meant where no command is named.
+constexpr std::array commands = {
+    command{"tree", "Draw the tree of each message: parts, types, sizes, places",
+            run_command<tree_options, describe_tree, run_tree>},
+    command{"json", "Print the tree of each message as JSON, with all that is recorded",
+            run_command<json_options, describe_json, run_json>},
+    command{"part", "Write a piece of a message as it stands there, or decoded; or list the pieces",
+            run_command<part_options, describe_part, run_part>},
+    command{"dump", "Print the library's own dump of each message: entities, ranges and fields",
+            run_command<dump_options, describe_dump, run_dump>},
+};
+
+/// The option parser's help, but for the line that gives the usage.
+class program_help final : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
+        return "Usage: mailstructure [COMMAND] [OPTIONS] [FILE...]\n";
     }
-    return arguments;
+};
+
+/// What the program does with no command and an option of its own: it prints its help or its version.
+exit_status run_program(CLI::App& line, std::vector<std::string>& arguments_reversed) {
+    line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
+    line.formatter(std::make_shared<program_help>());
+    for (const command& each : commands) line.add_subcommand(each.m_name, each.m_description)->group("Commands");
+    line.footer("Without a command, the files are drawn as trees.\n"
+                "Run `mailstructure COMMAND --help` for a command's options.");
+    line.parse(arguments_reversed);
+    return all_well;
 }
 
-std::string number_complaint(const std::string& text) {
-    return parse_number(text) ? "" : "not a number from 0 to 4294967295: " + text;
+constexpr command program = {"", "Shows the structure of Internet mail.", run_program};
+
+/// The option parser would read "++" as the end of a command and "[a,b]" as a list; as "./++" and "./[a,b]" they are the
+/// files they name.
+std::string protected_argument(const std::string& argument) {
+    const bool list = !argument.empty() && argument.front() == '[' && argument.back() == ']';
+    return list || argument == "++" ? "./" + argument : argument;
 }
 
-void describe_dump(CLI::App& command, dump_options& options) {
-    command.add_flag("--keep-text", options.m_keep_text, "Keep the text of the bodies and print that of the leaves");
-    command
-        .add_option_function<std::string>(
-            "--memlimit", [&options](const std::string& text) { options.m_memlimit = parse_number(text).value(); },
-            "Bound for the memory of the header fields, in bytes; decimal, or hexadecimal after 0x")
-        ->check(number_complaint)
-        ->type_name("N");
-    command.add_option("FILE", options.m_files, "Messages; - is standard input, which is also read when none is named")
-        ->type_name("");
+/// The command that the first word names, which is then taken away.
+const command& take_command(std::vector<std::string>& arguments) {
+    if (arguments.empty()) return commands.front();
+    const std::string first = arguments.front();
+    if (first == "--help" || first == "-h" || first == "--version") return program;
+    const auto* const named =
+        std::find_if(commands.begin(), commands.end(), [&first](const command& each) { return first == each.m_name; });
+    if (named == commands.end()) return commands.front();
+    arguments.erase(arguments.begin());
+    return *named;
 }
 
-exit_status wrong_usage_of(const std::string& what) {
-    complain(escaped(what) + "\nRun `mailstructure --help` for the usage.");
+exit_status wrong_usage_of(const std::string& what, const std::string& program_and_command) {
+    complain(escaped(what) + "\nRun `" + program_and_command + " --help` for the usage.");
     return wrong_usage;
 }
 
 /// Reads the command line and runs the command it gives.
 exit_status run(int count, char** values) {
-    CLI::App program("Shows the structure of Internet mail.", "mailstructure");
-    program.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
-    program.require_subcommand(1);
-    dump_options options;
-    CLI::App& dump = *program.add_subcommand("dump", "Print the tree of each message: entities, ranges and fields");
-    describe_dump(dump, options);
+    std::vector<std::string> arguments(values + std::min(count, 1), values + count);
+    const command& chosen = take_command(arguments);
+    const std::string name = chosen.m_name;
+    CLI::App line(chosen.m_description, "mailstructure" + (name.empty() ? "" : ' ' + name));
+    std::reverse(arguments.begin(), arguments.end());
+    std::transform(arguments.begin(), arguments.end(), arguments.begin(), protected_argument);
     try {
-        program.parse(arguments_reversed(count, values));
+        return chosen.m_run(line, arguments);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() != 0) return wrong_usage_of(error.what());
+        if (error.get_exit_code() != 0) return wrong_usage_of(error.what(), line.get_name());
         errno = 0;
-        program.exit(error); // prints the help or the version
+        line.exit(error); // prints the help or the version
         return output_got_out() ? all_well : some_input_failed;
     }
-    if (options.m_files.empty()) {
-        if (::isatty(STDIN_FILENO) != 0) return wrong_usage_of("no file is named, and standard input is a terminal");
-        options.m_files.emplace_back("-");
-    }
-    return run_dump(options);
 }
 
 } // namespace
 
 int main(int count, char** values) {
     try {
+        end_on_lost_pages();
         return run(count, values);
+    } catch (const std::bad_alloc&) {
+        complain("out of memory");
+        return some_input_failed;
     } catch (const std::exception& error) {
         complain(escaped(error.what()));
         return some_input_failed;

@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure json messages/mixed-with-attachment-crlf.eml

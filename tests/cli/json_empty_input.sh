@@ -1,0 +1,3 @@
+#!/bin/sh
+mailstructure json < /dev/null
+mailstructure json --flat -

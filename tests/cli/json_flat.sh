@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure json --flat messages/mixed-with-attachment.eml messages/forwarded.eml

@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure json --flat messages/broken.eml

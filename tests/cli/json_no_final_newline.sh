@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure json messages/no-final-newline.eml

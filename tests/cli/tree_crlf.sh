@@ -1,0 +1,2 @@
+#!/bin/sh
+mailstructure tree messages/mixed-with-attachment-crlf.eml

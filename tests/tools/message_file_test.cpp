@@ -1,0 +1,181 @@
+// A parsed file: where its message begins, where its faults are, and what its offsets count from.
+
+#include "common/message_file.h"
+#include "support/parse.h"
+#include "support/tree_text.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
+using test_support::tree_text;
+
+/// The name of a file with these contents, which stays for the time of the test.
+class temporary_file {
+public:
+    explicit temporary_file(const std::string& contents) {
+        const int descriptor = ::mkstemp(m_name.data());
+        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()), static_cast<ssize_t>(contents.size()));
+        ::close(descriptor);
+    }
+    ~temporary_file() { ::unlink(m_name.c_str()); }
+    temporary_file(const temporary_file&) = delete;
+    temporary_file& operator=(const temporary_file&) = delete;
+
+    const std::string& name() const { return m_name; }
+
+private:
+    std::string m_name = testing::TempDir() + "message_file_test_XXXXXX";
+};
+
+struct start_case {
+    const char* m_name;
+    std::string m_contents;
+    std::uint32_t m_start;
+};
+
+const start_case start_cases[] = {
+    {"empty", "", 0},
+    {"no_separator", "From: a\n\nx\n", 0},
+    {"separator", "From a@b Mon Jan  1\nA: b\n\nx\n", 20},
+    {"separator_with_cr_lf", "From a\r\nA: b\r\n", 8},
+    {"separator_alone", "From a\n", 7},
+    {"separator_without_an_end", "From a", 6},
+    {"shortest", "From \nA: b\n", 6},
+    {"four_letters", "From", 0},
+    {"other_case", "from a\nA: b\n", 0},
+    {"quoted", ">From a\nA: b\n", 0},
+    {"tab", "From\ta\nA: b\n", 0},
+    {"on_the_second_line", "\nFrom a\nA: b\n", 0},
+};
+
+TEST(message_file, begins_past_a_separator_line) {
+    for (const start_case& row : start_cases) {
+        SCOPED_TRACE(row.m_name);
+        const temporary_file on_disk(row.m_contents);
+        message_file file(on_disk.name());
+        EXPECT_EQ(file.message_start(), row.m_start);
+        EXPECT_EQ(file.bytes(), row.m_contents);
+        MailStructure message;
+        EXPECT_FALSE(file.parse(message));
+        EXPECT_TRUE(message.m_done);
+    }
+}
+
+const std::string nested = "Content-Type: multipart/mixed; boundary=b\n\npreamble\n--b\nA: b\n\nx\n--b\n"
+                           "Content-Type: message/rfc822\n\nC: d\n ef\n\ny\n--b--\nepilogue\n";
+
+TEST(message_file, counts_all_offsets_from_the_start_of_the_file) {
+    const std::string separator = "From a\n";
+    const temporary_file on_disk(separator + nested);
+    message_file file(on_disk.name());
+    MailStructure message;
+    ASSERT_FALSE(file.parse(message));
+
+    MailStructure expected = parse(nested);
+    move_ranges(expected.m_root, static_cast<std::uint32_t>(separator.size()));
+    EXPECT_EQ(tree_text(message.m_root), tree_text(expected.m_root));
+    const MailStructure::MimeObj& root = message.m_root;
+    EXPECT_EQ(file.cut(root.m_epilogue_beg, root.m_epilogue_len), "epilogue\n");
+    EXPECT_EQ(file.cut(root.m_header_beg, root.m_header_len), nested.substr(0, 43));
+    EXPECT_EQ(file.cut(root.m_mime_beg, root.m_mime_len), nested.substr(0, nested.size() - 9));
+    const MailStructure::MimeObj& within = root.m_children.at(1).m_children.at(0);
+    EXPECT_EQ(file.cut(within.m_body_beg, within.m_body_len), "y\n");
+    EXPECT_EQ(file.cut(within.m_contents_beg, within.m_contents_len), "y\n");
+    const MailStructure::header& field = within.m_headers.at(0);
+    EXPECT_EQ(file.cut(field.m_beg, field.m_end - field.m_beg), "C: d\n ef\n");
+}
+
+TEST(message_file, moves_no_range_that_is_empty) {
+    MailStructure message = parse("A: b\n\n");
+    message.m_root.get_header(); // has no place
+    move_ranges(message.m_root, 10);
+    EXPECT_EQ(message.m_root.m_header_beg, 10U);
+    EXPECT_EQ(message.m_root.m_body_beg, 0U);
+    EXPECT_EQ(message.m_root.m_epilogue_beg, 0U);
+    EXPECT_EQ(message.m_root.m_headers.at(0).m_beg, 10U);
+    EXPECT_EQ(message.m_root.m_headers.at(1).m_beg, 0xFFFFFFFFU);
+    EXPECT_EQ(message.m_root.m_headers.at(1).m_end, 0U);
+}
+
+TEST(message_file, cuts_nothing_past_its_end) {
+    const temporary_file on_disk("abc");
+    const message_file file(on_disk.name());
+    EXPECT_EQ(file.cut(1, 2), "bc");
+    EXPECT_EQ(file.cut(1, 0xFFFFFFFF), "bc");
+    EXPECT_EQ(file.cut(3, 1), "");
+    EXPECT_EQ(file.cut(0xFFFFFFFF, 1), "");
+}
+
+struct fault_case {
+    const char* m_name;
+    std::string m_contents;
+    const char* m_what; // "" if none
+    std::uint64_t m_offset;
+};
+
+std::string filler(std::size_t bytes) {
+    std::string text = "a: b\n\n";
+    while (text.size() < bytes) text += std::string(63, 'x') + '\n';
+    text.resize(bytes);
+    return text;
+}
+
+const char* const stray_cr = "stray byte: a CR inside a line";
+const char* const stray_nul = "stray byte: a NUL inside a line";
+const char* const no_colon = "bad header line: a name without a colon, ended by CR LF";
+
+const fault_case fault_cases[] = {
+    {"none", "a: b\r\n\r\nx\r\n", "", 0},
+    {"nul_before_lf_is_legal", std::string("a: b\n\nx\0\n", 9), "", 0},
+    {"cr_at_the_end_is_legal", "a: b\n\nx\r", "", 0},
+    {"nul_at_the_end_is_legal", std::string("a: b\n\nx\0", 8), "", 0},
+    {"cr_between_letters", "a: b\n\nx\ry\n", stray_cr, 7},
+    {"first_byte", "\rc\n", stray_cr, 0},
+    {"nul_between_letters", std::string("a\0b\n", 4), stray_nul, 1},
+    {"first_of_two_crs", "a: b\n\nx\r\r\n", stray_cr, 7},
+    {"nul_before_the_cr_of_a_line_end", std::string("a: b\n\nx\0\r\n", 10), stray_nul, 7},
+    {"first_of_several", "a: b\n\nx\ry\rz\n", stray_cr, 7},
+    {"far_into_the_file", filler(200000) + "\rabc\n", stray_cr, 200000},
+    {"behind_a_separator", "From a\na: b\n\nx\ry\n", stray_cr, 14},
+    {"within_the_separator_is_nothing", "From a\rb\na: b\n\nx\n", "", 0},
+    {"name_without_colon", "a: b\r\nSubject\r\n\r\n", no_colon, 6},
+    {"name_without_colon_first", "Subject\r\n", no_colon, 0},
+    {"name_without_colon_behind_a_separator", "From a\na: b\r\nSubject\r\n", no_colon, 13},
+    {"name_without_colon_before_a_stray_byte", "a: b\r\nSubject\r\nx\ry\r\n", no_colon, 6},
+};
+
+TEST(message_file, tells_what_is_wrong_and_where) {
+    for (const fault_case& row : fault_cases) {
+        SCOPED_TRACE(row.m_name);
+        const temporary_file on_disk(row.m_contents);
+        MailStructure message;
+        const std::optional<input_fault> fault = message_file(on_disk.name()).parse(message);
+        EXPECT_EQ(fault ? fault->m_what : "", row.m_what);
+        EXPECT_EQ(fault ? fault->m_offset : 0, row.m_offset);
+    }
+}
+
+TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
+    MailStructure message;
+    const std::optional<input_fault> missing = message_file(testing::TempDir() + "no/such/file").parse(message);
+    ASSERT_TRUE(missing);
+    EXPECT_EQ(missing->m_what, "cannot open: No such file or directory");
+    const std::optional<input_fault> folder = message_file(testing::TempDir()).parse(message);
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(folder->m_what, "cannot read: Is a directory");
+
+    const temporary_file on_disk("");
+    ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);
+    const std::optional<input_fault> large = message_file(on_disk.name()).parse(message);
+    ASSERT_TRUE(large);
+    EXPECT_EQ(large->m_what, "too big: no more than 4294967295 bytes can be read, and the input goes on");
+    EXPECT_EQ(large->m_offset, 4294967295U);
+}
+
+} // namespace

@@ -1,0 +1,97 @@
+// The text before the first part of a multipart and after its last.
+
+#include "common/outer_text.h"
+#include "support/parse.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
+
+struct outer_case {
+    const char* m_name;
+    const char* m_body;
+    const char* m_preamble;
+    const char* m_epilogue;
+};
+
+const std::string header = "Content-Type: multipart/mixed; boundary=\"b\"\n\n";
+
+const outer_case cases[] = {
+    {"neither", "--b\n\nx\n--b--\n", "", ""},
+    {"both", "before\n--b\n\nx\n--b--\nafter\n", "before\n", "after\n"},
+    {"blank_lines", "\n--b\n\nx\n--b--\n\n", "\n", "\n"},
+    {"lines_that_are_no_separators", "--bb\n--B\n --b\n--b\n\nx\n", "--bb\n--B\n --b\n", ""},
+    {"with_cr_lf", "before\r\n--b\r\nA: b\r\n\r\nx\r\n--b--\r\nafter\r\n", "before\r\n", "after\r\n"},
+    {"empty_line_after_the_separator_is_dropped", "before\n--b\n\nA: b\n\nx\n", "before\n", ""},
+    {"parts_without_a_line", "before\n--b\n--b\n--b\nA: b\n", "before\n", ""},
+    {"only_parts_without_a_line", "before\n--b\n--b\n", "before\n", ""},
+    {"no_parts", "before\n", "before\n", ""},
+    {"no_parts_but_a_closing_line", "before\n--b--\nafter\n", "before\n", "after\n"},
+    {"nothing_at_all", "", "", ""},
+    {"closing_line_again", "--b\n\nx\n--b--\n--b--\n", "", "--b--\n"},
+    {"no_final_newline", "before\n--b\n\nx\n--b--\nafter", "before\n", "after"},
+};
+
+std::string cut(const std::string& input, const byte_range& range) {
+    return input.substr(range.m_offset, range.m_length);
+}
+
+TEST(outer_text, is_what_no_part_holds) {
+    for (const outer_case& row : cases) {
+        SCOPED_TRACE(row.m_name);
+        const std::string input = header + row.m_body;
+        const MailStructure message = parse(input);
+        EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), row.m_preamble);
+        EXPECT_EQ(cut(input, epilogue_of(message.m_root, input)), row.m_epilogue);
+    }
+}
+
+TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
+    const std::string input =
+        header + "--b\nContent-Type: multipart/mixed; boundary=c\n\none\n--c\n\nx\n--c--\ntwo\n" + "--b\n\ny\n--b--\n";
+    const MailStructure message = parse(input);
+    const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
+    EXPECT_EQ(cut(input, preamble_of(inner, input)), "one\n");
+    EXPECT_EQ(cut(input, epilogue_of(inner, input)), "two\n");
+    EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
+    EXPECT_NE(message.m_root.m_epilogue_len, 0U); // the library's range has the inner one's line
+    EXPECT_EQ(epilogue_of(message.m_root, input).m_length, 0U);
+}
+
+TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
+    const std::string part = header + "--b\nContent-Type: multipart/mixed; boundary=c\n\n--c\n\nx\n--c--\n\n";
+    for (const std::string after : {"", "after\n", "--b--\n"}) {
+        SCOPED_TRACE(after);
+        const std::string input = part + "--b--\n" + after;
+        const MailStructure message = parse(input);
+        EXPECT_EQ(cut(input, epilogue_of(message.m_root.m_children.at(0), input)), "\n");
+        EXPECT_EQ(cut(input, epilogue_of(message.m_root, input)), after);
+    }
+    const MailStructure open = parse(part + "after");
+    EXPECT_EQ(cut(part + "after", epilogue_of(open.m_root.m_children.at(0), part + "after")), "\nafter");
+    EXPECT_EQ(epilogue_of(open.m_root, part + "after").m_length, 0U);
+}
+
+TEST(outer_text, begins_with_the_last_boundary_of_several) {
+    const std::string input = "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n--b\n--c\n\nx\n";
+    const MailStructure message = parse(input);
+    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--b\n");
+}
+
+TEST(outer_text, is_none_of_what_is_no_multipart) {
+    const std::string input = "Content-Type: message/rfc822\n\nA: b\n\nx\n";
+    const MailStructure message = parse(input);
+    EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
+    EXPECT_EQ(preamble_of(message.m_root.m_children.at(0), input).m_length, 0U);
+}
+
+TEST(outer_text, is_looked_for_in_no_bytes_beyond_the_end) {
+    const std::string input = header + "before\n--b\n\nx\n";
+    const MailStructure message = parse(input);
+    EXPECT_EQ(preamble_of(message.m_root, std::string_view(input).substr(0, 3)).m_length, 0U);
+}
+
+} // namespace

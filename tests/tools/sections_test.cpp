@@ -1,0 +1,149 @@
+// How entities are numbered, in usual trees and in odd ones, and how deep.
+
+#include "common/sections.h"
+#include "support/parse.h"
+#include "support/small_stack.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+/// A line for each entity: its depth as blanks, its section, and "message" for a message within.
+std::string walk_text(const MimeObj& root) {
+    std::string text;
+    entity_walk walk(root);
+    while (const numbered_entity* const entity = walk.next()) {
+        text += std::string(entity->m_depth, ' ') + std::string(entity->m_section);
+        text += entity->m_is_message_within ? " message\n" : "\n";
+    }
+    return text;
+}
+
+struct walk_case {
+    const char* m_name;
+    const char* m_input;
+    const char* m_walk;
+};
+
+const walk_case walk_cases[] = {
+    {"empty_input", "", "1\n"},
+    {"text", "a: b\n\nhi\n", "1\n"},
+    {"multipart_is_named_text", "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\n\nb\n--X--\n",
+     "TEXT\n 1\n 2\n"},
+    {"multipart_within_multipart",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: multipart/mixed; boundary=Y\n\n"
+     "--Y\n\na\n--Y\n\nb\n--Y--\n--X\n\nc\n--X--\n",
+     "TEXT\n 1\n  1.1\n  1.2\n 2\n"},
+    {"message_within_is_part_one_of_its_holder",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\nContent-Type: message/rfc822\n\na: b\nc: "
+     "d\n\nhi\n--X--\n",
+     "TEXT\n 1\n 2\n  2.1 message\n"},
+    {"multipart_within_a_message_within",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\n"
+     "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y\n\nb\n--Y--\n--X--\n",
+     "TEXT\n 1\n  1.TEXT message\n   1.1\n   1.2\n"},
+    {"message_as_the_whole_body", "Content-Type: message/rfc822\n\na: b\nc: d\n\nhi\n", "1\n 1.1 message\n"},
+    {"multipart_in_a_message_as_the_whole_body",
+     "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y--\n",
+     "1\n 1.TEXT message\n  1.1\n"},
+    {"message_within_a_message", "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\n\na: b\n\n\nhi\n",
+     "1\n 1.1 message\n  1.1.1 message\n"},
+    {"multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\npreamble\n", "TEXT\n"},
+    {"multipart_without_a_boundary", "Content-Type: multipart/mixed\n\n--X\n", "1\n"},
+    {"message_that_holds_none", "Content-Type: message/rfc822\n\n", "1\n"},
+    {"part_with_nothing_in_it", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X\n--X--\n", "TEXT\n 1\n 2\n"},
+    {"message_and_multipart_is_a_message",
+     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: d\n\nhi\n",
+     "1\n 1.1 message\n"},
+    {"parts_beside_a_message_within_go_on_behind_its_own",
+     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: "
+     "d\n\nhi\n--X\n\na\n--X\n\nb\n--X--\n",
+     "1\n 1.1 message\n 1.2\n 1.3\n"},
+    {"parts_beside_a_multipart_within_go_on_behind_its_parts",
+     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
+     "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y\n\nb\n--Y--\n--X\n\nc\n--X--\n",
+     "1\n 1.TEXT message\n  1.1\n  1.2\n 1.3\n"},
+};
+
+class section_names : public testing::TestWithParam<walk_case> {};
+
+TEST_P(section_names, are_given_as_imap_has_them) {
+    EXPECT_EQ(walk_text(test_support::parse(GetParam().m_input).m_message.m_root), GetParam().m_walk);
+}
+
+INSTANTIATE_TEST_SUITE_P(cases, section_names, testing::ValuesIn(walk_cases),
+                         [](const auto& row) { return std::string(row.param.m_name); });
+
+TEST(section_names_of_odd_trees, entity_with_children_and_no_mark_is_a_multipart) {
+    MimeObj root;
+    root.get_obj();
+    root.get_obj();
+    EXPECT_TRUE(is_multipart(root));
+    EXPECT_EQ(walk_text(root), "TEXT\n 1\n 2\n");
+}
+
+TEST(section_names_of_odd_trees, message_marked_as_a_multipart_holds_a_message) {
+    MimeObj root;
+    root.m_message = root.m_multipart = true;
+    EXPECT_FALSE(is_multipart(root));
+    EXPECT_EQ(message_within(root), nullptr);
+    const MimeObj* const child = root.get_obj();
+    EXPECT_EQ(message_within(root), child);
+    EXPECT_EQ(walk_text(root), "1\n 1.1 message\n");
+}
+
+/// Multiparts within multiparts, so many, around a text.
+MimeObj nested(std::size_t multiparts) {
+    MimeObj root;
+    MimeObj* innermost = &root;
+    for (std::size_t count = 0; count < multiparts; ++count) {
+        innermost->m_multipart = true;
+        innermost = innermost->get_obj();
+    }
+    return root;
+}
+
+TEST(deep_sections, have_names_of_up_to_100_numbers) {
+    const MimeObj root = nested(102);
+    std::vector<std::size_t> lengths;
+    entity_walk walk(root);
+    while (const numbered_entity* const entity = walk.next()) lengths.push_back(entity->m_section.size());
+    ASSERT_EQ(lengths.size(), 103U);
+    EXPECT_EQ(lengths[0], 4U); // TEXT
+    EXPECT_EQ(lengths[1], 1U);
+    EXPECT_EQ(lengths[100], 199U);
+    EXPECT_EQ(lengths[101], 0U);
+    EXPECT_EQ(lengths[102], 0U);
+}
+
+TEST(deep_sections, have_names_again_where_the_tree_is_less_deep) {
+    MimeObj root = nested(150);
+    root.get_obj();
+    std::string last;
+    entity_walk walk(root);
+    while (const numbered_entity* const entity = walk.next()) last = entity->m_section;
+    EXPECT_EQ(last, "2");
+}
+
+TEST(deep_sections, are_walked_on_a_small_stack) {
+    constexpr std::size_t depth = 1000000;
+    const MimeObj root = nested(depth);
+    std::size_t entities = 0;
+    std::size_t deepest = 0;
+    test_support::run_on_stack(std::size_t{256} * 1024, [&] {
+        entity_walk walk(root);
+        while (const numbered_entity* const entity = walk.next()) {
+            ++entities;
+            deepest = entity->m_depth;
+        }
+    });
+    EXPECT_EQ(entities, depth + 1);
+    EXPECT_EQ(deepest, depth);
+}
+
+} // namespace

@@ -1,0 +1,161 @@
+// Base64 and quoted-printable undone: what comes out, and where damage is found.
+
+#include "common/transfer_decoding.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+struct decoded_text {
+    std::string m_text;
+    std::string m_damage; // "WHAT at OFFSET"
+    std::size_t m_pieces = 0;
+};
+
+decoded_text decode_all(transfer_encoding encoding, std::string_view text) {
+    decoded_text result;
+    const auto damage = decode(encoding, text, [&result](std::string_view bytes) {
+        result.m_text += bytes;
+        ++result.m_pieces;
+        EXPECT_FALSE(bytes.empty());
+        return true;
+    });
+    if (damage) result.m_damage = damage->m_what + " at " + std::to_string(damage->m_offset);
+    return result;
+}
+
+struct decoding_case {
+    const char* m_name;
+    transfer_encoding m_encoding;
+    std::string m_encoded;
+    std::string m_decoded;
+    const char* m_damage;
+};
+
+constexpr transfer_encoding base64 = transfer_encoding::base64;
+constexpr transfer_encoding quoted = transfer_encoding::quoted_printable;
+
+const decoding_case decoding_cases[] = {
+    {"none", transfer_encoding::none, "a=\r\n\xFF", "a=\r\n\xFF", ""},
+    {"none_of_nothing", transfer_encoding::none, "", "", ""},
+
+    {"base64_of_nothing", base64, "", "", ""},
+    {"base64_of_line_ends", base64, "\r\n\r\n", "", ""},
+    {"base64", base64, "QUJD", "ABC", ""},
+    {"base64_one_padding", base64, "QUI=", "AB", ""},
+    {"base64_two_paddings", base64, "QQ==", "A", ""},
+    {"base64_all_bytes", base64, "AP8Q+/8=", std::string("\0\xFF\x10\xFB\xFF", 5), ""},
+    {"base64_in_lines", base64, "QU\r\nJD\nRE \tVG\r\n", "ABCDEF", ""},
+    {"base64_line_end_within_the_padding", base64, "QQ=\r\n=\r\n", "A", ""},
+    {"base64_other_character", base64, "QUJD\nQU!DQUJD", "ABCA", "not a base64 character at 7"},
+    {"base64_nul", base64, std::string("QUJD\0QUJD", 9), "ABC", "not a base64 character at 4"},
+    {"base64_byte_above_127", base64, "QUJD\xE9", "ABC", "not a base64 character at 4"},
+    {"base64_from_the_first_byte_on", base64, "-QUJD", "", "not a base64 character at 0"},
+    {"base64_text_behind_the_padding", base64, "QQ==\nfooter", "A", "text behind the base64 padding at 5"},
+    {"base64_behind_the_padding", base64, "QQ==QUJD", "A", "text behind the base64 padding at 4"},
+    {"base64_three_paddings", base64, "QQ===", "A",
+     "misplaced base64 padding, or bits before it that should be 0 at 4"},
+    {"base64_padding_first", base64, "=QUJ", "", "misplaced base64 padding, or bits before it that should be 0 at 0"},
+    {"base64_bits_that_should_be_0", base64, "QR==", "A",
+     "misplaced base64 padding, or bits before it that should be 0 at 2"},
+    {"base64_without_its_padding", base64, "QUJDQUI", "ABCAB", "base64 ends within a group of four characters at 7"},
+    {"base64_one_character_too_many", base64, "QUJDQ", "ABC", "base64 ends within a group of four characters at 5"},
+    {"base64_half_a_padding", base64, "QQ=", "A", "base64 ends within a group of four characters at 3"},
+
+    {"quoted_nothing", quoted, "", "", ""},
+    {"quoted_plain", quoted, "a b\tc", "a b\tc", ""},
+    {"quoted_bytes", quoted, "=C3=A9=00=3D", std::string("\xC3\xA9\0=", 4), ""},
+    {"quoted_small_digits", quoted, "=c3=a9", "\xC3\xA9", ""},
+    {"quoted_line_ends_stay", quoted, "a\r\nb\nc\r\n", "a\r\nb\nc\r\n", ""},
+    {"quoted_line_end_as_bytes", quoted, "a=0D=0Ab", "a\r\nb", ""},
+    {"quoted_soft_line_break", quoted, "a=\r\nb=\nc", "abc", ""},
+    {"quoted_soft_line_break_with_blanks", quoted, "a= \t\r\nb", "ab", ""},
+    {"quoted_soft_line_break_at_the_end", quoted, "a=", "a", ""},
+    {"quoted_soft_line_break_with_blanks_at_the_end", quoted, "a=  ", "a", ""},
+    {"quoted_blanks_at_the_end_of_a_line", quoted, "a \t\r\n b\t\n", "a\r\n b\n", ""},
+    {"quoted_blanks_at_the_end", quoted, "a \t ", "a", ""},
+    {"quoted_blank_that_is_quoted", quoted, "a=20\r\n", "a \r\n", ""},
+    {"quoted_blanks_before_a_quoted_one", quoted, "a  =20\r\n", "a   \r\n", ""},
+    {"quoted_bytes_above_127_pass", quoted, "\xE9=E9", "\xE9\xE9", ""},
+    {"quoted_cr_within_a_line_passes", quoted, "a \rb", "a \rb", ""},
+    {"quoted_equals_sign_that_says_nothing", quoted, "ab=XY=41", "ab=XYA",
+     "an equals sign without two hexadecimal digits or a line end at 2"},
+    {"quoted_first_damage_is_told", quoted, "=4Z =Z4", "=4Z =Z4",
+     "an equals sign without two hexadecimal digits or a line end at 0"},
+    {"quoted_two_equals_signs", quoted, "==41", "=A",
+     "an equals sign without two hexadecimal digits or a line end at 0"},
+    {"quoted_one_digit_at_the_end", quoted, "a=4", "a=4",
+     "an equals sign without two hexadecimal digits or a line end at 1"},
+    {"quoted_blanks_behind_a_damage_stay", quoted, "a= b", "a= b",
+     "an equals sign without two hexadecimal digits or a line end at 1"},
+};
+
+class transfer_decoding : public testing::TestWithParam<decoding_case> {};
+
+TEST_P(transfer_decoding, gives) {
+    const decoded_text result = decode_all(GetParam().m_encoding, GetParam().m_encoded);
+    EXPECT_EQ(result.m_text, GetParam().m_decoded);
+    EXPECT_EQ(result.m_damage, GetParam().m_damage);
+}
+
+INSTANTIATE_TEST_SUITE_P(cases, transfer_decoding, testing::ValuesIn(decoding_cases),
+                         [](const auto& row) { return std::string(row.param.m_name); });
+
+std::string repeated(const std::string& text, std::size_t times) {
+    std::string result;
+    while (times-- > 0) result += text;
+    return result;
+}
+
+TEST(transfer_decoding_of_long_texts, hands_base64_over_in_blocks) {
+    const decoded_text result = decode_all(base64, repeated("QUJD\r\n", 100000));
+    EXPECT_EQ(result.m_text, repeated("ABC", 100000));
+    EXPECT_EQ(result.m_damage, "");
+    EXPECT_GT(result.m_pieces, 5U);
+}
+
+TEST(transfer_decoding_of_long_texts, finds_damage_behind_the_first_block) {
+    for (const std::size_t groups : {16383U, 16384U, 16385U, 40000U}) {
+        const decoded_text result = decode_all(base64, repeated("QUJD", groups) + "Q!" + repeated("QUJD", groups));
+        EXPECT_EQ(result.m_text, repeated("ABC", groups));
+        EXPECT_EQ(result.m_damage, "not a base64 character at " + std::to_string(4 * groups + 1));
+    }
+}
+
+TEST(transfer_decoding_of_long_texts, hands_quoted_printable_over_in_blocks) {
+    const decoded_text result = decode_all(quoted, repeated("a=3D=\n", 100000) + std::string(100000, 'b'));
+    EXPECT_EQ(result.m_text, repeated("a=", 100000) + std::string(100000, 'b'));
+    EXPECT_GT(result.m_pieces, 4U);
+}
+
+TEST(transfer_decoding_of_long_texts, takes_a_long_run_of_blanks_at_any_place) {
+    const std::string blanks(1000000, ' ');
+    EXPECT_EQ(decode_all(quoted, "a" + blanks + "\nb").m_text, "a\nb");
+    EXPECT_EQ(decode_all(quoted, "a=" + blanks + "\nb").m_text, "ab");
+    EXPECT_EQ(decode_all(quoted, "a" + blanks + "b").m_text, "a" + blanks + "b");
+    EXPECT_EQ(decode_all(quoted, "a=" + blanks + "b").m_text, "a=" + blanks + "b");
+}
+
+TEST(transfer_decoding_into_a_full_sink, stops) {
+    for (const transfer_encoding encoding : {base64, quoted}) {
+        std::size_t calls = 0;
+        const auto damage = decode(encoding, repeated("QUJD", 100000) + "=", [&calls](std::string_view) {
+            ++calls;
+            return false;
+        });
+        EXPECT_FALSE(damage);
+        EXPECT_EQ(calls, 1U);
+    }
+}
+
+TEST(names_of_transfer_encodings, are_known_in_any_case) {
+    EXPECT_EQ(transfer_encoding_named("Base64"), transfer_encoding::base64);
+    EXPECT_EQ(transfer_encoding_named("QUOTED-printable"), transfer_encoding::quoted_printable);
+    for (const char* const none : {"", "7bit", "7BIT", "8bit", "binary"})
+        EXPECT_EQ(transfer_encoding_named(none), transfer_encoding::none) << none;
+    for (const char* const other : {"base", "base64 ", "x-uuencode", "quoted-printable;", "7-bit"})
+        EXPECT_EQ(transfer_encoding_named(other), std::nullopt) << other;
+}
+
+} // namespace

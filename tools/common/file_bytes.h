@@ -1,0 +1,57 @@
+// The bytes of a file in memory: mapped where the system can map it, read where not.
+
+#ifndef TOOLS_COMMON_FILE_BYTES_H
+#define TOOLS_COMMON_FILE_BYTES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// All that a file holds, or why it cannot be had. A file that another program makes shorter while it is mapped ends
+/// this program: it says so and exits with status 1, once end_on_lost_pages() has been called.
+class file_bytes {
+public:
+    /// Inputs of this size and more are refused, for the library's offsets are 32 bits wide.
+    static constexpr std::uint64_t size_limit = std::uint64_t{1} << 32;
+
+    /// What kept the bytes from being had.
+    enum class failure : std::uint8_t { none, cannot_open, cannot_read, too_big, no_memory };
+
+    /// Takes the bytes of the named file; "-" is standard input, of which what is left is taken.
+    explicit file_bytes(const std::string& file_name);
+    /// Takes what is left in a descriptor and closes it.
+    explicit file_bytes(int descriptor);
+    ~file_bytes();
+    file_bytes(const file_bytes&) = delete;
+    file_bytes& operator=(const file_bytes&) = delete;
+
+    std::string_view bytes() const { return {m_data, m_size}; }
+    /// Whether the bytes are mapped, and not a copy.
+    bool is_mapped() const { return m_mapped_bytes != 0; }
+    failure failed() const { return m_failed; }
+    /// The system's number for a failure to open or to read.
+    int error() const { return m_error; }
+    /// How many bytes there were before the failure.
+    std::uint64_t bytes_before_failure() const { return m_bytes_before_failure; }
+
+private:
+    void take(int descriptor, const std::string& file_name);
+    bool map(int descriptor, const std::string& file_name);
+    void read_all(int descriptor);
+    bool grow(std::size_t& capacity);
+    void fail(failure how, int error);
+
+    char* m_data = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_mapped_bytes = 0; // 0: m_data is from the heap
+    failure m_failed = failure::none;
+    int m_error = 0;
+    std::uint64_t m_bytes_before_failure = 0;
+};
+
+/// From now on a mapped file that loses pages, because it was cut short or cannot be read any more, ends the program
+/// with a line on standard error and status 1 instead of a signal.
+void end_on_lost_pages();
+
+#endif

@@ -1,0 +1,130 @@
+// Parses a file's bytes through a stream buffer that lies over them; see the header.
+
+#include "common/message_file.h"
+
+#include "common/complaint.h"
+
+#include <istream>
+#include <new>
+#include <stdexcept>
+#include <streambuf>
+#include <vector>
+
+namespace {
+
+constexpr std::uint32_t no_place = 0xFFFFFFFF; // of a header field
+constexpr const char* too_big_text = "too big: no more than 4294967295 bytes can be read, and the input goes on";
+
+/// Reads from bytes that are there already. It only lends them; nothing is written through it.
+class memory_stream_buffer final : public std::streambuf {
+public:
+    explicit memory_stream_buffer(std::string_view bytes) {
+        char* const begin = const_cast<char*>(bytes.data()); // NOLINT: a get area is declared writable
+        setg(begin, begin, begin + bytes.size());
+    }
+
+    /// Where the line begins that was taken out last; 0 before the first.
+    std::size_t last_line_start() const {
+        const std::string_view taken(eback(), static_cast<std::size_t>(gptr() - eback()));
+        if (taken.empty()) return 0;
+        // The last byte taken out is, as a rule, the LF that ends the line in question.
+        const std::size_t line_end_before = taken.substr(0, taken.size() - 1).rfind('\n');
+        return line_end_before == std::string_view::npos ? 0 : line_end_before + 1;
+    }
+};
+
+std::uint32_t separator_line_bytes(std::string_view bytes) {
+    if (bytes.substr(0, 5) != "From ") return 0;
+    const std::size_t line_end = bytes.find('\n');
+    return static_cast<std::uint32_t>(line_end == std::string_view::npos ? bytes.size() : line_end + 1);
+}
+
+/// The first CR or NUL with something behind it other than an LF or the end of the input.
+std::size_t first_stray_byte(std::string_view bytes) {
+    constexpr std::string_view suspects("\r\0", 2);
+    std::size_t at = bytes.find_first_of(suspects);
+    while (at != std::string_view::npos && (at + 1 == bytes.size() || bytes[at + 1] == '\n')) {
+        at = bytes.find_first_of(suspects, at + 1);
+    }
+    return at;
+}
+
+std::string stray_byte_text(char byte) {
+    return std::string("stray byte: a ") + (byte == '\r' ? "CR" : "NUL") + " inside a line";
+}
+
+input_fault fault_of(const file_bytes& file) {
+    const std::uint64_t before = file.bytes_before_failure();
+    switch (file.failed()) {
+    case file_bytes::failure::cannot_open: return {"cannot open: " + system_error_text(file.error()), 0};
+    case file_bytes::failure::cannot_read: return {"cannot read: " + system_error_text(file.error()), before};
+    case file_bytes::failure::too_big: return {too_big_text, file_bytes::size_limit - 1};
+    default: return {"cannot read: out of memory", before};
+    }
+}
+
+void move_range(std::uint32_t& beg, std::uint32_t length, std::uint32_t distance) {
+    if (length != 0) beg += distance;
+}
+
+void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
+    move_range(entity.m_header_beg, entity.m_header_len, distance);
+    move_range(entity.m_mime_beg, entity.m_mime_len, distance);
+    move_range(entity.m_body_beg, entity.m_body_len, distance);
+    move_range(entity.m_epilogue_beg, entity.m_epilogue_len, distance);
+    move_range(entity.m_contents_beg, entity.m_contents_len, distance);
+    for (MailStructure::header& field : entity.m_headers) {
+        if (field.m_beg == no_place) continue;
+        field.m_beg += distance;
+        field.m_end += distance;
+    }
+}
+
+/// Fills the message; what is wrong with it, at an offset that counts from the first of these bytes.
+std::optional<input_fault> fill(MailStructure& message, std::string_view bytes) {
+    memory_stream_buffer buffer(bytes);
+    std::istream stream(&buffer);
+    try {
+        message.Fill(stream);
+    } catch (const std::length_error&) {
+        return input_fault{"bad header line: a name without a colon, ended by CR LF", buffer.last_line_start()};
+    } catch (const std::bad_alloc&) {
+        return input_fault{"cannot parse: out of memory", buffer.last_line_start()};
+    } catch (const std::runtime_error& error) {
+        const std::size_t stray = first_stray_byte(bytes);
+        if (stray != std::string_view::npos) return input_fault{stray_byte_text(bytes[stray]), stray};
+        return input_fault{std::string("cannot parse: ") + error.what(), buffer.last_line_start()};
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+message_file::message_file(const std::string& file_name)
+    : m_file(file_name), m_message_start(separator_line_bytes(m_file.bytes())) {}
+
+std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) const {
+    if (offset >= bytes().size()) return {};
+    return bytes().substr(offset, length);
+}
+
+std::optional<input_fault> message_file::parse(MailStructure& message) {
+    if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
+    if (std::optional<input_fault> fault = fill(message, bytes().substr(m_message_start))) {
+        fault->m_offset += m_message_start;
+        return fault;
+    }
+    if (m_message_start != 0) move_ranges(message.m_root, m_message_start);
+    return std::nullopt;
+}
+
+void move_ranges(MailStructure::MimeObj& root, std::uint32_t distance) {
+    // Any order will do. Holds no more than the entities of one path and their brothers.
+    std::vector<MailStructure::MimeObj*> waiting = {&root};
+    while (!waiting.empty()) {
+        MailStructure::MimeObj& entity = *waiting.back();
+        waiting.pop_back();
+        move_entity(entity, distance);
+        for (MailStructure::MimeObj& child : entity.m_children) waiting.push_back(&child);
+    }
+}

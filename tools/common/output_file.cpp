@@ -1,0 +1,98 @@
+// Creates, writes and replaces a file; see the header.
+
+#include "common/output_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+/// Where symbolic links lead to, so that the file is replaced and not the link; the name itself where that fails.
+std::string real_name(const std::string& file_name) {
+    struct free_memory {
+        void operator()(char* memory) const { std::free(memory); }
+    };
+    const std::unique_ptr<char, free_memory> real(::realpath(file_name.c_str(), nullptr));
+    return real ? std::string(real.get()) : file_name;
+}
+
+/// What open() would give a new file.
+mode_t mode_of_new_files() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+/// A name for mkostemp, in the same folder.
+std::string name_beside(const std::string& file_name) {
+    return file_name.substr(0, file_name.rfind('/') + 1) + ".mailstructure-XXXXXX";
+}
+
+} // namespace
+
+output_file::output_file(const std::string& file_name, existing_file existing) {
+    struct stat there = {};
+    if (existing == existing_file::is_kept) {
+        m_descriptor = ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_descriptor >= 0) m_writing = file_name;
+    } else if (::stat(file_name.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
+        m_descriptor = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    } else {
+        create_beside(real_name(file_name));
+    }
+    if (m_descriptor < 0) fail();
+}
+
+output_file::~output_file() {
+    if (m_descriptor >= 0) ::close(m_descriptor);
+    if (!m_writing.empty()) ::unlink(m_writing.c_str());
+}
+
+bool output_file::write(std::string_view bytes) {
+    constexpr std::size_t most_at_once = std::size_t{1} << 30; // no system writes more in one go
+    while (m_error == 0 && !bytes.empty()) {
+        const ssize_t count = ::write(m_descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
+        if (count >= 0)
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EINTR)
+            fail();
+    }
+    return m_error == 0;
+}
+
+bool output_file::keep() {
+    if (m_error != 0) return false;
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    const bool done =
+        ::close(descriptor) == 0 && (m_target.empty() || ::rename(m_writing.c_str(), m_target.c_str()) == 0);
+    if (!done) {
+        fail();
+        return false;
+    }
+    m_writing.clear();
+    return true;
+}
+
+void output_file::create_beside(const std::string& file_name) {
+    struct stat there = {};
+    const bool replaces = ::stat(file_name.c_str(), &there) == 0;
+    std::string name = name_beside(file_name);
+    m_descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+    if (m_descriptor < 0) return;
+    m_writing = name;
+    m_target = file_name;
+    // The new file may be read by whoever could read the old one.
+    if (::fchmod(m_descriptor, replaces ? there.st_mode & 0777 : mode_of_new_files()) != 0) fail();
+}
+
+void output_file::fail() {
+    if (m_error == 0) m_error = errno;
+}

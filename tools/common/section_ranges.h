@@ -1,0 +1,67 @@
+// Which bytes a section is. The tree has recorded ranges of whole lines; a section, as IMAP and RFC 2046 section 5.1.1 have
+// it, differs from them in two ways:
+//
+// - The line terminator before a boundary line belongs to that line, and not to the part that ends there.
+// - Every line belongs to something. The empty line that the parser drops behind a separator or behind the first line
+//   of a message within is in no recorded range; here it ends the header block, as it looks to anybody else.
+//
+//     --XY                                       of no section but those around it
+//     Content-Type: message/rfc822    1.MIME
+//                                     1.MIME
+//     Subject: hello                             1    1.HEADER
+//                                                1    1.HEADER    (dropped: in no recorded range)
+//     It is I.                                   1    1.TEXT      (and here without the line terminator)
+//     --XY--
+//
+// A part that holds a message ends where the message does. Its recorded ranges can go on, for one boundary line does not
+// close all that another parser would have it close (see doc/behaviour.md).
+//
+// So 1.HEADER and 1.TEXT together are 1, and HEADER and TEXT together the whole message.
+
+#ifndef TOOLS_COMMON_SECTION_RANGES_H
+#define TOOLS_COMMON_SECTION_RANGES_H
+
+#include <mail_structure.h>
+
+#include "common/section_lookup.h"
+
+#include <cstdint>
+#include <string_view>
+
+/// Some bytes of a file, counted from its start. A piece that has no lines, and so no place, is at offset 0.
+struct byte_range {
+    std::uint32_t m_offset = 0;
+    std::uint32_t m_length = 0;
+};
+
+class section_ranges {
+public:
+    /// All three must outlive the object.
+    /// @param root           the message, its ranges counted from the start of the file
+    /// @param bytes          the whole file, less than 4 GiB
+    /// @param message_start  where in the file the message begins
+    section_ranges(const MailStructure::MimeObj& root, std::string_view bytes, std::uint32_t message_start)
+        : m_root(root), m_bytes(bytes), m_message_start(message_start) {}
+
+    /// Linear in the number of messages within messages from the entity down; constant time, all in all, in the order of
+    /// a walk.
+    byte_range of(const section_place& place);
+
+private:
+    byte_range header_block_of(const section_place& place);
+    byte_range body_of(const section_place& place);
+    std::uint32_t end_of(const MailStructure::MimeObj& entity);
+    const MailStructure::MimeObj& last_holding_lines(const MailStructure::MimeObj& entity);
+    std::uint32_t empty_line_at(std::uint32_t offset) const;
+    std::uint32_t line_terminator_before(std::uint32_t offset) const;
+    std::uint32_t file_end() const { return static_cast<std::uint32_t>(m_bytes.size()); }
+
+    const MailStructure::MimeObj& m_root;
+    std::string_view m_bytes;
+    std::uint32_t m_message_start;
+    // For last_holding_lines: the entity asked for last, and the answer.
+    const MailStructure::MimeObj* m_asked_last = nullptr;
+    const MailStructure::MimeObj* m_innermost = nullptr;
+};
+
+#endif

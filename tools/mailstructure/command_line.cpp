@@ -1,0 +1,61 @@
+// Files, choices and numbers on a command line; see the header.
+
+#include "mailstructure/command_line.h"
+
+#include <charconv>
+#include <cstddef>
+#include <functional>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
+    return text;
+}
+
+} // namespace
+
+std::string standard_input() {
+    if (::isatty(STDIN_FILENO) == 0) return "-";
+    throw CLI::ValidationError("no file is named, and standard input is a terminal");
+}
+
+void describe_files(CLI::App& command, std::vector<std::string>& files) {
+    command.add_option("FILE", files, "Messages; - is standard input, which is also read when none is named")
+        ->type_name("");
+    command.final_callback([&files] {
+        if (files.empty()) files.push_back(standard_input());
+    });
+}
+
+void describe_choice(CLI::App& command, const std::string& option, const std::vector<std::string>& words,
+                     const std::string& placeholder, const std::function<void(std::size_t)>& take,
+                     const std::string& description) {
+    const auto place = [words](const std::string& word) {
+        return static_cast<std::size_t>(std::find(words.begin(), words.end(), word) - words.begin());
+    };
+    command
+        .add_option_function<std::string>(
+            option, [take, place](const std::string& word) { take(place(word)); }, description)
+        ->check([words, place](const std::string& word) {
+            return place(word) < words.size() ? "" : "not one of " + joined(words) + ": " + word;
+        })
+        ->type_name(placeholder);
+}
+
+std::optional<std::uint32_t> parse_number(std::string_view text) {
+    const bool hex = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
+    if (hex) text.remove_prefix(2);
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, hex ? 16 : 10);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return number;
+}
+
+std::string number_complaint(const std::string& text) {
+    return parse_number(text) ? "" : "not a number from 0 to 4294967295: " + text;
+}

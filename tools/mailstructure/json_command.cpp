@@ -1,0 +1,73 @@
+// Reads, parses and prints one file after the other.
+
+#include "mailstructure/json_command.h"
+
+#include <mail_structure.h>
+
+#include "common/message_file.h"
+#include "mailstructure/command_line.h"
+#include "mailstructure/json_output.h"
+#include "mailstructure/json_writer.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <iostream>
+#include <new>
+#include <optional>
+
+namespace {
+
+enum class outcome : std::uint8_t {
+    printed,
+    not_printed, // nothing of the message
+    torn         // part of it, so that nothing sensible can follow
+};
+
+json_form form_of(const json_options& options) {
+    if (options.m_flat) return json_form::flat;
+    return options.m_pretty ? json_form::pretty : json_form::line;
+}
+
+outcome print_tree(const json_message& message, json_form form) {
+    json_output output(std::cout);
+    try {
+        write_json(output, message, form);
+        return outcome::printed;
+    } catch (const std::bad_alloc&) {
+        complain(display_name(message.m_file_name) + ": cannot print: out of memory");
+        return output.has_handed_on() ? outcome::torn : outcome::not_printed;
+    }
+}
+
+outcome print_file(const std::string& file_name, json_form form) {
+    message_file file(file_name);
+    MailStructure message;
+    if (const std::optional<input_fault> fault = file.parse(message)) {
+        complain_about_input(file_name, fault->m_what, fault->m_offset);
+        return outcome::not_printed;
+    }
+    return print_tree({file_name, file.bytes(), file.message_start(), message.m_root}, form);
+}
+
+} // namespace
+
+void describe_json(CLI::App& command, json_options& options) {
+    CLI::Option* const pretty =
+        command.add_flag("--pretty", options.m_pretty, "One document on many lines, for people to read")
+            ->disable_flag_override();
+    command.add_flag("--flat", options.m_flat, "One line for each entity instead of one for each message")
+        ->excludes(pretty)
+        ->disable_flag_override();
+    describe_files(command, options.m_files);
+}
+
+exit_status run_json(const json_options& options) {
+    exit_status status = all_well;
+    for (const std::string& file_name : options.m_files) {
+        errno = 0;
+        const outcome done = print_file(file_name, form_of(options));
+        if (done != outcome::printed) status = some_input_failed;
+        if (!output_got_out() || done == outcome::torn) return some_input_failed;
+    }
+    return status;
+}

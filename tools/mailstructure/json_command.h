@@ -1,0 +1,25 @@
+// The command `mailstructure json`: the tree of each message as JSON.
+
+#ifndef TOOLS_MAILSTRUCTURE_JSON_COMMAND_H
+#define TOOLS_MAILSTRUCTURE_JSON_COMMAND_H
+
+#include "common/complaint.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+struct json_options {
+    bool m_pretty = false;
+    bool m_flat = false;
+    std::vector<std::string> m_files; // "-" is standard input
+};
+
+void describe_json(CLI::App& command, json_options& options);
+
+/// Prints each file in turn. A file that cannot be read or that is no message gets one line of complaint instead, and
+/// the next one is taken up. Stops early when standard output takes no more, or when memory runs out after part of a
+/// message has been printed.
+exit_status run_json(const json_options& options);
+
+#endif

@@ -1,0 +1,289 @@
+// Walks the tree and calls rapidjson's writer for all that is recorded. That keeps its open objects and arrays on a
+// stack of its own, so neither it nor the walk recurses.
+
+#include "mailstructure/json_writer.h"
+
+#include "common/field_lookup.h"
+#include "common/sections.h"
+
+#include <cstddef>
+#include <limits>
+#include <nettle/base64.h>
+#include <optional>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/writer.h>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using line_writer = rapidjson::Writer<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
+using pretty_writer = rapidjson::PrettyWriter<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
+
+bool is_utf8(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const bool ascii = static_cast<unsigned char>(text[at]) < 0x80;
+        const utf8_character character = ascii ? utf8_character{0, 1, true} : first_character(text.substr(at));
+        if (!character.m_valid) return false;
+        at += character.m_bytes;
+    }
+    return true;
+}
+
+/// The bytes in base64, as a JSON string.
+std::string quoted_base64(std::string_view bytes) {
+    std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()) + 2, '"');
+    base64_encode_raw(text.data() + 1, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+    return text;
+}
+
+/// Writes documents of either kind. "Record" is what ends with a list of its values that are not UTF-8: the message, an
+/// entity, or a line of the flat form.
+template <class writer>
+class tree_writer {
+public:
+    /// @param gap  what stands behind the colons and commas of a range
+    tree_writer(json_output& output, const json_message& message, std::string gap)
+        : m_output(output), m_writer(output), m_message(message), m_gap(std::move(gap)) {}
+
+    writer& settings() { return m_writer; }
+    void write_document();
+    void write_lines();
+
+private:
+    /// A value that is not UTF-8: its place in the record, and its bytes.
+    struct odd_value {
+        std::string m_place;
+        std::string m_quoted_base64;
+    };
+
+    void key(std::string_view name);
+    void string(std::string_view name, const std::string& value);
+    void string_or_null(std::string_view name, const std::string& value);
+    void number(std::string_view name, std::uint64_t value);
+    void flag(std::string_view name, bool value);
+    void range(std::string_view name, std::uint32_t offset, std::uint32_t length);
+    void line_members(const numbered_entity& visited, std::size_t index);
+    void members(const numbered_entity& visited);
+    void ranges(const MailStructure::MimeObj& entity);
+    void fields(const MailStructure::MimeObj& entity);
+    void field(const MailStructure::header& field);
+    void odd_values();
+    void close_entities(std::size_t count);
+    void end_line();
+
+    json_output& m_output;
+    writer m_writer;
+    const json_message& m_message;
+    const std::string m_gap;
+    // About the record being written:
+    std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
+    std::vector<odd_value> m_odd_values;
+    std::vector<std::size_t> m_path; // flat form: the index of each entity from the root to the current one
+};
+
+template <class writer>
+void tree_writer<writer>::write_document() {
+    m_writer.StartObject();
+    string("file", m_message.m_file_name);
+    number("size", m_message.m_bytes.size());
+    number("message_start", m_message.m_message_start);
+    odd_values();
+    key("root");
+    std::size_t open = 0; // entities begun and not ended
+    entity_walk walk(m_message.m_root);
+    for (const numbered_entity* visited = walk.next(); visited != nullptr; visited = walk.next()) {
+        close_entities(open - visited->m_depth);
+        m_writer.StartObject();
+        members(*visited);
+        odd_values();
+        key("children");
+        m_writer.StartArray();
+        open = visited->m_depth + 1;
+        if (m_output.is_refused()) return;
+    }
+    close_entities(open);
+    m_writer.EndObject();
+    end_line();
+}
+
+template <class writer>
+void tree_writer<writer>::write_lines() {
+    std::size_t index = 0;
+    entity_walk walk(m_message.m_root);
+    for (const numbered_entity* visited = walk.next(); visited != nullptr; visited = walk.next(), ++index) {
+        m_writer.Reset(m_output);
+        m_writer.StartObject();
+        line_members(*visited, index);
+        members(*visited);
+        number("child_count", visited->m_entity->m_children.size());
+        odd_values();
+        m_writer.EndObject();
+        end_line();
+        if (m_output.is_refused()) return;
+    }
+}
+
+/// What the nesting tells in the other forms.
+template <class writer>
+void tree_writer<writer>::line_members(const numbered_entity& visited, std::size_t index) {
+    string("file", m_message.m_file_name);
+    number("index", index);
+    m_path.resize(visited.m_depth);
+    key("parent");
+    if (m_path.empty()) {
+        m_writer.Null();
+    } else {
+        m_writer.Uint64(m_path.back());
+    }
+    m_path.push_back(index);
+    number("depth", visited.m_depth);
+}
+
+template <class writer>
+void tree_writer<writer>::members(const numbered_entity& visited) {
+    const MailStructure::MimeObj& entity = *visited.m_entity;
+    string_or_null("section", std::string(visited.m_section));
+    string("type", entity.m_type);
+    string("subtype", entity.m_subtype);
+    string("encoding", entity.m_encoding);
+    string_or_null("transfer_encoding", transfer_encoding_of(entity));
+    string_or_null("charset", charset_of(entity, m_message.m_bytes));
+    string_or_null("filename", file_name_of(entity, m_message.m_bytes));
+    flag("multipart", entity.m_multipart);
+    flag("message", entity.m_message);
+    ranges(entity);
+    number("lines", entity.m_lines);
+    flag("body_last_empty", entity.m_body_last_empty);
+    flag("epilogue_last_empty", entity.m_epilogue_last_empty);
+    fields(entity);
+}
+
+template <class writer>
+void tree_writer<writer>::ranges(const MailStructure::MimeObj& entity) {
+    range("header", entity.m_header_beg, entity.m_header_len);
+    range("mime", entity.m_mime_beg, entity.m_mime_len);
+    range("body", entity.m_body_beg, entity.m_body_len);
+    range("contents", entity.m_contents_beg, entity.m_contents_len);
+    range("epilogue", entity.m_epilogue_beg, entity.m_epilogue_len);
+}
+
+template <class writer>
+void tree_writer<writer>::fields(const MailStructure::MimeObj& entity) {
+    key("fields");
+    m_writer.StartArray();
+    std::size_t index = 0;
+    for (const MailStructure::header& each : entity.m_headers) {
+        m_place = "/fields/" + std::to_string(index++);
+        field(each);
+    }
+    m_writer.EndArray();
+    m_place.clear();
+}
+
+template <class writer>
+void tree_writer<writer>::field(const MailStructure::header& field) {
+    m_writer.StartObject();
+    string("name", field.m_name);
+    string("value", field.m_value);
+    range("range", field.m_beg, field.m_end - field.m_beg);
+    key("params");
+    m_writer.StartArray();
+    const std::size_t place_of_field = m_place.size();
+    std::size_t index = 0;
+    for (const auto& [name, value] : field.m_params) {
+        m_place += "/params/" + std::to_string(index++);
+        m_writer.StartObject();
+        string("name", name);
+        string("value", value);
+        m_writer.EndObject();
+        m_place.resize(place_of_field);
+    }
+    m_writer.EndArray();
+    m_writer.EndObject();
+}
+
+/// The values of the record, up to here, that are not UTF-8.
+template <class writer>
+void tree_writer<writer>::odd_values() {
+    key("not_utf8");
+    m_writer.StartArray();
+    for (const odd_value& odd : m_odd_values) {
+        m_writer.StartObject();
+        string("member", odd.m_place);
+        key("base64");
+        m_writer.RawValue(odd.m_quoted_base64.data(), odd.m_quoted_base64.size(), rapidjson::kStringType);
+        m_writer.EndObject();
+    }
+    m_writer.EndArray();
+    m_odd_values.clear();
+}
+
+template <class writer>
+void tree_writer<writer>::close_entities(std::size_t count) {
+    for (; count != 0; --count) {
+        m_writer.EndArray();
+        m_writer.EndObject();
+    }
+}
+
+template <class writer>
+void tree_writer<writer>::end_line() {
+    m_output.Put('\n');
+}
+
+template <class writer>
+void tree_writer<writer>::key(std::string_view name) {
+    m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+}
+
+template <class writer>
+void tree_writer<writer>::string(std::string_view name, const std::string& value) {
+    // A file of 4 GiB is refused, but what is decoded can be longer than it was.
+    if (value.size() > std::numeric_limits<rapidjson::SizeType>::max()) throw std::bad_alloc();
+    if (!is_utf8(value)) m_odd_values.push_back({m_place + '/' + std::string(name), quoted_base64(value)});
+    key(name);
+    m_writer.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
+}
+
+template <class writer>
+void tree_writer<writer>::string_or_null(std::string_view name, const std::string& value) {
+    if (!value.empty()) return string(name, value);
+    key(name);
+    m_writer.Null();
+}
+
+template <class writer>
+void tree_writer<writer>::number(std::string_view name, std::uint64_t value) {
+    key(name);
+    m_writer.Uint64(value);
+}
+
+template <class writer>
+void tree_writer<writer>::flag(std::string_view name, bool value) {
+    key(name);
+    m_writer.Bool(value);
+}
+
+/// A range stays on one line in every form.
+template <class writer>
+void tree_writer<writer>::range(std::string_view name, std::uint32_t offset, std::uint32_t length) {
+    const std::string text = "{\"offset\":" + m_gap + std::to_string(offset) + ',' + m_gap + "\"length\":" + m_gap
+                             + std::to_string(length) + '}';
+    key(name);
+    m_writer.RawValue(text.data(), text.size(), rapidjson::kObjectType);
+}
+
+} // namespace
+
+void write_json(json_output& output, const json_message& message, json_form form) {
+    if (form == json_form::pretty) {
+        tree_writer<pretty_writer> pretty(output, message, " ");
+        pretty.settings().SetIndent(' ', 2);
+        pretty.write_document();
+    } else {
+        tree_writer<line_writer> plain(output, message, "");
+        form == json_form::flat ? plain.write_lines() : plain.write_document();
+    }
+    output.hand_on();
+}

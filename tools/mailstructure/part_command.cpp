@@ -1,0 +1,202 @@
+// Finds a section, cuts it out of the input, decodes it where asked to, and writes it.
+
+#include "mailstructure/part_command.h"
+
+#include <mail_structure.h>
+
+#include "common/field_lookup.h"
+#include "common/message_file.h"
+#include "common/output_file.h"
+#include "common/section_ranges.h"
+#include "common/transfer_decoding.h"
+#include "mailstructure/command_line.h"
+#include "mailstructure/section_list.h"
+
+#include <cerrno>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+/// The bytes that were asked for, and what they are a piece of.
+struct chosen_piece {
+    const MimeObj* m_entity = nullptr;
+    byte_range m_bytes;
+};
+
+byte_range range_of(const MimeObj& entity, recorded_range range) {
+    switch (range) {
+    case recorded_range::header: return {entity.m_header_beg, entity.m_header_len};
+    case recorded_range::mime: return {entity.m_mime_beg, entity.m_mime_len};
+    case recorded_range::body: return {entity.m_body_beg, entity.m_body_len};
+    case recorded_range::contents: return {entity.m_contents_beg, entity.m_contents_len};
+    case recorded_range::epilogue: break;
+    }
+    return {entity.m_epilogue_beg, entity.m_epilogue_len};
+}
+
+/// Nothing where there is no such section, which has then been said.
+std::optional<chosen_piece> choose(const part_options& options, const message_file& file, const MimeObj& root) {
+    const auto found = find_section(root, options.m_section);
+    if (const auto* const none = std::get_if<no_section>(&found)) {
+        const std::string nearest = none->m_nearest.empty() ? "the whole message" : none->m_nearest;
+        complain(display_name(options.m_file) + ": no section " + escaped(options.m_section_text) + "; the nearest is "
+                 + nearest);
+        return std::nullopt;
+    }
+    const section_place& place = std::get<section_place>(found);
+    if (options.m_range) return chosen_piece{place.m_entity, range_of(*place.m_entity, *options.m_range)};
+    section_ranges ranges(root, file.bytes(), file.message_start());
+    return chosen_piece{place.m_entity, ranges.of(place)};
+}
+
+/// Hands the bytes of the piece to the sink, decoded if that is wanted.
+/// @return false if something was wrong with them, which has then been said
+bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
+                transfer_encoding encoding, const byte_sink& sink) {
+    const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
+    const std::optional<decoding_damage> damage = decode(encoding, bytes, sink);
+    if (!damage) return true;
+    complain_about_input(options.m_file, "cannot decode: " + damage->m_what, piece.m_bytes.m_offset + damage->m_offset);
+    return false;
+}
+
+bool write_to_standard_output(const part_options& options, const message_file& file, const chosen_piece& piece,
+                              transfer_encoding encoding) {
+    errno = 0;
+    const bool sound = give_piece(options, file, piece, encoding, [](std::string_view bytes) {
+        return !!std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    });
+    return output_got_out() && sound;
+}
+
+bool write_to_file(const part_options& options, const message_file& file, const chosen_piece& piece,
+                   transfer_encoding encoding) {
+    const std::string& name = options.m_output.value();
+    output_file output(name, options.m_force ? existing_file::is_replaced : existing_file::is_kept);
+    bool sound = true;
+    if (output.error() == 0)
+        sound = give_piece(options, file, piece, encoding,
+                           [&output](std::string_view bytes) { return output.write(bytes); });
+    if (output.keep()) return sound;
+    const bool is_in_the_way = output.error() == EEXIST && !options.m_force;
+    complain(escaped(name) + ": cannot write: " + system_error_text(output.error())
+             + (is_in_the_way ? "; --force replaces it" : ""));
+    return false;
+}
+
+bool write_piece(const part_options& options, const message_file& file, const MimeObj& root) {
+    const std::optional<chosen_piece> piece = choose(options, file, root);
+    if (!piece) return false;
+    transfer_encoding encoding = transfer_encoding::none;
+    if (options.m_decode) {
+        const std::string name = transfer_encoding_of(*piece->m_entity);
+        const std::optional<transfer_encoding> known = transfer_encoding_named(name);
+        if (!known) {
+            complain_about_input(options.m_file, "cannot decode: unknown transfer encoding " + escaped(name),
+                                 piece->m_bytes.m_offset);
+            return false;
+        }
+        encoding = *known;
+    }
+    return options.m_output ? write_to_file(options, file, *piece, encoding)
+                            : write_to_standard_output(options, file, *piece, encoding);
+}
+
+/// The option parser's help, but for the lines that give the usage.
+class part_help : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
+        return "Usage: mailstructure part [OPTIONS] SECTION [FILE]\n"
+               "       mailstructure part [OPTIONS] --list [FILE]\n";
+    }
+};
+
+/// What is wrong with the options together; "" if nothing is.
+std::string complaint_about(const part_options& options) {
+    if (options.m_list) {
+        if (options.m_range || options.m_decode) return "--list goes with no --range and no --decode";
+        if (options.m_output) return "--list goes with no --output; it prints to standard output";
+        return "";
+    }
+    if (options.m_force && !options.m_output) return "--force goes with --output only";
+    const bool is_block =
+        options.m_section.m_word == section::word::header || options.m_section.m_word == section::word::mime;
+    if (options.m_range && is_block) return "--range goes with a section that names an entity: \"\", N, TEXT or N.TEXT";
+    if (!options.m_decode) return "";
+    const bool is_body = options.m_range
+                             ? options.m_range == recorded_range::body || options.m_range == recorded_range::contents
+                             : !is_block && !options.m_section_text.empty();
+    return is_body ? "" : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or --range contents";
+}
+
+/// Sorts out the arguments: SECTION [FILE], or with --list [FILE].
+void take_arguments(part_options& options, bool has_first, bool has_second) {
+    bool has_file = has_second;
+    if (options.m_list) {
+        if (has_second) throw CLI::ValidationError("--list goes with one FILE and no SECTION");
+        options.m_file.swap(options.m_section_text);
+        has_file = has_first;
+    } else {
+        if (!has_first) throw CLI::RequiredError("SECTION");
+        std::string complaint;
+        std::optional<section> parsed = parse_section(options.m_section_text, complaint);
+        if (!parsed) throw CLI::ValidationError(complaint);
+        options.m_section = std::move(*parsed);
+    }
+    const std::string complaint = complaint_about(options);
+    if (!complaint.empty()) throw CLI::ValidationError(complaint);
+    if (options.m_output == "-") options.m_output.reset(); // standard output
+    if (!has_file) options.m_file = standard_input();
+}
+
+} // namespace
+
+void describe_part(CLI::App& command, part_options& options) {
+    command.formatter(std::make_shared<part_help>());
+    command
+        .add_option_function<std::string>(
+            "--output,-o", [&options](const std::string& name) { options.m_output = name; },
+            "Write to the file, which must not exist yet; - is standard output")
+        ->type_name("FILE");
+    command.add_flag("--force", options.m_force, "Replace the output file if it exists");
+    command.add_flag("--decode", options.m_decode, "Undo base64 or quoted-printable, as the part's header field says");
+    describe_choice(
+        command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
+        [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },
+        "Write a range that the library has recorded for the entity: header, mime, body, contents or epilogue");
+    command.add_flag("--list", options.m_list, "List all sections: offset, length, type and name of each");
+    const CLI::Option* const first =
+        command
+            .add_option("SECTION", options.m_section_text,
+                        "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, or \"\" for the "
+                        "whole message")
+            ->type_name("");
+    const CLI::Option* const second =
+        command
+            .add_option("FILE", options.m_file,
+                        "The message; - is standard input, which is also read when none is named")
+            ->type_name("");
+    command.final_callback(
+        [&options, first, second] { take_arguments(options, first->count() != 0, second->count() != 0); });
+}
+
+exit_status run_part(const part_options& options) {
+    message_file file(options.m_file);
+    MailStructure message;
+    if (const std::optional<input_fault> fault = file.parse(message)) {
+        complain_about_input(options.m_file, fault->m_what, fault->m_offset);
+        return some_input_failed;
+    }
+    if (!options.m_list) return write_piece(options, file, message.m_root) ? all_well : some_input_failed;
+    errno = 0;
+    const std::size_t left_out = list_sections(std::cout, message.m_root, file.bytes(), file.message_start());
+    if (!output_got_out()) return some_input_failed;
+    if (left_out != 0)
+        complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)
+                 + " entities nested too deep");
+    return all_well;
+}

@@ -1,0 +1,34 @@
+// The command `mailstructure part`: writes the bytes of a piece of a message, or lists the pieces there are.
+
+#ifndef TOOLS_MAILSTRUCTURE_PART_COMMAND_H
+#define TOOLS_MAILSTRUCTURE_PART_COMMAND_H
+
+#include "common/complaint.h"
+#include "common/section_lookup.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// A range that the library has recorded for an entity.
+enum class recorded_range : std::uint8_t { header, mime, body, contents, epilogue };
+
+struct part_options {
+    std::string m_section_text; // as the user wrote it
+    section m_section;
+    std::optional<recorded_range> m_range;
+    bool m_decode = false;
+    bool m_list = false;
+    bool m_force = false;
+    std::optional<std::string> m_output;
+    std::string m_file; // "-" is standard input
+};
+
+void describe_part(CLI::App& command, part_options& options);
+
+/// Writes the section to the output file, or to standard output; or lists all sections. Nothing is written where the input
+/// cannot be read or has no such section.
+exit_status run_part(const part_options& options);
+
+#endif

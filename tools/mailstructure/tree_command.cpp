@@ -1,0 +1,214 @@
+// Prints the drawn trees: aligns the columns and colours them.
+
+#include "mailstructure/tree_command.h"
+
+#include <mail_structure.h>
+
+#include "common/field_lookup.h"
+#include "common/message_file.h"
+#include "mailstructure/command_line.h"
+#include "mailstructure/tree_drawing.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace {
+
+/// What colours a text: the number that a terminal knows the look by.
+enum class look : std::uint8_t { plain = 0, bold = 1, faint = 2, green = 32, yellow = 33, cyan = 36 };
+
+/// The widest that each column gets before longer texts push what follows to the right.
+constexpr std::size_t widest_left = 60;
+constexpr std::size_t widest_column = 24;
+
+/// Columns of a terminal, as far as each character takes one.
+std::size_t width_of(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
+}
+
+struct column_widths {
+    std::size_t m_left = 0; // strokes, section and type
+    std::size_t m_encoding = 0;
+    std::size_t m_charset = 0;
+    std::size_t m_size = 0;
+    std::size_t m_lines = 0;
+    std::size_t m_place = 0;
+};
+
+void widen(std::size_t& width, std::size_t to, std::size_t widest) { width = std::max(width, std::min(to, widest)); }
+
+std::size_t left_width(const tree_line& line) {
+    const std::size_t section = line.m_row.m_section.empty() ? 0 : width_of(line.m_row.m_section) + 1;
+    return width_of(line.m_strokes) + section + width_of(line.m_row.m_type);
+}
+
+/// A column in which no line has anything but a dash stays away.
+void widen_for_value(std::size_t& width, const std::string& text) {
+    if (text != "-") widen(width, width_of(text), widest_column);
+}
+
+void widen_for(column_widths& widths, const tree_line& line) {
+    widen(widths.m_left, left_width(line), widest_left);
+    widen_for_value(widths.m_encoding, line.m_row.m_encoding);
+    widen_for_value(widths.m_charset, line.m_row.m_charset);
+    widen(widths.m_size, width_of(line.m_row.m_size), widest_column);
+    widen(widths.m_lines, width_of(line.m_row.m_lines), widest_column);
+    widen(widths.m_place, width_of(line.m_row.m_place), widest_column);
+}
+
+/// Puts coloured and aligned texts together and hands them to standard output in large pieces.
+class page {
+public:
+    explicit page(bool color) : m_color(color) {}
+
+    void add(std::string_view text, look as = look::plain) {
+        const bool colored = m_color && as != look::plain && !text.empty();
+        if (colored) m_text.append("\x1b[").append(std::to_string(static_cast<int>(as))).append("m");
+        m_text += text;
+        if (colored) m_text += "\x1b[0m";
+    }
+
+    void add_blanks(std::size_t count) { m_text.append(count, ' '); }
+
+    void end_line() {
+        m_text.erase(m_text.find_last_not_of(' ') + 1);
+        m_text += '\n';
+        if (m_text.size() >= large) print();
+    }
+
+    void print() {
+        if (m_error == 0) {
+            errno = 0;
+            if (!(std::cout << m_text)) m_error = errno != 0 ? errno : EIO;
+        }
+        m_text.clear();
+    }
+    /// The system's number for the first failure to print; 0 if there was none.
+    int error() const { return m_error; }
+
+private:
+    static constexpr std::size_t large = 65536;
+
+    bool m_color;
+    std::string m_text;
+    int m_error = 0;
+};
+
+std::size_t missing(std::size_t width, std::size_t present) { return width > present ? width - present : 0; }
+
+void add_left_column(page& to, std::string_view text, std::size_t width, look as = look::plain) {
+    if (width == 0) return;
+    to.add_blanks(2);
+    to.add(text, as);
+    to.add_blanks(missing(width, width_of(text)));
+}
+
+void add_right_column(page& to, std::string_view text, std::size_t width) {
+    to.add_blanks(2 + missing(width, width_of(text)));
+    to.add(text);
+}
+
+void add_line(page& to, const tree_line& line, const column_widths& widths) {
+    const tree_row& row = line.m_row;
+    to.add(line.m_strokes, look::faint);
+    to.add(row.m_section, look::yellow);
+    if (!row.m_section.empty()) to.add(" ");
+    to.add(row.m_type, row.m_section.empty() ? look::faint : row.m_container ? look::cyan : look::bold);
+    to.add_blanks(missing(widths.m_left, left_width(line)));
+    add_left_column(to, row.m_encoding, widths.m_encoding);
+    add_left_column(to, row.m_charset, widths.m_charset);
+    add_right_column(to, row.m_size, widths.m_size);
+    add_right_column(to, row.m_lines, widths.m_lines);
+    add_left_column(to, row.m_place, widths.m_place, look::faint);
+    if (!row.m_file_name.empty()) to.add("  ");
+    to.add(row.m_file_name, look::green);
+    if (!row.m_subject.empty()) to.add("  ");
+    to.add(row.m_subject);
+    to.end_line();
+}
+
+/// The fields of the message that tell a person which one it is.
+void add_heading(page& to, const MailStructure::MimeObj& root, const row_style& style) {
+    for (const std::string_view name : {"Subject", "From", "Date"}) {
+        const MailStructure::header* const field = first_field(root, name);
+        if (field == nullptr) continue;
+        to.add(name, look::bold);
+        to.add(":");
+        to.add_blanks(sizeof("Subject") - name.size());
+        to.add(shown_value(field->m_value, style));
+        to.end_line();
+    }
+}
+
+void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style, page& to) {
+    add_heading(to, root, style);
+    column_widths widths;
+    draw_tree(root, bytes, style, [&widths](const tree_line& line) { widen_for(widths, line); });
+    draw_tree(root, bytes, style, [&](const tree_line& line) { add_line(to, line, widths); });
+}
+
+/// Draws one file after the other and sets several apart by their names.
+class tree_printer {
+public:
+    explicit tree_printer(const tree_options& options)
+        : m_style{options.m_ascii ? character_set::ascii : locale_character_set(), options.m_exact_sizes},
+          m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
+
+    /// False, and nothing printed, if the file is no message.
+    bool print(const std::string& file_name) {
+        message_file file(file_name);
+        MailStructure message;
+        if (const std::optional<input_fault> fault = file.parse(message)) {
+            complain_about_input(file_name, fault->m_what, fault->m_offset);
+            return false;
+        }
+        if (m_several) add_name(file_name);
+        print_tree(message.m_root, file.bytes(), m_style, m_page);
+        m_page.print();
+        return true;
+    }
+    int write_error() const { return m_page.error(); }
+
+private:
+    void add_name(const std::string& file_name) {
+        if (m_printed_one) m_page.end_line();
+        m_printed_one = true;
+        m_page.add(file_name == "-" ? "standard input" : printable(file_name, m_style.m_characters), look::bold);
+        m_page.add(":");
+        m_page.end_line();
+    }
+
+    row_style m_style;
+    page m_page;
+    bool m_several;
+    bool m_printed_one = false;
+};
+
+} // namespace
+
+void describe_tree(CLI::App& command, tree_options& options) {
+    command.add_flag("--ascii", options.m_ascii, "Draw with ASCII characters alone, whatever the locale");
+    command.add_flag("--bytes", options.m_exact_sizes, "Give sizes in bytes, not in KiB or MiB");
+    describe_choice(
+        command, "--color", {"auto", "always", "never"}, "WHEN",
+        [&options](std::size_t choice) { options.m_color = static_cast<color_choice>(choice); },
+        "Colour the tree: auto (on a terminal, unless NO_COLOR is set), always or never");
+    describe_files(command, options.m_files);
+}
+
+exit_status run_tree(const tree_options& options) {
+    tree_printer printer(options);
+    exit_status status = all_well;
+    for (const std::string& file_name : options.m_files) {
+        if (!printer.print(file_name)) status = some_input_failed;
+        errno = printer.write_error();
+        if (!output_got_out()) return some_input_failed;
+    }
+    return status;
+}

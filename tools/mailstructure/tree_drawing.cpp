@@ -1,0 +1,97 @@
+// Walks over a tree and leads strokes to each line; see the header.
+
+#include "mailstructure/tree_drawing.h"
+
+#include <vector>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+/// The strokes before a line; each takes three columns.
+struct stroke_set {
+    const char* m_past;   // past the line, to later brothers of an entity around it
+    const char* m_branch; // to the line, and on
+    const char* m_last;   // to the line
+    const char* m_blank;
+};
+
+const stroke_set& strokes_in(character_set characters) {
+    static const stroke_set boxes = {"\u2502  ", "\u251c\u2500 ", "\u2514\u2500 ", "   "};
+    static const stroke_set plain = {"|  ", "|- ", "`- ", "   "};
+    return characters == character_set::utf8 ? boxes : plain;
+}
+
+/// An entity whose line is drawn, and perhaps not yet all below it.
+struct open_entity {
+    const MimeObj* m_entity = nullptr;
+    byte_range m_epilogue;
+    bool m_last = true; // nothing else is drawn below the entity around it
+};
+
+class drawer {
+public:
+    drawer(std::string_view bytes, const row_style& style, const std::function<void(const tree_line&)>& take)
+        : m_bytes(bytes), m_style(style), m_strokes(strokes_in(style.m_characters)), m_take(take) {}
+
+    void draw(const MimeObj& root) {
+        entity_walk walk(root);
+        while (const numbered_entity* const numbered = walk.next()) {
+            close_down_to(numbered->m_depth);
+            open(*numbered);
+        }
+        close_down_to(0);
+    }
+
+private:
+    void open(const numbered_entity& numbered) {
+        const MimeObj& entity = *numbered.m_entity;
+        const bool last = is_last(entity);
+        m_take({strokes_to(last), row_of(numbered, m_bytes, m_style)});
+        m_open.push_back({&entity, epilogue_of(entity, m_bytes), last});
+        const byte_range preamble = preamble_of(entity, m_bytes);
+        if (preamble.m_length == 0) return;
+        const bool alone = entity.m_children.empty() && m_open.back().m_epilogue.m_length == 0;
+        m_take({strokes_to(alone), row_of("(preamble)", preamble, m_style)});
+    }
+
+    /// Ends the innermost entities, until so many are open.
+    void close_down_to(std::size_t depth) {
+        while (m_open.size() > depth) {
+            const byte_range epilogue = m_open.back().m_epilogue;
+            if (epilogue.m_length != 0) m_take({strokes_to(true), row_of("(epilogue)", epilogue, m_style)});
+            m_open.pop_back();
+        }
+    }
+
+    bool is_last(const MimeObj& entity) const {
+        if (m_open.empty()) return true;
+        const open_entity& parent = m_open.back();
+        return &entity == &parent.m_entity->m_children.back() && parent.m_epilogue.m_length == 0;
+    }
+
+    /// The strokes to a line right below the innermost open entity.
+    std::string strokes_to(bool last) const {
+        const std::size_t depth = m_open.size();
+        std::string strokes;
+        if (depth == 0) return strokes;
+        for (std::size_t level = 1; level < depth && level < deepest_level_drawn; ++level) {
+            strokes += m_open[level].m_last ? m_strokes.m_blank : m_strokes.m_past;
+        }
+        if (depth > deepest_level_drawn) return strokes + "level " + std::to_string(depth) + ": ";
+        return strokes + (last ? m_strokes.m_last : m_strokes.m_branch);
+    }
+
+    std::string_view m_bytes;
+    const row_style& m_style;
+    const stroke_set& m_strokes;
+    const std::function<void(const tree_line&)>& m_take;
+    std::vector<open_entity> m_open; // from the root to the innermost
+};
+
+} // namespace
+
+void draw_tree(const MimeObj& root, std::string_view bytes, const row_style& style,
+               const std::function<void(const tree_line&)>& take) {
+    drawer(bytes, style, take).draw(root);
+}

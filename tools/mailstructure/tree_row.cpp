@@ -1,0 +1,93 @@
+// Turns an entity into the texts of its line; see the header.
+
+#include "mailstructure/tree_row.h"
+
+#include "common/encoded_text.h"
+#include "common/field_lookup.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+const char* ellipsis(const row_style& style) { return style.m_characters == character_set::utf8 ? "\u2026" : "..."; }
+
+std::string shown(std::string_view text, const row_style& style) {
+    return printable_beginning(text, style.m_characters, longest_value_shown);
+}
+
+std::string or_dash(const std::string& text) { return text.empty() ? "-" : text; }
+
+/// With a backslash before each quote within; other backslashes are doubled already.
+std::string quoted(const std::string& text) {
+    std::string result = "\"";
+    for (const char byte : text) {
+        if (byte == '"') result += '\\';
+        result += byte;
+    }
+    return result + '"';
+}
+
+std::string type_text(const MimeObj& entity, const row_style& style) {
+    if (entity.m_type.empty() && entity.m_subtype.empty()) return "(no type)";
+    return shown(entity.m_type, style) + '/' + shown(entity.m_subtype, style);
+}
+
+/// "1 line ", so that numbers stand below each other when the texts are set to the right.
+std::string lines_text(std::uint32_t lines) { return std::to_string(lines) + (lines == 1 ? " line " : " lines"); }
+
+/// The first byte and the one past the last.
+std::string place_text(std::uint32_t offset, std::uint32_t length) {
+    if (length == 0) return "-";
+    const std::uint64_t end = std::uint64_t{offset} + length;
+    return std::to_string(offset) + '-' + std::to_string(end);
+}
+
+} // namespace
+
+std::string shown_value(std::string_view value, const row_style& style) {
+    std::string decoded = decode_encoded_words(value);
+    std::replace(decoded.begin(), decoded.end(), '\t', ' ');
+    return shown(decoded, style);
+}
+
+std::string size_text(std::uint64_t bytes, const row_style& style) {
+    if (style.m_exact_sizes || bytes < 1024) return std::to_string(bytes) + " B";
+    constexpr std::array<const char*, 3> units = {" KiB", " MiB", " GiB"};
+    std::uint64_t unit = 1024;
+    std::size_t at = 0;
+    // In tenths, to the nearest; 1023.95 KiB and more would be read as 1024.0.
+    const auto tenths = [&] { return (bytes * 10 + unit / 2) / unit; };
+    for (; tenths() >= 10240 && at + 1 < units.size(); ++at) unit *= 1024;
+    return std::to_string(tenths() / 10) + '.' + std::to_string(tenths() % 10) + units.at(at);
+}
+
+tree_row row_of(const numbered_entity& numbered, std::string_view bytes, const row_style& style) {
+    const MimeObj& entity = *numbered.m_entity;
+    tree_row row;
+    row.m_section = numbered.m_section.empty() ? ellipsis(style) : std::string(numbered.m_section);
+    row.m_type = type_text(entity, style);
+    row.m_container = entity.m_multipart || entity.m_message || !entity.m_children.empty();
+    row.m_encoding = or_dash(shown(transfer_encoding_of(entity), style));
+    row.m_charset = or_dash(shown(charset_of(entity, bytes), style));
+    row.m_size = size_text(entity.m_body_len, style);
+    row.m_lines = lines_text(entity.m_lines);
+    row.m_place = place_text(entity.m_mime_beg, entity.m_mime_len);
+    const std::string file_name = file_name_of(entity, bytes);
+    if (!file_name.empty()) row.m_file_name = quoted(shown(file_name, style));
+    if (!numbered.m_is_message_within) return row;
+    if (const MailStructure::header* const subject = first_field(entity, "subject")) {
+        row.m_subject = "Subject: " + shown_value(subject->m_value, style);
+    }
+    return row;
+}
+
+tree_row row_of(std::string_view name, const byte_range& range, const row_style& style) {
+    tree_row row;
+    row.m_type = name;
+    row.m_size = size_text(range.m_length, style);
+    row.m_place = place_text(range.m_offset, range.m_length);
+    return row;
+}
