@@ -142,17 +142,20 @@ def scan_table(figures):
     return table(["MB/s", *SCANS.values(), "parse × the first one"], rows)
 
 
-def heap_table(path):
-    figures = {}
+def read_heap_figures(path):
     with open(path, encoding="utf-8") as file:
-        for line in file:
-            what, number = line.rstrip("\n").split("\t")
-            figures[what] = number
+        return dict(line.rstrip("\n").split("\t") for line in file)
+
+
+def heap_table(path):
+    figures = read_heap_figures(path)
+    before = read_heap_figures(os.path.join(os.path.dirname(__file__), "heap_before.txt"))
     things = [what[len("bytes of "):] for what in figures if what.startswith("bytes of ")]
     kinds = ["bytes of ", "peak bytes of ", "allocations of ", "allocations when reused of "]
-    rows = [[thing] + [figures[kind + thing] for kind in kinds] for thing in things]
+    rows = [[thing] + [f"{figures[kind + thing]} ({before[kind + thing]})" for kind in kinds] for thing in things]
     entity, field = (float(figures["size of " + thing]) for thing in ("an entity", "a field"))
-    sizes = f"An entity is {entity:.0f} bytes, a field {field:.0f}.\n\n"
+    sizes = (f"An entity is {entity:.0f} bytes, a field {field:.0f}; their members are the interface's. In brackets the figures "
+             "of the first version, which made every record anew (`heap_before.txt`).\n\n")
     return sizes + table(["of each", "bytes", "bytes at the peak", "allocations", "allocations when reused"], rows)
 
 

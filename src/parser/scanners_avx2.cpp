@@ -5,7 +5,6 @@
 
 #ifdef MAIL_STRUCTURE_X86_64
 
-#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
