@@ -59,6 +59,7 @@ offers 'header' part --range = h
 offers 'letter.eml' part -o l
 offers 'HEADER TEXT' part ''
 offers 'HEADER' part --decode --range body -o out H
+offers 'HEADER' part --range = body H
 offers '1 1.MIME 2 2.1 2.1.MIME 2.HEADER 2.MIME 2.TEXT 3 3.MIME HEADER TEXT' part @ letter.eml
 offers '2 2.1 2.1.MIME 2.HEADER 2.MIME 2.TEXT' part @2 letter.eml
 offers 'letter.eml' part 2 l

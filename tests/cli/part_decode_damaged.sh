@@ -14,3 +14,5 @@ echo ']'
 mailstructure part --decode -o none 5 messages/encodings.eml
 echo "exit $?"
 ls none 2> /dev/null || echo 'nothing is written of an unknown encoding'
+awk 'BEGIN { printf "Content-Transfer-Encoding: "; while (++at < 1000) printf "long"; print "\n" }' |
+    mailstructure part --decode 1

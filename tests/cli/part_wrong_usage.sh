@@ -24,4 +24,9 @@ try --decode HEADER no-such-file
 try --decode '' no-such-file
 try --decode --range mime 1 no-such-file
 try -o
+try messages/plain.eml 1
+try messages/plain.eml
+for flag in decode force list; do
+    try --$flag=2 1 no-such-file
+done
 test ! -e written

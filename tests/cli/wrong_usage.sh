@@ -17,3 +17,9 @@ echo "$?"
 mailstructure dump messages/plain.eml -k
 echo "$?"
 mailstructure dump --keep-text=perhaps messages/plain.eml
+echo "$?"
+mailstructure dump --keep-text=2 messages/plain.eml
+echo "$?"
+mailstructure tree --ascii=true --ascii=false messages/plain.eml
+echo "$?"
+mailstructure tree --help=2

@@ -1,5 +1,6 @@
 // Fields by their exact names, and what is read out of those that describe a body.
 
+#include "common/ascii_case.h"
 #include "common/field_lookup.h"
 #include "common/message_file.h"
 #include "support/parse.h"

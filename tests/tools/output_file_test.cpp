@@ -1,8 +1,10 @@
 // The output file: there whole or not at all, and what happens to a file that is there already.
 
+#include "common/file_bytes.h"
 #include "common/output_file.h"
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -61,6 +63,79 @@ TEST_F(output_files, are_gone_when_not_kept) {
         { EXPECT_TRUE(output_file(path("new"), existing).write("abc")); }
         EXPECT_EQ(count_of_files(), 0U);
     }
+}
+
+TEST_F(output_files, have_their_name_only_when_complete) {
+    for (const existing_file existing : {existing_file::is_kept, existing_file::is_replaced}) {
+        fs::remove(path("new"));
+        output_file file(path("new"), existing);
+        EXPECT_TRUE(file.write("abc"));
+        EXPECT_FALSE(fs::exists(path("new")));
+        EXPECT_EQ(count_of_files(), 1U);
+        EXPECT_TRUE(file.keep());
+        EXPECT_EQ(contents("new"), "abc");
+        EXPECT_EQ(count_of_files(), 1U);
+    }
+}
+
+TEST_F(output_files, do_not_replace_what_came_up_in_the_meantime) {
+    {
+        output_file file(path("new"), existing_file::is_kept);
+        EXPECT_TRUE(file.write("abc"));
+        put("new", "another's");
+        EXPECT_FALSE(file.keep());
+        EXPECT_EQ(file.error(), EEXIST);
+    }
+    EXPECT_EQ(contents("new"), "another's");
+    EXPECT_EQ(count_of_files(), 1U);
+}
+
+void begin_a_file_and_get(int signal, const std::string& name, existing_file existing) {
+    output_file file(name, existing);
+    if (file.write("abc")) ::raise(signal);
+    ::_exit(3);
+}
+
+TEST_F(output_files, are_gone_when_a_signal_ends_the_program) {
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ}) {
+        for (const existing_file existing : {existing_file::is_kept, existing_file::is_replaced}) {
+            EXPECT_EXIT(begin_a_file_and_get(signal, path("new"), existing), testing::KilledBySignal(signal), "^$");
+            EXPECT_EQ(count_of_files(), 0U);
+        }
+    }
+}
+
+void keep_a_file_in_spite_of_signals(const std::string& name) {
+    std::signal(SIGHUP, SIG_IGN);
+    output_file file(name, existing_file::is_kept);
+    file.write("abc");
+    ::raise(SIGHUP);
+    const bool kept = file.keep();
+    ::raise(SIGTERM); // comes too late to remove anything
+    ::_exit(kept ? 3 : 4);
+}
+
+TEST_F(output_files, stay_when_a_signal_is_ignored_or_comes_too_late) {
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
+    EXPECT_EXIT(keep_a_file_in_spite_of_signals(path("new")), testing::KilledBySignal(SIGTERM), "^$");
+    EXPECT_EQ(contents("new"), "abc");
+    EXPECT_EQ(count_of_files(), 1U);
+}
+
+void lose_the_input(const std::string& input, const std::string& output) {
+    end_on_lost_pages();
+    const file_bytes taken(input);
+    output_file file(output, existing_file::is_kept);
+    if (::truncate(input.c_str(), 0) == 0) file.write(std::string(taken.bytes()));
+    ::_exit(3);
+}
+
+TEST_F(output_files, are_gone_when_the_input_is_lost) {
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
+    put("input", std::string(16384, 'x'));
+    EXPECT_EXIT(lose_the_input(path("input"), path("new")), testing::ExitedWithCode(1), "the file was cut short");
+    EXPECT_EQ(count_of_files(), 1U);
 }
 
 TEST_F(output_files, do_not_replace_unasked) {

@@ -5,8 +5,17 @@
 #include "common/terminal.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <iostream>
 #include <system_error>
+#include <unistd.h>
+
+void keep_standard_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0)
+            return;
+    }
+}
 
 std::string escaped(std::string_view text) { return printable(text, locale_character_set()); }
 

@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+/// Gives the numbers of standard streams that are closed to something that can be neither read nor written as they would be:
+/// the next file to be opened would get such a number, and then the program's complaints or its output. To be called first.
+void keep_standard_streams();
+
 /// How a program ends.
 enum exit_status : int { all_well = 0, some_input_failed = 1, wrong_usage = 2 };
 

@@ -2,7 +2,8 @@
 
 #include "common/encoded_text.h"
 
-#include "common/field_lookup.h"
+#include "common/ascii_case.h"
+#include "common/hex_digit.h"
 #include "common/printable.h"
 
 #include <algorithm>
@@ -63,15 +64,6 @@ constexpr std::array known_charsets = {
     charset_name{"ks_c_5601-1987", "CP949"},
 };
 
-bool is_valid_utf8(std::string_view text) {
-    while (!text.empty()) {
-        const utf8_character character = first_character(text);
-        if (!character.m_valid) return false;
-        text.remove_prefix(character.m_bytes);
-    }
-    return true;
-}
-
 bool is_ascii(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
@@ -111,24 +103,13 @@ private:
     iconv_t m_handle;
 };
 
-int hex_digit(char digit) {
-    if (digit >= '0' && digit <= '9') return digit - '0';
-    if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-    return digit >= 'A' && digit <= 'F' ? digit - 'A' + 10 : -1;
-}
-
 /// Replaces each mark with two hexadecimal digits behind it by the byte that they stand for; other marks stay.
 std::string decode_hex_pairs(std::string_view text, char mark) {
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        const bool pair =
-            text[at] == mark && at + 2 < text.size() && hex_digit(text[at + 1]) >= 0 && hex_digit(text[at + 2]) >= 0;
-        if (!pair) {
-            result += text[at];
-            continue;
-        }
-        result += static_cast<char>(hex_digit(text[at + 1]) * 16 + hex_digit(text[at + 2]));
-        at += 2;
+        const std::optional<char> byte = text[at] == mark ? hex_byte(text.substr(at + 1)) : std::nullopt;
+        result += byte.value_or(text[at]);
+        if (byte) at += 2;
     }
     return result;
 }
@@ -222,7 +203,7 @@ bool only_blanks(std::string_view text) { return text.find_first_not_of(" \t\r\n
 
 std::optional<std::string> to_utf8(std::string_view text, std::string_view charset) {
     const bool utf8 = equal_ignoring_case(charset, "utf-8") || equal_ignoring_case(charset, "utf8");
-    if (utf8) return is_valid_utf8(text) ? std::optional<std::string>(text) : std::nullopt;
+    if (utf8) return is_utf8(text) ? std::optional<std::string>(text) : std::nullopt;
     if (equal_ignoring_case(charset, "us-ascii"))
         return is_ascii(text) ? std::optional<std::string>(text) : std::nullopt;
     const auto* const known = std::find_if(known_charsets.begin(), known_charsets.end(), [charset](const auto& each) {

@@ -2,14 +2,13 @@
 
 #include "common/field_lookup.h"
 
+#include "common/ascii_case.h"
 #include "common/field_parameters.h"
 
 #include <algorithm>
 #include <vector>
 
 namespace {
-
-char lower_case(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter; }
 
 /// The parameters of the entity's last field of that name.
 std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity, std::string_view field_name,
@@ -23,11 +22,6 @@ std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity,
 }
 
 } // namespace
-
-bool equal_ignoring_case(std::string_view one, std::string_view other) {
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [](char a, char b) { return lower_case(a) == lower_case(b); });
-}
 
 const MailStructure::header* first_field(const MailStructure::MimeObj& entity, std::string_view name) {
     const auto found =

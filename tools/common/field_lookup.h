@@ -8,9 +8,6 @@
 #include <string>
 #include <string_view>
 
-/// Whether the two are equal but for the case of ASCII letters.
-bool equal_ignoring_case(std::string_view one, std::string_view other);
-
 /// The first, or the last, field of exactly this name, ASCII case ignored; null where there is none. Linear in the
 /// number of fields. Fields that describe an entity's body (Content-...) are taken from the last one, as the
 /// library takes the media type.

@@ -2,9 +2,10 @@
 
 #include "common/field_parameters.h"
 
+#include "common/ascii_case.h"
 #include "common/encoded_text.h"
-#include "common/field_lookup.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <map>
@@ -96,7 +97,8 @@ public:
     }
 
 private:
-    void skip_pair(char byte) { m_at += byte == '\\' ? 2 : 1; }
+    /// A backslash may be the last byte there is.
+    void skip_pair(char byte) { m_at = std::min(m_at + (byte == '\\' ? 2 : 1), m_text.size()); }
 
     std::string_view m_text;
     std::size_t m_at = 0;

@@ -3,6 +3,7 @@
 #include "common/file_bytes.h"
 
 #include "common/complaint.h"
+#include "common/unfinished_file.h"
 
 #include <algorithm>
 #include <array>
@@ -63,6 +64,7 @@ void on_lost_page(int /*signal*/, siginfo_t* info, void* /*context*/) {
     write_error(in_use.m_name.data(), in_use.m_name_bytes);
     write_error(what.data(), what.size());
     write_error(offset.data(), static_cast<std::size_t>(end + 1 - offset.data()));
+    remove_unfinished_file();
     ::_exit(some_input_failed);
 }
 

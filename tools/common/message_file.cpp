@@ -80,12 +80,14 @@ void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
     }
 }
 
-/// Fills the message; what is wrong with it, at an offset that counts from the first of these bytes.
-std::optional<input_fault> fill(MailStructure& message, std::string_view bytes) {
+/// Fills the message and moves its ranges by the distance; what is wrong with it, at an offset that counts from the first
+/// of these bytes.
+std::optional<input_fault> fill(MailStructure& message, std::string_view bytes, std::uint32_t distance) {
     memory_stream_buffer buffer(bytes);
     std::istream stream(&buffer);
     try {
         message.Fill(stream);
+        if (distance != 0) move_ranges(message.m_root, distance);
     } catch (const std::length_error&) {
         return input_fault{"bad header line: a name without a colon, ended by CR LF", buffer.last_line_start()};
     } catch (const std::bad_alloc&) {
@@ -110,12 +112,9 @@ std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) c
 
 std::optional<input_fault> message_file::parse(MailStructure& message) {
     if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
-    if (std::optional<input_fault> fault = fill(message, bytes().substr(m_message_start))) {
-        fault->m_offset += m_message_start;
-        return fault;
-    }
-    if (m_message_start != 0) move_ranges(message.m_root, m_message_start);
-    return std::nullopt;
+    std::optional<input_fault> fault = fill(message, bytes().substr(m_message_start), m_message_start);
+    if (fault) fault->m_offset += m_message_start;
+    return fault;
 }
 
 void move_ranges(MailStructure::MimeObj& root, std::uint32_t distance) {

@@ -2,7 +2,7 @@
 
 #include "common/outer_text.h"
 
-#include "common/field_lookup.h"
+#include "common/ascii_case.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -5,13 +5,9 @@
 
 #include <mail_structure.h>
 
-#include <cstdint>
-#include <string_view>
+#include "common/byte_range.h"
 
-struct byte_range {
-    std::uint32_t m_offset = 0;
-    std::uint32_t m_length = 0;
-};
+#include <string_view>
 
 /// The lines of a multipart before its first separator line; of one without parts, those before its closing line. Empty for
 /// any other entity. The library has no range for it, so the lines are looked through.

@@ -2,9 +2,10 @@
 
 #include "common/output_file.h"
 
+#include "common/unfinished_file.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -30,18 +31,34 @@ mode_t mode_of_new_files() {
     return 0666 & ~mask;
 }
 
-/// A name for mkostemp, in the same folder.
+/// A new name in the same folder, once its end is replaced.
 std::string name_beside(const std::string& file_name) {
     return file_name.substr(0, file_name.rfind('/') + 1) + ".mailstructure-XXXXXX";
 }
 
+/// Fails with EEXIST where there is anything of the new name.
+bool rename_to_new_name(const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (errno != EINVAL && errno != ENOSYS) return false;
+#endif
+    // The file system cannot do so in one step; for a moment the file has both names.
+    if (::link(from.c_str(), to.c_str()) != 0) return false;
+    ::unlink(from.c_str());
+    return true;
+}
+
 } // namespace
 
-output_file::output_file(const std::string& file_name, existing_file existing) {
+output_file::output_file(const std::string& file_name, existing_file existing) : m_existing(existing) {
     struct stat there = {};
-    if (existing == existing_file::is_kept) {
-        m_descriptor = ::open(file_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (m_descriptor >= 0) m_writing = file_name;
+    if (file_name.empty()) {
+        errno = ENOENT;
+    } else if (existing == existing_file::is_kept) {
+        if (::lstat(file_name.c_str(), &there) == 0)
+            errno = EEXIST;
+        else
+            create_beside(file_name);
     } else if (::stat(file_name.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
         m_descriptor = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
     } else {
@@ -52,7 +69,9 @@ output_file::output_file(const std::string& file_name, existing_file existing) {
 
 output_file::~output_file() {
     if (m_descriptor >= 0) ::close(m_descriptor);
-    if (!m_writing.empty()) ::unlink(m_writing.c_str());
+    if (m_writing.empty()) return;
+    ::unlink(m_writing.c_str());
+    forget_unfinished_file();
 }
 
 bool output_file::write(std::string_view bytes) {
@@ -71,21 +90,26 @@ bool output_file::keep() {
     if (m_error != 0) return false;
     const int descriptor = m_descriptor;
     m_descriptor = -1;
-    const bool done =
-        ::close(descriptor) == 0 && (m_target.empty() || ::rename(m_writing.c_str(), m_target.c_str()) == 0);
-    if (!done) {
+    if (::close(descriptor) != 0 || !move_to_target()) {
         fail();
         return false;
     }
+    if (!m_writing.empty()) forget_unfinished_file();
     m_writing.clear();
     return true;
 }
 
+bool output_file::move_to_target() const {
+    if (m_writing.empty()) return true;
+    if (m_existing == existing_file::is_kept) return rename_to_new_name(m_writing, m_target);
+    return ::rename(m_writing.c_str(), m_target.c_str()) == 0;
+}
+
 void output_file::create_beside(const std::string& file_name) {
     struct stat there = {};
-    const bool replaces = ::stat(file_name.c_str(), &there) == 0;
+    const bool replaces = m_existing == existing_file::is_replaced && ::stat(file_name.c_str(), &there) == 0;
     std::string name = name_beside(file_name);
-    m_descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+    m_descriptor = create_unfinished_file(name);
     if (m_descriptor < 0) return;
     m_writing = name;
     m_target = file_name;

@@ -10,8 +10,9 @@
 /// Whether a file that exists already may be replaced.
 enum class existing_file : std::uint8_t { is_kept, is_replaced };
 
-/// A new file, or one that takes the place of another when it is complete. What is not kept when the object ends is
-/// removed. A terminal, a pipe or a device is written to as it is, where existing files may be replaced.
+/// A file that is written under another name in the same folder, and gets its own when it is complete. What is not kept when
+/// the object ends is removed, also if a signal ends the program. A terminal, a pipe or a device is written to as it is,
+/// where existing files may be replaced. There is one object at a time.
 class output_file {
 public:
     /// Creates the file; a failure shows in error().
@@ -22,7 +23,8 @@ public:
 
     /// Writes all of it. @return false after this or an earlier failure
     bool write(std::string_view bytes);
-    /// Closes the file and lets it stay, in the other's place if there is one. @return false after any failure
+    /// Closes the file and gives it its name. A file of that name that has come up in the meantime is kept too, if existing
+    /// ones are. @return false after any failure
     bool keep();
 
     /// The system's number for the first failure; 0 if there was none.
@@ -30,10 +32,12 @@ public:
 
 private:
     void create_beside(const std::string& file_name);
+    bool move_to_target() const;
     void fail();
 
-    std::string m_target;  // the file to be replaced; empty if none is
-    std::string m_writing; // the file to remove unless it is kept; empty for a device
+    existing_file m_existing;
+    std::string m_target;  // the name that the file gets
+    std::string m_writing; // the one it has until then; empty for a device, or if there is no file
     int m_descriptor = -1;
     int m_error = 0;
 };

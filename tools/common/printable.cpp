@@ -99,6 +99,16 @@ utf8_character first_character(std::string_view text) {
     return is_shortest_form(code_point, bytes) ? utf8_character{code_point, bytes, true} : stray;
 }
 
+bool is_utf8(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const bool ascii = static_cast<unsigned char>(text[at]) < 0x80;
+        const utf8_character character = ascii ? utf8_character{0, 1, true} : first_character(text.substr(at));
+        if (!character.m_valid) return false;
+        at += character.m_bytes;
+    }
+    return true;
+}
+
 std::string printable(std::string_view text, character_set set) {
     return printable_beginning(text, set, std::string_view::npos);
 }

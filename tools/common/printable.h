@@ -38,4 +38,7 @@ struct utf8_character {
 /// The first character of a text that is not empty. Valid as RFC 3629 has it: shortest form, no surrogates, at most U+10FFFF.
 utf8_character first_character(std::string_view text);
 
+/// Whether all of the text is valid UTF-8.
+bool is_utf8(std::string_view text);
+
 #endif

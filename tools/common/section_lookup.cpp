@@ -2,7 +2,7 @@
 
 #include "common/section_lookup.h"
 
-#include "common/field_lookup.h"
+#include "common/ascii_case.h"
 #include "common/sections.h"
 
 #include <algorithm>

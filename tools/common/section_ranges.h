@@ -23,16 +23,11 @@
 
 #include <mail_structure.h>
 
+#include "common/byte_range.h"
 #include "common/section_lookup.h"
 
 #include <cstdint>
 #include <string_view>
-
-/// Some bytes of a file, counted from its start. A piece that has no lines, and so no place, is at offset 0.
-struct byte_range {
-    std::uint32_t m_offset = 0;
-    std::uint32_t m_length = 0;
-};
 
 class section_ranges {
 public:

@@ -2,7 +2,8 @@
 
 #include "common/transfer_decoding.h"
 
-#include "common/field_lookup.h"
+#include "common/ascii_case.h"
+#include "common/hex_digit.h"
 
 #include <algorithm>
 #include <array>
@@ -66,14 +67,6 @@ private:
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
-/// The value of a hexadecimal digit; nothing for any other character.
-std::optional<unsigned> digit_value(char c) {
-    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-    return std::nullopt;
-}
-
 /// Decodes quoted-printable, and gathers what it decodes into blocks.
 class quoted_printable_decoder {
 public:
@@ -117,15 +110,10 @@ private:
 
     void take_equals_sign() {
         const std::size_t after = m_at + 1;
-        if (after + 1 < m_text.size()) {
-            const std::optional<unsigned> high = digit_value(m_text[after]);
-            const std::optional<unsigned> low = digit_value(m_text[after + 1]);
-            if (high && low) {
-                const char byte = static_cast<char>(*high * 16 + *low);
-                put({&byte, 1});
-                m_at += 3;
-                return;
-            }
+        if (const std::optional<char> byte = hex_byte(m_text.substr(after))) {
+            put({&*byte, 1});
+            m_at += 3;
+            return;
         }
         const std::size_t end = blanks_end(after);
         if (const std::size_t line_end = line_end_at(end); line_end != 0 || end == m_text.size()) {

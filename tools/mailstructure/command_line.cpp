@@ -2,9 +2,11 @@
 
 #include "mailstructure/command_line.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstddef>
 #include <functional>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -17,6 +19,11 @@ std::string joined(const std::vector<std::string>& words) {
 }
 
 } // namespace
+
+bool names_a_file(const std::string& name) {
+    struct stat there = {};
+    return ::lstat(name.c_str(), &there) == 0 || (errno != ENOENT && errno != ENOTDIR);
+}
 
 std::string standard_input() {
     if (::isatty(STDIN_FILENO) == 0) return "-";

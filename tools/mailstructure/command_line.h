@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,11 +15,14 @@
 /// terminal, which is wrong usage.
 void describe_files(CLI::App& command, std::vector<std::string>& files);
 
+/// Whether there is anything of that name, or the system does not tell.
+bool names_a_file(const std::string& name);
+
 /// What stands for the file where none is named: "-", standard input.
 /// @throws CLI::ValidationError  where that is a terminal, and somebody would have to type the message
 std::string standard_input();
 
-/// Adds a option that takes one of the given words, and says so where it gets another.
+/// Adds an option that takes one of the given words, and says so where it gets another.
 /// @param placeholder  what the help calls the word
 /// @param take         is given the number of the word
 void describe_choice(CLI::App& command, const std::string& option, const std::vector<std::string>& words,

@@ -53,11 +53,9 @@ outcome print_file(const std::string& file_name, json_form form) {
 
 void describe_json(CLI::App& command, json_options& options) {
     CLI::Option* const pretty =
-        command.add_flag("--pretty", options.m_pretty, "One document on many lines, for people to read")
-            ->disable_flag_override();
+        command.add_flag("--pretty", options.m_pretty, "One document on many lines, for people to read");
     command.add_flag("--flat", options.m_flat, "One line for each entity instead of one for each message")
-        ->excludes(pretty)
-        ->disable_flag_override();
+        ->excludes(pretty);
     describe_files(command, options.m_files);
 }
 

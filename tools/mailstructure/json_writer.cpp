@@ -20,16 +20,6 @@ namespace {
 using line_writer = rapidjson::Writer<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
 using pretty_writer = rapidjson::PrettyWriter<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
 
-bool is_utf8(std::string_view text) {
-    for (std::size_t at = 0; at < text.size();) {
-        const bool ascii = static_cast<unsigned char>(text[at]) < 0x80;
-        const utf8_character character = ascii ? utf8_character{0, 1, true} : first_character(text.substr(at));
-        if (!character.m_valid) return false;
-        at += character.m_bytes;
-    }
-    return true;
-}
-
 /// The bytes in base64, as a JSON string.
 std::string quoted_base64(std::string_view bytes) {
     std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()) + 2, '"');

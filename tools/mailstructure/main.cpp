@@ -2,8 +2,10 @@
 
 #include "common/complaint.h"
 #include "common/file_bytes.h"
+#include "mailstructure/command_line.h"
 #include "mailstructure/dump_command.h"
 #include "mailstructure/json_command.h"
+#include "mailstructure/misspelling.h"
 #include "mailstructure/part_command.h"
 #include "mailstructure/tree_command.h"
 
@@ -12,9 +14,11 @@
 #include <array>
 #include <cerrno>
 #include <exception>
+#include <iostream>
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -26,10 +30,17 @@ struct command {
     exit_status (*m_run)(CLI::App& line, std::vector<std::string>& arguments_reversed);
 };
 
+/// The option parser would take "--flag=2" and "--flag=off".
+void let_flags_take_no_value(CLI::App& line) {
+    for (CLI::Option* const option : line.get_options())
+        if (option->get_items_expected_max() == 0) option->disable_flag_override();
+}
+
 template <typename options, void (*describe)(CLI::App&, options&), exit_status (*run)(const options&)>
 exit_status run_command(CLI::App& line, std::vector<std::string>& arguments_reversed) {
     options chosen;
     describe(line, chosen);
+    let_flags_take_no_value(line);
     line.parse(arguments_reversed);
     return run(chosen);
 }
@@ -67,11 +78,15 @@ exit_status run_program(CLI::App& line, std::vector<std::string>& arguments_reve
 
 constexpr command program = {"", "Shows the structure of Internet mail.", run_program};
 
-/// The option parser would read "++" as the end of a command and "[a,b]" as a list; as "./++" and "./[a,b]" they are the
-/// files they name.
+/// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an empty one; as "./++" and so on
+/// they are the files they name.
 std::string protected_argument(const std::string& argument) {
     const bool list = !argument.empty() && argument.front() == '[' && argument.back() == ']';
-    return list || argument == "++" ? "./" + argument : argument;
+    return list || argument == "++" || argument == "{}" ? "./" + argument : argument;
+}
+
+const command* find_command(const std::string& name) {
+    return std::find_if(commands.begin(), commands.end(), [&name](const command& each) { return name == each.m_name; });
 }
 
 /// The command that the first word names, which is then taken away.
@@ -79,11 +94,26 @@ const command& take_command(std::vector<std::string>& arguments) {
     if (arguments.empty()) return commands.front();
     const std::string first = arguments.front();
     if (first == "--help" || first == "-h" || first == "--version") return program;
-    const auto* const named =
-        std::find_if(commands.begin(), commands.end(), [&first](const command& each) { return first == each.m_name; });
+    const command* const named = find_command(first);
     if (named == commands.end()) return commands.front();
     arguments.erase(arguments.begin());
     return *named;
+}
+
+/// The command that was meant by the first word; "" if that is a command, an option or the name of a file that there is, or is
+/// like no command.
+std::string_view mistyped_command(const std::vector<std::string>& arguments) {
+    if (arguments.empty() || find_command(arguments.front()) != commands.end()) return "";
+    const std::string& first = arguments.front();
+    return first.substr(0, 1) == "-" || names_a_file(first) ? "" : command_meant_by(first);
+}
+
+/// The option parser's words for what is wrong, or better ones.
+std::string words_of(const CLI::ParseError& error) {
+    std::string what = error.what();
+    if (error.get_name() != "ArgumentMismatch") return what;
+    const std::size_t flag_end = what.find(" was given a disallowed flag override");
+    return flag_end == std::string::npos ? what : "--" + what.substr(0, flag_end) + " takes no value";
 }
 
 exit_status wrong_usage_of(const std::string& what, const std::string& program_and_command) {
@@ -94,6 +124,10 @@ exit_status wrong_usage_of(const std::string& what, const std::string& program_a
 /// Reads the command line and runs the command it gives.
 exit_status run(int count, char** values) {
     std::vector<std::string> arguments(values + std::min(count, 1), values + count);
+    if (const std::string_view meant = mistyped_command(arguments); !meant.empty()) {
+        return wrong_usage_of(arguments.front() + ": no such command or file; did you mean " + std::string(meant) + "?",
+                              "mailstructure");
+    }
     const command& chosen = take_command(arguments);
     const std::string name = chosen.m_name;
     CLI::App line(chosen.m_description, "mailstructure" + (name.empty() ? "" : ' ' + name));
@@ -102,7 +136,7 @@ exit_status run(int count, char** values) {
     try {
         return chosen.m_run(line, arguments);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() != 0) return wrong_usage_of(error.what(), line.get_name());
+        if (error.get_exit_code() != 0) return wrong_usage_of(words_of(error), line.get_name());
         errno = 0;
         line.exit(error); // prints the help or the version
         return output_got_out() ? all_well : some_input_failed;
@@ -113,10 +147,11 @@ exit_status run(int count, char** values) {
 
 int main(int count, char** values) {
     try {
+        keep_standard_streams();
         end_on_lost_pages();
         return run(count, values);
     } catch (const std::bad_alloc&) {
-        complain("out of memory");
+        std::cerr << "mailstructure: out of memory\n"; // complain() would take memory
         return some_input_failed;
     } catch (const std::exception& error) {
         complain(escaped(error.what()));

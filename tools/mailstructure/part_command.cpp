@@ -8,6 +8,7 @@
 #include "common/message_file.h"
 #include "common/output_file.h"
 #include "common/section_ranges.h"
+#include "common/terminal.h"
 #include "common/transfer_decoding.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/section_list.h"
@@ -20,6 +21,8 @@
 namespace {
 
 using MimeObj = MailStructure::MimeObj;
+
+constexpr std::size_t longest_encoding_shown = 100; // bytes; the name is the sender's
 
 /// The bytes that were asked for, and what they are a piece of.
 struct chosen_piece {
@@ -96,7 +99,8 @@ bool write_piece(const part_options& options, const message_file& file, const Mi
         const std::string name = transfer_encoding_of(*piece->m_entity);
         const std::optional<transfer_encoding> known = transfer_encoding_named(name);
         if (!known) {
-            complain_about_input(options.m_file, "cannot decode: unknown transfer encoding " + escaped(name),
+            const std::string shown = printable_beginning(name, locale_character_set(), longest_encoding_shown);
+            complain_about_input(options.m_file, "cannot decode: unknown transfer encoding " + shown,
                                  piece->m_bytes.m_offset);
             return false;
         }
@@ -144,6 +148,8 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
         if (!has_first) throw CLI::RequiredError("SECTION");
         std::string complaint;
         std::optional<section> parsed = parse_section(options.m_section_text, complaint);
+        if (!parsed && names_a_file(options.m_section_text))
+            complaint = "SECTION comes before FILE; \"\" is the whole message";
         if (!parsed) throw CLI::ValidationError(complaint);
         options.m_section = std::move(*parsed);
     }
