@@ -77,6 +77,18 @@ TEST(read_ahead, suits_plain_files_alone) {
     EXPECT_FALSE(read_ahead::suits(*converting.rdbuf()));
 }
 
+TEST(read_ahead, suits_files_that_are_not_begun) {
+    const temporary_file file("a: b\nc: d\n");
+    std::fstream in(file.path(), std::ios::in | std::ios::out);
+    in.get();
+    EXPECT_FALSE(read_ahead::suits(*in.rdbuf())) << "a byte may have been put back";
+    in.seekg(5);
+    EXPECT_TRUE(read_ahead::suits(*in.rdbuf()));
+    std::filebuf written;
+    written.open(file.path(), std::ios::out);
+    EXPECT_FALSE(read_ahead::suits(written)) << "nothing can be read from it";
+}
+
 TEST(read_ahead, does_not_suit_a_pipe) {
     int ends[2] = {};
     ASSERT_EQ(pipe(ends), 0);

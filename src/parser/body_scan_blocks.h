@@ -40,7 +40,8 @@ std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noex
 inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #ifdef __GNUC__
     constexpr std::uintptr_t distance = 2048; // takes the scan about as long as memory takes to answer
-    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(p) + distance));
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(p) + distance;
+    __builtin_prefetch(reinterpret_cast<const void*>(address)); // NOLINT(performance-no-int-to-ptr)
 #endif
 }
 

@@ -22,6 +22,11 @@ public:
         return {begin, static_cast<std::size_t>((buffer.*&get_area::egptr)() - begin)};
     }
 
+    /// What is ready and what has been taken since the buffer was filled.
+    static std::size_t size(const std::streambuf& buffer) noexcept {
+        return static_cast<std::size_t>((buffer.*&get_area::egptr)() - (buffer.*&get_area::eback)());
+    }
+
     /// Moves past that many of the bytes that are ready.
     static void consume(std::streambuf& buffer, std::size_t count) noexcept {
         constexpr auto most = static_cast<std::size_t>(std::numeric_limits<int>::max());

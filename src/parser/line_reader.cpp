@@ -107,28 +107,29 @@ bool line_reader::read_unfinished_line(std::string_view& line) {
 
 /// A line whose LF is not in the buffer yet.
 bool line_reader::read_straddling_line(std::string_view& line) {
-    std::streambuf& buffer = this->buffer();
+    std::streambuf& source = buffer();
     m_carry.clear();
     for (;;) {
-        std::string_view ready = get_area::bytes(buffer);
-        const std::size_t lf = ready.find('\n');
-        if (lf != std::string_view::npos) ready = ready.substr(0, lf);
-        m_carry.append(ready);
+        std::string_view bytes = get_area::bytes(source);
+        const std::size_t lf = bytes.find('\n');
+        if (lf != std::string_view::npos) bytes = bytes.substr(0, lf);
+        m_carry.append(bytes);
         line = m_carry;
-        get_area::consume(buffer, ready.size());
+        get_area::consume(source, bytes.size());
         if (lf != std::string_view::npos) {
-            get_area::consume(buffer, 1);
+            get_area::consume(source, 1);
             return true;
         }
-        if (is_at_end()) return !m_carry.empty() && !m_in.bad();
-        if (get_area::bytes(buffer).empty()) return read_rest_by_getline(line);
+        if (is_at_end()) return !m_state.fail();
+        if (get_area::bytes(source).empty()) return read_rest_by_getline(line);
     }
 }
 
 /// Refills the buffer. At the end of the input, or when the buffer cannot be read, the stream gets the state
 /// bits and throws what std::getline would, given whether it has read a part of the line.
 bool line_reader::is_at_end() {
-    const std::istream::sentry ready(m_in, true); // flushes the stream that is tied to this one
+    const std::istream::sentry entry(m_in, true); // flushes the stream that is tied to this one
+    if (!entry) return true;                      // and that may do anything to this one
     std::ios_base::iostate state = m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
     try {
         if (buffer().sgetc() != std::istream::traits_type::eof()) return false;

@@ -1,6 +1,9 @@
 #include "read_ahead.h"
 
+#include "get_area.h"
+
 #include <algorithm>
+#include <exception>
 #include <fstream>
 #include <ios>
 #include <locale>
@@ -11,7 +14,7 @@ namespace mail_structure_detail {
 
 namespace {
 
-const std::streambuf::pos_type no_position = std::streambuf::off_type(-1);
+constexpr std::streamoff no_position = -1;
 
 bool converts_nothing(const std::locale& locale) {
     using conversion = std::codecvt<char, char, std::mbstate_t>;
@@ -19,22 +22,33 @@ bool converts_nothing(const std::locale& locale) {
 }
 
 /// Where the file stands, or no_position.
-std::streambuf::pos_type position_of(std::streambuf& file) { return file.pubseekoff(0, std::ios::cur, std::ios::in); }
+std::streamoff position_of(std::streambuf& file) noexcept {
+    try {
+        // One that has lost its conversion, by an imbue that came too late, throws here. To ask libstdc++ for its
+        // position is a crash.
+        if (file.in_avail() == -1) return no_position;
+        return file.pubseekoff(0, std::ios::cur, std::ios::in);
+    } catch (const std::exception&) {
+        return no_position; // reading it will tell
+    }
+}
+
+/// Whether the file has been read from since it was opened or positioned. A byte that is not the file's may have been put
+/// back then: libstdc++ tells a wrong position after that, and the byte would be lost where the file is set back.
+bool is_begun(const std::streambuf& file) noexcept { return get_area::size(file) != 0; }
 
 } // namespace
 
 bool read_ahead::suits(std::streambuf& file) {
-    return typeid(file) == typeid(std::filebuf) && converts_nothing(file.getloc()) && position_of(file) != no_position;
+    return typeid(file) == typeid(std::filebuf) && converts_nothing(file.getloc()) && !is_begun(file)
+           && position_of(file) != no_position;
 }
 
 read_ahead::read_ahead(std::streambuf& file)
     : m_file(file), m_block_end(position_of(file)), m_block(std::make_unique_for_overwrite<char[]>(block_bytes)) {}
 
 read_ahead::~read_ahead() {
-    if (gptr() == egptr()) return;
-    try {
-        m_file.pubseekpos(m_block_end - static_cast<std::streamoff>(egptr() - gptr()), std::ios::in);
-    } catch (...) {} // the file can no longer be positioned, and there is nobody to tell
+    if (gptr() != egptr()) set_file_to(m_block_end - (egptr() - gptr()));
 }
 
 read_ahead::int_type read_ahead::underflow() {
@@ -50,10 +64,22 @@ std::size_t read_ahead::read_block() {
     try {
         return static_cast<std::size_t>(m_file.sgetn(m_block.get(), block_bytes));
     } catch (const std::ios_base::failure&) {
-        if (m_file.pubseekpos(m_block_end, std::ios::in) == no_position) throw;
+        if (!set_file_to(m_block_end)) throw;
+    } catch (...) { // the thread is being cancelled, say
+        set_file_to(m_block_end);
+        throw;
     }
     m_has_failed = true;
     return read_after_failure();
+}
+
+/// Whether that was possible. If not, there may be nobody to tell.
+bool read_ahead::set_file_to(std::streamoff place) noexcept {
+    try {
+        return m_file.pubseekpos(place, std::ios::in) != pos_type(no_position);
+    } catch (...) {
+        return false;
+    }
 }
 
 std::size_t read_ahead::read_after_failure() {

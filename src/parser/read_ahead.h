@@ -16,7 +16,8 @@ namespace mail_structure_detail {
 class read_ahead final : public std::streambuf {
 public:
     /// Whether the buffer may be read ahead of its user and set back afterwards without anybody's noticing: a plain
-    /// std::filebuf, without code of the host's, that converts nothing, on a file that can be positioned.
+    /// std::filebuf, without code of the host's, that converts nothing, on a file that can be positioned and whose bytes
+    /// nobody has begun to take.
     static bool suits(std::streambuf& file);
 
     /// @param file  one that suits; it outlives this object, and nobody else reads from it meanwhile
@@ -34,11 +35,12 @@ protected:
 private:
     std::size_t read_block();
     std::size_t read_after_failure();
+    bool set_file_to(std::streamoff place) noexcept;
 
     static constexpr std::streamsize block_bytes = 65536;
 
     std::streambuf& m_file;
-    pos_type m_block_end; // in the file; m_file stands there
+    std::streamoff m_block_end; // in the file; m_file stands there
     bool m_has_failed = false;
     std::unique_ptr<char[]> m_block;
 };

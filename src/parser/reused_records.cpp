@@ -23,10 +23,9 @@ void give_back_excess(Container& held) noexcept {
     if (capacity > kept_at_most || held.size() < held.capacity() / 4) Container().swap(held);
 }
 
-/// Most entities have the default that is to be set.
 void set_word(std::string& held, std::string_view word) {
     give_back_excess(held);
-    if (held != word) held = word; // fits into any string object
+    held = word; // fits into any string object
 }
 
 /// As a new entity, with the storage of the old one and its records. They are old records then.

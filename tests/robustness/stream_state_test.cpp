@@ -12,10 +12,12 @@
 #include "support/streams.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <ios>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <streambuf>
@@ -300,6 +302,38 @@ TEST(stream_state, a_tied_stream_is_flushed_before_the_first_byte_is_asked_for) 
     EXPECT_GT(keyboard.m_flushes_at_first, 0);
 }
 
+/// A stream that goes bad when the stream tied to it is flushed.
+class spoiled_stream : public stream_over<test_support::window_buffer> {
+public:
+    using stream_over::stream_over;
+
+    void tie_itself() { tie(&m_out); }
+
+private:
+    struct spoiling_buffer : std::stringbuf {
+        explicit spoiling_buffer(std::istream& in) : m_in(in) {}
+        int sync() override {
+            m_in.setstate(std::ios_base::badbit);
+            return 0;
+        }
+        std::istream& m_in;
+    };
+
+    spoiling_buffer m_screen{*this};
+    std::ostream m_out{&m_screen};
+};
+
+TEST(stream_state, a_stream_that_goes_bad_before_it_is_refilled_stays_unread) {
+    for (const named_message& message : messages) {
+        const auto make = [&] {
+            auto in = std::make_unique<spoiled_stream>(message.m_text, std::size_t{1000});
+            in->tie_itself();
+            return in;
+        };
+        EXPECT_EQ(difference(make, {}), "") << message.m_name;
+    }
+}
+
 /// The stream's own idea of its position, once its state is cleared.
 std::streamoff position_of(std::istream& in) {
     in.clear();
@@ -336,6 +370,86 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
         }
     }
     std::remove(place.c_str());
+}
+
+/// Lines with a stray byte somewhere, as a file that is gone with the object.
+class damaged_file {
+public:
+    explicit damaged_file(std::size_t stray) {
+        for (int line = 0; line < 300; ++line) m_text += "1 line of a body that is longer than the buffers of files\n";
+        m_text[stray] = '\r';
+        std::ofstream(m_place, std::ios_base::binary) << m_text;
+    }
+    ~damaged_file() { std::remove(m_place.c_str()); }
+    damaged_file(const damaged_file&) = delete;
+    damaged_file& operator=(const damaged_file&) = delete;
+
+    std::unique_ptr<std::ifstream> stream() const {
+        return std::make_unique<std::ifstream>(m_place, std::ios_base::binary);
+    }
+    /// Where the text from there on ends the parse of itself.
+    test_support::erroneous_line own_error_from(std::size_t offset) const {
+        return test_support::first_erroneous_line(std::string_view(m_text).substr(offset));
+    }
+
+private:
+    std::string m_place = testing::TempDir() + "mailstructure_damaged_file_test.eml";
+    std::string m_text;
+};
+
+constexpr std::size_t stray_places[] = {70, 8189, 8190, 8191, 8192, 10000};
+
+TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_back) {
+    for (const std::size_t stray : stray_places) {
+        const damaged_file file(stray);
+        for (const bool taken_again : {false, true}) {
+            const auto make = [&] {
+                auto in = file.stream();
+                in->get();
+                in->putback('X'); // not the one that the file has there
+                if (taken_again) in->get();
+                return in;
+            };
+            const auto own = file.own_error_from(taken_again ? 1 : 0);
+            EXPECT_EQ(difference(make, own, bytes_ready::do_not_count), "") << "stray byte at " << stray;
+            const auto for_fill = make();
+            const auto for_getline = make();
+            MailStructure message;
+            EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
+            std::string line;
+            for (std::size_t count = 0; count < own.m_lines; ++count) std::getline(*for_getline, line);
+            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline)) << "stray byte at " << stray;
+        }
+    }
+}
+
+/// Cannot tell how many bytes make a character, so that a file may be imbued with another conversion only before it is
+/// read.
+class stateful_conversion : public std::codecvt<char, char, std::mbstate_t> {
+    int do_encoding() const noexcept override { return -1; }
+};
+
+TEST(stream_state, files_that_have_lost_their_conversion_are_left_as_by_getline) {
+    const damaged_file file(12000);
+    std::size_t taken = 0;
+    const auto make = [&] {
+        auto in = file.stream();
+        in->imbue(std::locale(std::locale::classic(), new stateful_conversion));
+        std::string begun(taken, ' ');
+        in->read(begun.data(), static_cast<std::streamsize>(taken)); // past the file's buffer, if that is much
+        in->imbue(std::locale::classic());
+        return in;
+    };
+    for (taken = 1; taken < 20000; taken += 9999) {
+        const auto for_fill = make();
+        const auto for_getline = make();
+        MailStructure message;
+        EXPECT_EQ(test_support::fill(message, *for_fill), "") << taken;
+        std::uint32_t lines = 0;
+        for (std::string line; std::getline(*for_getline, line);) ++lines;
+        EXPECT_EQ(message.m_root.m_lines, lines) << taken;
+        EXPECT_EQ(for_fill->rdstate(), for_getline->rdstate()) << taken;
+    }
 }
 
 } // namespace

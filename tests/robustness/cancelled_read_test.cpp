@@ -1,0 +1,68 @@
+// A thread that is cancelled while Fill reads a file: it ends, the stream tells of the failure, and the file stands behind
+// the last line that is in the tree.
+
+#include <mail_structure.h>
+
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <ios>
+#include <pthread.h>
+#include <string>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// The present thread is cancelled within the read that counts this down to 0.
+thread_local int reads_left = -1;
+
+} // namespace
+
+/// What the standard library's file buffers call, in place of the system's own.
+extern "C" ssize_t read(int file, void* bytes, size_t count) {
+    if (reads_left > 0 && --reads_left == 0) {
+        pthread_cancel(pthread_self());
+        pthread_testcancel();
+    }
+    return syscall(SYS_read, file, bytes, count);
+}
+
+namespace {
+
+const std::string input = "a: b\n\nhi\nho\n";
+
+struct reading {
+    std::ifstream m_in;
+    MailStructure m_message;
+    int m_reads = 0;
+};
+
+void* fill(void* argument) {
+    auto& own = *static_cast<reading*>(argument);
+    reads_left = own.m_reads;
+    own.m_message.Fill(own.m_in);
+    return nullptr;
+}
+
+TEST(cancelled_read, leaves_the_file_behind_the_last_line) {
+    const std::string place = testing::TempDir() + "mailstructure_cancelled_read_test.eml";
+    std::ofstream(place, std::ios_base::binary) << input;
+    for (const int reads : {1, 2}) {
+        reading own;
+        own.m_in.open(place, std::ios_base::binary);
+        own.m_reads = reads;
+        pthread_t thread{};
+        ASSERT_EQ(pthread_create(&thread, nullptr, fill, &own), 0);
+        void* result = nullptr;
+        ASSERT_EQ(pthread_join(thread, &result), 0);
+        EXPECT_EQ(result, PTHREAD_CANCELED) << reads;
+        EXPECT_FALSE(own.m_message.m_done) << reads;
+        EXPECT_TRUE(own.m_in.bad()) << reads;
+        own.m_in.clear();
+        EXPECT_EQ(own.m_in.tellg(), std::streamoff{own.m_message.m_root.m_mime_len}) << reads;
+    }
+    std::remove(place.c_str());
+}
+
+} // namespace
