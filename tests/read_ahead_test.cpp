@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -129,16 +131,18 @@ TEST(read_ahead, begins_where_the_file_stands_and_leaves_it_where_its_reader_sto
     }
 }
 
-/// The process's own memory as a file, at a mapping of so many pages behind which nothing is mapped: reading there
-/// fails with an error in the middle of a block.
+/// The process's own memory as a file, at a mapping that is one page longer than what it maps: reading fails with an error
+/// at that page, in the middle of a block.
 class memory_file {
 public:
-    explicit memory_file(std::size_t pages)
-        : m_bytes(pages * page()),
-          m_place(mmap(nullptr, m_bytes + page(), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
-        if (m_place != MAP_FAILED) munmap(static_cast<char*>(m_place) + m_bytes, page());
+    explicit memory_file(std::size_t pages) : m_bytes(pages * page()) {
+        std::FILE* const mapped = std::tmpfile();
+        if (mapped == nullptr || ftruncate(fileno(mapped), static_cast<off_t>(m_bytes)) != 0) std::abort();
+        m_place = mmap(nullptr, m_bytes + page(), PROT_READ | PROT_WRITE, MAP_SHARED, fileno(mapped), 0);
+        std::fclose(mapped);
+        if (m_place == MAP_FAILED) std::abort();
     }
-    ~memory_file() { munmap(m_place, m_bytes); }
+    ~memory_file() { munmap(m_place, m_bytes + page()); }
     memory_file(const memory_file&) = delete;
     memory_file& operator=(const memory_file&) = delete;
 
@@ -155,7 +159,7 @@ private:
     static std::size_t page() { return static_cast<std::size_t>(sysconf(_SC_PAGESIZE)); }
 
     std::size_t m_bytes;
-    void* m_place;
+    void* m_place = nullptr;
 };
 
 TEST(read_ahead, a_read_error_comes_at_its_own_place) {
