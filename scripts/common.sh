@@ -8,7 +8,8 @@ top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(cmake g++ libcli11-dev ninja-build nettle-dev rapidjson-dev)
 # What the packages are made and checked with, and hosts that use them: the last lines of tests/package/CMakeLists.txt.
 packaging_packages=(abigail-tools clang doxygen dpkg-dev libsqlite3-dev lintian mandoc pkg-config)
-test_packages=("${build_packages[@]}" libgtest-dev "${packaging_packages[@]}" python3-jsonschema valgrind)
+arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
+test_packages=("${build_packages[@]}" libgtest-dev "${arm_packages[@]}" "${packaging_packages[@]}" python3-jsonschema valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 # shellcheck disable=SC2034 # for those who source this
 check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 shellcheck)

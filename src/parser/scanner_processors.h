@@ -10,6 +10,9 @@
 #if defined(__x86_64__) && defined(__GNUC__)
 #define MAIL_STRUCTURE_X86_64
 #endif
+#if defined(__aarch64__) && defined(__ARM_NEON) && defined(__GNUC__) && !defined(__AARCH64EB__)
+#define MAIL_STRUCTURE_AARCH64
+#endif
 
 namespace mail_structure_detail {
 
@@ -23,6 +26,11 @@ scanned_line scan_line_avx2(std::string_view bytes) noexcept;
 // These and AVX-512BW.
 scanned_lines scan_body_avx512(std::string_view bytes, dashed_lines dashed) noexcept;
 scanned_line scan_line_avx512(std::string_view bytes) noexcept;
+#endif
+#ifdef MAIL_STRUCTURE_AARCH64
+// Every 64-bit ARM processor.
+scanned_lines scan_body_neon(std::string_view bytes, dashed_lines dashed) noexcept;
+scanned_line scan_line_neon(std::string_view bytes) noexcept;
 #endif
 // Any processor.
 scanned_lines scan_body_portable(std::string_view bytes, dashed_lines dashed) noexcept;

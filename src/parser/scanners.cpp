@@ -11,6 +11,9 @@ std::span<const scanner_set> all_scanners() noexcept {
         {"avx2", scan_body_avx2, scan_line_avx2},
         {"sse2", scan_body_sse2, scan_line_sse2},
 #endif
+#ifdef MAIL_STRUCTURE_AARCH64
+        {"neon", scan_body_neon, scan_line_neon},
+#endif
         {"portable", scan_body_portable, scan_line_portable},
         {"plain", scan_body_plain, scan_line_plain}};
     const std::span<const scanner_set> known = all;
