@@ -117,7 +117,7 @@ int main(int count, char** arguments) try {
     message.Fill(stream);
 
     const MailStructure::MimeObj* part = find_part(message.m_root, arguments[2]);
-    if (part == nullptr) return std::cerr << arguments[1] << ": no part " << arguments[2] << '\n', 1;
+    if (part == nullptr) return std::cerr << arguments[1] << ": no section " << arguments[2] << '\n', 1;
     const range place = body_of(*part);
     const std::string_view body = file.bytes().substr(place.m_beg, place.m_len);
     std::cout.write(body.data(), static_cast<std::streamsize>(body.size()));
