@@ -1,7 +1,7 @@
 // Holds each scanner that this processor runs against its plain twin. The first byte chooses the scanner, the second how far from an
 // aligned address the text begins; the text ends where its memory ends.
 
-#include "parser/scanners.h"
+#include "parser/lines/scanners.h"
 #include "require.h"
 
 #include <cstddef>

@@ -5,11 +5,11 @@ separate_arguments(compiler_flags NATIVE_COMMAND "${CMAKE_CXX_FLAGS}")
 
 foreach(standard 17 20 2b)
   add_test(NAME header_is_clean_cxx${standard}
-           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/header_check.sh ${CMAKE_CXX_COMPILER} ${standard}
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interface/header_check.sh ${CMAKE_CXX_COMPILER} ${standard}
                    ${PROJECT_SOURCE_DIR}/include/mail_structure.h)
 endforeach()
 
-add_test(NAME library_builds_by_one_command COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/one_command_build.sh
+add_test(NAME library_builds_by_one_command COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interface/one_command_build.sh
                                                     ${CMAKE_CXX_COMPILER} ${PROJECT_SOURCE_DIR})
 
 # What follows is about the shared library, which BUILD_SHARED_LIBS can leave out.
@@ -20,7 +20,7 @@ endif()
 
 add_test(
   NAME exported_symbols_are_the_listed_ones
-  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/exported_symbols.sh ${CMAKE_NM} $<TARGET_FILE:mailstructure>
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/interface/exported_symbols.sh ${CMAKE_NM} $<TARGET_FILE:mailstructure>
           ${CMAKE_CURRENT_SOURCE_DIR}/data/exported_symbols.txt)
 
 # The consumers are built in the way the library was: sanitizers, for instance, want both sides to agree.

@@ -7,10 +7,10 @@
 
 #include "fill.h"
 
-#include "body.h"
-#include "fill_state.h"
-#include "header_block.h"
-#include "line_reader.h"
+#include "classic/body.h"
+#include "classic/fill_state.h"
+#include "classic/header_block.h"
+#include "lines/line_reader.h"
 
 #include <stdexcept>
 #include <utility>

@@ -100,7 +100,7 @@ TEST(generated_messages, are_the_same_for_the_same_seed) {
     }
 }
 
-TEST(shrinking, keeps_only_what_makes_the_message_fail) {
+TEST(shrinking, leaves_only_what_makes_the_message_fail) {
     const std::string large = "Subject: a needle\nFrom: b\n\nnothing\nhay pin hay\nlast\n";
     const auto fails = [](const std::string& message) {
         return message.find("needle") != std::string::npos && message.find("pin") != std::string::npos;

@@ -2,7 +2,7 @@
 
 #include <mail_structure.h>
 
-#include "parser/scanners.h"
+#include "parser/lines/scanners.h"
 #include "reference/reference_parser.h"
 #include "robustness/guarded_memory.h"
 #include "robustness/window_stream.h"

@@ -3,7 +3,7 @@
 
 #include <mail_structure.h>
 
-#include "parser/open_entities.h"
+#include "parser/tree/open_entities.h"
 #include "support/seeded_random.h"
 #include "support/tree_text.h"
 

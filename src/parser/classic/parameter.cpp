@@ -1,0 +1,54 @@
+#include "parameter.h"
+
+#include "../lines/character_class.h"
+
+namespace mail_structure_detail {
+
+namespace {
+
+void skip_blanks(std::string_view& text) noexcept {
+    std::size_t count = 0;
+    while (count < text.size() && is_space(text[count])) ++count;
+    text.remove_prefix(count);
+}
+
+/// The rule for parameter names: letters, '-' and '_'.
+std::string_view take_name(std::string_view& text) noexcept {
+    std::size_t length = 0;
+    while (length < text.size() && (is_letter(text[length]) || text[length] == '-' || text[length] == '_')) ++length;
+    const std::string_view name = text.substr(0, length);
+    text.remove_prefix(length);
+    return name;
+}
+
+/// Each quote is removed by itself: "x" gives x, and so does "x without its second one.
+std::string_view without_quotes(std::string_view value) noexcept {
+    if (value.starts_with('"')) value.remove_prefix(1);
+    if (value.ends_with('"')) value.remove_suffix(1);
+    return value;
+}
+
+} // namespace
+
+bool parameter_segments::next(std::string_view& segment) noexcept {
+    if (m_before == std::string_view::npos) return false;
+    const std::size_t begin = m_before + 1;
+    m_before = m_text.find(';', begin);
+    segment = m_text.substr(begin, m_before == std::string_view::npos ? m_before : m_before - begin);
+    return true;
+}
+
+bool read_parameter(std::string_view segment, parameter& found) noexcept {
+    skip_blanks(segment);
+    found.m_name = take_name(segment);
+    skip_blanks(segment);
+    if (!segment.starts_with('=')) return false;
+    segment.remove_prefix(1);
+    skip_blanks(segment);
+    // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank give x" and
+    // a blank. A boundary is matched with the blank, as the messages of such writers are divided.
+    found.m_value = without_quotes(segment);
+    return !found.m_name.empty() && !found.m_value.empty();
+}
+
+} // namespace mail_structure_detail

@@ -1,0 +1,65 @@
+// What the scans by blocks of 64 bytes have in common: bit n of a mask tells of byte n of a block.
+//
+//     bytes     a b CR LF - - x LF
+//     lf        0 0 0  1  0 0 0 1
+//     suspect   0 0 1  0  0 0 0 0       a CR or NUL, which only an LF, or nothing, may follow
+//     dash      0 0 0  0  1 1 0 0
+//
+// Only how the masks are made differs between processors: each has a struct with masks(p) and name(p), which read
+// 64 bytes at p; name(p) is right up to the first byte that is not of a name. Each processor's file includes this
+// one where its own instructions are switched on, so everything here is local to that file.
+
+#ifndef MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
+#define MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace mail_structure_detail {
+
+namespace {
+
+constexpr std::size_t block_bytes = 64;
+
+struct block_masks {
+    std::uint64_t m_lf;
+    std::uint64_t m_suspect;
+    std::uint64_t m_dash;
+};
+
+/// The lowest `count` bits, or all.
+constexpr std::uint64_t first_bits(std::size_t count) noexcept {
+    return count < block_bytes ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
+}
+
+/// The masks of the first bytes of a text, where less than a block may be left. Nothing past its end is read; the
+/// bits there are those of a letter.
+template <class Make>
+class padded_block {
+public:
+    explicit padded_block(std::string_view text) noexcept : m_begin(text.data()) {
+        if (text.size() >= block_bytes) return;
+        m_room.fill('x');
+        if (!text.empty()) std::memcpy(m_room.data(), text.data(), text.size());
+        m_begin = m_room.data();
+    }
+    padded_block(const padded_block&) = delete;
+    padded_block& operator=(const padded_block&) = delete;
+
+    block_masks masks() const noexcept { return Make::masks(m_begin); }
+    /// Letters and hyphens, from the first byte to the last that has only such before it.
+    std::uint64_t name() const noexcept { return Make::name(m_begin); }
+
+private:
+    const char* m_begin;
+    std::array<char, block_bytes> m_room; // set only where it is needed
+};
+
+} // namespace
+
+} // namespace mail_structure_detail
+
+#endif

@@ -1,0 +1,28 @@
+// Looks a line over, in one pass: where it ends, whether it holds a byte that cannot stand in a line, and how
+// long the field name is that it may begin with.
+
+#ifndef MAIL_STRUCTURE_PARSER_LINES_LINE_SCAN_H
+#define MAIL_STRUCTURE_PARSER_LINES_LINE_SCAN_H
+
+#include <cstddef>
+#include <string_view>
+
+namespace mail_structure_detail {
+
+/// The line at the front of some bytes.
+struct scanned_line {
+    std::size_t m_bytes = 0; // before the first LF; all bytes where there is none
+    bool m_has_lf = false;
+    bool m_stray = false;         // a CR or NUL stands among these bytes, the last of them not looked at
+    std::size_t m_name_bytes = 0; // so many of these, from the first on, are letters or hyphens
+};
+
+/// Reads every byte of the line once, and none past the end of `bytes`.
+using line_scanner = scanned_line (*)(std::string_view bytes) noexcept;
+
+/// Byte by byte: the truth that the others are tested against.
+scanned_line scan_line_plain(std::string_view bytes) noexcept;
+
+} // namespace mail_structure_detail
+
+#endif

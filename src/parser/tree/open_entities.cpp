@@ -1,0 +1,123 @@
+#include "open_entities.h"
+
+#include "../../model/reset.h"
+
+#include <algorithm>
+
+namespace mail_structure_detail {
+
+using MimeObj = MailStructure::MimeObj;
+
+open_entities::open_entities(MimeObj& root) try
+    : m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
+      m_body(&MimeObj::m_body_beg, &MimeObj::m_body_len, unset_by::offset),
+      m_epilogue(&MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, unset_by::length),
+      m_contents(&MimeObj::m_contents_beg, &MimeObj::m_contents_len, unset_by::length) {
+    constexpr std::size_t usual_depth = 8;
+    reserve_depth(usual_depth);
+    m_entities.push_back(&root);
+    m_accounts.push_back({0, 0});
+    reset_own_members(root);
+    empty_type_strings(root);
+} catch (...) {
+    root.clear(); // no destructor will cut off what is below it
+}
+
+open_entities::~open_entities() { settle_from(0); }
+
+void open_entities::open() {
+    // First what may fail: a child that is in no account would not be settled with.
+    if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
+    m_entities.push_back(&m_accounts.back().m_records.next_child(top()));
+    m_accounts.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
+}
+
+void open_entities::close() {
+    if (m_entities.size() == 1) return;
+    settle_from(m_entities.size() - 1);
+    top().finalize();
+    m_entities.pop_back();
+    m_accounts.pop_back();
+}
+
+void open_entities::finalize() noexcept {
+    for (MimeObj* entity : m_entities) entity->finalize();
+}
+
+void open_entities::add_header_line(std::uint32_t start, std::uint32_t end) {
+    add_contents_line_below_top(start, end);
+    top().add_header(start, end); // no body line has come yet, so the top's ranges are its own
+}
+
+void open_entities::add_contents_line_below_top(std::uint32_t start, std::uint32_t end) {
+    m_contents.give_lines(m_entities, m_entities.size() - 1, one_line(start, end, false));
+}
+
+void open_entities::add_contents_lines(const line_run& lines) {
+    m_contents.give_lines(m_entities, m_entities.size(), lines);
+}
+
+void open_entities::add_body_lines(const line_run& lines) {
+    m_mime.give_lines(m_entities, m_entities.size(), lines);
+    m_body.give_lines(m_entities, m_entities.size(), lines);
+    m_body_tally.add(lines);
+}
+
+void open_entities::add_epilogue_lines(const line_run& lines) {
+    // Kept: an epilogue line extends the epilogue of every ancestor and no other range, so a host that
+    // skips epilogues may skip from one part's last body line to the next separator.
+    m_epilogue.give_lines(m_entities, m_entities.size(), lines);
+    m_epilogue_tally.add(lines);
+}
+
+bool open_entities::takes_body_lines_freely() const noexcept {
+    return m_mime.takes_lines_freely(m_entities.size()) && m_contents.takes_lines_freely(m_entities.size());
+}
+
+bool open_entities::takes_epilogue_lines_freely() const noexcept {
+    return m_epilogue.takes_lines_freely(m_entities.size());
+}
+
+void open_entities::make_room(std::string MimeObj::*kept, std::size_t bytes) {
+    for (MimeObj* entity : m_entities) {
+        std::string& text = entity->*kept;
+        const std::size_t needed = text.size() + bytes;
+        if (needed > text.capacity()) text.reserve(std::max(needed, 2 * text.capacity())); // linear over many runs
+    }
+}
+
+void open_entities::keep_text(std::string MimeObj::*kept, std::string_view text) {
+    for (std::size_t index = m_entities.size(); index-- > 0;) (m_entities[index]->*kept).append(text);
+}
+
+void open_entities::watch_for_lapses() {
+    m_mime.watch_for_lapses(m_entities);
+    m_epilogue.watch_for_lapses(m_entities);
+    m_contents.watch_for_lapses(m_entities);
+}
+
+/// Reserves room for a chain of that depth. The accounts come first: they have room wherever the entities have.
+void open_entities::reserve_depth(std::size_t depth) {
+    m_accounts.reserve(depth);
+    m_entities.reserve(depth);
+}
+
+/// Pays what is owed to the entities from index `count` up, and cuts off their old records. Allocates nothing.
+void open_entities::settle_from(std::size_t count) noexcept {
+    m_mime.release(m_entities, count);
+    m_body.release(m_entities, count);
+    m_epilogue.release(m_entities, count);
+    m_contents.release(m_entities, count);
+    for (std::size_t index = count; index < m_entities.size(); ++index) {
+        MimeObj& entity = *m_entities[index];
+        const account& settled = m_accounts[index];
+        const std::uint64_t body_lines = m_body_tally.m_lines - settled.m_body_lines_before;
+        entity.m_lines += static_cast<std::uint32_t>(body_lines); // a count past 2^32 wraps, as offsets do
+        if (body_lines != 0) entity.m_body_last_empty = m_body_tally.m_last_empty;
+        if (m_epilogue_tally.m_lines != settled.m_epilogue_lines_before)
+            entity.m_epilogue_last_empty = m_epilogue_tally.m_last_empty;
+        settled.m_records.cut_off_old(entity);
+    }
+}
+
+} // namespace mail_structure_detail

@@ -1,0 +1,75 @@
+#include "reused_records.h"
+
+#include "../../model/reset.h"
+
+#include <string>
+#include <string_view>
+
+namespace mail_structure_detail {
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+using header = MailStructure::header;
+
+/// Gives back the storage of a string or vector, and what it holds, where that is too much to be handed on. The size
+/// tells what the last message used of it: since then nothing was added, and what it did not use was cut off.
+// Were a fixed size the only measure, a sender could have each message leave its long fields at other places, until all
+// of a million fields hold that size. A quarter ties what is held to what the last message was.
+template <class Container>
+void give_back_excess(Container& held) noexcept {
+    const std::size_t capacity = held.capacity() * sizeof(typename Container::value_type);
+    if (capacity <= kept_always) return;
+    if (capacity > kept_at_most || held.size() < held.capacity() / 4) Container().swap(held);
+}
+
+void set_word(std::string& held, std::string_view word) {
+    give_back_excess(held);
+    held = word; // fits into any string object
+}
+
+/// As a new entity, with the storage of the old one and its records. They are old records then.
+void reset_child(MimeObj& child) {
+    give_back_excess(child.m_children);
+    give_back_excess(child.m_headers);
+    give_back_excess(child.m_body_text);
+    give_back_excess(child.m_epilogue_text);
+    reset_own_members(child);
+    set_word(child.m_type, "text");
+    set_word(child.m_subtype, "plain");
+    set_word(child.m_encoding, "7bit");
+}
+
+} // namespace
+
+MimeObj& reused_child(MimeObj& entity, std::size_t index) {
+    MimeObj& child = entity.m_children[index];
+    reset_child(child);
+    child.m_parent = &entity; // it may have moved since, and hosts may assign what they like
+    return child;
+}
+
+header& reset_field(header& field) noexcept {
+    give_back_excess(field.m_name);
+    give_back_excess(field.m_value);
+    give_back_excess(field.m_params);
+    field.m_name.clear();
+    field.m_value.clear();
+    field.m_beg = 0xFFFFFFFF; // not yet set
+    field.m_end = 0;
+    return field;
+}
+
+void set_parameter(header& field, std::size_t in_use, std::string_view name, std::string_view value) {
+    if (in_use >= field.m_params.size()) {
+        field.m_params.emplace_back(name, value);
+        return;
+    }
+    auto& old = field.m_params[in_use];
+    give_back_excess(old.first);
+    give_back_excess(old.second);
+    old.first = name;
+    old.second = value;
+}
+
+} // namespace mail_structure_detail

@@ -1,0 +1,98 @@
+// Every scanner that this processor runs, against the plain one, and the plain one against tables.
+
+#include "parser/lines/scanners.h"
+#include "support/case_name.h"
+#include "support/escape.h"
+#include "support/seeded_random.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <string_view>
+
+using mail_structure_detail::all_scanners;
+using mail_structure_detail::dashed_lines;
+using mail_structure_detail::scan_body_plain;
+using mail_structure_detail::scanned_lines;
+using test_support::seeded_random;
+using namespace std::string_view_literals;
+
+namespace {
+
+std::string as_text(const scanned_lines& found) {
+    return std::to_string(found.m_lines) + " lines, " + std::to_string(found.m_bytes) + " bytes";
+}
+
+/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its end.
+void expect_all_agree(std::string_view bytes) {
+    const auto copy = std::make_unique<char[]>(bytes.size());
+    bytes.copy(copy.get(), bytes.size());
+    const std::string_view exact(copy.get(), bytes.size());
+    for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
+        const std::string wanted = as_text(scan_body_plain(exact, dashed));
+        for (const auto& scanner : all_scanners())
+            ASSERT_EQ(as_text(scanner.m_scan_body(exact, dashed)), wanted)
+                << scanner.m_name << (dashed == dashed_lines::end_the_run ? ", dashes end the run: " : ": ")
+                << test_support::escaped(bytes);
+    }
+}
+
+struct scan_case {
+    const char* m_name;
+    std::string_view m_bytes;
+    const char* m_dashes_as_text;
+    const char* m_dashes_end_the_run;
+};
+
+const scan_case scan_cases[] = {
+    {"nothing", "", "0 lines, 0 bytes", "0 lines, 0 bytes"},
+    {"no_whole_line", "abc", "0 lines, 0 bytes", "0 lines, 0 bytes"},
+    {"one_empty_line", "\n", "1 lines, 1 bytes", "1 lines, 1 bytes"},
+    {"the_unfinished_line_is_left", "a\nb", "1 lines, 2 bytes", "1 lines, 2 bytes"},
+    {"cr_before_lf_is_legal", "a\r\nb\r\n", "2 lines, 6 bytes", "2 lines, 6 bytes"},
+    {"nul_before_lf_is_legal", "a\0\nb\n"sv, "2 lines, 5 bytes", "2 lines, 5 bytes"},
+    {"stray_cr_ends_the_run", "a\nb\rc\nd\n", "1 lines, 2 bytes", "1 lines, 2 bytes"},
+    {"two_crs_before_lf_end_the_run", "a\nb\r\r\n", "1 lines, 2 bytes", "1 lines, 2 bytes"},
+    {"nul_before_cr_ends_the_run", "a\nb\0\r\n"sv, "1 lines, 2 bytes", "1 lines, 2 bytes"},
+    {"stray_nul_in_the_first_line", "\0a\n"sv, "0 lines, 0 bytes", "0 lines, 0 bytes"},
+    {"dashed_line", "a\n--b\nc\n", "3 lines, 8 bytes", "1 lines, 2 bytes"},
+    {"dashed_first_line", "--\na\n", "2 lines, 5 bytes", "0 lines, 0 bytes"},
+    {"one_dash_is_text", "-\n-a\n", "2 lines, 5 bytes", "2 lines, 5 bytes"},
+    {"dashes_inside_a_line_are_text", "a--b\n --\n", "2 lines, 9 bytes", "2 lines, 9 bytes"},
+};
+
+class body_scan : public testing::TestWithParam<scan_case> {};
+
+TEST_P(body_scan, finds_whole_lines_of_text) {
+    const scan_case& row = GetParam();
+    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::are_text)), row.m_dashes_as_text);
+    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::end_the_run)), row.m_dashes_end_the_run);
+}
+
+/// A row wherever it may lie in a block, and with its bytes in two blocks.
+TEST_P(body_scan, is_the_same_at_every_place_of_a_block) {
+    const std::string_view bytes = GetParam().m_bytes;
+    for (std::size_t before = 0; before < 130; ++before) {
+        const std::string filler = before == 0 ? "" : std::string(before - 1, 'x') + '\n';
+        expect_all_agree(filler + std::string(bytes));
+        expect_all_agree(filler + std::string(bytes) + std::string(70, 'y'));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(rows, body_scan, testing::ValuesIn(scan_cases), test_support::case_name<scan_case>);
+
+TEST(body_scanners, agree_on_random_bytes) {
+    constexpr std::string_view telling = "\n\n\n\r\r\0--ab"sv;
+    seeded_random random(1);
+    for (int round = 0; round < 20000; ++round) {
+        const std::size_t rarity = std::size_t{1} << random.below(7); // of telling bytes, so that runs grow long too
+        std::string bytes(random.below(400), 'q');
+        for (char& byte : bytes)
+            if (random.one_in(rarity)) byte = telling[random.below(telling.size())];
+        for (std::size_t at = 0; at + 1 < bytes.size(); ++at) // most CRs before an LF, as in mail
+            if (bytes[at] == '\r' && !random.one_in(8)) bytes[at + 1] = '\n';
+        ASSERT_NO_FATAL_FAILURE(expect_all_agree(bytes)) << "round " << round;
+    }
+}
+
+} // namespace
