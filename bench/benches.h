@@ -10,11 +10,12 @@
 
 namespace bench {
 
-void register_parse(workload_source& source);           // memory stream
-void register_parse_of_large(workload_source& source);  // text kept; other streams
-void register_floors(workload_source& source);          // what bounds a parse from memory
-void register_floors_of_large(workload_source& source); // and one from a file; the library's scan alone
-void register_peers(workload_source& source);           // other libraries, those that the build found
+void register_parse(workload_source& source);          // memory stream
+void register_parse_of_large(workload_source& source); // text kept; other streams
+void register_floors(workload_source& source);         // what bounds a parse from memory
+void register_floors_of_large(
+    workload_source& source);                 // and one from a file; the library's scan alone
+void register_peers(workload_source& source); // other libraries, those that the build found
 
 /// What the report computes rates from. To be called once, after the timed loop.
 inline void report_size(benchmark::State& state, const workload& mail) {
@@ -27,7 +28,8 @@ inline void report_size(benchmark::State& state, const workload& mail) {
 template <class Run>
 void register_one(workload_source& source, const std::string& what, Run run) {
     const auto timed = [&source, run](benchmark::State& state) { run(state, source.get()); };
-    benchmark::RegisterBenchmark((source.name() + "/" + what).c_str(), timed)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark((source.name() + "/" + what).c_str(), timed)
+        ->Unit(benchmark::kMillisecond);
 }
 
 } // namespace bench

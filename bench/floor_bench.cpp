@@ -67,7 +67,8 @@ void copy_messages(benchmark::State& state, const workload& mail) {
     report_size(state, mail);
 }
 
-/// The scan alone, over header lines as over body lines. Where a line ends a run, the next run begins after it.
+/// The scan alone, over header lines as over body lines. Where a line ends a run, the next run
+/// begins after it.
 std::size_t count_by_scan(std::string_view message, body_scanner scan) {
     std::size_t lines = 0;
     while (!message.empty()) {
@@ -97,19 +98,21 @@ void read_file(benchmark::State& state, const workload& mail) {
 
 void register_floors(workload_source& source) {
     register_one(source, "getline_floor", getline_floor);
-    register_one(source, "memchr",
-                 [](benchmark::State& state, const workload& mail) { time_lines(state, mail, count_by_memchr); });
+    register_one(source, "memchr", [](benchmark::State& state, const workload& mail) {
+        time_lines(state, mail, count_by_memchr);
+    });
     register_one(source, "memcpy", copy_messages);
 }
 
 void register_floors_of_large(workload_source& source) {
     register_one(source, "ifstream_floor", read_file);
     for (const scanner_set& scanner : all_scanners())
-        register_one(
-            source, std::string("scan_") + scanner.m_name, [scanner](benchmark::State& state, const workload& mail) {
-                time_lines(state, mail,
-                           [&](const std::string& message) { return count_by_scan(message, scanner.m_scan_body); });
-            });
+        register_one(source, std::string("scan_") + scanner.m_name,
+                     [scanner](benchmark::State& state, const workload& mail) {
+                         time_lines(state, mail, [&](const std::string& message) {
+                             return count_by_scan(message, scanner.m_scan_body);
+                         });
+                     });
 }
 
 } // namespace bench

@@ -1,5 +1,5 @@
-// Counts what a tree takes of the heap: bytes as malloc hands them out, by entity, by header field and by message.
-// Prints one line "what<TAB>number" for each figure.
+// Counts what a tree takes of the heap: bytes as malloc hands them out, by entity, by header field
+// and by message. Prints one line "what<TAB>number" for each figure.
 
 #include <mail_structure.h>
 
@@ -40,11 +40,13 @@ void operator delete(void* block, std::size_t) noexcept { operator delete(block)
 namespace {
 
 void print(const std::string& what, std::size_t number, std::size_t divisor) {
-    std::printf("%s\t%.1f\n", what.c_str(), static_cast<double>(number) / static_cast<double>(divisor));
+    std::printf("%s\t%.1f\n", what.c_str(),
+                static_cast<double>(number) / static_cast<double>(divisor));
 }
 
-/// Parses the message once with a new parser, and prints what the tree takes by each of its `count` things.
-/// Parses it once more with the same parser, as a server would, and prints what is then still allocated anew.
+/// Parses the message once with a new parser, and prints what the tree takes by each of its `count`
+/// things. Parses it once more with the same parser, as a server would, and prints what is then
+/// still allocated anew.
 void measure(const std::string& thing, const std::string& message, std::size_t count) {
     std::istringstream in(message);
     MailStructure parser;
@@ -76,9 +78,13 @@ int main() {
     print("size of a field", sizeof(MailStructure::header), 1);
     measure("a part without fields", multipart + repeated("--b\n\n1 2\n", many), many);
     measure("a part with two fields",
-            multipart + repeated("--b\nContent-Type: text/html\nContent-Transfer-Encoding: 8bit\n\nx\n", many), many);
+            multipart
+                + repeated("--b\nContent-Type: text/html\nContent-Transfer-Encoding: 8bit\n\nx\n",
+                           many),
+            many);
     measure("a level", repeated("Subject: inner\nContent-Type: message/rfc822\n\n", many), many);
     measure("a field with a short value", repeated("Subject: short\n", many) + "\n", many);
-    measure("a field with a value of 60 bytes", repeated("Subject: " + std::string(60, 'x') + "\n", many) + "\n", many);
+    measure("a field with a value of 60 bytes",
+            repeated("Subject: " + std::string(60, 'x') + "\n", many) + "\n", many);
     return 0;
 }

@@ -27,7 +27,8 @@ std::size_t count_entities(const MailStructure::MimeObj& root) {
 
 /// Fills the parser from each message, and calls act(parser) after each.
 template <class Buffer, class Act>
-void parse_all(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail, Act act) {
+void parse_all(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail,
+               Act act) {
     for (const std::string& message : mail.m_messages) {
         buffer.reset(message);
         in.clear();
@@ -56,7 +57,8 @@ void parse_from(benchmark::State& state, const workload& mail, bool keep_text) {
     std::istream in(&buffer);
     if (!parses_right(parser, buffer, in, mail)) return state.SkipWithError("a wrong parse");
     for ([[maybe_unused]] auto turn : state)
-        parse_all(parser, buffer, in, mail, [](MailStructure& parsed) { benchmark::DoNotOptimize(parsed); });
+        parse_all(parser, buffer, in, mail,
+                  [](MailStructure& parsed) { benchmark::DoNotOptimize(parsed); });
     report_size(state, mail);
 }
 
@@ -90,15 +92,18 @@ void parse_mapped_file(benchmark::State& state, const workload& mail) {
 } // namespace
 
 void register_parse(workload_source& source) {
-    register_one(source, "parse",
-                 [](benchmark::State& state, const workload& mail) { parse_from<whole_memory>(state, mail, false); });
+    register_one(source, "parse", [](benchmark::State& state, const workload& mail) {
+        parse_from<whole_memory>(state, mail, false);
+    });
 }
 
 void register_parse_of_large(workload_source& source) {
-    register_one(source, "keep_text",
-                 [](benchmark::State& state, const workload& mail) { parse_from<whole_memory>(state, mail, true); });
-    register_one(source, "by_4096",
-                 [](benchmark::State& state, const workload& mail) { parse_from<memory_by_4096>(state, mail, false); });
+    register_one(source, "keep_text", [](benchmark::State& state, const workload& mail) {
+        parse_from<whole_memory>(state, mail, true);
+    });
+    register_one(source, "by_4096", [](benchmark::State& state, const workload& mail) {
+        parse_from<memory_by_4096>(state, mail, false);
+    });
     register_one(source, "ifstream", parse_file);
     register_one(source, "mapped", parse_mapped_file);
 }

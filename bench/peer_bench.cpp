@@ -23,21 +23,24 @@ constexpr peer peers[] = {
     {"gmime", peer_gmime_parse, ""},
 #endif
 #ifdef MAILSTRUCTURE_BENCH_MIMETIC
-    // It recurses on the depth of the message, without a limit, and skips unread what no boundary can end.
+    // It recurses on the depth of the message, without a limit, and skips unread what no boundary
+    // can end.
     {"mimetic", peer_mimetic_parse, "levels text_lf"},
 #endif
     no_peer};
 
 void parse_by(benchmark::State& state, const peer& other, const workload& mail) {
     std::size_t parts = 0;
-    for (const std::string& message : mail.m_messages) parts += other.m_parse(message.data(), message.size(), 1);
+    for (const std::string& message : mail.m_messages)
+        parts += other.m_parse(message.data(), message.size(), 1);
     if (parts != mail.m_entities) {
         const std::string found =
             "finds " + std::to_string(parts) + " of " + std::to_string(mail.m_entities) + " parts";
         return state.SkipWithError(found.c_str());
     }
     for ([[maybe_unused]] auto turn : state)
-        for (const std::string& message : mail.m_messages) other.m_parse(message.data(), message.size(), 0);
+        for (const std::string& message : mail.m_messages)
+            other.m_parse(message.data(), message.size(), 0);
     report_size(state, mail);
 }
 
@@ -46,9 +49,11 @@ void parse_by(benchmark::State& state, const peer& other, const workload& mail) 
 void register_peers(workload_source& source) {
     for (const peer& other : peers) {
         if (other.m_parse == nullptr) continue;
-        if (std::string_view(other.m_left_out).find(source.name()) != std::string_view::npos) continue;
-        register_one(source, other.m_name,
-                     [other](benchmark::State& state, const workload& mail) { parse_by(state, other, mail); });
+        if (std::string_view(other.m_left_out).find(source.name()) != std::string_view::npos)
+            continue;
+        register_one(source, other.m_name, [other](benchmark::State& state, const workload& mail) {
+            parse_by(state, other, mail);
+        });
     }
 }
 

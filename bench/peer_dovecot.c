@@ -1,4 +1,5 @@
-/* The message parser of the Dovecot libraries. It keeps offsets and sizes of parts, and no header fields. */
+/* The message parser of the Dovecot libraries. It keeps offsets and sizes of parts, and no header
+ * fields. */
 
 #include "peers.h"
 
@@ -20,7 +21,8 @@ static void start_once(void) {
 size_t peer_dovecot_parse(const char* message, size_t bytes, int count_parts) {
     const struct message_parser_settings settings = {
         .flags = MESSAGE_PARSER_FLAG_SKIP_BODY_BLOCK,
-        .max_nested_mime_parts = UINT_MAX, /* the defaults would leave the larger workloads unparsed */
+        .max_nested_mime_parts =
+            UINT_MAX, /* the defaults would leave the larger workloads unparsed */
         .max_total_mime_parts = UINT_MAX,
         .all_headers_max_size = SIZE_MAX,
     };

@@ -31,7 +31,8 @@ GMimeParser* reused_parser() {
 
 std::size_t peer_gmime_parse(const char* message, std::size_t bytes, int count_parts) {
     GMimeParser* parser = reused_parser();
-    GByteArray view{reinterpret_cast<guint8*>(const_cast<char*>(message)), static_cast<guint>(bytes)}; // only read
+    GByteArray view{reinterpret_cast<guint8*>(const_cast<char*>(message)),
+                    static_cast<guint>(bytes)}; // only read
     GMimeStream* stream = g_mime_stream_mem_new();
     g_mime_stream_mem_set_owner(GMIME_STREAM_MEM(stream), FALSE);
     g_mime_stream_mem_set_byte_array(GMIME_STREAM_MEM(stream), &view);

@@ -14,7 +14,9 @@ namespace bench {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) { throw std::system_error(errno, std::generic_category(), what); }
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
 
 /// Deleted when this goes.
 class temporary_file {

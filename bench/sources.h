@@ -12,7 +12,8 @@
 
 namespace bench {
 
-/// Hands out bytes in place, at most so many at a time. The bytes are the caller's and must outlive this.
+/// Hands out bytes in place, at most so many at a time. The bytes are the caller's and must outlive
+/// this.
 template <std::size_t AtATime>
 class memory_buffer : public std::streambuf {
 public:

@@ -10,13 +10,16 @@ namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
-/// The standard's engine, without its distributions: those differ from one standard library to another.
+/// The standard's engine, without its distributions: those differ from one standard library to
+/// another.
 class random_source {
 public:
     explicit random_source(std::uint64_t seed) : m_engine(seed) {}
 
     std::uint64_t bits() { return m_engine(); }
-    std::size_t from_to(std::size_t least, std::size_t most) { return least + m_engine() % (most - least + 1); }
+    std::size_t from_to(std::size_t least, std::size_t most) {
+        return least + m_engine() % (most - least + 1);
+    }
     bool one_in(std::size_t n) { return m_engine() % n == 0; }
 
 private:
@@ -28,11 +31,13 @@ class text_source {
 public:
     explicit text_source(random_source& random) {
         constexpr std::string_view words[] = {
-            "the",      "and",     "of",      "meeting", "report",  "on",     "a",     "Tuesday", "please", "find",
-            "attached", "minutes", "from",    "last",    "week's",  "call;",  "we",    "shall",   "send",   "another",
-            "draft",    "before",  "Friday,", "if",      "nothing", "stands", "in",    "its",     "way.",   "Regards",
-            "costs",    "of",      "travel",  "are",     "borne",   "by",     "those", "who",     "go",     "(mostly)"};
-        while (m_pool.size() < 64 * 1024) m_pool.append(words[random.from_to(0, std::size(words) - 1)]).append(" ");
+            "the",     "and",    "of",       "meeting", "report", "on",      "a",       "Tuesday",
+            "please",  "find",   "attached", "minutes", "from",   "last",    "week's",  "call;",
+            "we",      "shall",  "send",     "another", "draft",  "before",  "Friday,", "if",
+            "nothing", "stands", "in",       "its",     "way.",   "Regards", "costs",   "of",
+            "travel",  "are",    "borne",    "by",      "those",  "who",     "go",      "(mostly)"};
+        while (m_pool.size() < 64 * 1024)
+            m_pool.append(words[random.from_to(0, std::size(words) - 1)]).append(" ");
     }
 
     /// So many characters; neither the first nor the last is a blank.
@@ -49,7 +54,8 @@ private:
 };
 
 std::string base64_line(random_source& random, std::size_t length) {
-    constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    constexpr std::string_view alphabet =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string line;
     std::uint64_t bits = 0;
     for (std::size_t at = 0; at < length; ++at) {
@@ -97,7 +103,8 @@ void write_text(writer& out, random_source& random, const text_source& text, std
 }
 
 void write_base64(writer& out, random_source& random, std::size_t bytes) {
-    for (const std::size_t end = out.bytes() + bytes; out.bytes() < end;) out.body_line(base64_line(random, 76));
+    for (const std::size_t end = out.bytes() + bytes; out.bytes() < end;)
+        out.body_line(base64_line(random, 76));
 }
 
 /// Fields as servers and list managers pile them up: one in three is folded.
@@ -129,8 +136,8 @@ void write_fields(writer& out, random_source& random, const text_source& text, s
         out.field(std::string(name).append(": ").append(text.piece(random, random.from_to(8, 60))));
         if (!random.one_in(3)) continue;
         for (std::size_t folds = random.from_to(1, 4); folds > 0; --folds)
-            out.line(
-                std::string(random.one_in(2) ? "\t" : "        ").append(text.piece(random, random.from_to(20, 66))));
+            out.line(std::string(random.one_in(2) ? "\t" : "        ")
+                         .append(text.piece(random, random.from_to(20, 66))));
     }
 }
 
@@ -141,7 +148,8 @@ void write_multipart_fields(writer& out, std::string_view subtype, std::string_v
 }
 
 /// A separator and the part's header block.
-void begin_part(writer& out, std::string_view boundary, std::string_view type, std::string_view encoding) {
+void begin_part(writer& out, std::string_view boundary, std::string_view type,
+                std::string_view encoding) {
     out.line(std::string("--").append(boundary));
     out.field(std::string("Content-Type: ").append(type));
     out.field(std::string("Content-Transfer-Encoding: ").append(encoding));
@@ -157,7 +165,8 @@ constexpr std::string_view outer_boundary = "----=_mixed_0000_91C3";
 constexpr std::string_view inner_boundary = "=_alternatives_0001_4F2A";
 
 /// The first part of a mixed message: the same text as plain text and as HTML.
-void write_alternatives(writer& out, random_source& random, const text_source& text, std::size_t bytes) {
+void write_alternatives(writer& out, random_source& random, const text_source& text,
+                        std::size_t bytes) {
     out.line(std::string("--").append(outer_boundary));
     write_multipart_fields(out, "alternative", inner_boundary);
     out.end_header_block();
@@ -210,7 +219,8 @@ workload base64_crlf() {
     out.end_header_block();
     begin_part(out, outer_boundary, "text/plain", "7bit");
     write_text(out, random, text, 2000);
-    for (int attachments = 4; attachments > 0; --attachments) write_attachment(out, random, 16 * mebibyte);
+    for (int attachments = 4; attachments > 0; --attachments)
+        write_attachment(out, random, 16 * mebibyte);
     end_multipart(out, outer_boundary);
     return mail;
 }
@@ -270,7 +280,8 @@ workload fields() {
     random_source random(4);
     const text_source text(random);
     writer out(mail, "\n");
-    constexpr std::string_view names[] = {"X-A", "Received", "X-Mailing-List", "X-Very-Long-Name-Of-A-Field"};
+    constexpr std::string_view names[] = {"X-A", "Received", "X-Mailing-List",
+                                          "X-Very-Long-Name-Of-A-Field"};
     for (int field = 0; field < 1000000; ++field) {
         const std::string_view name = names[random.from_to(0, std::size(names) - 1)];
         out.field(std::string(name).append(": ").append(text.piece(random, random.from_to(1, 60))));
@@ -294,7 +305,9 @@ const workload& workload_source::get() {
 }
 
 workload_source large_workloads[2] = {{"base64_crlf", base64_crlf}, {"text_lf", text_lf}};
-workload_source other_workloads[4] = {
-    {"small_messages", small_messages}, {"tiny_parts", tiny_parts}, {"levels", levels}, {"fields", fields}};
+workload_source other_workloads[4] = {{"small_messages", small_messages},
+                                      {"tiny_parts", tiny_parts},
+                                      {"levels", levels},
+                                      {"fields", fields}};
 
 } // namespace bench

@@ -1,4 +1,5 @@
-// The mail that the benchmarks parse, made from fixed seeds: the same bytes on every machine and in every run.
+// The mail that the benchmarks parse, made from fixed seeds: the same bytes on every machine and in
+// every run.
 
 #ifndef MAILSTRUCTURE_BENCH_WORKLOADS_H
 #define MAILSTRUCTURE_BENCH_WORKLOADS_H
@@ -14,8 +15,9 @@ struct workload {
     std::vector<std::string> m_messages;
     std::size_t m_entities = 0;
     std::size_t m_fields = 0;
-    std::size_t m_body_lines = 0; // as the root counts them: its closing lines in, separators and epilogues out
-    std::size_t m_lines = 0;      // all lines
+    std::size_t m_body_lines =
+        0; // as the root counts them: its closing lines in, separators and epilogues out
+    std::size_t m_lines = 0; // all lines
 
     std::size_t bytes() const;
 };
@@ -39,7 +41,8 @@ private:
 /// - text_lf: one part, lines of 0 to 100 bytes
 extern workload_source large_workloads[2];
 
-/// - small_messages: 5,000 of 3 to 20 KB: folded fields, alternatives within mixed, forwards; half with CRLF
+/// - small_messages: 5,000 of 3 to 20 KB: folded fields, alternatives within mixed, forwards; half
+/// with CRLF
 /// - tiny_parts: one multipart of 1,000,000 parts
 /// - levels: 100,000 messages, each the body of the one before
 /// - fields: one header block of 1,000,000 fields

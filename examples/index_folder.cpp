@@ -1,10 +1,12 @@
-// Keeps an index of the parts of many messages in an SQLite database, and serves a part from it without parsing again:
+// Keeps an index of the parts of many messages in an SQLite database, and serves a part from it
+// without parsing again:
 //
 //     index_folder mail.db add FOLDER         reads each file in the folder as a message
 //     index_folder mail.db find image/png     lists the parts of that type: number, length, file
 //     index_folder mail.db fetch 17           writes the body of that part
 //
-// The index holds offsets and lengths; the bytes stay in the files. A file that has changed since is refused.
+// The index holds offsets and lengths; the bytes stay in the files. A file that has changed since
+// is refused.
 
 #include <mail_structure.h>
 
@@ -25,15 +27,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const tables = "CREATE TABLE IF NOT EXISTS message ("
-                           " id INTEGER PRIMARY KEY, file TEXT UNIQUE, size INTEGER, changed INTEGER);"
-                           "CREATE TABLE IF NOT EXISTS part ("
-                           " id INTEGER PRIMARY KEY, message INTEGER REFERENCES message ON DELETE CASCADE,"
-                           " type TEXT COLLATE NOCASE, header_beg INTEGER, header_len INTEGER,"
-                           " body_beg INTEGER, body_len INTEGER, lines INTEGER);"
-                           "CREATE INDEX IF NOT EXISTS part_of_message ON part (message);"
-                           "CREATE INDEX IF NOT EXISTS part_by_type ON part (type);"
-                           "PRAGMA foreign_keys = ON;";
+const char* const tables =
+    "CREATE TABLE IF NOT EXISTS message ("
+    " id INTEGER PRIMARY KEY, file TEXT UNIQUE, size INTEGER, changed INTEGER);"
+    "CREATE TABLE IF NOT EXISTS part ("
+    " id INTEGER PRIMARY KEY, message INTEGER REFERENCES message ON DELETE CASCADE,"
+    " type TEXT COLLATE NOCASE, header_beg INTEGER, header_len INTEGER,"
+    " body_beg INTEGER, body_len INTEGER, lines INTEGER);"
+    "CREATE INDEX IF NOT EXISTS part_of_message ON part (message);"
+    "CREATE INDEX IF NOT EXISTS part_by_type ON part (type);"
+    "PRAGMA foreign_keys = ON;";
 
 class database {
 public:
@@ -57,12 +60,14 @@ private:
     std::unique_ptr<sqlite3, closer> m_handle;
 };
 
-/// A prepared statement. What comes from a message goes in as a value, never into the text of the statement.
+/// A prepared statement. What comes from a message goes in as a value, never into the text of the
+/// statement.
 class statement {
 public:
     statement(database& where, const char* text) : m_database(where) {
         sqlite3_stmt* prepared = nullptr;
-        if (sqlite3_prepare_v2(where.handle(), text, -1, &prepared, nullptr) != SQLITE_OK) where.fail();
+        if (sqlite3_prepare_v2(where.handle(), text, -1, &prepared, nullptr) != SQLITE_OK)
+            where.fail();
         m_handle.reset(prepared);
     }
     /// Starts anew with these values; a text has to live until the next start.
@@ -80,14 +85,18 @@ public:
     }
     std::int64_t number(int column) const { return sqlite3_column_int64(m_handle.get(), column); }
     std::string text(int column) const {
-        const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_handle.get(), column));
+        const auto* bytes =
+            reinterpret_cast<const char*>(sqlite3_column_text(m_handle.get(), column));
         return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(m_handle.get(), column))};
     }
 
 private:
-    void bind(int number, std::int64_t value) { check(sqlite3_bind_int64(m_handle.get(), number, value)); }
+    void bind(int number, std::int64_t value) {
+        check(sqlite3_bind_int64(m_handle.get(), number, value));
+    }
     void bind(int number, const std::string& text) {
-        check(sqlite3_bind_text64(m_handle.get(), number, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8));
+        check(sqlite3_bind_text64(m_handle.get(), number, text.data(), text.size(), SQLITE_STATIC,
+                                  SQLITE_UTF8));
     }
     void check(int status) const {
         if (status != SQLITE_OK) m_database.fail();
@@ -104,8 +113,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its own; that of a
-/// multipart is all of its parts with the lines between them.
+/// Where the body lies. That of a forwarded message is the message, which has a header block of its
+/// own; that of a multipart is all of its parts with the lines between them.
 range body_of(const MailStructure::MimeObj& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -114,8 +123,12 @@ range body_of(const MailStructure::MimeObj& part) {
 }
 
 /// Tells one state of a file from another.
-std::int64_t time_of(const fs::path& file) { return fs::last_write_time(file).time_since_epoch().count(); }
-std::int64_t size_of(const fs::path& file) { return static_cast<std::int64_t>(fs::file_size(file)); }
+std::int64_t time_of(const fs::path& file) {
+    return fs::last_write_time(file).time_since_epoch().count();
+}
+std::int64_t size_of(const fs::path& file) {
+    return static_cast<std::int64_t>(fs::file_size(file));
+}
 
 void add_message(database& index, statement& add_part, const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -133,19 +146,24 @@ void add_message(database& index, statement& add_part, const fs::path& file) {
         .next_row();
     const std::int64_t id = index.last_id();
 
-    std::vector<const MailStructure::MimeObj*> pending{&message.m_root}; // not recursion: mail nests without limit
+    std::vector<const MailStructure::MimeObj*> pending{
+        &message.m_root}; // not recursion: mail nests without limit
     while (!pending.empty()) {
         const MailStructure::MimeObj& part = *pending.back();
         pending.pop_back();
         const std::string type = part.m_type + '/' + part.m_subtype;
         const range body = body_of(part);
-        add_part.start(id, type, part.m_header_beg, part.m_header_len, body.m_beg, body.m_len, part.m_lines).next_row();
+        add_part
+            .start(id, type, part.m_header_beg, part.m_header_len, body.m_beg, body.m_len,
+                   part.m_lines)
+            .next_row();
         for (auto child = part.m_children.rbegin(); child != part.m_children.rend(); ++child)
             pending.push_back(&*child);
     }
 }
 
-/// Each message is added whole or not at all; one that cannot be parsed does not keep the others out.
+/// Each message is added whole or not at all; one that cannot be parsed does not keep the others
+/// out.
 int add_folder(database& index, const fs::path& folder) {
     std::vector<fs::path> files;
     for (const fs::directory_entry& entry : fs::directory_iterator(fs::absolute(folder)))
@@ -153,8 +171,9 @@ int add_folder(database& index, const fs::path& folder) {
     std::sort(files.begin(), files.end());
 
     int status = 0;
-    statement add_part(index, "INSERT INTO part (message, type, header_beg, header_len, body_beg, body_len, lines)"
-                              " VALUES (?, ?, ?, ?, ?, ?, ?)");
+    statement add_part(
+        index, "INSERT INTO part (message, type, header_beg, header_len, body_beg, body_len, lines)"
+               " VALUES (?, ?, ?, ?, ?, ?, ?)");
     index.run("BEGIN");
     for (const fs::path& file : files) {
         index.run("SAVEPOINT one");
@@ -172,10 +191,12 @@ int add_folder(database& index, const fs::path& folder) {
 }
 
 int find_parts(database& index, const std::string& type) {
-    statement rows(index, "SELECT part.id, body_len, file FROM part JOIN message ON message.id = part.message"
-                          " WHERE type = ? ORDER BY part.id");
+    statement rows(
+        index, "SELECT part.id, body_len, file FROM part JOIN message ON message.id = part.message"
+               " WHERE type = ? ORDER BY part.id");
     rows.start(type);
-    while (rows.next_row()) std::cout << rows.number(0) << ' ' << rows.number(1) << ' ' << rows.text(2) << '\n';
+    while (rows.next_row())
+        std::cout << rows.number(0) << ' ' << rows.number(1) << ' ' << rows.text(2) << '\n';
     return 0;
 }
 
@@ -208,9 +229,10 @@ int main(int count, char** arguments) try {
     }
     database index(arguments[1]);
     index.run(tables);
-    const int status = command == "add"    ? add_folder(index, arguments[3])
-                       : command == "find" ? find_parts(index, arguments[3])
-                                           : fetch_part(index, std::strtoll(arguments[3], nullptr, 10));
+    const int status = command == "add" ? add_folder(index, arguments[3])
+                       : command == "find"
+                           ? find_parts(index, arguments[3])
+                           : fetch_part(index, std::strtoll(arguments[3], nullptr, 10));
     return std::cout.flush() ? status : 1;
 } catch (const std::exception& error) {
     std::cerr << "index_folder: " << error.what() << '\n';

@@ -1,7 +1,9 @@
-// Lists the attachments of a message: media type, where the body lies in the file, and the file name.
+// Lists the attachments of a message: media type, where the body lies in the file, and the file
+// name.
 //
-// An attachment is a part that says so in its Content-Disposition field, or that gives a file name there or in its
-// Content-Type. What a forwarded message holds belongs to that attachment and is not listed again.
+// An attachment is a part that says so in its Content-Disposition field, or that gives a file name
+// there or in its Content-Type. What a forwarded message holds belongs to that attachment and is
+// not listed again.
 
 #include <mail_structure.h>
 
@@ -17,7 +19,8 @@ namespace {
 
 using entity = MailStructure::MimeObj;
 
-/// Field and parameter names are compared whole, while find_header would also find "Content-Disposition-X".
+/// Field and parameter names are compared whole, while find_header would also find
+/// "Content-Disposition-X".
 bool same_name(const std::string& name, const std::string& wanted) {
     return name.size() == wanted.size() && strncasecmp(name, wanted.c_str(), 0xFFFFFFFF);
 }
@@ -28,7 +31,8 @@ const std::string* field_value(const entity& part, const char* name) {
     return nullptr;
 }
 
-/// The file name in a field such as `attachment; filename="a; b.pdf"`, or "". Encoded names are left as they are.
+/// The file name in a field such as `attachment; filename="a; b.pdf"`, or "". Encoded names are
+/// left as they are.
 std::string disposition_file_name(const std::string& disposition) {
     std::string parameter; // without quotes, and without blanks that stand outside of them
     bool quoted = false;
@@ -62,8 +66,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its own; that of a
-/// multipart is all of its parts with the lines between them.
+/// Where the body lies. That of a forwarded message is the message, which has a header block of its
+/// own; that of a multipart is all of its parts with the lines between them.
 range body_of(const entity& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -71,7 +75,8 @@ range body_of(const entity& part) {
     return {part.m_body_beg, part.m_body_len};
 }
 
-/// For a terminal: whatever is not printable ASCII becomes a question mark, or a name could steer the terminal.
+/// For a terminal: whatever is not printable ASCII becomes a question mark, or a name could steer
+/// the terminal.
 std::string printable(std::string text) {
     for (char& byte : text)
         if (byte < ' ' || byte > '~') byte = '?';
@@ -86,10 +91,12 @@ void list(const entity& message) {
         pending.pop_back();
         const std::string* disposition = field_value(part, "Content-Disposition");
         const std::string name = file_name(part, disposition);
-        if ((disposition != nullptr && strncasecmp(*disposition, "attachment", 10)) || !name.empty()) {
+        if ((disposition != nullptr && strncasecmp(*disposition, "attachment", 10))
+            || !name.empty()) {
             const range body = body_of(part);
-            std::cout << printable(part.m_type + '/' + part.m_subtype) << ": " << body.m_len << " bytes from byte "
-                      << body.m_beg << ' ' << (name.empty() ? "(no name)" : printable(name)) << '\n';
+            std::cout << printable(part.m_type + '/' + part.m_subtype) << ": " << body.m_len
+                      << " bytes from byte " << body.m_beg << ' '
+                      << (name.empty() ? "(no name)" : printable(name)) << '\n';
             continue;
         }
         for (auto child = part.m_children.rbegin(); child != part.m_children.rend(); ++child)
@@ -107,10 +114,12 @@ int main(int count, char** arguments) try {
     // Fill takes a failing disk for the end of the message; the stream knows better.
     if (!message.m_done || file.bad()) return std::cerr << arguments[1] << ": cannot be read\n", 1;
     file.clear();
-    if (file.tellg() > std::streamoff(0xFFFFFFFF)) return std::cerr << arguments[1] << ": 4 GiB or more\n", 1;
+    if (file.tellg() > std::streamoff(0xFFFFFFFF))
+        return std::cerr << arguments[1] << ": 4 GiB or more\n", 1;
     list(message.m_root);
     return std::cout.flush() ? 0 : 1;
-} catch (const std::exception& error) { // a stray CR, LF or NUL, a bad header line, or no memory left
+} catch (
+    const std::exception& error) { // a stray CR, LF or NUL, a bad header line, or no memory left
     std::cerr << arguments[1] << ": " << error.what() << '\n';
     return 1;
 }

@@ -15,8 +15,8 @@ int main(int count, char** arguments) try {
     std::cout << *message.m_root.find_header("subject", &none) << '\n';
     int number = 0;
     for (const MailStructure::MimeObj& part : message.m_root.m_children) {
-        std::cout << ++number << ' ' << part.m_type << '/' << part.m_subtype << ": " << part.m_body_len
-                  << " bytes from byte " << part.m_body_beg << '\n';
+        std::cout << ++number << ' ' << part.m_type << '/' << part.m_subtype << ": "
+                  << part.m_body_len << " bytes from byte " << part.m_body_beg << '\n';
     }
     return 0;
 } catch (const std::exception& error) { // a stray CR, LF or NUL, or no memory left

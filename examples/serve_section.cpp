@@ -1,10 +1,11 @@
 // Writes the body of one part of a message: serve_section MESSAGE 1.2 > part
 //
-// Numbers count as in IMAP: those below a multipart are its parts, those below a forwarded message are the parts of
-// that message, and the body of a message that is no multipart is its part 1.
+// Numbers count as in IMAP: those below a multipart are its parts, those below a forwarded message
+// are the parts of that message, and the body of a message that is no multipart is its part 1.
 //
-// The file is mapped, and parsed where it lies: Fill scans the buffer of the stream, which is the mapping. Nobody may
-// shorten the file meanwhile; a host that cannot be sure of that reads it into memory instead.
+// The file is mapped, and parsed where it lies: Fill scans the buffer of the stream, which is the
+// mapping. Nobody may shorten the file meanwhile; a host that cannot be sure of that reads it into
+// memory instead.
 
 #include <mail_structure.h>
 
@@ -38,8 +39,10 @@ public:
             throw std::runtime_error("not a file that can be mapped");
         }
         m_size = static_cast<std::uint64_t>(status.st_size);
-        // An empty file cannot be mapped; from 4 GiB on, ranges no longer tell one place from another.
-        if (m_size > 0 && m_size <= 0xFFFFFFFF) m_bytes = mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, file, 0);
+        // An empty file cannot be mapped; from 4 GiB on, ranges no longer tell one place from
+        // another.
+        if (m_size > 0 && m_size <= 0xFFFFFFFF)
+            m_bytes = mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, file, 0);
         close(file); // the mapping stays
         if (m_size > 0xFFFFFFFF) throw std::runtime_error("4 GiB or more");
         if (m_bytes == MAP_FAILED) fail();
@@ -72,8 +75,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its own; that of a
-/// multipart is all of its parts with the lines between them.
+/// Where the body lies. That of a forwarded message is the message, which has a header block of its
+/// own; that of a multipart is all of its parts with the lines between them.
 range body_of(const MailStructure::MimeObj& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -82,7 +85,8 @@ range body_of(const MailStructure::MimeObj& part) {
 }
 
 /// The part that a path such as "1.2" names, or null where the message has none of that number.
-const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message, std::string_view path) {
+const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
+                                        std::string_view path) {
     const MailStructure::MimeObj* part = &message;
     bool is_message = true; // its own parts are counted next, or itself as part 1
     while (!path.empty()) {
@@ -96,7 +100,8 @@ const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message, s
             is_message = true;
         }
         const std::size_t parts = part->m_multipart ? part->m_children.size() : is_message ? 1 : 0;
-        if (number.empty() || number.size() > 9 || number.find_first_not_of("0123456789") != std::string::npos)
+        if (number.empty() || number.size() > 9
+            || number.find_first_not_of("0123456789") != std::string::npos)
             return nullptr;
         const unsigned long wanted = std::stoul(number);
         if (wanted == 0 || wanted > parts) return nullptr;
@@ -117,7 +122,8 @@ int main(int count, char** arguments) try {
     message.Fill(stream);
 
     const MailStructure::MimeObj* part = find_part(message.m_root, arguments[2]);
-    if (part == nullptr) return std::cerr << arguments[1] << ": no section " << arguments[2] << '\n', 1;
+    if (part == nullptr)
+        return std::cerr << arguments[1] << ": no section " << arguments[2] << '\n', 1;
     const range place = body_of(*part);
     const std::string_view body = file.bytes().substr(place.m_beg, place.m_len);
     std::cout.write(body.data(), static_cast<std::streamsize>(body.size()));

@@ -26,7 +26,8 @@ fuzz_input read_input(const std::uint8_t* data, std::size_t size) {
     input.m_keep_text = (data[0] & 1U) != 0;
     if ((data[0] & 2U) != 0) input.m_memlimit = std::uint32_t{data[2]} * 16;
     input.m_rare_steps = (data[0] & 4U) != 0;
-    if ((data[0] & 8U) != 0) input.m_exceptions = exception_masks[data[2] % std::size(exception_masks)];
+    if ((data[0] & 8U) != 0)
+        input.m_exceptions = exception_masks[data[2] % std::size(exception_masks)];
     input.m_dump = (data[0] & 16U) != 0;
     input.m_stream_kind = data[1] % fuzz_input::stream_kinds;
     input.m_place = data[3];
@@ -40,7 +41,8 @@ memory_buffer::memory_buffer(std::string_view text) {
     setg(begin, begin, begin + text.size());
 }
 
-std::streambuf::pos_type memory_buffer::seekoff(off_type offset, std::ios_base::seekdir from, std::ios_base::openmode) {
+std::streambuf::pos_type memory_buffer::seekoff(off_type offset, std::ios_base::seekdir from,
+                                                std::ios_base::openmode) {
     off_type base = 0;
     if (from == std::ios_base::cur) base = gptr() - eback();
     if (from == std::ios_base::end) base = egptr() - eback();
@@ -64,7 +66,8 @@ input_stream::input_stream(const fuzz_input& input) {
     } else if (!input.has_faulty_stream()) {
         m_in = &m_delivered.emplace(input.m_message, test_support::all_deliveries[kind - 1]);
     } else {
-        constexpr test_support::fault faults[] = {test_support::fault::ends, test_support::fault::throws,
+        constexpr test_support::fault faults[] = {test_support::fault::ends,
+                                                  test_support::fault::throws,
                                                   test_support::fault::sets_badbit};
         const std::size_t fault = kind - fuzz_input::first_faulty_kind;
         const delivery way = fault < 3 ? delivery{"", test_support::all_bytes} : delivery{"", 7};

@@ -1,4 +1,5 @@
-// How a fuzz input is read: four bytes that choose how the message is parsed, then the message. The bytes of
+// How a fuzz input is read: four bytes that choose how the message is parsed, then the message. The
+// bytes of
 // '@' choose what a host does by default, so that seeds can be written by hand:
 //
 //     @@@@Subject: hello        plain parse from memory
@@ -47,18 +48,21 @@ struct fuzz_input {
 /// Inputs of less than four bytes are messages of no bytes. The message points into the data.
 fuzz_input read_input(const std::uint8_t* data, std::size_t size);
 
-/// The whole message as one get area; whoever reads past it reads past the fuzzer's own allocation. Can seek.
+/// The whole message as one get area; whoever reads past it reads past the fuzzer's own allocation.
+/// Can seek.
 class memory_buffer : public std::streambuf {
 public:
     explicit memory_buffer(std::string_view text);
 
 protected:
-    pos_type seekoff(off_type offset, std::ios_base::seekdir from, std::ios_base::openmode which) override;
+    pos_type seekoff(off_type offset, std::ios_base::seekdir from,
+                     std::ios_base::openmode which) override;
     pos_type seekpos(pos_type position, std::ios_base::openmode which) override;
 };
 
-/// The message as a stream of the kind that the input asks for: 0 from memory, 1 to 9 as all_deliveries has
-/// them, 10 to 12 a fault of each kind, 13 to 15 the same with seven bytes at a time.
+/// The message as a stream of the kind that the input asks for: 0 from memory, 1 to 9 as
+/// all_deliveries has them, 10 to 12 a fault of each kind, 13 to 15 the same with seven bytes at a
+/// time.
 class input_stream {
 public:
     explicit input_stream(const fuzz_input& input);

@@ -1,5 +1,6 @@
-// Parses a message, holds the tree against what is true of all trees, parses again over the filled object, and
-// takes the tree through the life that a host gives it: copies, assignments, the dump, clear, destruction.
+// Parses a message, holds the tree against what is true of all trees, parses again over the filled
+// object, and takes the tree through the life that a host gives it: copies, assignments, the dump,
+// clear, destruction.
 
 #include <mail_structure.h>
 
@@ -104,15 +105,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MailStructure message;
     message.m_keep_text = input.m_keep_text;
     const outcome first = fill(message, input);
-    fuzz::require_tree_rules(
-        message, {input.m_message, input.m_keep_text, input.has_memlimit(), first == outcome::length_error});
+    fuzz::require_tree_rules(message, {input.m_message, input.m_keep_text, input.has_memlimit(),
+                                       first == outcome::length_error});
 
     MailStructure::MimeObj copy(message.m_root);
     fuzz::require_same_tree(copy, message.m_root, fuzz::parents::equal);
 
-    // Once more over the filled tree; how the bytes arrive must not matter, unless a fault stops them.
+    // Once more over the filled tree; how the bytes arrive must not matter, unless a fault stops
+    // them.
     fuzz::fuzz_input again = input;
-    if (!input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit) again.m_stream_kind = 0;
+    if (!input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit)
+        again.m_stream_kind = 0;
     fuzz::require(fill(message, again) == first, "a second run ends as the first");
     fuzz::require_same_tree(message.m_root, copy, fuzz::parents::ignored);
 

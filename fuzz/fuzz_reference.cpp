@@ -1,4 +1,5 @@
-// Holds the library against the reference parser: the whole tree, the error, and how the stream is left.
+// Holds the library against the reference parser: the whole tree, the error, and how the stream is
+// left.
 
 #include <mail_structure.h>
 
@@ -18,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     reference::options wanted;
     wanted.m_keep_text = input.m_keep_text;
     wanted.m_memlimit = input.m_memlimit;
-    if (input.m_rare_steps) wanted.m_first_offset = 0U - std::uint32_t{input.m_place}; // wraps inside the message
+    if (input.m_rare_steps)
+        wanted.m_first_offset = 0U - std::uint32_t{input.m_place}; // wraps inside the message
 
     fuzz::input_stream reference_stream(input);
     const reference::message expected = reference::parse(reference_stream.get(), wanted);
@@ -31,7 +33,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const std::string difference = test_support::first_difference(message, error, expected);
     fuzz::require(difference.empty(), difference);
-    fuzz::require(stream.get().rdstate() == reference_stream.get().rdstate(), "both leave the same stream state");
-    fuzz::require(stream.count_rest() == reference_stream.count_rest(), "both leave the stream at the same place");
+    fuzz::require(stream.get().rdstate() == reference_stream.get().rdstate(),
+                  "both leave the same stream state");
+    fuzz::require(stream.count_rest() == reference_stream.count_rest(),
+                  "both leave the stream at the same place");
     return 0;
 }

@@ -1,5 +1,6 @@
-// Holds each scanner that this processor runs against its plain twin. The first byte chooses the scanner, the second how far from an
-// aligned address the text begins; the text ends where its memory ends.
+// Holds each scanner that this processor runs against its plain twin. The first byte chooses the
+// scanner, the second how far from an aligned address the text begins; the text ends where its
+// memory ends.
 
 #include "parser/lines/scanners.h"
 #include "require.h"
@@ -25,8 +26,8 @@ bool line_scans_agree(std::string_view text) {
     const scanned_line wanted = scan_line_plain(text);
     for (const scanner_set& one : all_scanners()) {
         const scanned_line found = one.m_scan_line(text);
-        if (found.m_bytes != wanted.m_bytes || found.m_has_lf != wanted.m_has_lf || found.m_stray != wanted.m_stray
-            || found.m_name_bytes != wanted.m_name_bytes)
+        if (found.m_bytes != wanted.m_bytes || found.m_has_lf != wanted.m_has_lf
+            || found.m_stray != wanted.m_stray || found.m_name_bytes != wanted.m_name_bytes)
             return false;
     }
     return true;
@@ -50,10 +51,12 @@ const scanner scanners[] = {
 
 constexpr std::size_t alignments = 64;
 
-/// Begins at an aligned address and is exactly as long as asked for, so that a sanitizer sees who reads on.
+/// Begins at an aligned address and is exactly as long as asked for, so that a sanitizer sees who
+/// reads on.
 class aligned_memory {
 public:
-    explicit aligned_memory(std::size_t bytes) : m_bytes(static_cast<char*>(::operator new(bytes, alignment))) {}
+    explicit aligned_memory(std::size_t bytes)
+        : m_bytes(static_cast<char*>(::operator new(bytes, alignment))) {}
     ~aligned_memory() { ::operator delete(m_bytes, alignment); }
     aligned_memory(const aligned_memory&) = delete;
     aligned_memory& operator=(const aligned_memory&) = delete;

@@ -1,5 +1,6 @@
-// A plain main for a fuzz target: runs it over the files given, and over all files in the folders given. What
-// the target finds ends the process. Files that cannot be read, or none at all, are a failure too.
+// A plain main for a fuzz target: runs it over the files given, and over all files in the folders
+// given. What the target finds ends the process. Files that cannot be read, or none at all, are a
+// failure too.
 
 #include <cstddef>
 #include <cstdint>
@@ -22,8 +23,10 @@ void replay_file(const std::filesystem::path& path) {
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     // A block of exactly its size, so that a sanitizer sees who reads past it.
     const auto bytes = std::make_unique<std::uint8_t[]>(text.size());
-    for (std::size_t index = 0; index < text.size(); ++index) bytes[index] = static_cast<std::uint8_t>(text[index]);
-    std::cout << path.string() << '\n' << std::flush; // the last name printed is the one that failed
+    for (std::size_t index = 0; index < text.size(); ++index)
+        bytes[index] = static_cast<std::uint8_t>(text[index]);
+    std::cout << path.string() << '\n'
+              << std::flush; // the last name printed is the one that failed
     LLVMFuzzerTestOneInput(bytes.get(), text.size());
 }
 

@@ -1,5 +1,5 @@
-// What a target does when something that must hold does not: it says so and ends the process, which libFuzzer
-// and the replay both count as a finding.
+// What a target does when something that must hold does not: it says so and ends the process, which
+// libFuzzer and the replay both count as a finding.
 
 #ifndef FUZZ_REQUIRE_H
 #define FUZZ_REQUIRE_H

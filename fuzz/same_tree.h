@@ -11,9 +11,10 @@ namespace fuzz {
 
 enum class parents : std::uint8_t { ignored, equal };
 
-/// Ends the process unless all members of all entities are equal. Parent pointers of a copy are those of its
-/// original; those of a second parse may differ. Does not recurse.
-void require_same_tree(const MailStructure::MimeObj& one, const MailStructure::MimeObj& other, parents pointers);
+/// Ends the process unless all members of all entities are equal. Parent pointers of a copy are
+/// those of its original; those of a second parse may differ. Does not recurse.
+void require_same_tree(const MailStructure::MimeObj& one, const MailStructure::MimeObj& other,
+                       parents pointers);
 
 } // namespace fuzz
 

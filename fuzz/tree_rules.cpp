@@ -1,13 +1,15 @@
 // The rules, and why they are no stricter:
 //
-//     whole entity    header block and body, so it ends with the last body line or, without one, with the header
-//                     block. A child's header block is in no range of the parent but the contents: a child
-//                     without body lines may lie outside the parent's whole-entity and body ranges.
-//     body            every body line of a child is one of the parent too. The closing line of a multipart right
-//                     after its preamble is in its body and not in its contents.
-//     contents        who takes a line takes it together with all ancestors; the parent also takes all
-//                     lines of the child's header block.
-//     epilogue        those of descendants included, so for a parent it may begin before the body has ended.
+//     whole entity    header block and body, so it ends with the last body line or, without one,
+//                     with the header block. A child's header block is in no range of the parent
+//                     but the contents: a child without body lines may lie outside the parent's
+//                     whole-entity and body ranges.
+//     body            every body line of a child is one of the parent too. The closing line of a
+//                     multipart right after its preamble is in its body and not in its contents.
+//     contents        an entity takes a line together with all its ancestors; the parent also
+//                     takes all lines of the child's header block.
+//     epilogue        those of descendants included, so for a parent it may begin before the body
+//                     has ended.
 //     siblings        one after another: the next opens when the one before has closed.
 
 #include "tree_rules.h"
@@ -34,7 +36,9 @@ struct range {
     std::uint64_t m_end;
 
     bool is_set() const { return m_beg != m_end; }
-    bool lies_in(const range& other) const { return !is_set() || (other.m_beg <= m_beg && m_end <= other.m_end); }
+    bool lies_in(const range& other) const {
+        return !is_set() || (other.m_beg <= m_beg && m_end <= other.m_end);
+    }
 };
 
 range range_of(std::uint32_t beg, std::uint32_t len) { return {beg, std::uint64_t{beg} + len}; }
@@ -47,7 +51,8 @@ range contents_of(const entity& of) { return range_of(of.m_contents_beg, of.m_co
 /// From the first byte of any range of the entity to the last.
 range extent_of(const entity& of) {
     range all{0, 0};
-    for (const range& one : {header_of(of), mime_of(of), body_of(of), epilogue_of(of), contents_of(of)}) {
+    for (const range& one :
+         {header_of(of), mime_of(of), body_of(of), epilogue_of(of), contents_of(of)}) {
         if (!one.is_set()) continue;
         if (!all.is_set()) all = one;
         all = {std::min(all.m_beg, one.m_beg), std::max(all.m_end, one.m_end)};
@@ -60,8 +65,10 @@ bool is_name_byte(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= '
 /// What becomes of an empty second line.
 enum class second_line : std::uint8_t { kept, dropped_if_empty };
 
-/// The lines of a text as the parser keeps them: without terminator, followed by CR LF. Returns their number.
-std::uint32_t keep_lines(std::string_view text, std::string& kept, second_line second = second_line::kept) {
+/// The lines of a text as the parser keeps them: without terminator, followed by CR LF. Returns
+/// their number.
+std::uint32_t keep_lines(std::string_view text, std::string& kept,
+                         second_line second = second_line::kept) {
     std::uint32_t lines = 0;
     kept.clear();
     while (!text.empty()) {
@@ -69,7 +76,8 @@ std::uint32_t keep_lines(std::string_view text, std::string& kept, second_line s
         std::string_view line = text.substr(0, length);
         if (line.ends_with('\r')) line.remove_suffix(1);
         text.remove_prefix(std::min(length + 1, text.size()));
-        if (lines == 1 && line.empty() && std::exchange(second, second_line::kept) == second_line::dropped_if_empty)
+        if (lines == 1 && line.empty()
+            && std::exchange(second, second_line::kept) == second_line::dropped_if_empty)
             continue;
         kept.append(line).append("\r\n");
         ++lines;
@@ -77,7 +85,9 @@ std::uint32_t keep_lines(std::string_view text, std::string& kept, second_line s
     return lines;
 }
 
-bool ends_with_empty_line(std::string_view kept) { return kept == "\r\n" || kept.ends_with("\r\n\r\n"); }
+bool ends_with_empty_line(std::string_view kept) {
+    return kept == "\r\n" || kept.ends_with("\r\n\r\n");
+}
 
 std::string_view cut(std::string_view input, const range& where) {
     return input.substr(where.m_beg, where.m_end - where.m_beg);
@@ -92,12 +102,15 @@ void require_ranges(const entity& of, const parse_facts& facts) {
         require(one.is_set() || one.m_beg == 0, "an unset range is all zero");
     }
     require(body.is_set() == (of.m_lines != 0), "a body range and body lines come together");
-    require(mime.m_end == (body.is_set() ? body.m_end : header.m_end), "an entity ends with its body");
-    require(mime.is_set() == (header.is_set() || body.is_set()), "an entity has a header block or a body");
+    require(mime.m_end == (body.is_set() ? body.m_end : header.m_end),
+            "an entity ends with its body");
+    require(mime.is_set() == (header.is_set() || body.is_set()),
+            "an entity has a header block or a body");
     if (header.is_set()) {
         require(mime.m_beg == header.m_beg, "an entity begins with its header block");
         for (const range& one : {body, epilogue_of(of), contents_of(of)})
-            require(!one.is_set() || one.m_beg >= header.m_end, "all else follows the header block");
+            require(!one.is_set() || one.m_beg >= header.m_end,
+                    "all else follows the header block");
     } else if (mime.m_beg != 0 || of.m_lines <= 1) {
         require(mime.m_beg == body.m_beg, "without a header block the body is all");
     } else {
@@ -110,14 +123,16 @@ void require_ranges(const entity& of, const parse_facts& facts) {
 /// @param is_last  the last field of the tree, in the order of the input
 void require_field(const field& of, const range& header, const parse_facts& facts, bool is_last) {
     require(!of.m_name.empty(), "a field has a name");
-    require(std::all_of(of.m_name.begin(), of.m_name.end(), is_name_byte), "field names are letters and dashes");
+    require(std::all_of(of.m_name.begin(), of.m_name.end(), is_name_byte),
+            "field names are letters and dashes");
     const bool is_content_type = strncasecmp(of.m_name, "content-type", 0xFFFFFFFF);
     require(is_content_type || of.m_params.empty(), "only Content-Type fields have parameters");
     for (const auto& [name, value] : of.m_params)
         require(!name.empty() && !value.empty(), "a parameter has a name and a value");
     if (of.m_beg == 0xFFFFFFFF) {
         require(facts.m_length_error && is_last, "only a field that ended the parse has no place");
-        require(of.m_end == 0 && of.m_value.empty(), "a field that ended the parse has neither end nor value");
+        require(of.m_end == 0 && of.m_value.empty(),
+                "a field that ended the parse has neither end nor value");
         return;
     }
     require(of.m_beg < of.m_end && of.m_beg >= header.m_beg && of.m_end <= header.m_end,
@@ -126,7 +141,8 @@ void require_field(const field& of, const range& header, const parse_facts& fact
     require(of.m_value.size() <= of.m_end - of.m_beg, "a value is no longer than its field");
 }
 
-void require_fields(const entity& of, const parse_facts& facts, bool is_root, bool is_innermost_open) {
+void require_fields(const entity& of, const parse_facts& facts, bool is_root,
+                    bool is_innermost_open) {
     const range header = header_of(of);
     std::uint64_t last_end = header.m_beg;
     for (std::size_t index = 0; index < of.m_headers.size(); ++index) {
@@ -134,15 +150,18 @@ void require_fields(const entity& of, const parse_facts& facts, bool is_root, bo
         require_field(one, header, facts, is_innermost_open && index + 1 == of.m_headers.size());
         if (one.m_beg == 0xFFFFFFFF) continue;
         require(one.m_beg >= last_end, "fields follow one another");
-        // The empty line after the first line of an encapsulated message is dropped, and fields may follow it.
+        // The empty line after the first line of an encapsulated message is dropped, and fields may
+        // follow it.
         const std::uint64_t dropped = !is_root && index == 1 ? 2 : 0;
-        if (!facts.m_has_memlimit || facts.m_keep_text) require(one.m_beg - last_end <= dropped, "fields leave no gap");
+        if (!facts.m_has_memlimit || facts.m_keep_text)
+            require(one.m_beg - last_end <= dropped, "fields leave no gap");
         last_end = one.m_end;
     }
     if (facts.m_has_memlimit && !facts.m_keep_text) return;
     // The blank line that ends the block, and one that was dropped before it.
     const std::uint64_t blank = !is_root && of.m_headers.size() == 1 ? 4 : 2;
-    require(header.m_end - std::min(last_end, header.m_end) <= blank, "a header block is its fields and a blank line");
+    require(header.m_end - std::min(last_end, header.m_end) <= blank,
+            "a header block is its fields and a blank line");
 }
 
 void require_kept_text(const entity& of, bool keep_text) {
@@ -151,44 +170,56 @@ void require_kept_text(const entity& of, bool keep_text) {
         return;
     }
     const auto terminators = std::count(of.m_body_text.begin(), of.m_body_text.end(), '\n');
-    require(terminators == static_cast<std::ptrdiff_t>(of.m_lines), "kept text has one CR LF for each body line");
-    require(of.m_body_last_empty == ends_with_empty_line(of.m_body_text), "the flag tells of the last body line");
+    require(terminators == static_cast<std::ptrdiff_t>(of.m_lines),
+            "kept text has one CR LF for each body line");
+    require(of.m_body_last_empty == ends_with_empty_line(of.m_body_text),
+            "the flag tells of the last body line");
     require(of.m_epilogue_last_empty == ends_with_empty_line(of.m_epilogue_text),
             "the flag tells of the last epilogue line");
 }
 
 /// Without children, body and epilogue are unbroken runs of the entity's own lines.
 /// @param parent  null for the root
-void require_leaf(const entity& of, const entity* parent, const parse_facts& facts, std::string& scratch) {
+void require_leaf(const entity& of, const entity* parent, const parse_facts& facts,
+                  std::string& scratch) {
     const range body = body_of(of);
     const range epilogue = epilogue_of(of);
-    require(!epilogue.is_set() || epilogue.m_beg >= body.m_end, "a leaf's epilogue follows its body");
-    if (of.m_lines != 0) require(!of.m_type.empty() && !of.m_subtype.empty(), "a body line gives a default type");
+    require(!epilogue.is_set() || epilogue.m_beg >= body.m_end,
+            "a leaf's epilogue follows its body");
+    if (of.m_lines != 0)
+        require(!of.m_type.empty() && !of.m_subtype.empty(), "a body line gives a default type");
     // A body at offset 0 has lost its first line from the body range, not from the entity's.
     const range lines = header_of(of).is_set() ? body : mime_of(of);
     std::uint32_t count = keep_lines(cut(facts.m_input, lines), scratch);
-    // An encapsulated message that opens with a body line loses the next line if that is empty. The tree does not
-    // tell such a message from a part that a separator opened, which keeps it.
+    // An encapsulated message that opens with a body line loses the next line if that is empty. The
+    // tree does not tell such a message from a part that a separator opened, which keeps it.
     if (count != of.m_lines && parent != nullptr && parent->m_message && !header_of(of).is_set())
         count = keep_lines(cut(facts.m_input, lines), scratch, second_line::dropped_if_empty);
     require(count == of.m_lines, "a leaf's lines are those of its body");
-    require(of.m_body_last_empty == ends_with_empty_line(scratch), "a leaf's flag tells of its last body line");
+    require(of.m_body_last_empty == ends_with_empty_line(scratch),
+            "a leaf's flag tells of its last body line");
     if (facts.m_keep_text) require(scratch == of.m_body_text, "a leaf's text is that of its body");
     keep_lines(cut(facts.m_input, epilogue), scratch);
-    require(of.m_epilogue_last_empty == ends_with_empty_line(scratch), "a leaf's flag tells of its epilogue");
-    if (facts.m_keep_text) require(scratch == of.m_epilogue_text, "a leaf's text is that of its epilogue");
+    require(of.m_epilogue_last_empty == ends_with_empty_line(scratch),
+            "a leaf's flag tells of its epilogue");
+    if (facts.m_keep_text)
+        require(scratch == of.m_epilogue_text, "a leaf's text is that of its epilogue");
 }
 
 void require_child(const entity& parent, const entity& child) {
     require(header_of(parent).is_set(), "only a header block leads to children");
     const range extent = extent_of(child);
-    require(!extent.is_set() || extent.m_beg >= header_of(parent).m_end, "children follow the header block");
+    require(!extent.is_set() || extent.m_beg >= header_of(parent).m_end,
+            "children follow the header block");
     require(body_of(child).lies_in(body_of(parent)), "a child's body lies in its parent's");
     require(!body_of(child).is_set() || mime_of(child).lies_in(mime_of(parent)),
             "a child with a body lies in its parent");
-    require(epilogue_of(child).lies_in(epilogue_of(parent)), "a child's epilogue lies in its parent's");
-    require(contents_of(child).lies_in(contents_of(parent)), "a child's contents lie in its parent's");
-    require(header_of(child).lies_in(contents_of(parent)), "a child's header block lies in its parent's contents");
+    require(epilogue_of(child).lies_in(epilogue_of(parent)),
+            "a child's epilogue lies in its parent's");
+    require(contents_of(child).lies_in(contents_of(parent)),
+            "a child's contents lie in its parent's");
+    require(header_of(child).lies_in(contents_of(parent)),
+            "a child's header block lies in its parent's contents");
 }
 
 /// @param in_place  the entity was open to the end, so its children still point at it
@@ -206,7 +237,8 @@ void require_children(const entity& of, bool in_place) {
     require(lines <= of.m_lines, "children's lines count in the parent");
 }
 
-/// An entity yet to be looked at. The entities in place are the root, its last child, that one's last child ...
+/// An entity yet to be looked at. The entities in place are the root, its last child, that one's
+/// last child ...
 struct waiting_entity {
     const entity* m_entity;
     const entity* m_parent; // the real one: an m_parent is only good for entities in place
@@ -216,7 +248,8 @@ struct waiting_entity {
 } // namespace
 
 void require_tree_rules(const MailStructure& message, const parse_facts& facts) {
-    static std::vector<waiting_entity> waiting; // these two keep their storage from one input to the next
+    static std::vector<waiting_entity>
+        waiting; // these two keep their storage from one input to the next
     static std::string scratch;
     require(message.m_root.m_parent == nullptr, "the root has no parent");
     waiting.assign(1, {&message.m_root, nullptr, true});

@@ -9,9 +9,9 @@
 // What Fill leaves behind is a tree of MIME entities. Each one tells where its pieces lie in the
 // input; the text itself stays with the host, which cuts the pieces out of its own copy:
 //
-//     Subject: two parts                     <-- m_header: the header block, its blank line included
+//     Subject: two parts                     <-- m_header begins
 //     Content-Type: multipart/mixed; boundary=XY
-//
+//                                            <-- the empty line belongs to the header block
 //     preamble                               <-- m_body begins, and m_contents
 //     --XY                                   (a separator is in the contents range only)
 //     Content-Type: text/plain               <-- the first child's m_header and m_mime begin
@@ -20,9 +20,9 @@
 //     --XY--                                 <-- m_body, m_contents and m_mime end
 //     goodbye                                <-- m_epilogue
 //
-// Every range is an offset and a length in bytes, both unsigned 32-bit. Offsets count from the first
-// byte that Fill read, and line terminators count as the bytes they are. An input of 4 GiB or more
-// is read to its end, but its offsets wrap modulo 2^32.
+// Every range is an offset and a length in bytes, both unsigned 32-bit. Offsets count from the
+// first byte that Fill read, and line terminators count as the bytes they are. An input of 4 GiB or
+// more is read to its end, but its offsets wrap modulo 2^32.
 //
 // Threads: any number of threads may each use parser objects and trees of their own. The library
 // starts no thread and locks nothing.
@@ -67,8 +67,9 @@ extern MAIL_STRUCTURE_API const std::uint32_t _lib_version;
 ///   characters gives false; n = 0 gives true.
 ///
 /// An overload beside the platform's function of the same name. A std::string as first argument
-/// selects this one, which answers true for "equal", where the platform's answers 0. With a C string first, the
-/// platform's wants its count as a std::size_t; an unsigned count fits both, and the call is ambiguous.
+/// selects this one, which answers true for "equal", where the platform's answers 0. With a C
+/// string first, the platform's wants its count as a std::size_t; an unsigned count fits both, and
+/// the call is ambiguous.
 /// @param s  the text that may be longer than what is compared
 /// @param p  must not be null
 /// @param n  how many characters to compare
@@ -101,15 +102,15 @@ struct MAIL_STRUCTURE_API MailStructure {
 
     /// One MIME entity: the message itself, a body part, or an encapsulated message.
     ///
-    /// Entities own their children by value. Copies are deep and memberwise: the m_parent of the copy
-    /// and of every entity inside it is the one its original had, so the children inside a copy
-    /// still point at the original. A pointer to a child, and the m_parent of entities below it, are
-    /// valid until the next child is added to the same parent. Walk a finished tree from its root
-    /// down through m_children; do not follow m_parent.
+    /// Entities own their children by value. Copies are deep and memberwise: the m_parent of the
+    /// copy and of every entity inside it is the one its original had, so the children inside a
+    /// copy still point at the original. A pointer to a child, and the m_parent of entities below
+    /// it, are valid until the next child is added to the same parent. Walk a finished tree from
+    /// its root down through m_children; do not follow m_parent.
     ///
     /// No operation recurses on the depth of the tree: an entity nested a million deep is copied,
-    /// assigned, cleared, dumped and destroyed on a small stack. Destruction, clear and moves allocate
-    /// nothing.
+    /// assigned, cleared, dumped and destroyed on a small stack. Destruction, clear and moves
+    /// allocate nothing.
     struct MAIL_STRUCTURE_API MimeObj {
         /// A multipart boundary was registered for this entity (RFC 2046 section 5.1).
         bool m_multipart = false;
@@ -122,7 +123,8 @@ struct MAIL_STRUCTURE_API MailStructure {
         std::uint32_t m_mime_beg = 0;
         std::uint32_t m_mime_len = 0; ///< Bytes of the whole entity.
         /// The body. Of a multipart it begins with the preamble and ends with the closing line. A
-        /// body that begins at offset 0 loses its first line from this range when a second one comes.
+        /// body that begins at offset 0 loses its first line from this range when a second one
+        /// comes.
         std::uint32_t m_body_beg = 0;
         std::uint32_t m_body_len = 0; ///< Bytes of the body.
         /// The lines after the closing line of a multipart, those of its descendants included.
@@ -168,15 +170,17 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// Allocates nothing, and does not recurse on the depth of the tree.
         ~MimeObj();
 
-        /// Resets the entity for reuse: flags, ranges, counts and texts as in a new one, no children,
-        /// no fields, storage of both vectors kept. The three type strings become empty, unlike those of
-        /// a new entity, and m_parent stays. Allocates nothing; linear in the size of the tree.
-        /// The storage of both vectors and of the strings is given back by assigning MimeObj().
+        /// Resets the entity for reuse: flags, ranges, counts and texts as in a new one, no
+        /// children, no fields, storage of both vectors kept. The three type strings become empty,
+        /// unlike those of a new entity, and m_parent stays. Allocates nothing; linear in the size
+        /// of the tree. The storage of both vectors and of the strings is given back by assigning
+        /// MimeObj().
         void clear();
 
         /// The first field whose name begins with the given one, ASCII case ignored, or null. So
         /// "subject" also finds a field "Subject-Line", and "" the first field.
-        /// The pointer is valid until a field is added to this entity. Linear in the number of fields.
+        /// The pointer is valid until a field is added to this entity. Linear in the number of
+        /// fields.
         const header* find_header_full(const std::string& name) const;
         /// The value of the field that find_header_full finds, or dflt itself where there is none.
         const std::string* find_header(const std::string& name, const std::string* dflt) const;
@@ -192,8 +196,8 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// Extends the contents range by one line.
         void add_contents_line(std::uint32_t start, std::uint32_t end);
         /// Adds one line to the body, or to the epilogue, of this entity and of all its ancestors
-        /// as m_parent gives them. A body line extends the body and whole-entity ranges and counts in
-        /// m_lines; an epilogue line extends the epilogue range only.
+        /// as m_parent gives them. A body line extends the body and whole-entity ranges and counts
+        /// in m_lines; an epilogue line extends the epilogue range only.
         /// @param save      append the line and CR LF to the kept text as well
         /// @param line      the line without its terminator; it is not changed
         /// @param start     offset of the line's first byte
@@ -201,30 +205,32 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// @param epilogue  the line is an epilogue line
         /// @throws std::bad_alloc  only when save is true
         /// One step for each ancestor.
-        void add_body_line(bool save, std::string& line, std::uint32_t start, std::uint32_t end, bool epilogue);
+        void add_body_line(bool save, std::string& line, std::uint32_t start, std::uint32_t end,
+                           bool epilogue);
 
         /// Appends a child with default values, its m_parent pointing here, and returns it.
-        /// The pointer is valid until the next child is added. Amortised constant time; earlier children
-        /// are moved when the vector grows. @throws std::bad_alloc, and then nothing has changed
+        /// The pointer is valid until the next child is added. Amortised constant time; earlier
+        /// children are moved when the vector grows. @throws std::bad_alloc, and then nothing has
+        /// changed
         MimeObj* get_obj();
-        /// Appends a field with empty name and value, and returns it. The pointer is valid until the
-        /// next field is added. @throws std::bad_alloc, and then nothing has changed
+        /// Appends a field with empty name and value, and returns it. The pointer is valid until
+        /// the next field is added. @throws std::bad_alloc, and then nothing has changed
         header* get_header();
         /// Called for an entity when the parser closes it. Does nothing.
         void finalize();
 
         /// Prints this entity and all below it; see MailStructure::Dump.
         /// @param ifs   not read
-        /// @param path  numbers of the entities from the root down to this one, its own last. On return
-        ///              as long as before, its last element greater by one.
+        /// @param path  numbers of the entities from the root down to this one, its own last. On
+        ///              return as long as before, its last element greater by one.
         void Dump(std::ifstream& ifs, std::vector<int>& path) const;
     };
 
     /// Set by Fill when it has read the input to its end; never set back by the library.
     bool m_done = false;
-    /// Set by the host before Fill: keep the text of body and epilogue lines in the tree. Each line is
-    /// kept once in its entity and once in every ancestor, so the text grows with the nesting depth.
-    /// While this is set, m_memlimit does not bound the header fields.
+    /// Set by the host before Fill: keep the text of body and epilogue lines in the tree. Each line
+    /// is kept once in its entity and once in every ancestor, so the text grows with the nesting
+    /// depth. While this is set, m_memlimit does not bound the header fields.
     bool m_keep_text = false;
     /// The message.
     MimeObj m_root;
@@ -232,26 +238,28 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// An upper bound, in bytes, for what the header fields of one message may take, as Fill
     /// estimates it: 64 and the line length for each field line, 64 and the text length for each
     /// parameter. Fields past the bound are left out of the tree, their bytes stay in the ranges.
-    /// 0xFFFFFFFF, the default, sets no practical bound. Shared by all parser objects and read without
-    /// a lock: set it before any Fill runs.
+    /// 0xFFFFFFFF, the default, sets no practical bound. Shared by all parser objects and read
+    /// without a lock: set it before any Fill runs.
     static std::uint32_t m_memlimit;
 
-    /// Clears m_root and fills it from the stream, which is read from its present position to its end.
-    /// What m_root held before is gone, references to it included: its records and their storage are used again for the
-    /// new message, and what that does not need is freed by the end, so that at its peak the object may take what the
-    /// old tree and the new one take together; call m_root.clear() first where that matters. Of m_root itself storage stays
-    /// as clear leaves it; assign MailStructure() to free everything. Until Fill returns or throws, the tree is in no
-    /// state that a stream's buffer, say, could look at.
-    /// The input is one message (RFC 5322, with MIME as of RFC 2045 and RFC 2046), its lines ended by
-    /// LF or by CR LF. No structure is an error: missing or mismatched boundaries yield a tree too.
+    /// Clears m_root and fills it from the stream, which is read from its present position to its
+    /// end. What m_root held before is gone, references to it included: its records and their
+    /// storage are used again for the new message, and what that does not need is freed by the end,
+    /// so that at its peak the object may take what the old tree and the new one take together;
+    /// call m_root.clear() first where that matters. Of m_root itself storage stays as clear leaves
+    /// it; assign MailStructure() to free everything. Until Fill returns or throws, the tree is in
+    /// no state that a stream's buffer, say, could look at. The input is one message (RFC 5322,
+    /// with MIME as of RFC 2045 and RFC 2046), its lines ended by LF or by CR LF. No structure is
+    /// an error: missing or mismatched boundaries yield a tree too.
     ///
     /// @throws std::runtime_error   "error in io input data": a CR, LF or NUL stands inside a line
     /// @throws std::length_error    a header line ended by CR LF holds a field name and no colon
-    /// @throws std::bad_alloc       out of memory; while std::getline reads a line, which is where the stream's buffer
-    ///                              has no get area or its locale widens LF to another byte, it is a read error instead
+    /// @throws std::bad_alloc       out of memory; while std::getline reads a line, which is where
+    ///                              the stream's buffer has no get area or its locale widens LF to
+    ///                              another byte, it is a read error instead
     /// @throws std::bad_cast        the stream's locale has no std::ctype<char>
-    /// and what the stream itself throws where the host has given it an exception mask. A read error
-    /// without a mask ends the input, as the end of the data does.
+    /// and what the stream itself throws where the host has given it an exception mask. A read
+    /// error without a mask ends the input, as the end of the data does.
     ///
     /// After an exception the tree holds everything up to the line before, or as much of the line
     /// at fault as its place tells; m_done is unchanged; the object may be filled again.
@@ -259,20 +267,21 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// nesting; kept text is linear in its own size.
     void Fill(std::istream& in);
 
-    /// Prints the tree for diagnosis: the entities with their ranges and header fields to std::cerr, the
-    /// kept text of the leaves, between rulers, to std::cout.
+    /// Prints the tree for diagnosis: the entities with their ranges and header fields to
+    /// std::cerr, the kept text of the leaves, between rulers, to std::cout.
     /// @param ifs  not read
     void Dump(std::ifstream& ifs) const;
 
     /// Opens an entity: a new child of the one on top of the stack, or m_root on an empty stack.
     /// Returns it, now on top of the stack. @throws std::bad_alloc
     MimeObj* push(std::vector<MimeObj*>& stack);
-    /// Closes the entity on top of the stack: finalizes and removes it. Returns the entity now on top,
-    /// or null when the stack is then empty or was so before.
+    /// Closes the entity on top of the stack: finalizes and removes it. Returns the entity now on
+    /// top, or null when the stack is then empty or was so before.
     MimeObj* pop(std::vector<MimeObj*>& stack);
-    /// Extends the contents range of all entities on the stack but the topmost skip ones by one line.
-    void add_contents_line_to_all(const std::vector<MimeObj*>& stack, std::uint32_t start, std::uint32_t end,
-                                  std::uint32_t skip);
+    /// Extends the contents range of all entities on the stack but the topmost skip ones by one
+    /// line.
+    void add_contents_line_to_all(const std::vector<MimeObj*>& stack, std::uint32_t start,
+                                  std::uint32_t end, std::uint32_t skip);
 };
 
 #endif

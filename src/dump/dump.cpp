@@ -1,4 +1,5 @@
-// Prints a filled tree for diagnosis: structure to std::cerr, kept text of leaves to std::cout. Only reads.
+// Prints a filled tree for diagnosis: structure to std::cerr, kept text of leaves to std::cout.
+// Only reads.
 
 #include <mail_structure.h>
 
@@ -43,19 +44,23 @@ void print_text_between_rulers(const std::string& text) {
 
 /// The listing of an entity up to where its children's begin.
 void print_opening(const MimeObj& entity, const std::string& indent, int number) {
-    print_line(std::cerr, indent + " MIME OBJECT " + std::to_string(number) + " " + entity.m_type + "/"
-                              + entity.m_subtype + " lines=" + std::to_string(entity.m_lines)
+    print_line(std::cerr, indent + " MIME OBJECT " + std::to_string(number) + " " + entity.m_type
+                              + "/" + entity.m_subtype + " lines=" + std::to_string(entity.m_lines)
                               + " size=" + std::to_string(entity.m_body_len));
     if (entity.m_header_len != 0)
-        print_line(std::cerr, indent + " Headers " + begin_and_end(entity.m_header_beg, entity.m_header_len) + " "
+        print_line(std::cerr, indent + " Headers "
+                                  + begin_and_end(entity.m_header_beg, entity.m_header_len) + " "
                                   + std::to_string(entity.m_headers.size()));
     if (entity.m_contents_len != 0)
-        print_line(std::cerr, indent + " Contents " + begin_and_end(entity.m_contents_beg, entity.m_contents_len));
+        print_line(std::cerr, indent + " Contents "
+                                  + begin_and_end(entity.m_contents_beg, entity.m_contents_len));
     if (entity.m_mime_len != 0)
-        print_line(std::cerr, indent + " Mime " + begin_and_end(entity.m_mime_beg, entity.m_mime_len));
+        print_line(std::cerr,
+                   indent + " Mime " + begin_and_end(entity.m_mime_beg, entity.m_mime_len));
     for (const MailStructure::header& field : entity.m_headers) {
         print_line(std::cerr, indent + " * " + field.m_name + ": " + field.m_value);
-        for (const auto& [name, value] : field.m_params) print_line(std::cerr, indent + "   + " + name + "=" + value);
+        for (const auto& [name, value] : field.m_params)
+            print_line(std::cerr, indent + "   + " + name + "=" + value);
     }
     const std::string body = begin_and_end_or_dots(entity.m_body_beg, entity.m_body_len);
     if (entity.m_children.empty()) {
@@ -72,7 +77,8 @@ void print_closing(const MimeObj& entity, const std::string& indent) {
     if (entity.m_children.empty()) return;
     // Kept: the label is spelled so; scripts look for it.
     print_line(std::cerr,
-               indent + "   Epilogie " + begin_and_end_or_dots(entity.m_epilogue_beg, entity.m_epilogue_len));
+               indent + "   Epilogie "
+                   + begin_and_end_or_dots(entity.m_epilogue_beg, entity.m_epilogue_len));
 }
 
 struct listed_entity {

@@ -19,8 +19,8 @@ bool same_letter(char a, char b) noexcept {
 
 bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
     constexpr std::uint32_t whole_of_s = 0xFFFFFFFF;
-    // Kept: with n = 0xFFFFFFFF this asks whether s is a prefix of p. The parser takes "Content:" for
-    // a Content-Type field by it, and hosts rely on abbreviated parameter names.
+    // Kept: with n = 0xFFFFFFFF this asks whether s is a prefix of p. The parser takes "Content:"
+    // for a Content-Type field by it, and hosts rely on abbreviated parameter names.
     const std::size_t wanted = n == whole_of_s ? s.size() : n;
     if (wanted > s.size()) return false;
     for (std::size_t at = 0; at < wanted; ++at)
@@ -28,16 +28,18 @@ bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
     return true;
 }
 
-const MailStructure::header* MailStructure::MimeObj::find_header_full(const std::string& name) const {
-    // Kept: the query matches every field whose name begins with it. A host that looks for "received-"
-    // or "resent-" finds the family by it.
+const MailStructure::header*
+MailStructure::MimeObj::find_header_full(const std::string& name) const {
+    // Kept: the query matches every field whose name begins with it. A host that looks for
+    // "received-" or "resent-" finds the family by it.
     const auto length = static_cast<std::uint32_t>(name.size());
     for (const header& field : m_headers)
         if (strncasecmp(field.m_name, name.c_str(), length)) return &field;
     return nullptr;
 }
 
-const std::string* MailStructure::MimeObj::find_header(const std::string& name, const std::string* dflt) const {
+const std::string* MailStructure::MimeObj::find_header(const std::string& name,
+                                                       const std::string* dflt) const {
     const header* field = find_header_full(name);
     return field != nullptr ? &field->m_value : dflt;
 }

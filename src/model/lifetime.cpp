@@ -1,8 +1,9 @@
 // Construction, copies, moves, reset and destruction of entities.
 //
-// None of these may recurse on the depth of the tree, for each level costs the author of a message no
-// more than 5 bytes. The compiler's own versions would, so they are written out as loops. Tear-down
-// allocates nothing: it climbs by m_parent, which it first sets, since a copied tree's points elsewhere.
+// None of these may recurse on the depth of the tree, for each level costs the author of a message
+// no more than 5 bytes. The compiler's own versions would, so they are written out as loops.
+// Tear-down allocates nothing: it climbs by m_parent, which it first sets, since a copied tree's
+// points elsewhere.
 
 #include <mail_structure.h>
 
@@ -94,9 +95,10 @@ MailStructure::MimeObj::MimeObj(const MimeObj& other) : MimeObj() {
 
 MailStructure::MimeObj::MimeObj(MimeObj&& other) noexcept = default;
 
-static_assert(std::is_nothrow_move_constructible_v<
-                  MailStructure::header> && std::is_nothrow_move_constructible_v<std::vector<MimeObj>>,
-              "a growing vector of entities must move its elements");
+static_assert(
+    std::is_nothrow_move_constructible_v<
+        MailStructure::header> && std::is_nothrow_move_constructible_v<std::vector<MimeObj>>,
+    "a growing vector of entities must move its elements");
 
 MailStructure::MimeObj& MailStructure::MimeObj::operator=(const MimeObj& other) {
     if (this != &other) *this = MimeObj(other);
@@ -106,7 +108,8 @@ MailStructure::MimeObj& MailStructure::MimeObj::operator=(const MimeObj& other) 
 MailStructure::MimeObj& MailStructure::MimeObj::operator=(MimeObj&& other) noexcept {
     // What other held is taken over first: other may lie in the tree that is destroyed here.
     MimeObj taken(std::move(other));
-    for_each_member_pair(*this, taken, [](auto& target, auto& source) { std::swap(target, source); });
+    for_each_member_pair(*this, taken,
+                         [](auto& target, auto& source) { std::swap(target, source); });
     m_children.swap(taken.m_children);
     return *this;
 }

@@ -1,5 +1,5 @@
-// How one byte range takes one more line. Lines arrive in rising order, all arithmetic wraps modulo 2^32,
-// and the length always follows the line given last.
+// How one byte range takes one more line. Lines arrive in rising order, all arithmetic wraps modulo
+// 2^32, and the length always follows the line given last.
 
 #ifndef MAIL_STRUCTURE_MODEL_LINE_RANGE_H
 #define MAIL_STRUCTURE_MODEL_LINE_RANGE_H
@@ -9,18 +9,22 @@
 namespace mail_structure_detail {
 
 /// For the whole-entity, header-block, epilogue and contents ranges, which are unset while their
-/// length is 0. (0,0) given (40,40) and then (60,70) becomes (60,10): an empty line does not set it.
+/// length is 0. (0,0) given (40,40) and then (60,70) becomes (60,10): an empty line does not set
+/// it.
 /// @param start  offset of the line's first byte
 /// @param end    offset just past its terminator
-inline void grow_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start, std::uint32_t end) noexcept {
+inline void grow_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start,
+                       std::uint32_t end) noexcept {
     if (len == 0) beg = start;
     len = end - beg;
 }
 
 /// For the body range.
-// Kept: the body is unset while its offset is 0, so the first line of a body that begins at offset 0
-// drops out when the second comes. Hosts have stored ranges computed so; a test by length would move them.
-inline void grow_body_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start, std::uint32_t end) noexcept {
+// Kept: the body is unset while its offset is 0, so the first line of a body that begins at offset
+// 0 drops out when the second comes. Hosts have stored ranges computed so; a test by length would
+// move them.
+inline void grow_body_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start,
+                            std::uint32_t end) noexcept {
     if (beg == 0) beg = start;
     len = end - beg;
 }

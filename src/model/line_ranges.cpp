@@ -20,8 +20,8 @@ void MailStructure::MimeObj::add_contents_line(std::uint32_t start, std::uint32_
     grow_range(m_contents_beg, m_contents_len, start, end);
 }
 
-void MailStructure::MimeObj::add_body_line(bool save, std::string& line, std::uint32_t start, std::uint32_t end,
-                                           bool epilogue) {
+void MailStructure::MimeObj::add_body_line(bool save, std::string& line, std::uint32_t start,
+                                           std::uint32_t end, bool epilogue) {
     for (MimeObj* entity = this; entity != nullptr; entity = entity->m_parent) {
         if (epilogue) {
             // Kept: an epilogue line extends the epilogue of every ancestor and nothing else of it.

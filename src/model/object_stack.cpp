@@ -1,4 +1,5 @@
-// The stack of open entities as hosts may drive it themselves. Fill keeps its own, see open_entities.h.
+// The stack of open entities as hosts may drive it themselves. Fill keeps its own, see
+// open_entities.h.
 
 #include <mail_structure.h>
 
@@ -16,7 +17,8 @@ MailStructure::MimeObj* MailStructure::pop(std::vector<MimeObj*>& stack) {
     return stack.empty() ? nullptr : stack.back();
 }
 
-void MailStructure::add_contents_line_to_all(const std::vector<MimeObj*>& stack, std::uint32_t start, std::uint32_t end,
+void MailStructure::add_contents_line_to_all(const std::vector<MimeObj*>& stack,
+                                             std::uint32_t start, std::uint32_t end,
                                              std::uint32_t skip) {
     const std::size_t count = skip < stack.size() ? stack.size() - skip : 0;
     for (std::size_t index = 0; index < count; ++index) stack[index]->add_contents_line(start, end);

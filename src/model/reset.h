@@ -1,4 +1,5 @@
-// Sets an entity's own members back, for MimeObj::clear and for the parser, which uses old entities again.
+// Sets an entity's own members back, for MimeObj::clear and for the parser, which uses old entities
+// again.
 
 #ifndef MAIL_STRUCTURE_MODEL_RESET_H
 #define MAIL_STRUCTURE_MODEL_RESET_H
@@ -7,8 +8,8 @@
 
 namespace mail_structure_detail {
 
-/// Flags, ranges, counts and texts as in a new entity. Children, fields, type strings and m_parent stay. Allocates
-/// nothing and gives nothing back.
+/// Flags, ranges, counts and texts as in a new entity. Children, fields, type strings and m_parent
+/// stay. Allocates nothing and gives nothing back.
 inline void reset_own_members(MailStructure::MimeObj& entity) noexcept {
     entity.m_header_beg = entity.m_header_len = 0;
     entity.m_mime_beg = entity.m_mime_len = 0;
@@ -23,8 +24,8 @@ inline void reset_own_members(MailStructure::MimeObj& entity) noexcept {
 }
 
 inline void empty_type_strings(MailStructure::MimeObj& entity) noexcept {
-    // Kept: the three type strings become empty, not "text", "plain" and "7bit". Fill clears the root, so
-    // an empty m_encoding tells a host that the message itself named no encoding.
+    // Kept: the three type strings become empty, not "text", "plain" and "7bit". Fill clears the
+    // root, so an empty m_encoding tells a host that the message itself named no encoding.
     entity.m_type.clear();
     entity.m_subtype.clear();
     entity.m_encoding.clear();

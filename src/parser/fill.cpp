@@ -21,8 +21,9 @@ namespace mail_structure_detail {
 
 namespace {
 
-/// Takes the line down the path of the phase. A line that ends a header block goes on as a body line, and
-/// one that finds an encapsulated message current opens the message within, as its first header line.
+/// Takes the line down the path of the phase. A line that ends a header block goes on as a body
+/// line, and one that finds an encapsulated message current opens the message within, as its first
+/// header line.
 void route(fill_state& state, const input_line& line) {
     for (;;) { // at most four turns: end a block, open a message, end its block, be body
         if (state.m_phase == phase::header) {
@@ -45,14 +46,16 @@ bool is_at_text(const fill_state& state) noexcept {
     return state.m_phase != phase::header && !state.m_just_opened && !state.m_open.top().m_message;
 }
 
-/// Takes as many lines as the reader finds to be nothing but text. This only hastens things: route would come to
-/// the same, line by line. What may fail comes before the lines are read, so a failure never leaves a run half done.
+/// Takes as many lines as the reader finds to be nothing but text. This only hastens things: route
+/// would come to the same, line by line. What may fail comes before the lines are read, so a
+/// failure never leaves a run half done.
 void take_run(fill_state& state, line_reader& reader) {
     if (!is_at_text(state)) return;
     const bool freely = state.m_phase == phase::body ? state.m_open.takes_body_lines_freely()
                                                      : state.m_open.takes_epilogue_lines_freely();
     if (!freely) return;
-    const dashed_lines dashed = state.m_delimiters.empty() ? dashed_lines::are_text : dashed_lines::end_the_run;
+    const dashed_lines dashed =
+        state.m_delimiters.empty() ? dashed_lines::are_text : dashed_lines::end_the_run;
     line_run run;
     if (!reader.find_run(run, dashed)) return;
     make_room_for_text(state, run);
@@ -70,9 +73,9 @@ void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_off
         take_run(state, reader);
         if (!reader.next(line)) break;
         if (reader.has_wrapped()) state.m_open.watch_for_lapses();
-        // Kept: the empty line after a separator is dropped from every range, and so is the one after the first
-        // header line of an encapsulated message. The phase stays, so a part that begins with a blank line
-        // has its next line looked at as a header line.
+        // Kept: the empty line after a separator is dropped from every range, and so is the one
+        // after the first header line of an encapsulated message. The phase stays, so a part that
+        // begins with a blank line has its next line looked at as a header line.
         const bool just_opened = std::exchange(state.m_just_opened, false);
         if (!just_opened || !line.m_text.empty()) route(state, line);
     }

@@ -12,7 +12,8 @@
 #endif
 
 int main() {
-    std::istringstream mail("Subject: hi\nContent-Type: multipart/mixed; boundary=XY\n\n--XY\nA: b\n\nhello\n--XY--\n");
+    std::istringstream mail(
+        "Subject: hi\nContent-Type: multipart/mixed; boundary=XY\n\n--XY\nA: b\n\nhello\n--XY--\n");
     MailStructure message;
     message.Fill(mail);
     const MailStructure copy = message;
@@ -20,7 +21,7 @@ int main() {
     const MailStructure::MimeObj& part = copy.m_root.m_children.front();
     const std::string* subject = copy.m_root.find_header("subject", nullptr);
     if (subject == nullptr || !strncasecmp(*subject, "HI", 2)) return 1;
-    std::cout << _lib_version << ' ' << part.m_body_beg << ' ' << part.m_body_len << ' ' << MailStructure::m_memlimit
-              << '\n';
+    std::cout << _lib_version << ' ' << part.m_body_beg << ' ' << part.m_body_len << ' '
+              << MailStructure::m_memlimit << '\n';
     return 0;
 }

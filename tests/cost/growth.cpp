@@ -1,8 +1,9 @@
-// Does to one message of a given shape and size all that a host does with one, in stages that an instruction
-// counter can tell apart. growth.sh compares the counts at two sizes.
+// Does to one message of a given shape and size all that a host does with one, in stages that an
+// instruction counter can tell apart. growth.sh compares the counts at two sizes.
 //
 //     growth                   prints the names and sizes of the shapes
-//     growth SHAPE N           runs it; under callgrind each stage becomes a dump of its own, named by its trigger
+//     growth SHAPE N           runs it; under callgrind each stage becomes a dump of its own, named
+//                              by its trigger
 
 #include "cost/shapes.h"
 #include "support/parse.h"
@@ -27,7 +28,9 @@ protected:
 
 class text_buffer : public std::streambuf {
 public:
-    explicit text_buffer(std::string& text) { setg(text.data(), text.data(), text.data() + text.size()); }
+    explicit text_buffer(std::string& text) {
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
 };
 
 template <class Work>
@@ -66,7 +69,8 @@ void run(const cost::shape& shape, std::size_t n) {
 
 int main(int argc, char** argv) {
     if (argc == 1)
-        for (const cost::shape& shape : cost::shapes()) std::cout << shape.m_name << ' ' << shape.m_n << '\n';
+        for (const cost::shape& shape : cost::shapes())
+            std::cout << shape.m_name << ' ' << shape.m_n << '\n';
     if (argc != 3) return argc == 1 ? 0 : 2;
     const std::string_view size = argv[2];
     std::size_t n = 0;

@@ -29,7 +29,9 @@ void operator delete(void* block, std::size_t) noexcept { operator delete(block)
 
 namespace cost {
 
-heap_meter::heap_meter() noexcept : m_at_beginning(allocated_bytes) { peak_bytes = allocated_bytes; }
+heap_meter::heap_meter() noexcept : m_at_beginning(allocated_bytes) {
+    peak_bytes = allocated_bytes;
+}
 
 std::size_t heap_meter::peak() const noexcept { return peak_bytes - m_at_beginning; }
 

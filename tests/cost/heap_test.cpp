@@ -1,5 +1,5 @@
-// What a tree takes on the heap, for each entity and each field; and that a message without structure takes
-// next to nothing, however long it is.
+// What a tree takes on the heap, for each entity and each field; and that a message without
+// structure takes next to nothing, however long it is.
 
 #include "cost/heap_meter.h"
 #include "cost/shapes.h"
@@ -34,7 +34,8 @@ tree_size size_of(const MailStructure::MimeObj& root) {
         waiting.pop_back();
         ++size.m_entities;
         size.m_fields += entity.m_headers.size();
-        for (const MailStructure::header& field : entity.m_headers) size.m_parameters += field.m_params.size();
+        for (const MailStructure::header& field : entity.m_headers)
+            size.m_parameters += field.m_params.size();
         for (const MailStructure::MimeObj& child : entity.m_children) waiting.push_back(&child);
     }
     return size;
@@ -42,18 +43,21 @@ tree_size size_of(const MailStructure::MimeObj& root) {
 
 class text_buffer : public std::streambuf {
 public:
-    explicit text_buffer(std::string& text) { setg(text.data(), text.data(), text.data() + text.size()); }
+    explicit text_buffer(std::string& text) {
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
 };
 
-/// The most that a tree may take at any moment of the parse. A vector that grows holds its elements twice for a
-/// moment, and room for as many again afterwards.
+/// The most that a tree may take at any moment of the parse. A vector that grows holds its elements
+/// twice for a moment, and room for as many again afterwards.
 constexpr std::size_t entity_bytes = 4 * sizeof(MailStructure::MimeObj) + 128;
 constexpr std::size_t field_bytes = 4 * sizeof(MailStructure::header) + 64;
 constexpr std::size_t parameter_bytes = 4 * 2 * sizeof(std::string) + 64;
 constexpr std::size_t message_bytes = 64 << 10;
 
-/// How much of the longest line is held besides: where lines are read by std::getline it is copied into a string, which
-/// has twice its size and once more of it while it grows. A line that lies whole in the stream's buffer is not copied.
+/// How much of the longest line is held besides: where lines are read by std::getline it is copied
+/// into a string, which has twice its size and once more of it while it grows. A line that lies
+/// whole in the stream's buffer is not copied.
 #ifdef MAILSTRUCTURE_PLAIN
 constexpr std::size_t line_copies = 3;
 #else
@@ -70,8 +74,9 @@ std::size_t longest_line(const std::string& text) {
 }
 
 TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
-    std::cout << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and of each "
-                 "entity, field and parameter together:\n";
+    std::cout
+        << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and of each "
+           "entity, field and parameter together:\n";
     for (const shape& wanted : cost::shapes()) {
         std::string text = wanted.m_message(wanted.m_n);
         if (wanted.m_keeps_text) continue; // bounded by its own size
@@ -85,16 +90,19 @@ TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
             const std::size_t after = meter.now();
             const tree_size size = size_of(message.m_root);
             const std::size_t elements = size.m_entities + size.m_fields + size.m_parameters;
-            std::cout << "    " << wanted.m_name << ": " << static_cast<double>(peak) / static_cast<double>(text.size())
-                      << " a byte; " << peak / elements << " peak, " << after / elements << " after, an element ("
-                      << size.m_entities << " entities, " << size.m_fields << " fields, " << size.m_parameters
-                      << " parameters)\n";
-            // A header line is copied once into its field, and once more while the value's room grows.
+            std::cout << "    " << wanted.m_name << ": "
+                      << static_cast<double>(peak) / static_cast<double>(text.size()) << " a byte; "
+                      << peak / elements << " peak, " << after / elements << " after, an element ("
+                      << size.m_entities << " entities, " << size.m_fields << " fields, "
+                      << size.m_parameters << " parameters)\n";
+            // A header line is copied once into its field, and once more while the value's room
+            // grows.
             std::size_t header_text = 0;
-            for (const MailStructure::header& field : message.m_root.m_headers) header_text += field.m_value.size();
-            EXPECT_LE(peak, message_bytes + size.m_entities * entity_bytes + size.m_fields * field_bytes
-                                + size.m_parameters * parameter_bytes + 3 * header_text
-                                + line_copies * longest_line(text))
+            for (const MailStructure::header& field : message.m_root.m_headers)
+                header_text += field.m_value.size();
+            EXPECT_LE(peak, message_bytes + size.m_entities * entity_bytes
+                                + size.m_fields * field_bytes + size.m_parameters * parameter_bytes
+                                + 3 * header_text + line_copies * longest_line(text))
                 << wanted.m_name;
         }
         EXPECT_EQ(meter.now(), 0U) << wanted.m_name;
@@ -130,11 +138,14 @@ std::size_t held_after(MailStructure& message, const heap_meter& meter, std::str
     return meter.now();
 }
 
-const std::string small_message = "Subject: hi\nC: multipart/mixed; boundary=b\n\n--b\nA: b\n\nhi\n--b--\n";
+const std::string small_message =
+    "Subject: hi\nC: multipart/mixed; boundary=b\n\n--b\nA: b\n\nhi\n--b--\n";
 
-/// The storage of the root's own vectors and texts stays, as clear() leaves it, and nothing else that is large.
+/// The storage of the root's own vectors and texts stays, as clear() leaves it, and nothing else
+/// that is large.
 TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
-    const std::string part = "--b\nA: " + std::string(500, 'x') + "\nC: a/b" + repeated(50, "; p=q") + "\n\nhi\n";
+    const std::string part =
+        "--b\nA: " + std::string(500, 'x') + "\nC: a/b" + repeated(50, "; p=q") + "\n\nhi\n";
     const std::string large[] = {
         "A: " + std::string(10 << 20, 'x') + "\n\nhi\n",
         "C: multipart/mixed; boundary=b\n\n" + repeated(2000, part) + "--b--\n",
@@ -148,8 +159,9 @@ TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
         const std::size_t after_large = held_after(message, meter, text);
         held_after(message, meter, small_message);
         const std::size_t after_small = held_after(message, meter, small_message);
-        const std::size_t of_root = message.m_root.m_children.capacity() * sizeof(MailStructure::MimeObj)
-                                    + message.m_root.m_headers.capacity() * sizeof(MailStructure::header);
+        const std::size_t of_root =
+            message.m_root.m_children.capacity() * sizeof(MailStructure::MimeObj)
+            + message.m_root.m_headers.capacity() * sizeof(MailStructure::header);
         EXPECT_GT(after_large, 1U << 20);
         EXPECT_LT(after_small, of_root + 4096) << text.substr(0, 40);
         message = MailStructure();
@@ -160,11 +172,12 @@ TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
 /// Each message leaves long things at other places. Were all of that kept, it would pile up.
 TEST(heap, does_not_pile_up_from_message_to_message) {
     constexpr std::size_t places = 200;
-    const std::string long_texts = "--b\nC: " + std::string(2000, 't') + "/" + std::string(2000, 's')
-                                   + "; p=" + std::string(2000, 'v') + "\nA: " + std::string(2000, 'x') + "\n\n"
+    const std::string long_texts = "--b\nC: " + std::string(2000, 't') + "/"
+                                   + std::string(2000, 's') + "; p=" + std::string(2000, 'v')
+                                   + "\nA: " + std::string(2000, 'x') + "\n\n"
                                    + std::string(2000, 'y') + "\n";
-    const std::string many_records =
-        "--b\nC: message" + repeated(50, "; p=q") + "\n" + repeated(100, "B: c\n") + "\nA: b\n\nhi\n";
+    const std::string many_records = "--b\nC: message" + repeated(50, "; p=q") + "\n"
+                                     + repeated(100, "B: c\n") + "\nA: b\n\nhi\n";
     const std::string short_one = "--b\nC: a/b; p=q\nA: x\n\ny\n";
     MailStructure message;
     message.m_keep_text = true;
@@ -174,14 +187,16 @@ TEST(heap, does_not_pile_up_from_message_to_message) {
     for (std::size_t round = 0; round < 2 * places; ++round) {
         std::string text = "C: multipart/mixed; boundary=b\n\n";
         const std::string& long_one = round % 2 == 0 ? long_texts : many_records;
-        for (std::size_t place = 0; place < places; ++place) text += place == round % places ? long_one : short_one;
+        for (std::size_t place = 0; place < places; ++place)
+            text += place == round % places ? long_one : short_one;
         const std::size_t held = held_after(message, meter, text + "--b--\n");
         if (round < 4) most_at_first = std::max(most_at_first, held);
         if (round >= places) most_at_last = std::max(most_at_last, held);
     }
     constexpr std::size_t small_storage = 300; // of a part and its fields, which stays
     EXPECT_LT(most_at_last, most_at_first + places * small_storage);
-    std::cout << "held after a few messages: " << most_at_first << " bytes, after many: " << most_at_last << '\n';
+    std::cout << "held after a few messages: " << most_at_first
+              << " bytes, after many: " << most_at_last << '\n';
 }
 
 } // namespace

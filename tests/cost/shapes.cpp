@@ -16,23 +16,34 @@ const std::string separator = "--x\n";
 const std::string closing = "--x--\n";
 
 /// So many messages, each within the one before it; lines that follow go to the innermost.
-std::string messages(std::size_t depth) { return "C:\n\n" + repeated(depth, "C:\n\n\n") + "a:\n\n\n"; }
+std::string messages(std::size_t depth) {
+    return "C:\n\n" + repeated(depth, "C:\n\n\n") + "a:\n\n\n";
+}
 
-/// So many multiparts, each the first part of the one before it; lines that follow go to that one's first part.
-std::string multiparts(std::size_t depth) { return repeated(depth, multipart + separator) + "a:\n\n"; }
+/// So many multiparts, each the first part of the one before it; lines that follow go to that one's
+/// first part.
+std::string multiparts(std::size_t depth) {
+    return repeated(depth, multipart + separator) + "a:\n\n";
+}
 
 std::string nested_messages(std::size_t n) { return messages(n) + "x\n"; }
 
 std::string nested_multiparts(std::size_t n) { return multiparts(n) + "x\n"; }
 
-std::string nested_by_turns(std::size_t n) { return repeated(n / 2, multipart + separator + "C:\n\n") + "a:\n\n\nx\n"; }
+std::string nested_by_turns(std::size_t n) {
+    return repeated(n / 2, multipart + separator + "C:\n\n") + "a:\n\n\nx\n";
+}
 
-std::string parts(std::size_t n) { return multipart + "\n" + repeated(n, separator + "A: b\n\nc\n") + closing; }
+std::string parts(std::size_t n) {
+    return multipart + "\n" + repeated(n, separator + "A: b\n\nc\n") + closing;
+}
 
 /// Four bytes a part.
 std::string bare_parts(std::size_t n) { return multipart + "\n" + repeated(n, separator); }
 
-std::string parts_at_depth(std::size_t n) { return multiparts(n) + repeated(n, separator + "A: b\n\nc\n"); }
+std::string parts_at_depth(std::size_t n) {
+    return multiparts(n) + repeated(n, separator + "A: b\n\nc\n");
+}
 
 std::string separators_at_depth(std::size_t n) { return multiparts(n) + repeated(n, separator); }
 
@@ -41,25 +52,34 @@ std::string fields(std::size_t n) { return repeated(n, "Subject: hello\n"); }
 /// Three bytes a field.
 std::string shortest_fields(std::size_t n) { return repeated(n, "a:\n"); }
 
-std::string folds_of_one_field(std::size_t n) { return "Subject: hello\n" + repeated(n, "\tand more\n"); }
+std::string folds_of_one_field(std::size_t n) {
+    return "Subject: hello\n" + repeated(n, "\tand more\n");
+}
 
-std::string parameters_of_one_field(std::size_t n) { return "Content-Type: text/plain" + repeated(n, ";a=b") + "\n\n"; }
+std::string parameters_of_one_field(std::size_t n) {
+    return "Content-Type: text/plain" + repeated(n, ";a=b") + "\n\n";
+}
 
-std::string parameters_over_folds(std::size_t n) { return "Content-Type: text/plain;\n" + repeated(n, " a=b;\n"); }
+std::string parameters_over_folds(std::size_t n) {
+    return "Content-Type: text/plain;\n" + repeated(n, " a=b;\n");
+}
 
 /// A stack of n delimiters, and as many lines that are compared with its top.
 std::string boundary_parameters(std::size_t n) {
-    return "Content-Type: multipart/mixed" + repeated(n, ";boundary=x") + "\n\n" + repeated(n, "--y\n");
+    return "Content-Type: multipart/mixed" + repeated(n, ";boundary=x") + "\n\n"
+           + repeated(n, "--y\n");
 }
 
 std::string closings_of_boundary_parameters(std::size_t n) {
-    return "Content-Type: multipart/mixed" + repeated(n, ";boundary=x") + "\n\n" + repeated(n, closing);
+    return "Content-Type: multipart/mixed" + repeated(n, ";boundary=x") + "\n\n"
+           + repeated(n, closing);
 }
 
 /// Delimiter and lines agree in all but their last byte.
 std::string almost_matching_lines(std::size_t n) {
     const std::string almost(1000, '-');
-    return "Content-Type: multipart/mixed; boundary=" + almost + "x\n\n" + repeated(n, "--" + almost + "y\n");
+    return "Content-Type: multipart/mixed; boundary=" + almost + "x\n\n"
+           + repeated(n, "--" + almost + "y\n");
 }
 
 std::string body_lines_at_depth(std::size_t n) { return messages(n) + repeated(n, "text\n"); }
@@ -67,13 +87,18 @@ std::string body_lines_at_depth(std::size_t n) { return messages(n) + repeated(n
 /// Lines that may be boundary lines are looked at one by one.
 std::string dashed_lines_at_depth(std::size_t n) { return multiparts(n) + repeated(n, "--text\n"); }
 
-std::string epilogue_lines_at_depth(std::size_t n) { return multiparts(n) + closing + repeated(n, "text\n"); }
+std::string epilogue_lines_at_depth(std::size_t n) {
+    return multiparts(n) + closing + repeated(n, "text\n");
+}
 
-std::string header_lines_at_depth(std::size_t n) { return messages(n / 2) + "C:\n" + repeated(n, "A: b\n"); }
+std::string header_lines_at_depth(std::size_t n) {
+    return messages(n / 2) + "C:\n" + repeated(n, "A: b\n");
+}
 
 /// Each closing line closes a message and the message around it.
 std::string messages_closed_in_pairs(std::size_t n) {
-    return multipart + separator + repeated(n, "C:\n\n") + "a:\n\n" + repeated(n / 2, separator + closing);
+    return multipart + separator + repeated(n, "C:\n\n") + "a:\n\n"
+           + repeated(n / 2, separator + closing);
 }
 
 std::string one_line(std::size_t n) { return "a: b\n\n" + std::string(n, 'x') + "\n"; }
@@ -83,7 +108,9 @@ std::string one_header_line(std::size_t n) { return "a: " + std::string(n, 'x') 
 std::string empty_lines(std::size_t n) { return "a: b\n" + std::string(n, '\n'); }
 
 /// The parse leaves by an exception, and everything owed is paid on the way out.
-std::string stray_byte_at_depth(std::size_t n) { return messages(n) + repeated(n, "text\n") + "a\rb\n"; }
+std::string stray_byte_at_depth(std::size_t n) {
+    return messages(n) + repeated(n, "text\n") + "a\rb\n";
+}
 
 std::string kept_text(std::size_t n) { return "a: b\n\n" + repeated(n, "some text\n"); }
 

@@ -12,7 +12,7 @@ namespace cost {
 struct shape {
     const char* m_name;
     std::string (*m_message)(std::size_t n); // linear in n, both in bytes and in what it describes
-    std::size_t m_n;                         // a size that is counted in a second or two under an emulator
+    std::size_t m_n; // a size that is counted in a second or two under an emulator
     bool m_keeps_text = false;
 };
 

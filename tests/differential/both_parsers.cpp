@@ -18,8 +18,8 @@ bool g_full_run = false;
 
 } // namespace
 
-void parse_with_library(library_result& result, const std::string& input, const reference::options& wanted,
-                        const test_support::delivery& way) {
+void parse_with_library(library_result& result, const std::string& input,
+                        const reference::options& wanted, const test_support::delivery& way) {
     MailStructure::m_memlimit = wanted.m_memlimit;
     result.m_message.m_keep_text = wanted.m_keep_text;
     result.m_message.m_done = false;
@@ -28,13 +28,15 @@ void parse_with_library(library_result& result, const std::string& input, const 
     MailStructure::m_memlimit = 0xFFFFFFFF;
 }
 
-reference::message parse_with_reference(const std::string& input, const reference::options& wanted) {
+reference::message parse_with_reference(const std::string& input,
+                                        const reference::options& wanted) {
     std::istringstream in(input);
     return reference::parse(in, wanted);
 }
 
-std::string library_difference(library_result& result, const std::string& input, const reference::options& wanted,
-                               const test_support::delivery& way, const reference::message& expected) {
+std::string library_difference(library_result& result, const std::string& input,
+                               const reference::options& wanted, const test_support::delivery& way,
+                               const reference::message& expected) {
     parse_with_library(result, input, wanted, way);
     return test_support::first_difference(result.m_message, result.m_error, expected);
 }
@@ -48,12 +50,13 @@ std::string failure_report(const std::string& input, const reference::options& w
     std::ostringstream report;
     const std::string difference = difference_of(input);
     if (difference.empty()) report << "none in a parser object that was not filled before; ";
-    report << difference << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text << ", memlimit "
-           << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
+    report << difference << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text
+           << ", memlimit " << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
     if (difference.empty()) return report.str();
-    const std::string small =
-        test_support::shrunk(input, [&](const std::string& text) { return !difference_of(text).empty(); });
-    report << "\n  shrunk to \"" << test_support::escaped(small) << "\"\n  which gives " << difference_of(small);
+    const std::string small = test_support::shrunk(
+        input, [&](const std::string& text) { return !difference_of(text).empty(); });
+    report << "\n  shrunk to \"" << test_support::escaped(small) << "\"\n  which gives "
+           << difference_of(small);
     return report.str();
 }
 

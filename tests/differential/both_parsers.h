@@ -13,29 +13,32 @@
 
 namespace differential {
 
-/// What Fill did: the error in the words of reference::message::m_error, empty after a normal return.
+/// What Fill did: the error in the words of reference::message::m_error, empty after a normal
+/// return.
 struct library_result {
     MailStructure m_message;
     std::string m_error;
 };
 
-/// Parses the input with the library. The result is filled anew, whatever it holds: tests that hand in
-/// the same one again also see that nothing of one message stays behind for the next.
-void parse_with_library(library_result& result, const std::string& input, const reference::options& wanted,
-                        const test_support::delivery& way);
+/// Parses the input with the library. The result is filled anew, whatever it holds: tests that hand
+/// in the same one again also see that nothing of one message stays behind for the next.
+void parse_with_library(library_result& result, const std::string& input,
+                        const reference::options& wanted, const test_support::delivery& way);
 
 reference::message parse_with_reference(const std::string& input, const reference::options& wanted);
 
 /// Parses with the library and compares. Empty when the results are equal.
-std::string library_difference(library_result& result, const std::string& input, const reference::options& wanted,
-                               const test_support::delivery& way, const reference::message& expected);
+std::string library_difference(library_result& result, const std::string& input,
+                               const reference::options& wanted, const test_support::delivery& way,
+                               const reference::message& expected);
 
-/// For a failure: the difference, and how to see it again with as small a message as still shows one.
+/// For a failure: the difference, and how to see it again with as small a message as still shows
+/// one.
 std::string failure_report(const std::string& input, const reference::options& wanted,
                            const test_support::delivery& way);
 
-/// True when the long form of the tests is wanted: the environment variable MAILSTRUCTURE_FULL is set
-/// to anything but 0, or the program was started with --full.
+/// True when the long form of the tests is wanted: the environment variable MAILSTRUCTURE_FULL is
+/// set to anything but 0, or the program was started with --full.
 bool full_run();
 void ask_for_full_run();
 

@@ -1,5 +1,5 @@
-// Real mail, whole, cut short and damaged, held against the reference parser. The messages are not part of
-// the project: the environment variable MAILSTRUCTURE_CORPUS names a folder of them.
+// Real mail, whole, cut short and damaged, held against the reference parser. The messages are not
+// part of the project: the environment variable MAILSTRUCTURE_CORPUS names a folder of them.
 
 #include "differential/both_parsers.h"
 #include "support/message_generator.h"
@@ -61,7 +61,8 @@ protected:
     }
 
     /// @return false at a difference, which then has failed the test
-    bool agree(const std::filesystem::path& file, const std::string& input, const reference::options& wanted,
+    bool agree(const std::filesystem::path& file, const std::string& input,
+               const reference::options& wanted,
                const std::vector<test_support::delivery>& deliveries) {
         const reference::message expected = parse_with_reference(input, wanted);
         ++m_inputs;
@@ -97,7 +98,8 @@ TEST_F(corpus, whole_files_give_the_reference_tree) {
         const std::string input = contents_of(file);
         for (const bool keep_text : {false, true}) {
             for (const std::uint32_t memlimit : {0xFFFFFFFFU, 0U, 300U, 1000U, 3000U}) {
-                if (keep_text && memlimit == 300) continue; // then the limit governs parameters only
+                if (keep_text && memlimit == 300)
+                    continue; // then the limit governs parameters only
                 reference::options wanted;
                 wanted.m_keep_text = keep_text;
                 wanted.m_memlimit = memlimit;
@@ -127,9 +129,12 @@ TEST_F(corpus, damaged_files_give_the_reference_tree) {
         for (std::size_t i = rounds(20, input.size()); i > 0; --i) {
             reference::options wanted;
             wanted.m_keep_text = random.one_in(3);
-            if (random.one_in(4)) wanted.m_memlimit = static_cast<std::uint32_t>(random.below(6000));
-            if (random.one_in(4)) wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
-            if (!agree(file, test_support::damaged(input, random), wanted, {next_delivery()})) return;
+            if (random.one_in(4))
+                wanted.m_memlimit = static_cast<std::uint32_t>(random.below(6000));
+            if (random.one_in(4))
+                wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
+            if (!agree(file, test_support::damaged(input, random), wanted, {next_delivery()}))
+                return;
         }
     }
 }

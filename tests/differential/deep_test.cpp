@@ -1,6 +1,7 @@
-// Seeded messages that nest some hundred levels deep and come up again by closing lines and separators, with
-// body and epilogue lines on the way. What a line means for its ancestors must come out as if each of them
-// had been told of each line, also when the parse is left by an exception.
+// Seeded messages that nest some hundred levels deep and come up again by closing lines and
+// separators, with body and epilogue lines on the way. What a line means for its ancestors must
+// come out as if each of them had been told of each line, also when the parse is left by an
+// exception.
 
 #include "differential/both_parsers.h"
 #include "support/seeded_random.h"
@@ -26,9 +27,12 @@ public:
         for (std::size_t turns = 1 + m_random.below(4); turns > 0; --turns) {
             for (std::size_t levels = m_random.below(200); levels > 0; --levels) open();
             some_lines(1);
-            for (std::size_t lines = m_random.below(2 * m_boundaries.size() + 1); lines > 0; --lines) come_up();
+            for (std::size_t lines = m_random.below(2 * m_boundaries.size() + 1); lines > 0;
+                 --lines)
+                come_up();
         }
-        if (m_random.one_in(3)) m_text.append("\nstray ").append(1, '\0').append(" byte\nnot read\n");
+        if (m_random.one_in(3))
+            m_text.append("\nstray ").append(1, '\0').append(" byte\nnot read\n");
         return m_text;
     }
 
@@ -48,7 +52,8 @@ private:
         m_text += "--" + m_boundaries.back() + '\n';
     }
 
-    /// A closing line or a separator of the innermost boundary, now and then of another, and what may follow it.
+    /// A closing line or a separator of the innermost boundary, now and then of another, and what
+    /// may follow it.
     void come_up() {
         if (m_boundaries.empty()) return;
         if (m_random.one_in(4)) {
@@ -64,7 +69,8 @@ private:
 
     void some_lines(std::size_t odds) {
         if (!m_random.one_in(odds)) return;
-        static constexpr const char* texts[] = {"\n", "\ntext\n", "\ntext\n\n", "a: b\n\ntext\n\n", "text\n"};
+        static constexpr const char* texts[] = {"\n", "\ntext\n", "\ntext\n\n", "a: b\n\ntext\n\n",
+                                                "text\n"};
         m_text += m_random.one_of(texts);
     }
 
@@ -83,7 +89,8 @@ TEST(deep_messages, give_the_reference_tree) {
         const std::string input = descent(random).written();
         reference::options wanted;
         wanted.m_keep_text = random.one_in(2);
-        if (random.one_in(4)) wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
+        if (random.one_in(4))
+            wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
         const reference::message expected = parse_with_reference(input, wanted);
         const auto& way = test_support::all_deliveries[seed % test_support::all_deliveries.size()];
         if (!library_difference(result, input, wanted, way, expected).empty())

@@ -1,5 +1,5 @@
-// Every message of up to five lines from a small alphabet, with every way to end the lines, held against
-// the reference parser. Each line of the alphabet is there for a rule that looks at it.
+// Every message of up to five lines from a small alphabet, with every way to end the lines, held
+// against the reference parser. Each line of the alphabet is there for a rule that looks at it.
 
 #include "differential/both_parsers.h"
 
@@ -15,23 +15,24 @@ namespace differential {
 namespace {
 
 constexpr std::array<std::string_view, 13> alphabet = {
-    "",                                          // ends a block; is dropped after an opening
-    "a: b",                                      // a field, and as good a body line
-    "x",                                         // too short for a name without CR, a name without a colon with it
-    " x",                                        // a fold with CR, not one without
-    "  ",                                        // blanks only
-    " b=Y",                                      // a fold that registers a boundary
+    "",     // ends a block; is dropped after an opening
+    "a: b", // a field, and as good a body line
+    "x",    // too short for a name without CR, a name without a colon with it
+    " x",   // a fold with CR, not one without
+    "  ",   // blanks only
+    " b=Y", // a fold that registers a boundary
     "Content-Type: multipart/mixed; boundary=X", //
     "c: multipart/; b=X; B=\"Y\"",               // two boundaries, the second innermost
-    "C:",                                        // by the prefix rules a Content-Type field, and a message
-    "Content-Type",                              // a field without a colon, and a message, where no CR follows
-    "--X",                                       //
-    "--X--",                                     //
-    "--Y",                                       //
+    "C:",           // by the prefix rules a Content-Type field, and a message
+    "Content-Type", // a field without a colon, and a message, where no CR follows
+    "--X",          //
+    "--X--",        //
+    "--Y",          //
 };
 
 enum class last_end : std::uint8_t { lf, crlf, cr, nothing };
-constexpr std::array<last_end, 4> all_last_ends = {last_end::lf, last_end::crlf, last_end::cr, last_end::nothing};
+constexpr std::array<last_end, 4> all_last_ends = {last_end::lf, last_end::crlf, last_end::cr,
+                                                   last_end::nothing};
 constexpr std::array<std::string_view, 4> last_end_bytes = {"\n", "\r\n", "\r", ""};
 
 /// Of several ways to parse: each input in each of them, or the inputs in one way after the other.
@@ -40,9 +41,10 @@ enum class options_taken : std::uint8_t { each, in_turn };
 /// The inputs of one length, and how much is done with each.
 struct selection {
     std::size_t m_lines;
-    std::vector<unsigned> m_crlf_masks; // a set bit n: line n ends in CR LF, for all lines but the last
-    options_taken m_deliveries;         // the nine kinds of stream
-    options_taken m_keep_text;          // with kept text and without
+    std::vector<unsigned>
+        m_crlf_masks;           // a set bit n: line n ends in CR LF, for all lines but the last
+    options_taken m_deliveries; // the nine kinds of stream
+    options_taken m_keep_text;  // with kept text and without
 };
 
 std::vector<unsigned> every_mask(std::size_t lines) {
@@ -76,7 +78,9 @@ std::vector<selection> selections() {
 /// the same first line.
 class line_choice {
 public:
-    line_choice(std::size_t first, std::size_t lines) : m_indices(lines, 0) { m_indices.front() = first; }
+    line_choice(std::size_t first, std::size_t lines) : m_indices(lines, 0) {
+        m_indices.front() = first;
+    }
 
     bool next() {
         for (std::size_t i = m_indices.size() - 1; i > 0; --i) {
@@ -102,16 +106,19 @@ private:
     std::vector<std::size_t> m_indices;
 };
 
-/// Parses inputs with both parsers, counts them, and fails the running test at the first difference.
+/// Parses inputs with both parsers, counts them, and fails the running test at the first
+/// difference.
 class comparison {
 public:
     /// @return false at a difference
-    bool agree(const std::string& input, const reference::options& wanted, options_taken deliveries) {
+    bool agree(const std::string& input, const reference::options& wanted,
+               options_taken deliveries) {
         const reference::message expected = parse_with_reference(input, wanted);
         ++m_inputs;
         if (deliveries == options_taken::in_turn)
-            return agree_through(test_support::all_deliveries[m_inputs % test_support::all_deliveries.size()], input,
-                                 wanted, expected);
+            return agree_through(
+                test_support::all_deliveries[m_inputs % test_support::all_deliveries.size()], input,
+                wanted, expected);
         for (const test_support::delivery& way : test_support::all_deliveries) {
             if (!agree_through(way, input, wanted, expected)) return false;
         }
@@ -126,8 +133,8 @@ public:
     std::uint64_t inputs() const { return m_inputs; }
 
 private:
-    bool agree_through(const test_support::delivery& way, const std::string& input, const reference::options& wanted,
-                       const reference::message& expected) {
+    bool agree_through(const test_support::delivery& way, const std::string& input,
+                       const reference::options& wanted, const reference::message& expected) {
         ++m_parses;
         if (library_difference(m_result, input, wanted, way, expected).empty()) return true;
         ADD_FAILURE() << failure_report(input, wanted, way);
@@ -144,7 +151,8 @@ protected:
     bool all_endings_agree(const line_choice& lines, const selection& chosen) {
         for (const unsigned mask : chosen.m_crlf_masks) {
             for (const last_end end : all_last_ends) {
-                if (end == last_end::nothing && lines.ends_empty()) continue; // the same bytes as one line less
+                if (end == last_end::nothing && lines.ends_empty())
+                    continue; // the same bytes as one line less
                 lines.write(m_input, mask, end);
                 if (!all_options_agree(chosen)) return false;
             }
@@ -177,15 +185,16 @@ TEST_P(every_short_message, gives_the_reference_tree) {
     m_comparison.record();
 }
 
-/// The same messages of up to four lines, placed so that offset 0 falls to the start of each of their lines:
-/// a range that begins there looks unset to some rules.
+/// The same messages of up to four lines, placed so that offset 0 falls to the start of each of
+/// their lines: a range that begins there looks unset to some rules.
 TEST_P(every_short_message, gives_the_reference_tree_across_the_wrap) {
     std::string input;
     for (std::size_t count = 2; count <= 4; ++count) {
         line_choice lines(GetParam(), count);
         do {
             lines.write(input, 0, last_end::lf);
-            for (std::size_t zero = input.find('\n') + 1; zero < input.size(); zero = input.find('\n', zero) + 1) {
+            for (std::size_t zero = input.find('\n') + 1; zero < input.size();
+                 zero = input.find('\n', zero) + 1) {
                 reference::options wanted;
                 wanted.m_first_offset = 0U - static_cast<std::uint32_t>(zero);
                 wanted.m_keep_text = m_comparison.inputs() % 2 != 0;
@@ -200,8 +209,8 @@ std::string first_line_name(const testing::TestParamInfo<std::size_t>& first_lin
     return "that_starts_with_line_" + std::to_string(first_line.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(alphabet, every_short_message, testing::Range<std::size_t>(0, alphabet.size()),
-                         first_line_name);
+INSTANTIATE_TEST_SUITE_P(alphabet, every_short_message,
+                         testing::Range<std::size_t>(0, alphabet.size()), first_line_name);
 
 TEST(no_line_at_all, gives_the_reference_tree) {
     comparison empty;

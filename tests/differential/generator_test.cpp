@@ -1,5 +1,5 @@
-// That the random messages are worth parsing: the kinds of tree and of ending that the parser's rules tell
-// apart all come up, and not as rarities. And that a failing message is made small.
+// That the random messages are worth parsing: the kinds of tree and of ending that the parser's
+// rules tell apart all come up, and not as rarities. And that a failing message is made small.
 
 #include "differential/both_parsers.h"
 #include "support/message_generator.h"
@@ -40,21 +40,26 @@ bool any_entity(const reference::message& message, bool (*is_it)(const reference
     return std::any_of(message.m_entities.begin(), message.m_entities.end(), is_it);
 }
 
-void look(sightings& seen, const test_support::generated_message& made, const reference::message& message) {
+void look(sightings& seen, const test_support::generated_message& made,
+          const reference::message& message) {
     const reference::entity& root = message.root();
     seen.m_stray_byte += message.m_error == "runtime_error: error in io input data";
     seen.m_name_without_colon += message.m_error == "length_error";
-    seen.m_three_levels += any_entity(message, [](const reference::entity& e) { return depth_of(e) >= 3; });
-    seen.m_six_levels += any_entity(message, [](const reference::entity& e) { return depth_of(e) >= 6; });
+    seen.m_three_levels +=
+        any_entity(message, [](const reference::entity& e) { return depth_of(e) >= 3; });
+    seen.m_six_levels +=
+        any_entity(message, [](const reference::entity& e) { return depth_of(e) >= 6; });
     seen.m_message_in_message += any_entity(message, [](const reference::entity& e) {
-        return e.m_message && e.m_parent != nullptr && e.m_parent->m_message && !e.m_children.empty();
+        return e.m_message && e.m_parent != nullptr && e.m_parent->m_message
+               && !e.m_children.empty();
     });
     seen.m_part_after_epilogue += any_entity(message, [](const reference::entity& e) {
         return e.m_epilogue.m_len != 0 && !e.m_children.empty()
                && e.m_children.back()->m_header.m_beg > e.m_epilogue.m_beg;
     });
     seen.m_fields_left_out += root.m_header.m_len > 2 && root.m_headers.empty();
-    seen.m_wrapped += made.m_first_offset != 0 && made.m_first_offset + made.m_input.size() > 0xFFFFFFFFU;
+    seen.m_wrapped +=
+        made.m_first_offset != 0 && made.m_first_offset + made.m_input.size() > 0xFFFFFFFFU;
     seen.m_transfer_encoding += !root.m_encoding.empty();
     seen.m_parameters += any_entity(message, [](const reference::entity& e) {
         return std::any_of(e.m_headers.begin(), e.m_headers.end(),
@@ -103,7 +108,8 @@ TEST(generated_messages, are_the_same_for_the_same_seed) {
 TEST(shrinking, leaves_only_what_makes_the_message_fail) {
     const std::string large = "Subject: a needle\nFrom: b\n\nnothing\nhay pin hay\nlast\n";
     const auto fails = [](const std::string& message) {
-        return message.find("needle") != std::string::npos && message.find("pin") != std::string::npos;
+        return message.find("needle") != std::string::npos
+               && message.find("pin") != std::string::npos;
     };
     EXPECT_EQ(test_support::shrunk(large, fails), "needlepin");
 }

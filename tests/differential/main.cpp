@@ -1,5 +1,5 @@
-// Starts the differential tests. Beside the options of GoogleTest it takes --full, which asks for every
-// input of the long form instead of the quick selection.
+// Starts the differential tests. Beside the options of GoogleTest it takes --full, which asks for
+// every input of the long form instead of the quick selection.
 
 #include "differential/both_parsers.h"
 

@@ -61,7 +61,8 @@ std::string share_name(const testing::TestParamInfo<std::uint64_t>& share) {
     return "share_" + std::to_string(share.param);
 }
 
-INSTANTIATE_TEST_SUITE_P(seeds, random_messages, testing::Range<std::uint64_t>(0, shares), share_name);
+INSTANTIATE_TEST_SUITE_P(seeds, random_messages, testing::Range<std::uint64_t>(0, shares),
+                         share_name);
 
 } // namespace
 } // namespace differential

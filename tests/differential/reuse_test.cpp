@@ -1,6 +1,6 @@
-// One parser object for all of many random messages, cut off by faults of the stream now and then and changed by the
-// host in between, each held against the reference parser. What fails here and not in random_test.cpp is something
-// that an earlier message left behind.
+// One parser object for all of many random messages, cut off by faults of the stream now and then
+// and changed by the host in between, each held against the reference parser. What fails here and
+// not in random_test.cpp is something that an earlier message left behind.
 
 #include "differential/both_parsers.h"
 #include "support/message_generator.h"
@@ -23,7 +23,8 @@ using test_support::seeded_random;
 /// A parse that leaves the tree as a stream's fault leaves it.
 void fill_half(MailStructure& message, const std::string& input, seeded_random& random) {
     test_support::faulty_stream in(input, random.below(input.size() + 1),
-                                   random.one_in(2) ? test_support::fault::throws : test_support::fault::ends);
+                                   random.one_in(2) ? test_support::fault::throws
+                                                    : test_support::fault::ends);
     in.exceptions(std::ios_base::badbit);
     test_support::fill(message, in);
 }
@@ -71,10 +72,10 @@ TEST_P(one_parser, gives_the_reference_tree_of_every_message) {
         wanted.m_memlimit = made.m_memlimit;
         wanted.m_first_offset = made.m_first_offset;
         const test_support::delivery& way = random.one_of(test_support::all_deliveries);
-        const std::string difference =
-            library_difference(result, made.m_input, wanted, way, parse_with_reference(made.m_input, wanted));
-        ASSERT_EQ(difference, "") << "message " << count << " of " << GetParam() << ", seed " << seed << "; "
-                                  << failure_report(made.m_input, wanted, way);
+        const std::string difference = library_difference(
+            result, made.m_input, wanted, way, parse_with_reference(made.m_input, wanted));
+        ASSERT_EQ(difference, "") << "message " << count << " of " << GetParam() << ", seed "
+                                  << seed << "; " << failure_report(made.m_input, wanted, way);
     }
     record_count("messages", messages);
 }

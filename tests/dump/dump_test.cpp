@@ -38,7 +38,8 @@ std::string dump_log(const MimeObj& entity, std::vector<int>& path) {
     return captured.log();
 }
 
-void set_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t new_beg, std::uint32_t new_len) {
+void set_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t new_beg,
+               std::uint32_t new_len) {
     beg = new_beg;
     len = new_len;
 }
@@ -100,14 +101,15 @@ TEST(dump, prints_structure_and_text_to_streams_of_their_own) {
     const captured_output captured;
     std::ifstream unopened;
     two_parts().Dump(unopened);
-    EXPECT_EQ(captured.output_text(), ruler + "\nHello\r\n" + ruler + "\n" + ruler + "\n" + ruler + "\n");
+    EXPECT_EQ(captured.output_text(),
+              ruler + "\nHello\r\n" + ruler + "\n" + ruler + "\n" + ruler + "\n");
     EXPECT_EQ(captured.error_text().find("Hello"), std::string::npos);
     EXPECT_EQ(captured.error_text().find(ruler), std::string::npos);
 }
 
 TEST(dump, lists_a_single_entity) {
-    const test_support::parse_outcome outcome =
-        test_support::parse("Subject: x\nContent-Type: text/html; a=b;\n c=\"d\"\n\nhi\n\nho\n", {.m_keep_text = true});
+    const test_support::parse_outcome outcome = test_support::parse(
+        "Subject: x\nContent-Type: text/html; a=b;\n c=\"d\"\n\nhi\n\nho\n", {.m_keep_text = true});
     EXPECT_EQ(dump_log(outcome.m_message), "e| *** Dumping email structure ***\n"
                                            "e|    MIME OBJECT 1 text/html lines=3 size=7\n"
                                            "e|    Headers (0-49) 2\n"
@@ -127,12 +129,13 @@ TEST(dump, lists_a_single_entity) {
 }
 
 TEST(dump, lists_what_an_empty_input_leaves) {
-    EXPECT_EQ(dump_log(test_support::parse("").m_message), "e| *** Dumping email structure ***\n"
-                                                           "e|    MIME OBJECT 1 / lines=0 size=0\n"
-                                                           "e|      Body(...)\n"
-                                                           "o|----------------------------------------\n"
-                                                           "o|----------------------------------------\n"
-                                                           "e| *** End of email structure ***\n");
+    EXPECT_EQ(dump_log(test_support::parse("").m_message),
+              "e| *** Dumping email structure ***\n"
+              "e|    MIME OBJECT 1 / lines=0 size=0\n"
+              "e|      Body(...)\n"
+              "o|----------------------------------------\n"
+              "o|----------------------------------------\n"
+              "e| *** End of email structure ***\n");
 }
 
 TEST(dump, lists_empty_ranges_of_a_container) {
@@ -157,7 +160,8 @@ TEST(dump, numbers_entities_within_their_parents) {
     message.m_root.get_obj();
     const std::string log = dump_log(message);
     std::string numbers;
-    for (std::size_t at = log.find("OBJECT "); at != std::string::npos; at = log.find("OBJECT ", at + 1))
+    for (std::size_t at = log.find("OBJECT "); at != std::string::npos;
+         at = log.find("OBJECT ", at + 1))
         numbers += log.substr(at + 7, 2);
     EXPECT_EQ(numbers, "1 1 2 1 2 3 ");
 }
@@ -217,16 +221,18 @@ TEST(dump, keeps_rulers_of_leaves_without_text) {
 TEST(dump, keeps_kept_text_as_it_is) {
     MailStructure message;
     message.m_root.m_body_text = std::string("a\0b\x1b[1m without an end", 22);
-    EXPECT_NE(dump_log(message).find(std::string("o|a\0b\x1b[1m without an end", 24) + ruler + "\n"),
-              std::string::npos);
+    EXPECT_NE(
+        dump_log(message).find(std::string("o|a\0b\x1b[1m without an end", 24) + ruler + "\n"),
+        std::string::npos);
 }
 
 TEST(dump, keeps_indentation_at_32_blanks) {
     for (std::size_t length = 1; length <= 14; ++length) {
         std::vector<int> path(length, 7);
         const std::string indent(length < 11 ? 3 * length : 32, ' ');
-        EXPECT_EQ(dump_log(MimeObj(), path), "e|" + indent + " MIME OBJECT 7 text/plain lines=0 size=0\n" + "e|"
-                                                 + indent + "   Body(...)\n" + "o|" + ruler + "\no|" + ruler + "\n");
+        EXPECT_EQ(dump_log(MimeObj(), path),
+                  "e|" + indent + " MIME OBJECT 7 text/plain lines=0 size=0\n" + "e|" + indent
+                      + "   Body(...)\n" + "o|" + ruler + "\no|" + ruler + "\n");
     }
 }
 
@@ -235,7 +241,8 @@ TEST(dump, stops_indenting_at_the_eleventh_level) {
     MimeObj* at = &message.m_root;
     for (int level = 1; level < 13; ++level) at = at->get_obj();
     const std::string log = dump_log(message);
-    EXPECT_NE(log.find("\ne|" + std::string(31, ' ') + "MIME OBJECT"), std::string::npos); // level 10
+    EXPECT_NE(log.find("\ne|" + std::string(31, ' ') + "MIME OBJECT"),
+              std::string::npos); // level 10
     EXPECT_NE(log.find("\ne|" + std::string(33, ' ') + "MIME OBJECT"), std::string::npos);
     EXPECT_EQ(log.find("\ne|" + std::string(34, ' ') + "MIME OBJECT"), std::string::npos);
     EXPECT_EQ(log.find("\ne|" + std::string(37, ' ') + "MIME OBJECT"), std::string::npos);
@@ -258,7 +265,8 @@ TEST(dump, changes_nothing_in_the_tree) {
 }
 
 TEST(dump, keeps_file_unread) {
-    const std::string file_name = testing::TempDir() + "mailstructure_dump_test_" + std::to_string(getpid()) + ".txt";
+    const std::string file_name =
+        testing::TempDir() + "mailstructure_dump_test_" + std::to_string(getpid()) + ".txt";
     std::ofstream(file_name) << "some text\n";
     {
         const captured_output captured;
@@ -285,7 +293,8 @@ TEST(dump, recurses_on_no_depth) {
         for (std::size_t level = 1; level < levels; ++level) at = at->get_obj();
         const std::string log = dump_log(message);
         std::size_t listed = 0;
-        for (std::size_t place = log.find("OBJECT"); place != std::string::npos; place = log.find("OBJECT", place + 1))
+        for (std::size_t place = log.find("OBJECT"); place != std::string::npos;
+             place = log.find("OBJECT", place + 1))
             ++listed;
         EXPECT_EQ(listed, levels);
     });

@@ -1,5 +1,5 @@
-// Messages nested as deep as their size allows, a few bytes a level. Whatever is done with such a tree is
-// done on a stack far too small for anything that recurses on its depth.
+// Messages nested as deep as their size allows, a few bytes a level. Whatever is done with such a
+// tree is done on a stack far too small for anything that recurses on its depth.
 
 #include <mail_structure.h>
 
@@ -34,14 +34,17 @@ struct shape {
 };
 
 constexpr std::array<shape, 3> shapes = {{
-    // Each "C:" is a Content-Type field without a value, which makes its entity a message. The blank line
+    // Each "C:" is a Content-Type field without a value, which makes its entity a message. The
+    // blank line
     // right after it is dropped, the next one ends its header block; only the root needs no second.
     {"messages", "C:\n\n", "C:\n\n\n", 1, "a:\n\n\n1\n"},
     {"multiparts", "c:multipart/;b=X\n--X\n", "c:multipart/;b=X\n--X\n", 1, "a:\n\n1\n"},
-    {"messages_in_multiparts", "c:multipart/;b=X\n--X\n", "C:\n\nc:multipart/;b=X\n--X\n", 2, "a:\n\n1\n"},
+    {"messages_in_multiparts", "c:multipart/;b=X\n--X\n", "C:\n\nc:multipart/;b=X\n--X\n", 2,
+     "a:\n\n1\n"},
 }};
 
-/// How the parse ends: with the input, or at a byte that cannot stand in a line, in the deepest entity.
+/// How the parse ends: with the input, or at a byte that cannot stand in a line, in the deepest
+/// entity.
 enum class ending : std::uint8_t { end_of_input, stray_byte };
 
 struct depth_case {
@@ -55,9 +58,11 @@ struct depth_case {
 class nest_buffer : public std::streambuf {
 public:
     explicit nest_buffer(const depth_case& wanted)
-        : m_piece(wanted.m_shape.m_first), m_unit(wanted.m_shape.m_unit), m_innermost(wanted.m_shape.m_innermost),
+        : m_piece(wanted.m_shape.m_first), m_unit(wanted.m_shape.m_unit),
+          m_innermost(wanted.m_shape.m_innermost),
           m_units_left((wanted.m_levels - 2) / wanted.m_shape.m_levels_of_unit) {
-        if (wanted.m_ending == ending::stray_byte) m_innermost.append("2").append(1, '\0').append("3\n");
+        if (wanted.m_ending == ending::stray_byte)
+            m_innermost.append("2").append(1, '\0').append("3\n");
         hand_out();
     }
 
@@ -90,7 +95,8 @@ struct measured {
 
 measured measure(const entity& root) {
     measured result;
-    for (const entity* at = &root; at != nullptr; at = at->m_children.empty() ? nullptr : &at->m_children.back()) {
+    for (const entity* at = &root; at != nullptr;
+         at = at->m_children.empty() ? nullptr : &at->m_children.back()) {
         ++result.m_levels;
         result.m_levels_with_one_line += at->m_lines == 1 ? 1U : 0U;
         result.m_innermost = at;
@@ -136,7 +142,8 @@ private:
 /// Sends a standard stream elsewhere for as long as it lives.
 class redirected {
 public:
-    redirected(std::ostream& stream, std::streambuf& target) : m_stream(stream), m_before(stream.rdbuf(&target)) {}
+    redirected(std::ostream& stream, std::streambuf& target)
+        : m_stream(stream), m_before(stream.rdbuf(&target)) {}
     ~redirected() { m_stream.rdbuf(m_before); }
     redirected(const redirected&) = delete;
     redirected& operator=(const redirected&) = delete;
@@ -155,8 +162,9 @@ void expect_dump(const MailStructure& message, std::size_t levels) {
         std::ifstream unread;
         message.Dump(unread);
     }
-    EXPECT_GE(errors.lines(), 2 + levels * 6); // an entity has its own line, and five for ranges and its field
-    EXPECT_EQ(output.lines(), 2U);             // the rulers of the one leaf
+    EXPECT_GE(errors.lines(),
+              2 + levels * 6);     // an entity has its own line, and five for ranges and its field
+    EXPECT_EQ(output.lines(), 2U); // the rulers of the one leaf
 }
 
 class nested : public testing::TestWithParam<depth_case> {
@@ -173,7 +181,8 @@ protected:
         nest_buffer buffer(GetParam());
         std::istream in(&buffer);
         const bool stray = GetParam().m_ending == ending::stray_byte;
-        EXPECT_EQ(test_support::fill(message, in), stray ? "runtime_error: error in io input data" : "");
+        EXPECT_EQ(test_support::fill(message, in),
+                  stray ? "runtime_error: error in io input data" : "");
         EXPECT_EQ(message.m_done, !stray);
     }
 };

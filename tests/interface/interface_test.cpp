@@ -1,5 +1,5 @@
-// The shape of the public interface: names, types, order and size of the members. A change here changes the
-// binary interface and needs a new SOVERSION.
+// The shape of the public interface: names, types, order and size of the members. A change here
+// changes the binary interface and needs a new SOVERSION.
 
 #include <mail_structure.h>
 
@@ -25,34 +25,45 @@ static_assert(std::is_same_v<decltype(MailStructure::m_done), bool>);
 static_assert(std::is_same_v<decltype(MailStructure::m_keep_text), bool>);
 static_assert(std::is_same_v<decltype(MailStructure::m_root), MimeObj>);
 static_assert(std::is_same_v<decltype(MailStructure::m_memlimit), std::uint32_t>);
-static_assert(std::is_same_v<decltype(&MailStructure::m_memlimit), std::uint32_t*>); // a static member
+static_assert(
+    std::is_same_v<decltype(&MailStructure::m_memlimit), std::uint32_t*>); // a static member
 static_assert(std::is_same_v<decltype(_lib_version), const std::uint32_t>);
 
-static_assert(std::is_same_v<decltype(&MailStructure::Fill), void (MailStructure::*)(std::istream&)>);
-static_assert(std::is_same_v<decltype(&MailStructure::Dump), void (MailStructure::*)(std::ifstream&) const>);
-static_assert(std::is_same_v<decltype(&MailStructure::push), MimeObj* (MailStructure::*)(std::vector<MimeObj*>&)>);
-static_assert(std::is_same_v<decltype(&MailStructure::pop), MimeObj* (MailStructure::*)(std::vector<MimeObj*>&)>);
 static_assert(
-    std::is_same_v<decltype(&MailStructure::add_contents_line_to_all),
-                   void (MailStructure::*)(const std::vector<MimeObj*>&, std::uint32_t, std::uint32_t, std::uint32_t)>);
+    std::is_same_v<decltype(&MailStructure::Fill), void (MailStructure::*)(std::istream&)>);
+static_assert(
+    std::is_same_v<decltype(&MailStructure::Dump), void (MailStructure::*)(std::ifstream&) const>);
+static_assert(std::is_same_v<decltype(&MailStructure::push),
+                             MimeObj* (MailStructure::*)(std::vector<MimeObj*>&)>);
+static_assert(std::is_same_v<decltype(&MailStructure::pop),
+                             MimeObj* (MailStructure::*)(std::vector<MimeObj*>&)>);
+static_assert(std::is_same_v<decltype(&MailStructure::add_contents_line_to_all),
+                             void (MailStructure::*)(const std::vector<MimeObj*>&, std::uint32_t,
+                                                     std::uint32_t, std::uint32_t)>);
 
 static_assert(std::is_same_v<decltype(&MimeObj::clear), void (MimeObj::*)()>);
+static_assert(std::is_same_v<decltype(&MimeObj::find_header_full),
+                             const header* (MimeObj::*)(const std::string&) const>);
 static_assert(
-    std::is_same_v<decltype(&MimeObj::find_header_full), const header* (MimeObj::*)(const std::string&) const>);
-static_assert(std::is_same_v<decltype(&MimeObj::find_header),
-                             const std::string* (MimeObj::*)(const std::string&, const std::string*) const>);
-static_assert(std::is_same_v<decltype(&MimeObj::add_mime_line), void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
-static_assert(std::is_same_v<decltype(&MimeObj::add_header), void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
-static_assert(std::is_same_v<decltype(&MimeObj::add_contents_line), void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
-static_assert(std::is_same_v<decltype(&MimeObj::add_body_line),
-                             void (MimeObj::*)(bool, std::string&, std::uint32_t, std::uint32_t, bool)>);
+    std::is_same_v<decltype(&MimeObj::find_header),
+                   const std::string* (MimeObj::*)(const std::string&, const std::string*) const>);
+static_assert(std::is_same_v<decltype(&MimeObj::add_mime_line),
+                             void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
+static_assert(std::is_same_v<decltype(&MimeObj::add_header),
+                             void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
+static_assert(std::is_same_v<decltype(&MimeObj::add_contents_line),
+                             void (MimeObj::*)(std::uint32_t, std::uint32_t)>);
+static_assert(
+    std::is_same_v<decltype(&MimeObj::add_body_line),
+                   void (MimeObj::*)(bool, std::string&, std::uint32_t, std::uint32_t, bool)>);
 static_assert(std::is_same_v<decltype(&MimeObj::get_obj), MimeObj* (MimeObj::*)()>);
 static_assert(std::is_same_v<decltype(&MimeObj::get_header), header* (MimeObj::*)()>);
 static_assert(std::is_same_v<decltype(&MimeObj::finalize), void (MimeObj::*)()>);
-static_assert(std::is_same_v<decltype(&MimeObj::Dump), void (MimeObj::*)(std::ifstream&, std::vector<int>&) const>);
-static_assert(
-    std::is_same_v<decltype(static_cast<bool (*)(const std::string&, const char*, std::uint32_t)>(&strncasecmp)),
-                   bool (*)(const std::string&, const char*, std::uint32_t)>);
+static_assert(std::is_same_v<decltype(&MimeObj::Dump),
+                             void (MimeObj::*)(std::ifstream&, std::vector<int>&) const>);
+static_assert(std::is_same_v<decltype(static_cast<bool (*)(const std::string&, const char*,
+                                                           std::uint32_t)>(&strncasecmp)),
+                             bool (*)(const std::string&, const char*, std::uint32_t)>);
 
 static_assert(std::is_same_v<decltype(MimeObj::m_children), std::vector<MimeObj>>);
 static_assert(std::is_same_v<decltype(MimeObj::m_headers), std::vector<header>>);
@@ -61,12 +72,14 @@ static_assert(std::is_same_v<decltype(header::m_params), parameter_list>);
 
 // Growing vectors must move entities: a copy would copy whole subtrees.
 static_assert(std::is_nothrow_default_constructible_v<header>);
-static_assert(std::is_nothrow_move_constructible_v<MimeObj> && std::is_nothrow_move_assignable_v<MimeObj>);
+static_assert(
+    std::is_nothrow_move_constructible_v<MimeObj> && std::is_nothrow_move_assignable_v<MimeObj>);
 static_assert(std::is_nothrow_move_constructible_v<header>);
 static_assert(std::is_nothrow_move_constructible_v<MailStructure>);
 static_assert(std::is_nothrow_destructible_v<MimeObj>);
 static_assert(std::is_copy_constructible_v<MimeObj> && std::is_copy_assignable_v<MimeObj>);
-static_assert(std::is_copy_constructible_v<MailStructure> && std::is_copy_assignable_v<MailStructure>);
+static_assert(
+    std::is_copy_constructible_v<MailStructure> && std::is_copy_assignable_v<MailStructure>);
 static_assert(!std::is_polymorphic_v<MimeObj> && !std::is_polymorphic_v<MailStructure>);
 
 /// Where the members of an object lie, in the order given.
@@ -80,9 +93,10 @@ std::vector<std::ptrdiff_t> places(const Object& object, Members... members) {
 
 TEST(interface, entity_has_its_members_in_order) {
     EXPECT_EQ(places(MimeObj(), &MimeObj::m_multipart, &MimeObj::m_message, &MimeObj::m_header_beg,
-                     &MimeObj::m_header_len, &MimeObj::m_mime_beg, &MimeObj::m_mime_len, &MimeObj::m_body_beg,
-                     &MimeObj::m_body_len, &MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, &MimeObj::m_contents_beg,
-                     &MimeObj::m_contents_len, &MimeObj::m_children, &MimeObj::m_headers, &MimeObj::m_parent,
+                     &MimeObj::m_header_len, &MimeObj::m_mime_beg, &MimeObj::m_mime_len,
+                     &MimeObj::m_body_beg, &MimeObj::m_body_len, &MimeObj::m_epilogue_beg,
+                     &MimeObj::m_epilogue_len, &MimeObj::m_contents_beg, &MimeObj::m_contents_len,
+                     &MimeObj::m_children, &MimeObj::m_headers, &MimeObj::m_parent,
                      &MimeObj::m_type, &MimeObj::m_subtype, &MimeObj::m_encoding, &MimeObj::m_lines,
                      &MimeObj::m_body_text, &MimeObj::m_epilogue_text, &MimeObj::m_body_last_empty,
                      &MimeObj::m_epilogue_last_empty),
@@ -92,13 +106,15 @@ TEST(interface, entity_has_its_members_in_order) {
 }
 
 TEST(interface, field_has_its_members_in_order) {
-    EXPECT_EQ(places(header(), &header::m_name, &header::m_value, &header::m_beg, &header::m_end, &header::m_params),
+    EXPECT_EQ(places(header(), &header::m_name, &header::m_value, &header::m_beg, &header::m_end,
+                     &header::m_params),
               (std::vector<std::ptrdiff_t>{0, 32, 64, 68, 72}));
     EXPECT_EQ(sizeof(header), 96U);
 }
 
 TEST(interface, parser_has_its_members_in_order) {
-    EXPECT_EQ(places(MailStructure(), &MailStructure::m_done, &MailStructure::m_keep_text, &MailStructure::m_root),
+    EXPECT_EQ(places(MailStructure(), &MailStructure::m_done, &MailStructure::m_keep_text,
+                     &MailStructure::m_root),
               (std::vector<std::ptrdiff_t>{0, 1, 8}));
     EXPECT_EQ(sizeof(MailStructure), 288U);
 }
@@ -107,9 +123,10 @@ TEST(interface, parser_has_its_members_in_order) {
 
 TEST(interface, ranges_and_counts_are_32_bit_words) {
     const std::vector<std::uint32_t MimeObj::*> words{
-        &MimeObj::m_header_beg,   &MimeObj::m_header_len,   &MimeObj::m_mime_beg,     &MimeObj::m_mime_len,
-        &MimeObj::m_body_beg,     &MimeObj::m_body_len,     &MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len,
-        &MimeObj::m_contents_beg, &MimeObj::m_contents_len, &MimeObj::m_lines};
+        &MimeObj::m_header_beg,   &MimeObj::m_header_len,   &MimeObj::m_mime_beg,
+        &MimeObj::m_mime_len,     &MimeObj::m_body_beg,     &MimeObj::m_body_len,
+        &MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, &MimeObj::m_contents_beg,
+        &MimeObj::m_contents_len, &MimeObj::m_lines};
     MimeObj entity;
     for (std::uint32_t MimeObj::*word : words) EXPECT_EQ((entity.*word)++, 0U);
     for (std::uint32_t MimeObj::*word : words) EXPECT_EQ(entity.*word, 1U);

@@ -77,7 +77,8 @@ TEST_P(case_compare, answers) {
     EXPECT_EQ(strncasecmp(row.m_s, row.m_p, row.m_n), row.m_result);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, case_compare, testing::ValuesIn(compare_cases), case_name<compare_case>);
+INSTANTIATE_TEST_SUITE_P(cases, case_compare, testing::ValuesIn(compare_cases),
+                         case_name<compare_case>);
 
 TEST(case_comparison, folds_ascii_letters_and_nothing_else) {
     for (int s = 0; s < 256; ++s) {

@@ -26,7 +26,8 @@ void mark(MimeObj& entity, std::uint32_t seed) {
     entity.add_header(seed, seed + 3);
     entity.add_contents_line(seed + 4, seed + 8);
     std::string line = "line " + std::to_string(seed);
-    MimeObj* const parent = std::exchange(entity.m_parent, nullptr); // the ancestors are marked on their own
+    MimeObj* const parent =
+        std::exchange(entity.m_parent, nullptr); // the ancestors are marked on their own
     entity.add_body_line(true, line, seed + 10, seed + 15, false);
     entity.add_body_line(true, line, seed + 20, seed + 26, true);
     entity.m_parent = parent;
@@ -64,12 +65,13 @@ std::string family_text() {
     return full_tree_text(root);
 }
 
-const char* const marked_leaf = "1 type7/subtype7 multipart message enc=encoding7 h=7+3 m=7+15 b=17+5 e=27+6 c=11+4 n=1"
-                                " body-last-empty epilogue-last-empty\n"
-                                "  7-10 \"name7\" \"value7\" (a \"b\") (c \"d\")\n"
-                                "  unset-0 \"\" \"\"\n"
-                                "  body \"line 7\\r\\n\"\n"
-                                "  epilogue \"line 7\\r\\n\"\n";
+const char* const marked_leaf =
+    "1 type7/subtype7 multipart message enc=encoding7 h=7+3 m=7+15 b=17+5 e=27+6 c=11+4 n=1"
+    " body-last-empty epilogue-last-empty\n"
+    "  7-10 \"name7\" \"value7\" (a \"b\") (c \"d\")\n"
+    "  unset-0 \"\" \"\"\n"
+    "  body \"line 7\\r\\n\"\n"
+    "  epilogue \"line 7\\r\\n\"\n";
 
 TEST(new_entity, has_the_defaults) {
     const MimeObj entity;
@@ -198,7 +200,8 @@ TEST(copy, keeps_parent_pointers_of_the_original) {
     EXPECT_EQ(copy.m_parent, &outer);
     EXPECT_EQ(copy.m_children[0].m_parent, original);
     EXPECT_EQ(copy.m_children[1].m_parent, original);
-    EXPECT_EQ(copy.m_children[1].m_children[0].m_parent, original->m_children[1].m_children[0].m_parent);
+    EXPECT_EQ(copy.m_children[1].m_children[0].m_parent,
+              original->m_children[1].m_children[0].m_parent);
     EXPECT_EQ(copy.m_children[1].m_children[0].m_parent, &original->m_children[1]);
     MimeObj assigned;
     assigned = *original;
@@ -283,7 +286,8 @@ TEST(move, takes_everything_and_leaves_containers_empty) {
     EXPECT_EQ(full_tree_text(moved), family_text());
     EXPECT_EQ(moved.m_children.data(), first_child);
     EXPECT_EQ(moved.m_parent, &parent);
-    EXPECT_TRUE(original.m_children.empty()); // NOLINT(bugprone-use-after-move): this state is promised
+    EXPECT_TRUE(
+        original.m_children.empty()); // NOLINT(bugprone-use-after-move): this state is promised
     EXPECT_TRUE(original.m_headers.empty());
     original.clear();
     EXPECT_EQ(full_tree_text(original), "1 /\n");
@@ -323,7 +327,8 @@ TEST(move, assignment_to_itself_leaves_it_usable) {
 }
 
 TEST(move, happens_when_a_vector_of_entities_grows) {
-    static_assert(std::is_nothrow_move_constructible_v<MimeObj> && std::is_nothrow_move_assignable_v<MimeObj>);
+    static_assert(std::is_nothrow_move_constructible_v<
+                      MimeObj> && std::is_nothrow_move_assignable_v<MimeObj>);
     std::vector<MimeObj> entities(1);
     make_family(entities[0]);
     const MimeObj* const grandchildren = entities[0].m_children[1].m_children.data();

@@ -49,23 +49,27 @@ const lookup_case lookup_cases[] = {
 class field_lookup : public testing::TestWithParam<lookup_case> {};
 
 TEST_P(field_lookup, finds) {
-    const MailStructure::MimeObj entity = entity_with_fields({"X-Subject", "Subject-Line", "SUBJECT", "To", ""});
+    const MailStructure::MimeObj entity =
+        entity_with_fields({"X-Subject", "Subject-Line", "SUBJECT", "To", ""});
     const lookup_case& row = GetParam();
     const std::string fallback = "fallback";
     if (row.m_found < 0) {
         EXPECT_EQ(entity.find_header_full(row.m_query), nullptr);
         EXPECT_EQ(entity.find_header(row.m_query, &fallback), &fallback);
     } else {
-        const MailStructure::header& wanted = entity.m_headers[static_cast<std::size_t>(row.m_found)];
+        const MailStructure::header& wanted =
+            entity.m_headers[static_cast<std::size_t>(row.m_found)];
         EXPECT_EQ(entity.find_header_full(row.m_query), &wanted);
         EXPECT_EQ(entity.find_header(row.m_query, &fallback), &wanted.m_value);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, field_lookup, testing::ValuesIn(lookup_cases), case_name<lookup_case>);
+INSTANTIATE_TEST_SUITE_P(cases, field_lookup, testing::ValuesIn(lookup_cases),
+                         case_name<lookup_case>);
 
 TEST(field_lookups, keeps_lookup_by_the_beginning_of_a_name) {
-    const MailStructure::MimeObj entity = entity_with_fields({"X-Subject", "Subject-Line", "SUBJECT"});
+    const MailStructure::MimeObj entity =
+        entity_with_fields({"X-Subject", "Subject-Line", "SUBJECT"});
     EXPECT_EQ(entity.find_header_full("subject"), &entity.m_headers[1]);
     EXPECT_EQ(*entity.find_header("subject", nullptr), "value of Subject-Line");
 }

@@ -1,4 +1,5 @@
-// The stack of open entities as a host may drive it: push, pop, and lines for many entities at once.
+// The stack of open entities as a host may drive it: push, pop, and lines for many entities at
+// once.
 
 #include <mail_structure.h>
 
@@ -36,7 +37,8 @@ TEST(object_stack, push_opens_a_new_last_child_of_the_top) {
     EXPECT_EQ(grandchild, &child->m_children.back());
     EXPECT_EQ(child->m_parent, &message.m_root);
     EXPECT_EQ(grandchild->m_parent, child);
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n");
+    EXPECT_EQ(tree_text(message.m_root),
+              "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(object_stack, push_takes_the_top_whosever_it_is) {
@@ -122,7 +124,8 @@ TEST_P(contents_line_to_all, gives_tree) {
     EXPECT_EQ(stack.size(), 3U);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, contents_line_to_all, testing::ValuesIn(skip_cases), case_name<skip_case>);
+INSTANTIATE_TEST_SUITE_P(cases, contents_line_to_all, testing::ValuesIn(skip_cases),
+                         case_name<skip_case>);
 
 TEST(contents_lines, empty_stack_is_left_alone) {
     MailStructure message;
@@ -138,7 +141,8 @@ TEST(contents_lines, every_entity_grows_by_its_own_range) {
     message.add_contents_line_to_all(stack, 5, 9, 0);
     message.push(stack);
     message.add_contents_line_to_all(stack, 9, 12, 0);
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit c=5+7\n1.1 text/plain enc=7bit c=9+3\n");
+    EXPECT_EQ(tree_text(message.m_root),
+              "1 text/plain enc=7bit c=5+7\n1.1 text/plain enc=7bit c=9+3\n");
 }
 
 } // namespace

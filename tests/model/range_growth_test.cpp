@@ -33,16 +33,34 @@ struct growth_case {
 };
 
 const growth_case growth_cases[] = {
-    {"first_mime_line_sets_the_range", target::mime, {{100, 150}}, "1 text/plain enc=7bit m=100+50\n"},
-    {"next_mime_line_extends_it", target::mime, {{100, 150}, {150, 170}}, "1 text/plain enc=7bit m=100+70\n"},
-    {"lines_need_not_touch", target::mime, {{100, 110}, {200, 210}}, "1 text/plain enc=7bit m=100+110\n"},
-    {"mime_line_at_offset_0_stays", target::mime, {{0, 10}, {10, 15}}, "1 text/plain enc=7bit m=0+15\n"},
-    {"empty_mime_line_leaves_the_range_unset", target::mime, {{7, 7}, {9, 12}}, "1 text/plain enc=7bit m=9+3\n"},
+    {"first_mime_line_sets_the_range",
+     target::mime,
+     {{100, 150}},
+     "1 text/plain enc=7bit m=100+50\n"},
+    {"next_mime_line_extends_it",
+     target::mime,
+     {{100, 150}, {150, 170}},
+     "1 text/plain enc=7bit m=100+70\n"},
+    {"lines_need_not_touch",
+     target::mime,
+     {{100, 110}, {200, 210}},
+     "1 text/plain enc=7bit m=100+110\n"},
+    {"mime_line_at_offset_0_stays",
+     target::mime,
+     {{0, 10}, {10, 15}},
+     "1 text/plain enc=7bit m=0+15\n"},
+    {"empty_mime_line_leaves_the_range_unset",
+     target::mime,
+     {{7, 7}, {9, 12}},
+     "1 text/plain enc=7bit m=9+3\n"},
     {"header_lines_grow_header_and_mime_range",
      target::header,
      {{0, 20}, {20, 45}},
      "1 text/plain enc=7bit h=0+45 m=0+45\n"},
-    {"empty_header_line_leaves_both_unset", target::header, {{5, 5}, {8, 10}}, "1 text/plain enc=7bit h=8+2 m=8+2\n"},
+    {"empty_header_line_leaves_both_unset",
+     target::header,
+     {{5, 5}, {8, 10}},
+     "1 text/plain enc=7bit h=8+2 m=8+2\n"},
     {"contents_lines_grow_the_contents_range",
      target::contents,
      {{40, 44}, {44, 52}},
@@ -55,8 +73,14 @@ const growth_case growth_cases[] = {
      target::contents,
      {{40, 40}, {60, 70}},
      "1 text/plain enc=7bit c=60+10\n"},
-    {"body_line_grows_body_mime_and_count", target::body, {{10, 25}}, "1 text/plain enc=7bit m=10+15 b=10+15 n=1\n"},
-    {"single_body_line_at_offset_0_is_the_body", target::body, {{0, 10}}, "1 text/plain enc=7bit m=0+10 b=0+10 n=1\n"},
+    {"body_line_grows_body_mime_and_count",
+     target::body,
+     {{10, 25}},
+     "1 text/plain enc=7bit m=10+15 b=10+15 n=1\n"},
+    {"single_body_line_at_offset_0_is_the_body",
+     target::body,
+     {{0, 10}},
+     "1 text/plain enc=7bit m=0+10 b=0+10 n=1\n"},
     {"second_body_line_begins_the_range_anew",
      target::body,
      {{0, 10}, {10, 25}},
@@ -69,7 +93,10 @@ const growth_case growth_cases[] = {
      target::epilogue,
      {{0, 10}, {10, 25}, {25, 30}},
      "1 text/plain enc=7bit e=0+30\n"},
-    {"empty_epilogue_line_leaves_the_range_unset", target::epilogue, {{3, 3}, {5, 6}}, "1 text/plain enc=7bit e=5+1\n"},
+    {"empty_epilogue_line_leaves_the_range_unset",
+     target::epilogue,
+     {{3, 3}, {5, 6}},
+     "1 text/plain enc=7bit e=5+1\n"},
 };
 
 void add_line(MimeObj& entity, target where, line_position line) {
@@ -102,11 +129,13 @@ TEST_P(range_growth, starts_afresh_after_clear) {
     EXPECT_EQ(tree_text(entity), GetParam().m_tree);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, range_growth, testing::ValuesIn(growth_cases), case_name<growth_case>);
+INSTANTIATE_TEST_SUITE_P(cases, range_growth, testing::ValuesIn(growth_cases),
+                         case_name<growth_case>);
 
 TEST(line_ranges, keeps_first_body_line_at_offset_0_out_of_the_body) {
     MimeObj entity;
-    for (const line_position line : {line_position{0, 10}, {10, 25}, {25, 30}}) add_line(entity, target::body, line);
+    for (const line_position line : {line_position{0, 10}, {10, 25}, {25, 30}})
+        add_line(entity, target::body, line);
     EXPECT_EQ(tree_text(entity), "1 text/plain enc=7bit m=0+30 b=10+20 n=3\n");
 }
 
@@ -158,9 +187,10 @@ TEST(lines_of_descendants, body_line_of_a_child_leaves_its_own_children_alone) {
     three_levels tree;
     std::string line;
     tree.m_child->add_body_line(false, line, 50, 51, false);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
-                                           "1.1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
-                                           "1.1.1 text/plain enc=7bit\n");
+    EXPECT_EQ(full_tree_text(tree.m_root),
+              "1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
+              "1.1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
+              "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(lines_of_descendants, ancestors_keep_where_their_ranges_begin) {
@@ -260,7 +290,8 @@ TEST(elements, children_are_appended_with_their_parent_set) {
     ASSERT_EQ(entity.m_children.size(), 2U);
     EXPECT_EQ(entity.m_children[0].m_parent, &entity);
     EXPECT_EQ(entity.m_children[1].m_parent, &entity);
-    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.2 text/plain enc=7bit\n");
+    EXPECT_EQ(full_tree_text(entity),
+              "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.2 text/plain enc=7bit\n");
 }
 
 TEST(elements, keeps_defaults_in_the_children_of_a_cleared_entity) {
@@ -295,7 +326,8 @@ TEST(elements, fields_are_appended_unset) {
     first->m_name = "A";
     MailStructure::header* second = entity.get_header();
     EXPECT_EQ(second, &entity.m_headers[1]);
-    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n  unset-0 \"A\" \"\"\n  unset-0 \"\" \"\"\n");
+    EXPECT_EQ(full_tree_text(entity),
+              "1 text/plain enc=7bit\n  unset-0 \"A\" \"\"\n  unset-0 \"\" \"\"\n");
 }
 
 TEST(elements, keeps_finalize_without_effect) {

@@ -1,12 +1,14 @@
-// The second parser, rule by rule. Its whole job is to be plainly right: it copies each line, looks at each
-// character, and walks every open entity for every line. Cost does not matter here.
+// The second parser, rule by rule. Its whole job is to be plainly right: it copies each line, looks
+// at each character, and walks every open entity for every line. Cost does not matter here.
 //
 // How a line travels:
 //
 //     next_line -> check_bytes -> dropped, if empty and first after a new entity
-//                              -> on_header_line     consumed, or the header block ends and the line goes on
-//                              -> open_entity        if the current entity is an encapsulated message;
-//                                                    the same line is then the first one of its header block
+//                              -> on_header_line     consumed, or the header block ends and the
+//                                                    line goes on
+//                              -> open_entity        if the innermost entity is an encapsulated
+//                                                    message; the same line is then the first one
+//                                                    of its header block
 //                              -> on_body_line or on_epilogue_line
 //
 // What single characters, texts and ranges do stands in reference_rules.h.
@@ -32,7 +34,8 @@ enum class takers : std::uint8_t { all_open, all_but_current };
 
 class parser {
 public:
-    parser(std::istream& in, const options& wanted, message& result) : m_in(in), m_wanted(wanted), m_result(result) {
+    parser(std::istream& in, const options& wanted, message& result)
+        : m_in(in), m_wanted(wanted), m_result(result) {
         entity root;
         root.m_type = root.m_subtype = root.m_encoding = ""; // a cleared entity, not a new one
         m_result.m_entities.push_back(root);
@@ -78,7 +81,8 @@ private:
     static void check_bytes(const input_line& line) {
         for (std::size_t i = 0; i < line.m_scan_end; ++i) {
             const char c = line.m_text[i];
-            if (c == '\r' || c == '\n' || c == '\0') throw std::runtime_error("error in io input data");
+            if (c == '\r' || c == '\n' || c == '\0')
+                throw std::runtime_error("error in io input data");
         }
     }
 
@@ -90,7 +94,8 @@ private:
         if (current().m_message) {
             open_entity();
             if (on_header_line(line) == verdict::consumed) return;
-            m_phase = phase::body; // the entity just opened took no field, so it is no message itself
+            m_phase =
+                phase::body; // the entity just opened took no field, so it is no message itself
         }
         if (m_phase == phase::body) {
             on_body_line(line);
@@ -150,7 +155,8 @@ private:
 
         std::size_t colon = 0;
         while (colon < line.m_scan_end && is_field_name_character(text[colon])) ++colon;
-        // Where the scan end comes first, the line is a field whatever stands there: "ab!" is a field "ab".
+        // Where the scan end comes first, the line is a field whatever stands there: "ab!" is a
+        // field "ab".
         if (colon < line.m_scan_end && text[colon] != ':') return verdict::block_ended;
         on_field_line(line, colon);
         return verdict::consumed;
@@ -211,7 +217,8 @@ private:
             take_parameters(text, semicolon);
         } else {
             // Spelled so: the usual "encoding" does not abbreviate it.
-            if (abbreviates(m_record->m_name, "content-transfer-enconding")) current().m_encoding = m_record->m_value;
+            if (abbreviates(m_record->m_name, "content-transfer-enconding"))
+                current().m_encoding = m_record->m_value;
             m_in_multipart_type = false;
         }
         end_header_line(line);
@@ -244,7 +251,8 @@ private:
         }
     }
 
-    /// Takes the parameters that follow position, up to the end of the line or to the first that is malformed.
+    /// Takes the parameters that follow position, up to the end of the line or to the first that is
+    /// malformed.
     /// @param position  index just before the first parameter, or npos where there is none
     void take_parameters(const std::string& text, std::size_t position) {
         while (position != std::string::npos) {

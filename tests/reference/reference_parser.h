@@ -1,6 +1,6 @@
-// A second implementation of the parser, written for clarity alone: it reads with std::getline, has one
-// branch a rule, and grows every ancestor on every line. It shares no code with the library, and the
-// tests hold the library's trees against its own.
+// A second implementation of the parser, written for clarity alone: it reads with std::getline, has
+// one branch a rule, and grows every ancestor on every line. It shares no code with the library,
+// and the tests hold the library's trees against its own.
 
 #ifndef TESTS_REFERENCE_REFERENCE_PARSER_H
 #define TESTS_REFERENCE_REFERENCE_PARSER_H
@@ -48,24 +48,26 @@ struct entity {
 struct options {
     bool m_keep_text = false;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
-    std::uint32_t m_first_offset = 0; // offset given to the first byte read; anything but 0 is for tests of the wrap
+    std::uint32_t m_first_offset =
+        0; // offset given to the first byte read; anything but 0 is for tests of the wrap
 };
 
-/// One parsed message. All entities lie in m_entities, the root first and the others as they were opened,
-/// so that neither depth nor growth moves or nests them. Move it, do not copy it: the pointers in a copy
-/// lead into the original.
+/// One parsed message. All entities lie in m_entities, the root first and the others as they were
+/// opened, so that neither depth nor growth moves or nests them. Move it, do not copy it: the
+/// pointers in a copy lead into the original.
 struct message {
     std::deque<entity> m_entities;
     bool m_done = false;
-    /// Empty after a normal return, else "runtime_error: " and its text, "length_error", "bad_cast",
-    /// "bad_alloc", "ios_failure" or "other" for what left the parse. The tree holds what was built until then.
+    /// Empty after a normal return, else "runtime_error: " and its text, "length_error",
+    /// "bad_cast", "bad_alloc", "ios_failure" or "other" for what left the parse. The tree holds
+    /// what was built until then.
     std::string m_error;
 
     const entity& root() const { return m_entities.front(); }
 };
 
-/// Parses the stream from its present position to its end. Throws nothing that the stream or the input
-/// gives rise to: that is told in m_error. Costs one step for each open entity and line.
+/// Parses the stream from its present position to its end. Throws nothing that the stream or the
+/// input gives rise to: that is told in m_error. Costs one step for each open entity and line.
 message parse(std::istream& in, const options& wanted);
 
 } // namespace reference

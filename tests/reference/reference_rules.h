@@ -1,5 +1,6 @@
-// The small rules under the reference parser: what a line is, which characters are blanks and letters, how
-// names are compared, what a boundary line looks like, and how a byte range takes a line.
+// The small rules under the reference parser: what a line is, which characters are blanks and
+// letters, how names are compared, what a boundary line looks like, and how a byte range takes a
+// line.
 //
 // All offsets, lengths and counts are 32 bits wide and wrap.
 
@@ -22,9 +23,12 @@ struct input_line {
     std::size_t m_scan_end = 0; // the end of the text after a stripped CR, else one short of it
 };
 
-// ---------------------------------------------------------------------------------------- characters
+// ----------------------------------------------------------------------------------------
+// characters
 
-inline bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+inline bool is_space(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
 
 inline bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
@@ -32,7 +36,9 @@ inline bool is_field_name_character(char c) { return is_letter(c) || c == '-'; }
 
 inline bool is_parameter_name_character(char c) { return is_letter(c) || c == '-' || c == '_'; }
 
-inline char lower_case(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+inline char lower_case(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 /// Whether text begins with start, ASCII case ignored.
 inline bool begins_with(const std::string& text, const std::string& start) {
@@ -43,7 +49,9 @@ inline bool begins_with(const std::string& text, const std::string& start) {
 }
 
 /// Names are abbreviations: "c" and "Content" are both "content-type", and so is the empty name.
-inline bool abbreviates(const std::string& name, const std::string& literal) { return begins_with(literal, name); }
+inline bool abbreviates(const std::string& name, const std::string& literal) {
+    return begins_with(literal, name);
+}
 
 /// Removes what the global locale calls space, at both ends.
 inline std::string trimmed(std::string text) {
@@ -63,7 +71,8 @@ inline boundary_match match_boundary(const std::string& text, const std::string&
     return boundary_match::none;
 }
 
-// -------------------------------------------------------------------------------------------- ranges
+// --------------------------------------------------------------------------------------------
+// ranges
 
 /// Sets an unset range to the line, and lets a set one end where the line ends.
 inline void grow(byte_range& range, bool unset, const input_line& line) {
@@ -75,7 +84,9 @@ inline void grow(byte_range& range, bool unset, const input_line& line) {
 inline void grow(byte_range& range, const input_line& line) { grow(range, range.m_len == 0, line); }
 
 /// The body's is unset while it begins at 0, so a body that does begin there loses its first line.
-inline void grow_body(byte_range& range, const input_line& line) { grow(range, range.m_beg == 0, line); }
+inline void grow_body(byte_range& range, const input_line& line) {
+    grow(range, range.m_beg == 0, line);
+}
 
 inline void add_header(entity& owner, const input_line& line) {
     grow(owner.m_mime, line);
@@ -93,7 +104,8 @@ inline void add_body_line(entity& owner, bool keep_text, const input_line& line)
     }
 }
 
-/// An epilogue line grows the epilogues, and nothing else, of its entity and of all entities around that.
+/// An epilogue line grows the epilogues, and nothing else, of its entity and of all entities around
+/// that.
 inline void add_epilogue_line(entity& owner, bool keep_text, const input_line& line) {
     for (entity* e = &owner; e != nullptr; e = e->m_parent) {
         grow(e->m_epilogue, line);

@@ -17,7 +17,8 @@ std::string rest_of(std::istream& in) {
     try {
         for (;;) {
             const auto byte = in.rdbuf()->sbumpc();
-            if (std::char_traits<char>::eq_int_type(byte, std::char_traits<char>::eof())) return rest;
+            if (std::char_traits<char>::eq_int_type(byte, std::char_traits<char>::eof()))
+                return rest;
             rest += std::char_traits<char>::to_char_type(byte);
         }
     } catch (...) {
@@ -50,9 +51,9 @@ bool can_read(std::istream& in, std::size_t lines) {
 } // namespace
 
 std::ostream& operator<<(std::ostream& out, const after_reading& found) {
-    return out << "error \"" << found.m_error << "\", state " << found.m_state << ", mask " << found.m_mask
-               << ", gcount " << found.m_count << ", available " << found.m_available << ", rest \""
-               << escaped(found.m_rest) << '"';
+    return out << "error \"" << found.m_error << "\", state " << found.m_state << ", mask "
+               << found.m_mask << ", gcount " << found.m_count << ", available "
+               << found.m_available << ", rest \"" << escaped(found.m_rest) << '"';
 }
 
 after_reading after_getline(std::istream& in, std::size_t lines, const std::string& own_error) {

@@ -1,5 +1,6 @@
-// Messages that between them reach every place at which the library allocates: texts too long to be kept inside a
-// string object, containers that grow more than once, deep and broad trees, and fields past the memory limit.
+// Messages that between them reach every place at which the library allocates: texts too long to be
+// kept inside a string object, containers that grow more than once, deep and broad trees, and
+// fields past the memory limit.
 
 #ifndef TESTS_ROBUSTNESS_ALLOCATING_MESSAGES_H
 #define TESTS_ROBUSTNESS_ALLOCATING_MESSAGES_H
@@ -15,11 +16,14 @@ struct allocating_message {
     std::string m_name; // fit for the name of a test
     std::string m_input;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
-    std::uint32_t m_first_offset = 0; // such that the offsets wrap inside the message, for the ranges are then watched
+    std::uint32_t m_first_offset =
+        0; // such that the offsets wrap inside the message, for the ranges are then watched
 };
 
 /// How a failed test names the message.
-inline void PrintTo(const allocating_message& message, std::ostream* out) { *out << message.m_name; }
+inline void PrintTo(const allocating_message& message, std::ostream* out) {
+    *out << message.m_name;
+}
 
 /// The messages written for this, then some of the message generator's.
 std::vector<allocating_message> allocating_messages();

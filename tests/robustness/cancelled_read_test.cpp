@@ -1,5 +1,5 @@
-// A thread that is cancelled while Fill reads a file: it ends, the stream tells of the failure, and the file stands behind
-// the last line that is in the tree.
+// A thread that is cancelled while Fill reads a file: it ends, the stream tells of the failure, and
+// the file stands behind the last line that is in the tree.
 
 #include <mail_structure.h>
 

@@ -1,4 +1,5 @@
-// Fill when memory runs out: each allocation of each message fails once, alone and with all that follow it.
+// Fill when memory runs out: each allocation of each message fails once, alone and with all that
+// follow it.
 
 #include <mail_structure.h>
 
@@ -34,7 +35,8 @@ struct run_options {
     std::ios_base::iostate m_mask;
 };
 
-/// Without a mask std::getline keeps a failure to enlarge the line to itself; with badbit in it, it does not.
+/// Without a mask std::getline keeps a failure to enlarge the line to itself; with badbit in it, it
+/// does not.
 const run_options all_runs[] = {
     {test_support::all_bytes, memory::comes_back, std::ios_base::goodbit},
     {test_support::all_bytes, memory::stays_out, std::ios_base::badbit},
@@ -57,8 +59,8 @@ struct failed_run {
     std::size_t m_taken = 0; // bytes
 };
 
-failed_run run(MailStructure& message, const allocating_message& filled_with, const run_options& options,
-               std::size_t failing) {
+failed_run run(MailStructure& message, const allocating_message& filled_with,
+               const run_options& options, std::size_t failing) {
     failed_run result;
     window_stream in(filled_with.m_input, options.m_window);
     in.exceptions(options.m_mask);
@@ -72,7 +74,8 @@ failed_run run(MailStructure& message, const allocating_message& filled_with, co
             result.m_error = "ios_failure";
         } catch (const std::runtime_error& error) {
             const bool is_ours = std::strcmp(error.what(), "error in io input data") == 0;
-            result.m_error = is_ours ? "runtime_error: error in io input data" : "another runtime_error";
+            result.m_error =
+                is_ours ? "runtime_error: error in io input data" : "another runtime_error";
         } catch (const std::length_error&) {
             result.m_error = "length_error";
         } catch (...) {
@@ -91,7 +94,8 @@ protected:
     bool keep_text() const { return std::get<1>(GetParam()); }
 
     /// The tree is as far as the bytes taken tell, and what left Fill is what should.
-    std::string judged(const MailStructure& message, const failed_run& result, const run_options& options) const {
+    std::string judged(const MailStructure& message, const failed_run& result,
+                       const run_options& options) const {
         const std::size_t lines = m_steps.lines_within(result.m_taken);
         if (std::strcmp(result.m_error, "bad_alloc") == 0) {
             if (message.m_done) return "m_done is set";
@@ -99,7 +103,8 @@ protected:
             return test_support::progress_difference(message.m_root, m_steps.after(before).root(),
                                                      m_steps.after(lines).root());
         }
-        // std::getline could not enlarge the line, and said so by badbit alone: the input ended there.
+        // std::getline could not enlarge the line, and said so by badbit alone: the input ended
+        // there.
         if (!result.m_went_bad || (reads_in_place && options.m_window != 0))
             return std::string("left with ") + result.m_error;
         return test_support::first_difference(message, result.m_error, m_steps.after(lines));
@@ -110,7 +115,8 @@ protected:
         return test_support::first_difference(message, result.m_error, m_steps.at_end());
     }
 
-    /// What the tests themselves keep from one comparison to the next is allocated before the counting.
+    /// What the tests themselves keep from one comparison to the next is allocated before the
+    /// counting.
     void SetUp() override {
         MailStructure message;
         message.m_keep_text = keep_text();
@@ -130,13 +136,16 @@ protected:
                 const failed_run result = run(message, filled_with(), options, failing);
                 goes_on = result.m_has_sprung;
                 const std::string difference =
-                    result.m_has_sprung ? judged(message, result, options)
-                                        : test_support::first_difference(message, result.m_error, m_steps.at_end());
-                ASSERT_EQ(difference, "") << "allocation " << failing << ", window " << options.m_window;
+                    result.m_has_sprung
+                        ? judged(message, result, options)
+                        : test_support::first_difference(message, result.m_error, m_steps.at_end());
+                ASSERT_EQ(difference, "")
+                    << "allocation " << failing << ", window " << options.m_window;
                 message.m_done = false;
                 ASSERT_EQ(refilled(message), "") << "in the next Fill, allocation " << failing;
             }
-            ASSERT_EQ(test_support::live_allocations(), live_before) << "leaked, allocation " << failing;
+            ASSERT_EQ(test_support::live_allocations(), live_before)
+                << "leaked, allocation " << failing;
         }
     }
 
@@ -150,19 +159,22 @@ private:
     }
 
     test_support::memory_limit m_limit{filled_with().m_memlimit};
-    parse_steps m_steps{filled_with().m_input, {keep_text(), filled_with().m_memlimit, filled_with().m_first_offset}};
+    parse_steps m_steps{filled_with().m_input,
+                        {keep_text(), filled_with().m_memlimit, filled_with().m_first_offset}};
 };
 
 TEST_P(failed_fill, leaves_the_tree_as_far_as_built) {
     for (const run_options& options : all_runs) run_all(options);
 }
 
-/// The trees of these have records of all kinds for the next message to use, and more of some than it wants.
+/// The trees of these have records of all kinds for the next message to use, and more of some than
+/// it wants.
 TEST_P(failed_fill, leaves_the_tree_as_far_as_built_in_a_used_parser) {
     static const std::vector<allocating_message> all = test_support::allocating_messages();
     for (const allocating_message& before : all) {
-        for (const char* const name : {"many_fields", "many_parameters", "many_full_parts", "deep_multiparts",
-                                       "multiparts_and_messages_mixed", "name_without_colon_at_depth"}) {
+        for (const char* const name :
+             {"many_fields", "many_parameters", "many_full_parts", "deep_multiparts",
+              "multiparts_and_messages_mixed", "name_without_colon_at_depth"}) {
             if (before.m_name == name) run_all(all_runs[0], &before);
         }
         if (before.m_name == filled_with().m_name) run_all(all_runs[1], &before);
@@ -174,7 +186,8 @@ std::string name_of(const testing::TestParamInfo<std::tuple<allocating_message, 
 }
 
 INSTANTIATE_TEST_SUITE_P(messages, failed_fill,
-                         testing::Combine(testing::ValuesIn(test_support::allocating_messages()), testing::Bool()),
+                         testing::Combine(testing::ValuesIn(test_support::allocating_messages()),
+                                          testing::Bool()),
                          name_of);
 
 } // namespace

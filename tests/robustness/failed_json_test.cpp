@@ -1,5 +1,5 @@
-// The JSON writer when memory runs out: std::bad_alloc, nothing leaked, and nothing handed on of a document that was
-// not finished but the blocks that it had filled.
+// The JSON writer when memory runs out: std::bad_alloc, nothing leaked, and nothing handed on of a
+// document that was not finished but the blocks that it had filled.
 
 #include "mailstructure/json_writer.h"
 #include "robustness/failing_new.h"
@@ -32,13 +32,14 @@ private:
     std::streamsize m_bytes = 0;
 };
 
-/// Deep enough for the stacks of the writer and of the walk to grow; with values that are not UTF-8. All but the pretty
-/// form of it fits in a block.
+/// Deep enough for the stacks of the writer and of the walk to grow; with values that are not
+/// UTF-8. All but the pretty form of it fits in a block.
 constexpr int levels = 20;
 
 std::string message_text() {
     std::string text;
-    for (int level = 1; level < levels; ++level) text += "MIME-Version: 1.0\nContent-Type: message/rfc822\n\n";
+    for (int level = 1; level < levels; ++level)
+        text += "MIME-Version: 1.0\nContent-Type: message/rfc822\n\n";
     return text
            + "Subject: long enough to be kept outside the string, gr\xFCn\n"
              "Content-Type: text/plain; charset=\"a-character-set-with-a-long-name\"; name=\"\xE4 file with a long "
@@ -53,7 +54,8 @@ TEST_P(failed_json, hands_on_no_piece_and_leaks_nothing) {
     std::istringstream stream(text);
     MailStructure message;
     message.Fill(stream);
-    const json_message source = {"a file name that is kept outside the string", text, 0, message.m_root};
+    const json_message source = {"a file name that is kept outside the string", text, 0,
+                                 message.m_root};
     for (const memory afterwards : {memory::comes_back, memory::stays_out}) {
         std::size_t failing = 0;
         for (bool has_failed = true; has_failed; ++failing) {
@@ -72,7 +74,8 @@ TEST_P(failed_json, hands_on_no_piece_and_leaks_nothing) {
                 ASSERT_EQ(has_failed, trap.has_sprung()) << "allocation " << failing;
             }
             ASSERT_EQ(live_allocations(), live_before) << "leaked, allocation " << failing;
-            const std::streamsize beyond_blocks = counted.bytes() % std::streamsize{json_output::block_size};
+            const std::streamsize beyond_blocks =
+                counted.bytes() % std::streamsize{json_output::block_size};
             ASSERT_EQ(beyond_blocks == 0, has_failed) << "allocation " << failing;
             ASSERT_TRUE(!has_failed || counted.bytes() == 0 || GetParam() == json_form::pretty);
         }
@@ -80,6 +83,7 @@ TEST_P(failed_json, hands_on_no_piece_and_leaks_nothing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(json, failed_json, testing::Values(json_form::line, json_form::pretty, json_form::flat));
+INSTANTIATE_TEST_SUITE_P(json, failed_json,
+                         testing::Values(json_form::line, json_form::pretty, json_form::flat));
 
 } // namespace

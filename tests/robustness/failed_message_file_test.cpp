@@ -1,4 +1,5 @@
-// A parsed file when memory runs out: a fault like any other, wherever the parse and the moving of its offsets have got to.
+// A parsed file when memory runs out: a fault like any other, wherever the parse and the moving of
+// its offsets have got to.
 
 #include "common/message_file.h"
 #include "robustness/failing_new.h"
@@ -19,7 +20,8 @@ TEST(failed_message_file, tells_that_memory_is_out) {
     for (int part = 0; part < 40; ++part) contents += "--b\nA: b\n\nx\n";
     std::string name = testing::TempDir() + "failed_message_file_XXXXXX";
     const int descriptor = ::mkstemp(name.data());
-    ASSERT_EQ(::write(descriptor, contents.data(), contents.size()), static_cast<ssize_t>(contents.size()));
+    ASSERT_EQ(::write(descriptor, contents.data(), contents.size()),
+              static_cast<ssize_t>(contents.size()));
     ::close(descriptor);
     std::size_t failing = 0;
     for (bool has_failed = true; has_failed; ++failing) {
@@ -31,7 +33,8 @@ TEST(failed_message_file, tells_that_memory_is_out) {
             std::optional<input_fault> fault;
             EXPECT_NO_THROW(fault = file.parse(message)) << failing;
             has_failed = trap.has_sprung();
-            EXPECT_EQ(fault ? fault->m_what : "", has_failed ? "cannot parse: out of memory" : "") << failing;
+            EXPECT_EQ(fault ? fault->m_what : "", has_failed ? "cannot parse: out of memory" : "")
+                << failing;
         }
         EXPECT_EQ(live_allocations(), live_before) << failing;
     }

@@ -54,10 +54,11 @@ private:
 
 constexpr memory all_outcomes[] = {memory::comes_back, memory::stays_out};
 
-/// Calls act with one allocation after the other failing, until none is left to fail: the last call succeeds.
-/// After each that failed, calls check. What a failed call leaves allocated counts as leaked.
-/// Returns how many calls failed.
-std::size_t fail_each(memory afterwards, const std::function<void()>& act, const std::function<void()>& check) {
+/// Calls act with one allocation after the other failing, until none is left to fail: the last call
+/// succeeds. After each that failed, calls check. What a failed call leaves allocated counts as
+/// leaked. Returns how many calls failed.
+std::size_t fail_each(memory afterwards, const std::function<void()>& act,
+                      const std::function<void()>& check) {
     for (std::size_t failing = 0;; ++failing) {
         const std::size_t live_before = live_allocations();
         bool has_failed = false;
@@ -99,7 +100,9 @@ public:
 
     MimeObj& root() { return m_message.m_root; }
     /// Where the tree is no longer as Fill left it; empty when it is.
-    std::string change() const { return test_support::first_difference(m_message, m_error, m_wanted); }
+    std::string change() const {
+        return test_support::first_difference(m_message, m_error, m_wanted);
+    }
 
 private:
     MailStructure m_message;
@@ -109,7 +112,8 @@ private:
 
 const allocating_message small_message{"small", "a: b\n\nhi\n"};
 const allocating_message larger_message{
-    "larger", "C: multipart/mixed; b=X\n\n--X\nSubject: a value too long for a string object\n\nhi\n--X--\n"};
+    "larger",
+    "C: multipart/mixed; b=X\n\n--X\nSubject: a value too long for a string object\n\nhi\n--X--\n"};
 
 MimeObj& innermost_last(MimeObj& root) {
     MimeObj* at = &root;
@@ -131,7 +135,8 @@ TEST(failed_operation, copy_construction_leaves_the_original_as_it_was) {
     for_each_message([](const allocating_message&, filled_tree& original) {
         for (const memory afterwards : all_outcomes)
             fail_each(
-                afterwards, [&] { const MimeObj copy(original.root()); }, [&] { EXPECT_EQ(original.change(), ""); });
+                afterwards, [&] { const MimeObj copy(original.root()); },
+                [&] { EXPECT_EQ(original.change(), ""); });
         EXPECT_EQ(test_support::full_tree_text(MimeObj(original.root())),
                   test_support::full_tree_text(original.root()));
     });
@@ -148,7 +153,8 @@ TEST(failed_operation, assignment_leaves_both_sides_as_they_were) {
                         EXPECT_EQ(target.change(), "");
                         EXPECT_EQ(original.change(), "");
                     });
-                EXPECT_EQ(test_support::full_tree_text(target.root()), test_support::full_tree_text(original.root()));
+                EXPECT_EQ(test_support::full_tree_text(target.root()),
+                          test_support::full_tree_text(original.root()));
             }
         }
     });
@@ -160,7 +166,8 @@ TEST(failed_operation, assignment_from_the_innermost_leaves_the_tree_as_it_was) 
         for (const memory afterwards : all_outcomes) {
             filled_tree tree(message);
             fail_each(
-                afterwards, [&] { tree.root() = innermost_last(tree.root()); }, [&] { EXPECT_EQ(tree.change(), ""); });
+                afterwards, [&] { tree.root() = innermost_last(tree.root()); },
+                [&] { EXPECT_EQ(tree.change(), ""); });
             EXPECT_EQ(test_support::full_tree_text(tree.root()), wanted);
         }
     });
@@ -196,7 +203,8 @@ TEST(failed_operation, get_obj_adds_a_child_or_changes_nothing) {
             EXPECT_EQ(child, &tree.root().m_children.back());
             EXPECT_EQ(child->m_parent, &tree.root());
             tree.root().m_children.pop_back();
-            EXPECT_EQ(test_support::full_tree_text(tree.root()), before); // growth has moved them whole
+            EXPECT_EQ(test_support::full_tree_text(tree.root()),
+                      before); // growth has moved them whole
         }
     });
 }
@@ -283,7 +291,8 @@ TEST(failed_operation, lookups_and_line_counts_allocate_nothing) {
                       innermost.add_header(20, 30);
                       innermost.add_contents_line(30, 40);
                       innermost.finalize();
-                      for (const bool epilogue : {false, true}) innermost.add_body_line(false, line, 40, 50, epilogue);
+                      for (const bool epilogue : {false, true})
+                          innermost.add_body_line(false, line, 40, 50, epilogue);
                   }),
                   0U);
     });

@@ -58,7 +58,9 @@ bool allocation_trap::has_sprung() const noexcept { return g_count > g_failing; 
 
 void* operator new(std::size_t bytes) { return test_support::allocated(bytes); }
 void* operator new[](std::size_t bytes) { return test_support::allocated(bytes); }
-void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return test_support::allocated_or_null(bytes); }
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return test_support::allocated_or_null(bytes);
+}
 void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
     return test_support::allocated_or_null(bytes);
 }

@@ -1,5 +1,6 @@
-// Lets a chosen allocation fail, and counts the allocations that are alive. An executable that links
-// failing_new.cpp has its operators new and delete replaced for everything in it, the standard library included.
+// Lets a chosen allocation fail, and counts the allocations that are alive. An executable that
+// links failing_new.cpp has its operators new and delete replaced for everything in it, the
+// standard library included.
 //
 // Types aligned beyond the usual are not covered: nothing here has any.
 
@@ -21,13 +22,16 @@ enum class memory : std::uint8_t {
     stays_out   // they fail too
 };
 
-/// Counts the allocations made while it lives, and lets one of them fail. One at a time, on one thread.
+/// Counts the allocations made while it lives, and lets one of them fail. One at a time, on one
+/// thread.
 class allocation_trap {
 public:
     static constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
 
-    /// @param failing  the number of the allocation that throws std::bad_alloc; the first one has number 0
-    explicit allocation_trap(std::size_t failing = never, memory afterwards = memory::comes_back) noexcept;
+    /// @param failing  the number of the allocation that throws std::bad_alloc; the first one has
+    /// number 0
+    explicit allocation_trap(std::size_t failing = never,
+                             memory afterwards = memory::comes_back) noexcept;
     ~allocation_trap();
     allocation_trap(const allocation_trap&) = delete;
     allocation_trap& operator=(const allocation_trap&) = delete;

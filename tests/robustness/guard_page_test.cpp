@@ -1,4 +1,5 @@
-// Nothing is read outside the input: the bytes lie directly before a page that cannot be read, or directly after one.
+// Nothing is read outside the input: the bytes lie directly before a page that cannot be read, or
+// directly after one.
 
 #include <mail_structure.h>
 
@@ -34,7 +35,8 @@ std::vector<std::size_t> telling_lengths() {
     std::vector<std::size_t> lengths;
     for (std::size_t length = 0; length <= 200; ++length) lengths.push_back(length);
     for (const std::size_t block : {256U, 512U, 1024U, 4096U, 8192U, 65536U})
-        for (std::size_t length = block - 2; length <= block + 2; ++length) lengths.push_back(length);
+        for (std::size_t length = block - 2; length <= block + 2; ++length)
+            lengths.push_back(length);
     return lengths;
 }
 
@@ -73,7 +75,8 @@ const content contents[] = {
     {"separators", "C: multipart/x; b=XY\n\n", "--XY\n"},
     {"separators_with_crlf", "C: multipart/x; b=XY\r\n\r\n", "--XY\r\n"},
     {"closing_lines", "C: multipart/x; b=XY\n\n", "--XY\n\n1\n--XY--\nepilogue\n"},
-    {"almost_separators", "C: multipart/x; b=XYXYXYXY\n\n", "--XYXYXYX\n--XYXYXYXZ\n--XYXYXYXY-\n--XYXYXYXY\n"},
+    {"almost_separators", "C: multipart/x; b=XYXYXYXY\n\n",
+     "--XYXYXYX\n--XYXYXYXZ\n--XYXYXYXY-\n--XYXYXYXY\n"},
     {"messages", "", "C: message/rfc822\n\n"},
     {"field_names", "", "Abc-def"},
     {"fields", "", "Abc: def\n"},
@@ -88,8 +91,10 @@ class guard_page : public testing::TestWithParam<content> {};
 
 void PrintTo(const content& what, std::ostream* out) { *out << what.m_name; }
 
-/// Parses the bytes in place, in windows of that size, and holds the tree against the reference parser's.
-std::string difference(std::string_view bytes, std::size_t window, const reference::message& wanted) {
+/// Parses the bytes in place, in windows of that size, and holds the tree against the reference
+/// parser's.
+std::string difference(std::string_view bytes, std::size_t window,
+                       const reference::message& wanted) {
     MailStructure message;
     message.m_keep_text = true;
     window_stream in(bytes, window);
@@ -102,23 +107,27 @@ TEST_P(guard_page, is_not_touched) {
     for (const std::size_t length : telling_lengths()) {
         const std::string first = GetParam().m_first.substr(0, length);
         const std::size_t left = length - first.size();
-        // Cut at either end, so that lines and boundaries end before the page or would have gone on in it.
-        for (const std::string& rest :
-             {head_of_repeated(GetParam().m_repeated, left), tail_of_repeated(GetParam().m_repeated, left)}) {
+        // Cut at either end, so that lines and boundaries end before the page or would have gone on
+        // in it.
+        for (const std::string& rest : {head_of_repeated(GetParam().m_repeated, left),
+                                        tail_of_repeated(GetParam().m_repeated, left)}) {
             const std::string text = first + rest;
             std::istringstream in(text);
             const reference::message wanted = reference::parse(in, {true, 0xFFFFFFFF, 0});
-            ASSERT_EQ(difference(memory.at_the_end(text), test_support::all_bytes, wanted), "") << "length " << length;
+            ASSERT_EQ(difference(memory.at_the_end(text), test_support::all_bytes, wanted), "")
+                << "length " << length;
             if (length > 5000) continue;
             for (const std::size_t window : {std::size_t{0}, std::size_t{61}, std::size_t{4096}})
-                ASSERT_EQ(difference(memory.at_the_end(text), window, wanted), "") << "length " << length;
+                ASSERT_EQ(difference(memory.at_the_end(text), window, wanted), "")
+                    << "length " << length;
             ASSERT_EQ(difference(memory.at_the_start(text), test_support::all_bytes, wanted), "")
                 << "length " << length;
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(before_the_page, guard_page, testing::ValuesIn(contents), test_support::case_name<content>);
+INSTANTIATE_TEST_SUITE_P(before_the_page, guard_page, testing::ValuesIn(contents),
+                         test_support::case_name<content>);
 
 /// A search of the parser and its plain twin. Both give what they find as numbers.
 struct scanner {
@@ -135,7 +144,8 @@ std::vector<scanner> all_scanners() {
     const auto line_numbers_of = [](line_scanner scan) {
         return [scan](std::string_view text) {
             const scanned_line found = scan(text);
-            return std::vector<std::size_t>{found.m_bytes, found.m_has_lf, found.m_stray, found.m_name_bytes};
+            return std::vector<std::size_t>{found.m_bytes, found.m_has_lf, found.m_stray,
+                                            found.m_name_bytes};
         };
     };
     for (const scanner_set& known : mail_structure_detail::all_scanners())
@@ -148,9 +158,11 @@ std::vector<scanner> all_scanners() {
                 return std::vector<std::size_t>{found.m_bytes, found.m_lines};
             };
         };
-        const std::string suffix = dashed == dashed_lines::are_text ? "_with_dashes" : "_up_to_dashes";
+        const std::string suffix =
+            dashed == dashed_lines::are_text ? "_with_dashes" : "_up_to_dashes";
         for (const scanner_set& known : mail_structure_detail::all_scanners())
-            all.push_back({known.m_name + suffix, numbers_of(known.m_scan_body), numbers_of(scan_body_plain)});
+            all.push_back({known.m_name + suffix, numbers_of(known.m_scan_body),
+                           numbers_of(scan_body_plain)});
     }
     return all;
 }
@@ -190,7 +202,8 @@ TEST_P(scanner_twins, agree_at_every_alignment_with_one_byte_at_every_place) {
             std::string text(length, 'x');
             if (length > 2) text[length - 1 - length % 2] = '\n';
             if (place < length) text[place] = byte;
-            // The end is fixed, so each length has an alignment of its own; at the start, all have the same.
+            // The end is fixed, so each length has an alignment of its own; at the start, all have
+            // the same.
             expect_same(memory.at_the_end(text));
             expect_same(memory.at_the_start(text));
         }
@@ -202,11 +215,13 @@ TEST_P(scanner_twins, agree_wherever_a_text_begins_and_ends) {
     for (std::uint64_t seed = 1; seed <= 3; ++seed) {
         seeded_random random(seed);
         std::string text;
-        while (text.size() < 200) text += random.one_in(3) ? random.one_of(telling_pieces) : "line\n";
+        while (text.size() < 200)
+            text += random.one_in(3) ? random.one_of(telling_pieces) : "line\n";
         const std::string_view at_end = memory.at_the_end(text.substr(0, 200));
         for (std::size_t begin = 0; begin <= at_end.size(); ++begin)
             for (std::size_t length = 0; length <= at_end.size() - begin; ++length)
-                expect_same(at_end.substr(begin, length)); // what lies around the piece must not count
+                expect_same(
+                    at_end.substr(begin, length)); // what lies around the piece must not count
     }
 }
 
@@ -217,7 +232,8 @@ TEST_P(scanner_twins, agree_on_random_lines) {
         const std::size_t bytes = random.below(400);
         const std::size_t rarity = 2 + random.below(100);
         std::string text;
-        while (text.size() < bytes) text += random.one_in(rarity) ? random.one_of(telling_pieces) : "line\n";
+        while (text.size() < bytes)
+            text += random.one_in(rarity) ? random.one_of(telling_pieces) : "line\n";
         expect_same(memory.at_the_end(text));
     }
 }
@@ -235,7 +251,8 @@ TEST_P(scanner_twins, agree_on_long_texts) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(scanners, scanner_twins, testing::ValuesIn(all_scanners()), test_support::case_name<scanner>);
+INSTANTIATE_TEST_SUITE_P(scanners, scanner_twins, testing::ValuesIn(all_scanners()),
+                         test_support::case_name<scanner>);
 
 // A guard that did not guard would make all of the above pass.
 TEST(guard_pages, end_a_program_that_touches_them) {

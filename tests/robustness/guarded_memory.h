@@ -1,4 +1,5 @@
-// Bytes that end directly before a page that cannot be read: a single byte too many ends the program.
+// Bytes that end directly before a page that cannot be read: a single byte too many ends the
+// program.
 
 #ifndef TESTS_ROBUSTNESS_GUARDED_MEMORY_H
 #define TESTS_ROBUSTNESS_GUARDED_MEMORY_H

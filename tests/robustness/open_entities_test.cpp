@@ -1,5 +1,6 @@
-// The shared ranges of the open entities against the plain rule applied to every one of them, with lines so long that
-// ranges often come to exactly 2^32 bytes, count as unset again, and begin anew with the next line.
+// The shared ranges of the open entities against the plain rule applied to every one of them, with
+// lines so long that ranges often come to exactly 2^32 bytes, count as unset again, and begin anew
+// with the next line.
 
 #include <mail_structure.h>
 
@@ -31,15 +32,18 @@ enum class line_kind : std::uint8_t {
     epilogue,     // in the epilogue
     epilogue_run, // the same with several lines at once
     first_part,   // separator after a preamble: opens a child
-    next_part,    // separator: closes the innermost entity and opens a child of what is then innermost
-    closing,      // closing line: in the contents of all but the innermost, closes that, and is a body line
-    late_closing, // closing line in an epilogue: closes the innermost entity, and is an epilogue line
+    next_part, // separator: closes the innermost entity and opens a child of what is then innermost
+    closing,   // closing line: in the contents of all but the innermost, closes that, and is a body
+               // line
+    late_closing, // closing line in an epilogue: closes the innermost entity, and is an epilogue
+                  // line
     dropped       // in no range
 };
 
 constexpr std::array all_kinds{
-    line_kind::header,     line_kind::body,      line_kind::body_run, line_kind::epilogue,     line_kind::epilogue_run,
-    line_kind::first_part, line_kind::next_part, line_kind::closing,  line_kind::late_closing, line_kind::dropped};
+    line_kind::header,       line_kind::body,       line_kind::body_run,  line_kind::epilogue,
+    line_kind::epilogue_run, line_kind::first_part, line_kind::next_part, line_kind::closing,
+    line_kind::late_closing, line_kind::dropped};
 
 struct scripted_line {
     line_kind m_kind;
@@ -58,7 +62,9 @@ constexpr std::uint64_t gib = std::uint64_t{1} << 30U;
 /// The entities with the operations that the public interface has for each one.
 class plain_entities {
 public:
-    explicit plain_entities(MailStructure& message) : m_message(message) { m_message.push(m_stack); }
+    explicit plain_entities(MailStructure& message) : m_message(message) {
+        m_message.push(m_stack);
+    }
 
     void open() { m_message.push(m_stack); }
     void close() {
@@ -72,7 +78,8 @@ public:
         m_message.add_contents_line_to_all(m_stack, start, end, 1);
     }
     void add_contents_lines(const line_run& lines) {
-        for (const auto& [start, end] : lines_of(lines)) m_message.add_contents_line_to_all(m_stack, start, end, 0);
+        for (const auto& [start, end] : lines_of(lines))
+            m_message.add_contents_line_to_all(m_stack, start, end, 0);
     }
     void add_body_lines(const line_run& lines) { add_lines(lines, false); }
     void add_epilogue_lines(const line_run& lines) { add_lines(lines, true); }
@@ -92,7 +99,8 @@ public:
 private:
     using line_place = std::pair<std::uint32_t, std::uint32_t>;
 
-    /// The first line of a run has the place that the run tells; of the others each but the last has two bytes.
+    /// The first line of a run has the place that the run tells; of the others each but the last
+    /// has two bytes.
     static std::vector<line_place> lines_of(const line_run& lines) {
         std::vector<line_place> places{{lines.m_start, lines.m_first_end}};
         for (std::uint64_t line = 2; line < lines.m_lines; ++line)
@@ -116,11 +124,15 @@ private:
 
 /// A run of that many bytes: of one line where it must, else of up to four.
 line_run run_of(std::uint64_t start, std::uint64_t bytes) {
-    line_run run = mail_structure_detail::one_line(static_cast<std::uint32_t>(start),
-                                                   static_cast<std::uint32_t>(start + bytes), bytes % 2 == 0);
+    line_run run =
+        mail_structure_detail::one_line(static_cast<std::uint32_t>(start),
+                                        static_cast<std::uint32_t>(start + bytes), bytes % 2 == 0);
     if (bytes >= 4 * gib || bytes < 2) return run; // runs are shorter than the wrap
     run.m_lines = bytes < 8 ? 2 : 4;
-    run.m_first_end = run.m_start + static_cast<std::uint32_t>(bytes < 8 ? 1 : bytes % 3 == 0 ? bytes / 2 : 2);
+    run.m_first_end = run.m_start
+                      + static_cast<std::uint32_t>(bytes < 8        ? 1
+                                                   : bytes % 3 == 0 ? bytes / 2
+                                                                    : 2);
     return run;
 }
 
@@ -133,9 +145,11 @@ public:
     }
 
     void play(const scripted_line& line) {
-        const bool is_run = line.m_kind == line_kind::body_run || line.m_kind == line_kind::epilogue_run;
+        const bool is_run =
+            line.m_kind == line_kind::body_run || line.m_kind == line_kind::epilogue_run;
         line_run lines = run_of(m_position, line.m_bytes);
-        if (!is_run) lines = mail_structure_detail::one_line(lines.m_start, lines.m_end, lines.m_last_empty);
+        if (!is_run)
+            lines = mail_structure_detail::one_line(lines.m_start, lines.m_end, lines.m_last_empty);
         m_position += line.m_bytes;
         if (m_position > 0xFFFFFFFF) m_entities.watch_for_lapses();
         play(line.m_kind, lines);
@@ -195,8 +209,9 @@ private:
 };
 
 std::string told(const script& lines) {
-    static constexpr const char* names[] = {"header",     "body",      "body_run", "epilogue",     "epilogue_run",
-                                            "first_part", "next_part", "closing",  "late_closing", "dropped"};
+    static constexpr const char* names[] = {"header",       "body",       "body_run",  "epilogue",
+                                            "epilogue_run", "first_part", "next_part", "closing",
+                                            "late_closing", "dropped"};
     std::string text;
     for (const scripted_line& line : lines)
         text.append(names[static_cast<std::size_t>(line.m_kind)])
@@ -273,8 +288,9 @@ TEST(open_entities, chains_of_parts_give_the_trees_of_the_plain_rule) {
             if (random.one_in(2)) lines.push_back({line_kind::body, random.one_of(sizes)});
             lines.push_back({line_kind::first_part, random.one_of(sizes)});
         }
-        static constexpr line_kind kinds[] = {line_kind::body,     line_kind::body,    line_kind::body,
-                                              line_kind::epilogue, line_kind::closing, line_kind::dropped};
+        static constexpr line_kind kinds[] = {line_kind::body,    line_kind::body,
+                                              line_kind::body,    line_kind::epilogue,
+                                              line_kind::closing, line_kind::dropped};
         for (std::size_t count = random.below(25); count > 0; --count)
             lines.push_back({random.one_of(kinds), random.one_of(sizes)});
         trees.expect_same_trees(lines);
@@ -293,7 +309,8 @@ TEST(open_entities, all_short_scripts_give_the_trees_of_the_plain_rule) {
         for (std::size_t number = 0; number < scripts; ++number) {
             script lines;
             for (std::size_t left = number; lines.size() < length; left /= choices)
-                lines.push_back({all_kinds[left % choices / std::size(sizes)], sizes[left % std::size(sizes)]});
+                lines.push_back(
+                    {all_kinds[left % choices / std::size(sizes)], sizes[left % std::size(sizes)]});
             trees.expect_same_trees(lines);
             if (HasFatalFailure()) FAIL();
         }
@@ -313,7 +330,8 @@ TEST(open_entities, a_range_that_lapses_begins_anew_after_the_gap) {
                                                 {line_kind::body, 10}})
             player.play(line);
     }
-    EXPECT_EQ(message.m_root.m_mime_beg, 6U); // not 0: it was 2^32 bytes long when its next line came
+    EXPECT_EQ(message.m_root.m_mime_beg,
+              6U); // not 0: it was 2^32 bytes long when its next line came
     EXPECT_EQ(message.m_root.m_mime_len, 10U);
     EXPECT_EQ(message.m_root.m_contents_beg, 40U);
     EXPECT_EQ(message.m_root.m_contents_len, static_cast<std::uint32_t>(16 - 40));

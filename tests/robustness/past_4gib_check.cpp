@@ -1,6 +1,7 @@
-// Messages of a little more than 4 GiB against the reference parser: offsets wrap, and ranges that come to exactly
-// 2^32 bytes count as unset again. Reads some 8 GiB for each message, so it is not one of the quick tests. The messages are
-// made up as they are read; memory stays small, and that is checked too.
+// Messages of a little more than 4 GiB against the reference parser: offsets wrap, and ranges that
+// come to exactly 2^32 bytes count as unset again. Reads some 8 GiB for each message, so it is not
+// one of the quick tests. The messages are made up as they are read; memory stays small, and that
+// is checked too.
 
 #include <mail_structure.h>
 
@@ -62,13 +63,16 @@ long_message lapsed_contents() {
     return message.add("--X\nSubject: a\n\nhi\n--X\n\n1\n");
 }
 
-/// The same with the middle one of three multiparts. The outer one begins earlier and the inner one later.
+/// The same with the middle one of three multiparts. The outer one begins earlier and the inner one
+/// later.
 long_message lapsed_contents_in_the_middle() {
     long_message message;
     message.add("Content-Type: multipart/mixed; boundary=W\n\npreamble\n--W\n" + outer_block);
     const std::uint64_t contents_begin = message.bytes();
-    message.add("preamble\n--X\n" + inner_block + "--Y\nSubject: a\n\n").fill_to(contents_begin + wrap - 6);
-    return message.add("--Y--\nepilogue\nof the inner multipart\n--X\n\n1\n--X--\nepilogue\n--W\n\n1\n--W--\n");
+    message.add("preamble\n--X\n" + inner_block + "--Y\nSubject: a\n\n")
+        .fill_to(contents_begin + wrap - 6);
+    return message.add(
+        "--Y--\nepilogue\nof the inner multipart\n--X\n\n1\n--X--\nepilogue\n--W\n\n1\n--W--\n");
 }
 
 /// The epilogue of the root is 2^32 bytes long when one more part comes.
@@ -83,19 +87,23 @@ long_message lapsed_epilogue() {
 /// The bodies of three entities begin at offset 0 for the second time.
 long_message bodies_at_the_wrap() {
     long_message message;
-    message.add(outer_block + "--X\n" + inner_block + "--Y\nContent-Type: text/x-folded;\n").fill_to(wrap - 1, " (");
+    message.add(outer_block + "--X\n" + inner_block + "--Y\nContent-Type: text/x-folded;\n")
+        .fill_to(wrap - 1, " (");
     return message.add("\n").add("first\nsecond\nthird\n--Y--\nepilogue\n--X--\nepilogue\n");
 }
 
 /// A message in a message in a part, and parts within parts, all open at the wrap.
 long_message deep_at_the_wrap() {
     long_message message;
-    message.add(outer_block + "--X\n").add("Content-Type: message/rfc822\nSubject: a\n\n", 3).add(inner_block);
+    message.add(outer_block + "--X\n")
+        .add("Content-Type: message/rfc822\nSubject: a\n\n", 3)
+        .add(inner_block);
     message.add("preamble\n--Y\nSubject: b\n\n").fill_to(wrap + 50);
     return message.add("--Y\n\nhi\n--Y--\nepilogue\n--X\n\nhi\n--X--\nepilogue");
 }
 
-/// Each entity of a chain comes to 2^32 bytes in its turn, a separator follows, and a line that begins it anew.
+/// Each entity of a chain comes to 2^32 bytes in its turn, a separator follows, and a line that
+/// begins it anew.
 long_message lapses_in_turn() {
     long_message message;
     std::vector<std::uint64_t> begins;
@@ -113,12 +121,15 @@ const long_case long_cases[] = {
     {"one_header_block", one_header_block, "1 text/html h=0+18 m=0+24 b=18+6 c=18+6 n=2\n"},
     {"lapsed_entity", lapsed_entity,
      "1 multipart/mixed multipart h=0+43 m=16+16 b=43+4294967285 e=32+9 c=43+4294967285 "},
-    {"lapsed_contents", lapsed_contents, "1 multipart/mixed multipart h=0+43 m=0+84 b=43+41 e=49+9 c=58+26 "},
+    {"lapsed_contents", lapsed_contents,
+     "1 multipart/mixed multipart h=0+43 m=0+84 b=43+41 e=49+9 c=58+26 "},
     {"lapsed_contents_in_the_middle", lapsed_contents_in_the_middle,
      "\n1.1 multipart/mixed multipart enc=7bit h=56+43 m=56+88 b=99+45 e=99+54 c=131+13 "},
-    {"lapsed_epilogue", lapsed_epilogue, "1 multipart/mixed multipart h=0+43 m=0+135 b=48+87 e=135+16 c=43+92 n=5\n"},
+    {"lapsed_epilogue", lapsed_epilogue,
+     "1 multipart/mixed multipart h=0+43 m=0+135 b=48+87 e=135+16 c=43+92 n=5\n"},
     {"bodies_at_the_wrap", bodies_at_the_wrap, " m=94+4294967221 b=6+13 c=0+19 n=3\n"},
-    {"deep_at_the_wrap", deep_at_the_wrap, "1 multipart/mixed multipart h=0+43 m=0+87 b=238+4294967145 e=64+9 "},
+    {"deep_at_the_wrap", deep_at_the_wrap,
+     "1 multipart/mixed multipart h=0+43 m=0+87 b=238+4294967145 e=64+9 "},
     {"lapses_in_turn", lapses_in_turn, "\n1.1.1 multipart/x multipart enc=7bit h=54+21 m=58+60 "},
 };
 
@@ -133,13 +144,15 @@ TEST_P(past_4gib, gives_the_reference_tree) {
     const std::string text = test_support::tree_text(found.m_root);
     EXPECT_NE(text.find(GetParam().m_worked_out), std::string::npos) << text;
     scripted_stream for_reference(message);
-    EXPECT_EQ(test_support::first_difference(found, error, reference::parse(for_reference, {})), "") << text;
+    EXPECT_EQ(test_support::first_difference(found, error, reference::parse(for_reference, {})), "")
+        << text;
 
     rusage used{};
     getrusage(RUSAGE_SELF, &used);
     EXPECT_LT(used.ru_maxrss, 512 * 1024) << "KiB";
 }
 
-INSTANTIATE_TEST_SUITE_P(messages, past_4gib, testing::ValuesIn(long_cases), test_support::case_name<long_case>);
+INSTANTIATE_TEST_SUITE_P(messages, past_4gib, testing::ValuesIn(long_cases),
+                         test_support::case_name<long_case>);
 
 } // namespace

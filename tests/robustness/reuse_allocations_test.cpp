@@ -25,7 +25,9 @@ std::string repeated(std::size_t times, const std::string& text) {
 /// A stream all of whose bytes are there from the start, so that no line is ever copied.
 class text_stream : public std::istream {
 public:
-    explicit text_stream(std::string text) : std::istream(nullptr), m_buffer(std::move(text)) { rdbuf(&m_buffer); }
+    explicit text_stream(std::string text) : std::istream(nullptr), m_buffer(std::move(text)) {
+        rdbuf(&m_buffer);
+    }
 
 private:
     class text_buffer : public std::streambuf {
@@ -75,9 +77,11 @@ TEST_P(filled_twice, allocates_nothing_for_the_tree) {
         message.m_keep_text = keep_text;
         allocations(message, tried.m_input);
         const std::size_t live = test_support::live_allocations();
-        const std::size_t more = tried.m_more + (keep_text ? 2 : 0); // the kept form of lines, as it grows
+        const std::size_t more =
+            tried.m_more + (keep_text ? 2 : 0); // the kept form of lines, as it grows
         for (int round = 0; round < 3; ++round) {
-            EXPECT_LE(allocations(message, tried.m_input), for_one_fill + more + for_the_line) << keep_text;
+            EXPECT_LE(allocations(message, tried.m_input), for_one_fill + more + for_the_line)
+                << keep_text;
             EXPECT_EQ(test_support::live_allocations(), live);
         }
     }
@@ -91,7 +95,8 @@ const same_message same_messages[] = {
     {"folds", "Received: " + word + "\n" + repeated(100, " " + word + "\n") + "\nhi\n"},
     {"parameters", "C: a/b" + repeated(100, "; name=" + word) + "\n\nhi\n"},
     {"parts", "C: multipart/mixed; boundary=b\n\n"
-                  + repeated(1000, "--b\nContent-Type: text/" + word + "; name=" + word + "\nA: " + word + "\n\nhi\n")
+                  + repeated(1000, "--b\nContent-Type: text/" + word + "; name=" + word
+                                       + "\nA: " + word + "\n\nhi\n")
                   + "--b--\n"},
     {"nested_messages", repeated(8, "Content-Type: message/rfc822\nA: " + word + "\n\n") + "hi\n",
      2}, // the chain and its accounts grow
@@ -99,7 +104,8 @@ const same_message same_messages[] = {
 
 INSTANTIATE_TEST_SUITE_P(messages, filled_twice, testing::ValuesIn(same_messages), name_of);
 
-/// Once the storage has been where it is wanted, one allocation after the other can fail and is not missed.
+/// Once the storage has been where it is wanted, one allocation after the other can fail and is not
+/// missed.
 TEST(filled_again, needs_no_memory_but_for_the_call) {
     MailStructure message;
     const std::string input = repeated(100, "Received: " + word + "\n") + "\nhi\n";

@@ -1,5 +1,5 @@
-// Streams over messages of many GiB that are made up as they are read. What is kept of a message is its script: which
-// text comes how often.
+// Streams over messages of many GiB that are made up as they are read. What is kept of a message is
+// its script: which text comes how often.
 
 #ifndef TESTS_ROBUSTNESS_SCRIPTED_STREAM_H
 #define TESTS_ROBUSTNESS_SCRIPTED_STREAM_H
@@ -22,7 +22,8 @@ public:
 
     /// Adds a text of any number of lines.
     long_message& add(const std::string& text, std::uint64_t times = 1);
-    /// Adds lines that begin with the given bytes and go on with letters, up to exactly the given offset.
+    /// Adds lines that begin with the given bytes and go on with letters, up to exactly the given
+    /// offset.
     /// @param offset  at least bytes() + 1 + the length of begin
     long_message& fill_to(std::uint64_t offset, const std::string& begin = "");
 
@@ -51,7 +52,8 @@ private:
 
 class scripted_stream : public std::istream {
 public:
-    explicit scripted_stream(const long_message& message) : std::istream(nullptr), m_buffer(message) {
+    explicit scripted_stream(const long_message& message)
+        : std::istream(nullptr), m_buffer(message) {
         rdbuf(&m_buffer);
     }
 

@@ -1,5 +1,5 @@
-// What the locales mean to Fill. The stream's tells which byte ends a line, as it does to std::getline; the global one
-// tells what is trimmed off field values.
+// What the locales mean to Fill. The stream's tells which byte ends a line, as it does to
+// std::getline; the global one tells what is trimmed off field values.
 
 #include <mail_structure.h>
 
@@ -39,7 +39,9 @@ private:
     char m_end;
 };
 
-std::locale locale_with_line_end(char end) { return {std::locale::classic(), new other_line_end(end)}; }
+std::locale locale_with_line_end(char end) {
+    return {std::locale::classic(), new other_line_end(end)};
+}
 
 std::string with_line_end(std::string text, char end) {
     std::replace(text.begin(), text.end(), '\n', end);
@@ -54,8 +56,10 @@ std::string difference(const std::string& text, const std::locale& locale, const
     for_reference.imbue(locale);
     MailStructure message;
     const std::string error = test_support::fill(message, for_fill);
-    std::string report = test_support::first_difference(message, error, reference::parse(for_reference, {}));
-    if (report.empty() && for_fill.rdstate() != for_reference.rdstate()) report = "the states differ";
+    std::string report =
+        test_support::first_difference(message, error, reference::parse(for_reference, {}));
+    if (report.empty() && for_fill.rdstate() != for_reference.rdstate())
+        report = "the states differ";
     return report;
 }
 
@@ -71,9 +75,11 @@ TEST(stream_locale, lines_end_where_its_line_feed_is) {
 }
 
 TEST(stream_locale, line_feeds_inside_lines_are_stray_bytes) {
-    EXPECT_EQ(tree_of("|1\nhi|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|1\nhi|", '|'),
+              "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
     EXPECT_EQ(tree_of("|\nhi|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
-    EXPECT_EQ(tree_of("|hi\n\r|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|hi\n\r|", '|'),
+              "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
     std::string long_line = '|' + std::string(200, 'x') + '|';
     for (std::size_t at = 1; at < 200; ++at) {
         std::string text = long_line;
@@ -93,9 +99,12 @@ TEST(stream_locale, any_byte_can_end_the_lines) {
         const std::locale locale = locale_with_line_end(end);
         for (std::uint64_t seed = 1; seed <= 60; ++seed) {
             const std::string text = test_support::generate_message(seed).m_input;
-            const delivery& way = test_support::all_deliveries[seed % test_support::all_deliveries.size()];
-            ASSERT_EQ(difference(with_line_end(text, end), locale, way), "") << int{end} << ", seed " << seed;
-            ASSERT_EQ(difference(text, locale, way), "") << "with LF, " << int{end} << ", seed " << seed;
+            const delivery& way =
+                test_support::all_deliveries[seed % test_support::all_deliveries.size()];
+            ASSERT_EQ(difference(with_line_end(text, end), locale, way), "")
+                << int{end} << ", seed " << seed;
+            ASSERT_EQ(difference(text, locale, way), "")
+                << "with LF, " << int{end} << ", seed " << seed;
         }
     }
 }
@@ -111,16 +120,17 @@ TEST(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
                 for_fill.imbue(locale);
                 for_getline.imbue(locale);
                 MailStructure message;
-                EXPECT_EQ(test_support::after_fill(message, for_fill), test_support::after_getline(for_getline))
+                EXPECT_EQ(test_support::after_fill(message, for_fill),
+                          test_support::after_getline(for_getline))
                     << "offset " << offset << ", " << way.m_name;
             }
         }
     }
 }
 
-// Every standard locale has a character type, and there is no portable way to take it out. In this library
-// version a facet's place in the locale goes by the address of its id alone, so that a facet of another
-// kind can be put there; later ones do not look at what they find.
+// Every standard locale has a character type, and there is no portable way to take it out. In this
+// library version a facet's place in the locale goes by the address of its id alone, so that a
+// facet of another kind can be put there; later ones do not look at what they find.
 #if defined(_GLIBCXX_RELEASE) && _GLIBCXX_RELEASE < 13
 
 /// Stands where the character type should be.
@@ -130,7 +140,9 @@ public:
 };
 std::locale::id& no_character_type::id = std::ctype<char>::id;
 
-std::locale locale_without_character_type() { return {std::locale::classic(), new no_character_type}; }
+std::locale locale_without_character_type() {
+    return {std::locale::classic(), new no_character_type};
+}
 
 TEST(stream_locale, without_a_character_type_gives_bad_cast) {
     ASSERT_FALSE(std::has_facet<std::ctype<char>>(locale_without_character_type()));
@@ -147,7 +159,8 @@ TEST(stream_locale, without_a_character_type_gives_bad_cast) {
     EXPECT_EQ(found, test_support::after_getline(*for_getline));
     EXPECT_EQ(found.m_error, "bad_cast");
     EXPECT_EQ(found.m_rest, "a: b\n\nhi\n");
-    EXPECT_EQ(test_support::first_difference(message, found.m_error, reference::parse(*make(), {})), "");
+    EXPECT_EQ(test_support::first_difference(message, found.m_error, reference::parse(*make(), {})),
+              "");
 }
 
 /// Sets the global locale, and sets it back at the end.
@@ -199,7 +212,8 @@ TEST(global_locale, tells_what_is_trimmed_off_values_and_nothing_else) {
     const std::locale before = std::locale::global({std::locale::classic(), new spacious_letters});
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
         const std::string text = test_support::generate_message(seed).m_input;
-        EXPECT_EQ(difference(text, std::locale::classic(), test_support::all_deliveries[0]), "") << "seed " << seed;
+        EXPECT_EQ(difference(text, std::locale::classic(), test_support::all_deliveries[0]), "")
+            << "seed " << seed;
     }
     const auto outcome = test_support::parse("a: xx\xA0 v x\r\nxx: x\n\nhi\n");
     std::locale::global(before);

@@ -1,5 +1,5 @@
-// How Fill leaves the stream it has read: in the place, with the state and by the exception with which std::getline
-// leaves it, whatever the stream does.
+// How Fill leaves the stream it has read: in the place, with the state and by the exception with
+// which std::getline leaves it, whatever the stream does.
 
 #include <mail_structure.h>
 
@@ -51,7 +51,8 @@ constexpr named_message messages[] = {
     {"name_without_colon", "a: b\nab\r\n\r\nhi\n"},
 };
 
-constexpr std::ios_base::iostate state_bits[] = {std::ios_base::eofbit, std::ios_base::failbit, std::ios_base::badbit};
+constexpr std::ios_base::iostate state_bits[] = {std::ios_base::eofbit, std::ios_base::failbit,
+                                                 std::ios_base::badbit};
 
 /// The state, or exception mask, of a number from 0 to 7.
 std::ios_base::iostate state_of(unsigned number) {
@@ -61,11 +62,12 @@ std::ios_base::iostate state_of(unsigned number) {
     return state;
 }
 
-/// Whether the number of bytes that are ready in the buffer is part of how a stream is left. Of a file it is not: Fill
-/// may set the file's position, after which its buffer has to be filled anew.
+/// Whether the number of bytes that are ready in the buffer is part of how a stream is left. Of a
+/// file it is not: Fill may set the file's position, after which its buffer has to be filled anew.
 enum class bytes_ready : bool { count, do_not_count };
 
-/// Three readers of streams that are made alike: Fill, a loop over std::getline, and the reference parser.
+/// Three readers of streams that are made alike: Fill, a loop over std::getline, and the reference
+/// parser.
 /// @param make_stream  makes one of the streams
 /// @param own          where the text of the stream would end the parse of itself
 /// @return "" or what differs
@@ -84,7 +86,8 @@ std::string difference(Make make_stream, const test_support::erroneous_line& own
         report << "found " << found << "\nwanted " << wanted;
         return report.str();
     }
-    return test_support::first_difference(message, found.m_error, reference::parse(*for_reference, {}));
+    return test_support::first_difference(message, found.m_error,
+                                          reference::parse(*for_reference, {}));
 }
 
 class faulty_streams : public testing::TestWithParam<named_message> {
@@ -96,12 +99,14 @@ protected:
             for (const delivery& way : test_support::all_deliveries) {
                 for (unsigned mask = 0; mask < 8; ++mask) {
                     const auto make = [&] {
-                        auto in = std::make_unique<test_support::faulty_stream>(text, offset, kind, way);
+                        auto in =
+                            std::make_unique<test_support::faulty_stream>(text, offset, kind, way);
                         in->exceptions(state_of(mask));
                         return in;
                     };
                     ASSERT_EQ(difference(make, own), "")
-                        << "at offset " << offset << ", " << way.m_name << ", mask " << state_of(mask);
+                        << "at offset " << offset << ", " << way.m_name << ", mask "
+                        << state_of(mask);
                 }
             }
         }
@@ -112,9 +117,12 @@ TEST_P(faulty_streams, that_end_are_left_as_by_getline) { expect_as_getline(faul
 
 TEST_P(faulty_streams, that_throw_are_left_as_by_getline) { expect_as_getline(fault::throws); }
 
-TEST_P(faulty_streams, that_set_badbit_are_left_as_by_getline) { expect_as_getline(fault::sets_badbit); }
+TEST_P(faulty_streams, that_set_badbit_are_left_as_by_getline) {
+    expect_as_getline(fault::sets_badbit);
+}
 
-INSTANTIATE_TEST_SUITE_P(messages, faulty_streams, testing::ValuesIn(messages), test_support::case_name<named_message>);
+INSTANTIATE_TEST_SUITE_P(messages, faulty_streams, testing::ValuesIn(messages),
+                         test_support::case_name<named_message>);
 
 /// A buffer that says at an offset that its input is over, and has more when it is asked again.
 class pausing_buffer : public test_support::window_buffer {
@@ -123,7 +131,9 @@ public:
         : window_buffer(text, window), m_offset(offset) {}
 
 protected:
-    int_type underflow() override { return pauses() ? traits_type::eof() : window_buffer::underflow(); }
+    int_type underflow() override {
+        return pauses() ? traits_type::eof() : window_buffer::underflow();
+    }
     int_type uflow() override { return pauses() ? traits_type::eof() : window_buffer::uflow(); }
 
 private:
@@ -147,7 +157,9 @@ protected:
         ADD_FAILURE() << "it was asked to seek";
         return pos_type(off_type(-1));
     }
-    pos_type seekpos(pos_type, std::ios_base::openmode) override { return seekoff(0, std::ios_base::beg, {}); }
+    pos_type seekpos(pos_type, std::ios_base::openmode) override {
+        return seekoff(0, std::ios_base::beg, {});
+    }
     std::streambuf* setbuf(char*, std::streamsize) override {
         ADD_FAILURE() << "it was given a buffer";
         return this;
@@ -179,9 +191,11 @@ TEST(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
     for (const named_message& message : messages) {
         for (std::size_t offset = 0; offset <= message.m_text.size(); ++offset) {
             const auto own = test_support::first_erroneous_line(message.m_text.substr(0, offset));
-            for (const std::size_t window : {std::size_t{0}, std::size_t{1}, std::size_t{5}, offset}) {
+            for (const std::size_t window :
+                 {std::size_t{0}, std::size_t{1}, std::size_t{5}, offset}) {
                 const auto make = [&] {
-                    return std::make_unique<stream_over<pausing_buffer>>(message.m_text, offset, window);
+                    return std::make_unique<stream_over<pausing_buffer>>(message.m_text, offset,
+                                                                         window);
                 };
                 // With a window of 5 the pause comes at the end of a window, and so perhaps later.
                 if (window == 5 && offset % 5 != 0) continue;
@@ -195,8 +209,11 @@ TEST(stream_state, nothing_but_bytes_is_asked_of_the_buffer) {
     for (const named_message& message : messages) {
         const auto own = test_support::first_erroneous_line(message.m_text);
         for (const std::size_t window : {0U, 1U, 7U, 1000U}) {
-            const auto make = [&] { return std::make_unique<stream_over<one_way_buffer>>(message.m_text, window); };
-            EXPECT_EQ(difference(make, own), "") << message.m_name << " through a window of " << window;
+            const auto make = [&] {
+                return std::make_unique<stream_over<one_way_buffer>>(message.m_text, window);
+            };
+            EXPECT_EQ(difference(make, own), "")
+                << message.m_name << " through a window of " << window;
         }
     }
 }
@@ -213,7 +230,8 @@ TEST(stream_state, a_stream_that_is_not_good_stays_unread) {
                 }
                 return in;
             };
-            EXPECT_EQ(difference(make, {}), "") << "state " << state_of(state) << ", mask " << state_of(mask);
+            EXPECT_EQ(difference(make, {}), "")
+                << "state " << state_of(state) << ", mask " << state_of(mask);
         }
     }
 }
@@ -342,17 +360,19 @@ std::streamoff position_of(std::istream& in) {
 
 TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
     std::string text;
-    for (int line = 0; line < 3000; ++line) text += "1 line of a body that is longer than the buffers of files\n";
+    for (int line = 0; line < 3000; ++line)
+        text += "1 line of a body that is longer than the buffers of files\n";
     const std::string place = testing::TempDir() + "mailstructure_stream_state_test.eml";
-    for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190}, std::size_t{65535},
-                                    std::size_t{65536}, text.size() - 3}) {
+    for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190},
+                                    std::size_t{65535}, std::size_t{65536}, text.size() - 3}) {
         std::string damaged = text;
         damaged[stray] = '\r';
         {
             std::ofstream file(place, std::ios_base::binary);
             file << damaged;
         }
-        const auto own = test_support::first_erroneous_line(damaged.substr(0, damaged.find('\n', stray) + 1));
+        const auto own =
+            test_support::first_erroneous_line(damaged.substr(0, damaged.find('\n', stray) + 1));
         for (const bool from_file : {false, true}) {
             const auto make = [&]() -> std::unique_ptr<std::istream> {
                 if (from_file) return std::make_unique<std::ifstream>(place, std::ios_base::binary);
@@ -365,8 +385,10 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
             MailStructure message;
             EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
             std::string line;
-            for (std::size_t count = 0; count < own.m_lines; ++count) std::getline(*for_getline, line);
-            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline)) << "stray byte at " << stray;
+            for (std::size_t count = 0; count < own.m_lines; ++count)
+                std::getline(*for_getline, line);
+            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline))
+                << "stray byte at " << stray;
         }
     }
     std::remove(place.c_str());
@@ -376,7 +398,8 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
 class damaged_file {
 public:
     explicit damaged_file(std::size_t stray) {
-        for (int line = 0; line < 300; ++line) m_text += "1 line of a body that is longer than the buffers of files\n";
+        for (int line = 0; line < 300; ++line)
+            m_text += "1 line of a body that is longer than the buffers of files\n";
         m_text[stray] = '\r';
         std::ofstream(m_place, std::ios_base::binary) << m_text;
     }
@@ -411,20 +434,23 @@ TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_ba
                 return in;
             };
             const auto own = file.own_error_from(taken_again ? 1 : 0);
-            EXPECT_EQ(difference(make, own, bytes_ready::do_not_count), "") << "stray byte at " << stray;
+            EXPECT_EQ(difference(make, own, bytes_ready::do_not_count), "")
+                << "stray byte at " << stray;
             const auto for_fill = make();
             const auto for_getline = make();
             MailStructure message;
             EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
             std::string line;
-            for (std::size_t count = 0; count < own.m_lines; ++count) std::getline(*for_getline, line);
-            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline)) << "stray byte at " << stray;
+            for (std::size_t count = 0; count < own.m_lines; ++count)
+                std::getline(*for_getline, line);
+            EXPECT_EQ(position_of(*for_fill), position_of(*for_getline))
+                << "stray byte at " << stray;
         }
     }
 }
 
-/// Cannot tell how many bytes make a character, so that a file may be imbued with another conversion only before it is
-/// read.
+/// Cannot tell how many bytes make a character, so that a file may be imbued with another
+/// conversion only before it is read.
 class stateful_conversion : public std::codecvt<char, char, std::mbstate_t> {
     int do_encoding() const noexcept override { return -1; }
 };
@@ -436,7 +462,8 @@ TEST(stream_state, files_that_have_lost_their_conversion_are_left_as_by_getline)
         auto in = file.stream();
         in->imbue(std::locale(std::locale::classic(), new stateful_conversion));
         std::string begun(taken, ' ');
-        in->read(begun.data(), static_cast<std::streamsize>(taken)); // past the file's buffer, if that is much
+        in->read(begun.data(),
+                 static_cast<std::streamsize>(taken)); // past the file's buffer, if that is much
         in->imbue(std::locale::classic());
         return in;
     };

@@ -31,13 +31,14 @@ struct expected_message {
 std::vector<expected_message> expected_messages() {
     std::vector<expected_message> expected;
     for (const allocating_message& message : test_support::allocating_messages())
-        expected.push_back({message.m_input, test_support::full_outcome_text(
-                                                 test_support::parse(message.m_input, {.m_keep_text = true}))});
+        expected.push_back({message.m_input, test_support::full_outcome_text(test_support::parse(
+                                                 message.m_input, {.m_keep_text = true}))});
     return expected;
 }
 
 /// What one thread does with one message; how many of its results were wrong.
-std::size_t wrong_results(MailStructure& reused, const expected_message& expected, std::size_t way) {
+std::size_t wrong_results(MailStructure& reused, const expected_message& expected,
+                          std::size_t way) {
     test_support::parse_outcome outcome;
     outcome.m_message.m_keep_text = reused.m_keep_text = true;
     test_support::delivered_stream in(expected.m_input, test_support::all_deliveries[way]);
@@ -72,7 +73,8 @@ TEST(threads, with_parsers_of_their_own_get_the_trees_of_one_thread) {
             for (std::size_t i = 0; i < rounds * expected.size(); ++i) {
                 // Some go through the messages in step with each other, some shifted.
                 const expected_message& message = expected[(i + number / 2) % expected.size()];
-                wrong += wrong_results(reused, message, (i + number) % test_support::all_deliveries.size());
+                wrong += wrong_results(reused, message,
+                                       (i + number) % test_support::all_deliveries.size());
                 ++done;
             }
         });
@@ -83,7 +85,8 @@ TEST(threads, with_parsers_of_their_own_get_the_trees_of_one_thread) {
 
 TEST(threads, may_read_one_tree_together) {
     const auto outcome = test_support::parse(
-        "C: multipart/x; b=X\n\n--X\nSubject: a\n\nhi\n--X\n\n1\n--X--\nepilogue\n", {.m_keep_text = true});
+        "C: multipart/x; b=X\n\n--X\nSubject: a\n\nhi\n--X\n\n1\n--X--\nepilogue\n",
+        {.m_keep_text = true});
     const std::string wanted = test_support::full_outcome_text(outcome);
     const std::string name = "sub";
     std::array<std::size_t, thread_count> wrong{};
@@ -93,7 +96,8 @@ TEST(threads, may_read_one_tree_together) {
             for (int round = 0; round < 50; ++round) {
                 const MailStructure::MimeObj copy(outcome.m_message.m_root);
                 if (test_support::full_tree_text(copy) != wanted) ++wrong[number];
-                const auto* const found = outcome.m_message.m_root.m_children[0].find_header(name, nullptr);
+                const auto* const found =
+                    outcome.m_message.m_root.m_children[0].find_header(name, nullptr);
                 if (found == nullptr || *found != "a") ++wrong[number];
             }
         });

@@ -1,5 +1,6 @@
-// A stream over memory that it neither copies nor adds to: its get area is a window on the memory itself, moved on as
-// the reader comes to its end. It allocates nothing, and never shows a byte past the end.
+// A stream over memory that it neither copies nor adds to: its get area is a window on the memory
+// itself, moved on as the reader comes to its end. It allocates nothing, and never shows a byte
+// past the end.
 
 #ifndef TESTS_ROBUSTNESS_WINDOW_STREAM_H
 #define TESTS_ROBUSTNESS_WINDOW_STREAM_H
@@ -14,7 +15,8 @@ namespace test_support {
 class window_buffer : public std::streambuf {
 public:
     /// @param text    must outlive the buffer; it is not written to
-    /// @param window  bytes shown at a time; 0: there is never a get area, each byte is asked for by a virtual call
+    /// @param window  bytes shown at a time; 0: there is never a get area, each byte is asked for
+    /// by a virtual call
     window_buffer(std::string_view text, std::size_t window) : m_text(text), m_window(window) {}
 
     /// Bytes that a reader has taken so far.
@@ -33,7 +35,8 @@ private:
 class window_stream : public std::istream {
 public:
     /// As window_buffer.
-    window_stream(std::string_view text, std::size_t window) : std::istream(nullptr), m_buffer(text, window) {
+    window_stream(std::string_view text, std::size_t window)
+        : std::istream(nullptr), m_buffer(text, window) {
         rdbuf(&m_buffer);
     }
 

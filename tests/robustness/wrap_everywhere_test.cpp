@@ -1,5 +1,5 @@
-// Offsets that wrap at every byte of a message give the tree of the reference parser. The messages begin near the wrap, so
-// that they can be short.
+// Offsets that wrap at every byte of a message give the tree of the reference parser. The messages
+// begin near the wrap, so that they can be short.
 
 #include <mail_structure.h>
 
@@ -56,18 +56,24 @@ TEST(wrap, at_every_byte_gives_the_reference_tree) {
     for (const std::string& message : messages) {
         for (std::size_t bytes = 0; bytes <= message.size() + 1; ++bytes)
             EXPECT_EQ(difference(message, {false, 0xFFFFFFFF, wrapping_after(bytes)}), "")
-                << "wrap after " << bytes << " bytes of \"" << test_support::escaped(message) << '"';
+                << "wrap after " << bytes << " bytes of \"" << test_support::escaped(message)
+                << '"';
     }
 }
 
 TEST(wrap, at_the_lines_of_random_messages_gives_the_reference_tree) {
     for (std::uint64_t seed = 1; seed <= 700; ++seed) {
         const test_support::generated_message made = test_support::generate_message(seed);
-        for (std::size_t end = 0; end != std::string::npos; end = made.m_input.find('\n', end + 1)) {
-            ASSERT_EQ(difference(made.m_input, {made.m_keep_text, made.m_memlimit, wrapping_after(end + 1)}), "")
+        for (std::size_t end = 0; end != std::string::npos;
+             end = made.m_input.find('\n', end + 1)) {
+            ASSERT_EQ(difference(made.m_input,
+                                 {made.m_keep_text, made.m_memlimit, wrapping_after(end + 1)}),
+                      "")
                 << "seed " << seed << ", wrap after " << end + 1 << " bytes";
             if (seed % 8 != 0) continue;
-            ASSERT_EQ(difference(made.m_input, {made.m_keep_text, made.m_memlimit, wrapping_after(end)}), "")
+            ASSERT_EQ(
+                difference(made.m_input, {made.m_keep_text, made.m_memlimit, wrapping_after(end)}),
+                "")
                 << "seed " << seed << ", wrap after " << end << " bytes";
         }
     }

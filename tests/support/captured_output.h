@@ -11,8 +11,8 @@
 
 namespace test_support {
 
-/// Takes what is printed to one stream, and hands it on to a log at each flush, so that text that was not
-/// flushed in time stands in the wrong place there.
+/// Takes what is printed to one stream, and hands it on to a log at each flush, so that text that
+/// was not flushed in time stands in the wrong place there.
 class captured_stream : public std::stringbuf {
 public:
     /// @param mark  begins each line in the log
@@ -60,7 +60,8 @@ public:
 
     const std::string& error_text() const { return m_error.text(); }
     const std::string& output_text() const { return m_output.text(); }
-    /// Every line of both in the order of printing, those of std::cerr marked "e|", those of std::cout "o|".
+    /// Every line of both in the order of printing, those of std::cerr marked "e|", those of
+    /// std::cout "o|".
     const std::string& log() const { return m_log; }
 
 private:

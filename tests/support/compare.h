@@ -11,14 +11,15 @@
 
 namespace test_support {
 
-/// Says where the two results differ first, or nothing when they are equal. Compared are m_done, the
-/// error, and of every entity every member, its field records included. Of m_parent only what a host
-/// may rely on is checked: the entities along the chain of last children are in place, so each of
-/// their children points back at them; the root points nowhere.
+/// Says where the two results differ first, or nothing when they are equal. Compared are m_done,
+/// the error, and of every entity every member, its field records included. Of m_parent only what a
+/// host may rely on is checked: the entities along the chain of last children are in place, so each
+/// of their children points back at them; the root points nowhere.
 /// @param error  what left Fill, in the words of reference::message::m_error; empty after a return
 /// @return ""  or a line such as "1.2 m_body_len: found 7, wanted 9"
 /// Does not recurse, and allocates nothing worth naming while the results are equal.
-std::string first_difference(const MailStructure& found, const std::string& error, const reference::message& wanted);
+std::string first_difference(const MailStructure& found, const std::string& error,
+                             const reference::message& wanted);
 
 } // namespace test_support
 

@@ -1,4 +1,5 @@
-// A message as the list of its lines, terminators included, for tests that drop, double or swap lines.
+// A message as the list of its lines, terminators included, for tests that drop, double or swap
+// lines.
 
 #ifndef TESTS_SUPPORT_LINE_LIST_H
 #define TESTS_SUPPORT_LINE_LIST_H

@@ -15,7 +15,8 @@ namespace {
 
 enum class endings : std::uint8_t { lf, crlf, mixed };
 
-/// Writes one message from the outside in. Whatever it does by the grammar it also does wrong at times.
+/// Writes one message from the outside in. Whatever it does by the grammar it also does wrong at
+/// times.
 class message_writer {
 public:
     explicit message_writer(seeded_random& random)
@@ -34,20 +35,23 @@ public:
     }
 
 private:
-    static constexpr endings all_endings[] = {endings::lf, endings::lf, endings::crlf, endings::crlf, endings::mixed};
+    static constexpr endings all_endings[] = {endings::lf, endings::lf, endings::crlf,
+                                              endings::crlf, endings::mixed};
     static constexpr int deepest = 12;
 
     void line(std::string_view text) {
         if (m_lines_left == 0) return;
         --m_lines_left;
         m_text += text;
-        const bool cr = m_endings == endings::crlf || (m_endings == endings::mixed && m_random.one_in(2));
+        const bool cr =
+            m_endings == endings::crlf || (m_endings == endings::mixed && m_random.one_in(2));
         m_text += cr ? "\r\n" : "\n";
     }
 
     bool crlf() const { return m_endings != endings::lf; }
 
-    /// Drawn from left to right, as a chain of + would not promise: a seed gives the same message with every compiler.
+    /// Drawn from left to right, as a chain of + would not promise: a seed gives the same message
+    /// with every compiler.
     static std::string joined(std::initializer_list<std::string> pieces) {
         std::string all;
         for (const std::string& piece : pieces) all += piece;
@@ -69,24 +73,27 @@ private:
     }
 
     std::string boundary_parameter() {
-        return joined(
-            {blank(), m_random.one_of(words::boundary_names), blank(), "=", blank(), quoted_or_not(new_boundary())});
+        return joined({blank(), m_random.one_of(words::boundary_names), blank(), "=", blank(),
+                       quoted_or_not(new_boundary())});
     }
 
     std::string other_parameter() {
-        return joined({blank(), m_random.one_of(words::parameter_names), blank(), m_random.one_in(8) ? "" : "=",
-                       blank(), m_random.one_of(words::parameter_values)});
+        return joined({blank(), m_random.one_of(words::parameter_names), blank(),
+                       m_random.one_in(8) ? "" : "=", blank(),
+                       m_random.one_of(words::parameter_values)});
     }
 
-    /// Some parameters, each after its semicolon; any of them may stand on a folded line, where the parser
-    /// wants the semicolon before the fold.
-    /// @param boundary_odds  how many to one that there is a boundary among them; now and then there are several
+    /// Some parameters, each after its semicolon; any of them may stand on a folded line, where the
+    /// parser wants the semicolon before the fold.
+    /// @param boundary_odds  how many to one that there is a boundary among them; now and then
+    /// there are several
     void add_parameters(std::string& text, std::size_t boundary_odds) {
         std::vector<std::string> parameters;
         if (m_random.one_in(3)) parameters.push_back(other_parameter());
         if (m_random.below(boundary_odds + 1) != 0) {
             do {
-                const auto place = static_cast<std::ptrdiff_t>(m_random.below(parameters.size() + 1));
+                const auto place =
+                    static_cast<std::ptrdiff_t>(m_random.below(parameters.size() + 1));
                 parameters.insert(parameters.begin() + place, boundary_parameter());
             } while (m_random.one_in(8));
         }
@@ -118,10 +125,13 @@ private:
     }
 
     void plain_field() {
-        line(joined({m_random.one_of(words::other_names), ":", m_random.one_of(words::plain_values)}));
+        line(joined(
+            {m_random.one_of(words::other_names), ":", m_random.one_of(words::plain_values)}));
     }
 
-    void fold() { line(joined({m_random.one_of(words::fold_starts), m_random.one_of(words::fold_texts)})); }
+    void fold() {
+        line(joined({m_random.one_of(words::fold_starts), m_random.one_of(words::fold_texts)}));
+    }
 
     /// A name without a colon. Ended by CR LF it ends the parse, so it is rare where lines end so.
     void colonless_name() {
@@ -148,8 +158,8 @@ private:
         for (std::size_t i = m_random.below(4); i > 0; --i) body_line();
     }
 
-    /// Enough text for the parser to skip over it in blocks, its lines about as long as those blocks or
-    /// very short, with what must not be skipped here and there.
+    /// Enough text for the parser to skip over it in blocks, its lines about as long as those
+    /// blocks or very short, with what must not be skipped here and there.
     void long_body() {
         const std::size_t lines = 5 + m_random.below(40);
         m_lines_left += lines;
@@ -158,7 +168,8 @@ private:
                                                       63, 64, 65, 76, 125, 126, 127, 130};
             const std::size_t length = m_random.one_of(lengths);
             std::string text(length, static_cast<char>('!' + m_random.below(90)));
-            if (m_random.one_in(20)) text.insert(m_random.one_in(2) ? 0 : m_random.below(text.size()), "--");
+            if (m_random.one_in(20))
+                text.insert(m_random.one_in(2) ? 0 : m_random.below(text.size()), "--");
             if (m_random.one_in(100)) text += '\0'; // legal, unless a CR follows
             if (m_random.one_in(15))
                 boundary_line();
@@ -183,7 +194,8 @@ private:
 
     /// A line that looks like a separator or a closing line of any boundary so far, or nearly so.
     void boundary_line() {
-        static constexpr const char* tails[] = {"", "", "", "--", "--", "-", "---", " ", "-- ", "x", "----", "\x01"};
+        static constexpr const char* tails[] = {"",    "",  "",    "--", "--",   "-",
+                                                "---", " ", "-- ", "x",  "----", "\x01"};
         const bool known = !m_boundaries.empty() && !m_random.one_in(8);
         std::string text = "--";
         text += known ? m_random.one_of(m_boundaries) : m_random.one_of(words::boundaries);
@@ -229,7 +241,8 @@ private:
             if (m_random.one_in(15)) boundary_line();
             entity(depth + 1);
         }
-        for (std::size_t closings = m_random.one_in(6) ? m_random.below(4) : 1; closings > 0; --closings)
+        for (std::size_t closings = m_random.one_in(6) ? m_random.below(4) : 1; closings > 0;
+             --closings)
             line("--" + own + "--");
         if (m_random.one_in(2)) body();
     }
@@ -254,10 +267,12 @@ private:
         }
     }
 
-    /// Puts bytes where they may and may not stand: a CR or a NUL is legal only just before an LF or the end.
+    /// Puts bytes where they may and may not stand: a CR or a NUL is legal only just before an LF
+    /// or the end.
     void break_bytes() {
         if (m_text.empty() || !m_random.one_in(12)) return;
-        static constexpr std::string_view strays[] = {{"\0", 1}, {"\r", 1}, {"\r\r", 2}, {"\0\r", 2}};
+        static constexpr std::string_view strays[] = {
+            {"\0", 1}, {"\r", 1}, {"\r\r", 2}, {"\0\r", 2}};
         std::size_t place = m_random.below(m_text.size());
         if (m_random.one_in(2)) place = std::min(m_text.find('\n', place), m_text.size() - 1);
         m_text.insert(place, m_random.one_of(strays));
@@ -278,14 +293,16 @@ private:
     std::vector<std::string> m_boundaries;
 };
 
-/// What the fields of the message come to for the memory limit, as far as one can tell without parsing
-/// it: after some of its fields, give or take a little.
+/// What the fields of the message come to for the memory limit, as far as one can tell without
+/// parsing it: after some of its fields, give or take a little.
 std::uint32_t limit_near_the_estimate(const std::string& input, seeded_random& random) {
     std::vector<std::size_t> estimates{0};
     for (const std::string_view line : lines_of(input)) {
         if (line.find(':') == std::string_view::npos && line.front() != ' ') continue;
-        if (line.front() != ' ' && line.front() != '\t') estimates.push_back(estimates.back() + 64 + line.size());
-        for (std::size_t at = line.find(';'); at != std::string_view::npos; at = line.find(';', at + 1)) {
+        if (line.front() != ' ' && line.front() != '\t')
+            estimates.push_back(estimates.back() + 64 + line.size());
+        for (std::size_t at = line.find(';'); at != std::string_view::npos;
+             at = line.find(';', at + 1)) {
             const std::size_t end = std::min(line.find_first_of(";\r\n", at + 1), line.size());
             if (end - at > 3) estimates.push_back(estimates.back() + 64 + (end - at - 1) - 1);
         }
@@ -305,8 +322,8 @@ std::uint32_t some_memlimit(const std::string& input, seeded_random& random) {
     }
 }
 
-/// Offset 0 falls to the first byte as a rule, now and then to a later one, and then most often to the
-/// start of a line: ranges that begin at offset 0 are where the arithmetic is odd.
+/// Offset 0 falls to the first byte as a rule, now and then to a later one, and then most often to
+/// the start of a line: ranges that begin at offset 0 are where the arithmetic is odd.
 std::uint32_t some_first_offset(const std::string& input, seeded_random& random) {
     if (!random.one_in(5)) return 0;
     if (random.one_in(10)) return static_cast<std::uint32_t>(random.next());

@@ -20,8 +20,8 @@ struct parse_options {
 
 struct parse_outcome {
     MailStructure m_message;
-    /// Empty after a normal return, else what left Fill: "runtime_error: " and its text, "length_error",
-    /// "bad_cast", "bad_alloc", "ios_failure" or "other".
+    /// Empty after a normal return, else what left Fill: "runtime_error: " and its text,
+    /// "length_error", "bad_cast", "bad_alloc", "ios_failure" or "other".
     std::string m_error;
 };
 

@@ -1,5 +1,5 @@
-// Random numbers that are the same on every machine: what a test prints as its seed is enough to see
-// the same message again.
+// Random numbers that are the same on every machine: what a test prints as its seed is enough to
+// see the same message again.
 
 #ifndef TESTS_SUPPORT_SEEDED_RANDOM_H
 #define TESTS_SUPPORT_SEEDED_RANDOM_H
@@ -23,8 +23,11 @@ public:
         return mixed ^ (mixed >> 31U);
     }
 
-    /// A number from 0 to limit - 1; 0 when limit is 0. The slight bias of the remainder does not matter here.
-    std::size_t below(std::size_t limit) { return limit == 0 ? 0 : static_cast<std::size_t>(next() % limit); }
+    /// A number from 0 to limit - 1; 0 when limit is 0. The slight bias of the remainder does not
+    /// matter here.
+    std::size_t below(std::size_t limit) {
+        return limit == 0 ? 0 : static_cast<std::size_t>(next() % limit);
+    }
 
     /// True once in so many calls, on average.
     bool one_in(std::size_t calls) { return below(calls) == 0; }

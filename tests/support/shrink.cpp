@@ -18,7 +18,8 @@ constexpr std::size_t most_attempts = 20000;
 /// Cuts the message into pieces and tries to do without runs of them, long runs first.
 /// @return whether anything could be left out
 template <typename cutter>
-bool leave_out_pieces(std::string& message, const question& fails, std::size_t& attempts, cutter pieces_of) {
+bool leave_out_pieces(std::string& message, const question& fails, std::size_t& attempts,
+                      cutter pieces_of) {
     bool smaller = false;
     std::size_t run = pieces_of(message).size();
     while (run > 0) {

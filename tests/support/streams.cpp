@@ -75,14 +75,17 @@ std::streambuf::int_type chunked_buffer::underflow() {
 }
 
 std::streambuf::int_type bare_buffer::underflow() {
-    return m_taken == m_text.size() ? traits_type::eof() : traits_type::to_int_type(m_text[m_taken]);
+    return m_taken == m_text.size() ? traits_type::eof()
+                                    : traits_type::to_int_type(m_text[m_taken]);
 }
 
 std::streambuf::int_type bare_buffer::uflow() {
-    return m_taken == m_text.size() ? traits_type::eof() : traits_type::to_int_type(m_text[m_taken++]);
+    return m_taken == m_text.size() ? traits_type::eof()
+                                    : traits_type::to_int_type(m_text[m_taken++]);
 }
 
-delivered_stream::delivered_stream(std::string_view text, const delivery& way) : std::istream(nullptr) {
+delivered_stream::delivered_stream(std::string_view text, const delivery& way)
+    : std::istream(nullptr) {
     if (way.m_chunk == 0)
         m_buffer = std::make_unique<bare_buffer>(text);
     else
@@ -90,18 +93,22 @@ delivered_stream::delivered_stream(std::string_view text, const delivery& way) :
     rdbuf(m_buffer.get());
 }
 
-faulty_stream::faulty_stream(std::string_view text, std::size_t offset, fault kind, const delivery& way)
+faulty_stream::faulty_stream(std::string_view text, std::size_t offset, fault kind,
+                             const delivery& way)
     : std::istream(nullptr) {
     const std::string_view before = text.substr(0, offset);
     if (way.m_chunk == 0)
         m_buffer = std::make_unique<faulty_buffer<bare_buffer>>(*this, kind, before);
     else
-        m_buffer = std::make_unique<faulty_buffer<chunked_buffer>>(*this, kind, before, way.m_chunk);
+        m_buffer =
+            std::make_unique<faulty_buffer<chunked_buffer>>(*this, kind, before, way.m_chunk);
     rdbuf(m_buffer.get());
 }
 
-repeating_stream::repeating_stream(std::string first, std::string_view pattern, std::uint64_t total_bytes)
-    : std::istream(nullptr), m_buffer(std::make_unique<repeating_buffer>(std::move(first), pattern, total_bytes)) {
+repeating_stream::repeating_stream(std::string first, std::string_view pattern,
+                                   std::uint64_t total_bytes)
+    : std::istream(nullptr),
+      m_buffer(std::make_unique<repeating_buffer>(std::move(first), pattern, total_bytes)) {
     rdbuf(m_buffer.get());
 }
 

@@ -1,5 +1,5 @@
-// Streams that hand out their bytes in every way a standard stream may, that fail on the way, or that
-// make up their bytes as they go. None of them can seek.
+// Streams that hand out their bytes in every way a standard stream may, that fail on the way, or
+// that make up their bytes as they go. None of them can seek.
 
 #ifndef TESTS_SUPPORT_STREAMS_H
 #define TESTS_SUPPORT_STREAMS_H
@@ -17,8 +17,8 @@
 
 namespace test_support {
 
-/// Hands out a text in chunks. Each chunk is an array of exactly its size, and is gone when the next one comes, so that
-/// a sanitizer sees whoever reads past its end or goes back to it.
+/// Hands out a text in chunks. Each chunk is an array of exactly its size, and is gone when the
+/// next one comes, so that a sanitizer sees whoever reads past its end or goes back to it.
 class chunked_buffer : public std::streambuf {
 public:
     /// @param text   must outlive the buffer
@@ -93,20 +93,21 @@ public:
     stream_fault() : std::runtime_error("made to fail") {}
 };
 
-/// A stream over a text that goes wrong at an offset. All bytes before are handed out in the given way; a
-/// chunk never reaches over the offset.
+/// A stream over a text that goes wrong at an offset. All bytes before are handed out in the given
+/// way; a chunk never reaches over the offset.
 class faulty_stream : public std::istream {
 public:
     /// @param text    must outlive the stream
     /// @param offset  bytes that are still handed out; at most the length of the text
-    faulty_stream(std::string_view text, std::size_t offset, fault kind, const delivery& way = {"", all_bytes});
+    faulty_stream(std::string_view text, std::size_t offset, fault kind,
+                  const delivery& way = {"", all_bytes});
 
 private:
     std::unique_ptr<std::streambuf> m_buffer;
 };
 
-/// A stream that repeats a pattern until a total number of bytes is reached. It holds one block of at most
-/// 64 KiB or one pattern, whatever the total is.
+/// A stream that repeats a pattern until a total number of bytes is reached. It holds one block of
+/// at most 64 KiB or one pattern, whatever the total is.
 class repeating_stream : public std::istream {
 public:
     /// @param pattern  not empty

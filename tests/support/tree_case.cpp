@@ -15,7 +15,8 @@ void expect_same_through_all_streams(std::string_view input, const parse_outcome
         delivered_stream in(input, way);
         const parse_outcome found = parse(in, options);
         EXPECT_EQ(full_outcome_text(found), wanted_text) << "from a stream " << way.m_name;
-        EXPECT_EQ(found.m_message.m_done, wanted.m_message.m_done) << "from a stream " << way.m_name;
+        EXPECT_EQ(found.m_message.m_done, wanted.m_message.m_done)
+            << "from a stream " << way.m_name;
     }
 }
 
@@ -27,7 +28,8 @@ void expect_tree(std::string_view input, std::string_view wanted, const parse_op
     expect_same_through_all_streams(input, found, options);
 }
 
-void expect_full_tree(std::string_view input, std::string_view wanted, const parse_options& options) {
+void expect_full_tree(std::string_view input, std::string_view wanted,
+                      const parse_options& options) {
     const parse_outcome found = parse(input, options);
     EXPECT_EQ(full_outcome_text(found), wanted);
     expect_same_through_all_streams(input, found, options);

@@ -19,11 +19,13 @@ struct tree_case {
     parse_options m_options = {};
 };
 
-/// Checks the structure that the input gives, then that every way in which a stream may hand out the same bytes
-/// gives the same tree in all its detail, and the same m_done.
-void expect_tree(std::string_view input, std::string_view wanted, const parse_options& options = {});
+/// Checks the structure that the input gives, then that every way in which a stream may hand out
+/// the same bytes gives the same tree in all its detail, and the same m_done.
+void expect_tree(std::string_view input, std::string_view wanted,
+                 const parse_options& options = {});
 /// The same, but everything that the tree holds is compared with the text wanted.
-void expect_full_tree(std::string_view input, std::string_view wanted, const parse_options& options = {});
+void expect_full_tree(std::string_view input, std::string_view wanted,
+                      const parse_options& options = {});
 
 } // namespace test_support
 

@@ -49,7 +49,8 @@ void append_field(std::string& text, const MailStructure::header& field) {
 }
 
 void append_kept_text(std::string& text, std::string_view label, const std::string& kept) {
-    if (!kept.empty()) text.append("  ").append(label).append(" \"").append(escaped(kept)).append("\"\n");
+    if (!kept.empty())
+        text.append("  ").append(label).append(" \"").append(escaped(kept)).append("\"\n");
 }
 
 /// An entity on the way from the root to the one that is being printed.

@@ -3,9 +3,9 @@
 //     1 multipart/mixed multipart h=0+44 m=0+81 b=44+37 e=81+4 c=44+37 n=4
 //     1.1 text/plain enc=7bit h=53+6 m=53+8 b=59+2 c=59+2 n=1
 //
-// The path of the entity comes first, then its type and subtype, its flags as words, and whatever of the
-// rest is not at its zero: enc= the transfer encoding; h= m= b= e= c= the header, whole-entity, body,
-// epilogue and contents ranges as offset+length; n= the number of body lines.
+// The path of the entity comes first, then its type and subtype, its flags as words, and whatever
+// of the rest is not at its zero: enc= the transfer encoding; h= m= b= e= c= the header,
+// whole-entity, body, epilogue and contents ranges as offset+length; n= the number of body lines.
 
 #ifndef TESTS_SUPPORT_TREE_TEXT_H
 #define TESTS_SUPPORT_TREE_TEXT_H
@@ -21,8 +21,8 @@ namespace test_support {
 std::string tree_text(const MailStructure::MimeObj& root);
 
 /// The same with everything else that the tree holds. An entity's line also tells which of its
-/// "last line was empty" flags are set; below it stand its fields, from begin to end and with their parameters,
-/// and its kept texts:
+/// "last line was empty" flags are set; below it stand its fields, from begin to end and with their
+/// parameters, and its kept texts:
 ///
 ///     1 text/plain h=0+22 m=0+24 b=22+2 c=22+2 n=1 body-last-empty
 ///       0-20 "Content-Type" "text/plain" (charset "x")

@@ -38,16 +38,22 @@ struct body_case {
 
 const body_case body_cases[] = {
     {"nothing", "", "", "", ""},
-    {"usual", "Content-Type: text/csv; charset=utf-8; name=a.csv\nContent-Transfer-Encoding: base64\n", "base64",
-     "utf-8", "a.csv"},
-    {"disposition_first", "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=b\n", "", "", "b"},
-    {"empty_file_name", "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=\n", "", "", "a"},
+    {"usual",
+     "Content-Type: text/csv; charset=utf-8; name=a.csv\nContent-Transfer-Encoding: base64\n",
+     "base64", "utf-8", "a.csv"},
+    {"disposition_first",
+     "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=b\n", "", "", "b"},
+    {"empty_file_name", "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=\n",
+     "", "", "a"},
     {"comment_and_blanks", "Content-Transfer-Encoding:  Base64 (see above)\n", "Base64", "", ""},
     {"encoding_folded", "Content-Transfer-Encoding:\n base64\n", "base64", "", ""},
     {"last_of_two", "Content-Type: a/b; charset=c\nContent-Type: d/e; charset=f\n", "", "f", ""},
-    {"longer_names_are_others", "Content-Transfer-Encoding-X: base64\nContent-Type-X: a/b; charset=c\n", "", "", ""},
-    {"digit_in_a_name", "Content-Type: a/b; x1=y; charset=utf-8;\n name*0=\"c \";\n name*1=d\n", "", "utf-8", "c d"},
-    {"semicolon_in_quotes", "Content-Type: a/b; name=\"c; d\"; charset=utf-8\n", "", "utf-8", "c; d"},
+    {"longer_names_are_others",
+     "Content-Transfer-Encoding-X: base64\nContent-Type-X: a/b; charset=c\n", "", "", ""},
+    {"digit_in_a_name", "Content-Type: a/b; x1=y; charset=utf-8;\n name*0=\"c \";\n name*1=d\n", "",
+     "utf-8", "c d"},
+    {"semicolon_in_quotes", "Content-Type: a/b; name=\"c; d\"; charset=utf-8\n", "", "utf-8",
+     "c; d"},
 };
 
 TEST(field, tells_encoding_charset_and_file_name) {

@@ -21,7 +21,8 @@ class temporary_file {
 public:
     explicit temporary_file(const std::string& contents) {
         const int descriptor = ::mkstemp(m_name.data());
-        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()), static_cast<ssize_t>(contents.size()));
+        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()),
+                  static_cast<ssize_t>(contents.size()));
         ::close(descriptor);
     }
     ~temporary_file() { ::unlink(m_name.c_str()); }
@@ -36,7 +37,8 @@ private:
 };
 
 TEST(file_bytes, maps_a_file) {
-    for (const std::string& contents : {std::string("a"), std::string("a: b\n\nx\n"), std::string(100000, 'x')}) {
+    for (const std::string& contents :
+         {std::string("a"), std::string("a: b\n\nx\n"), std::string(100000, 'x')}) {
         const temporary_file file(contents);
         const file_bytes taken(file.name());
         EXPECT_TRUE(taken.is_mapped());
@@ -77,14 +79,16 @@ TEST(file_bytes, reads_a_pipe_in_pieces_of_any_size) {
     for (const std::size_t total : {0UL, 1UL, 65535UL, 65536UL, 65537UL, 1000000UL}) {
         SCOPED_TRACE(total);
         std::string contents;
-        while (contents.size() < total) contents += "line " + std::to_string(contents.size()) + '\n';
+        while (contents.size() < total)
+            contents += "line " + std::to_string(contents.size()) + '\n';
         contents.resize(total);
         std::array<int, 2> ends{};
         ASSERT_EQ(::pipe(ends.data()), 0);
         std::thread writer([&] {
             for (std::size_t at = 0; at < total; at += 7777) {
                 const std::string piece = contents.substr(at, 7777);
-                EXPECT_EQ(::write(ends[1], piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
+                EXPECT_EQ(::write(ends[1], piece.data(), piece.size()),
+                          static_cast<ssize_t>(piece.size()));
             }
             ::close(ends[1]);
         });
@@ -174,8 +178,9 @@ void read_a_lost_page(const temporary_file& file) {
 TEST(file_bytes, that_lose_their_file_end_the_program_with_words) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const temporary_file file(std::string(16384, 'x'));
-    EXPECT_EXIT(read_a_lost_page(file), testing::ExitedWithCode(1),
-                "mailstructure: .*: cannot read: the file was cut short, or failed, while it was in use at byte 8192");
+    EXPECT_EXIT(
+        read_a_lost_page(file), testing::ExitedWithCode(1),
+        "mailstructure: .*: cannot read: the file was cut short, or failed, while it was in use at byte 8192");
 }
 
 void fault_elsewhere() {

@@ -1,5 +1,5 @@
-// What the JSON writer prints, read back with a JSON reader: no value loses a byte, whatever it holds, and no depth
-// is too much.
+// What the JSON writer prints, read back with a JSON reader: no value loses a byte, whatever it
+// holds, and no depth is too much.
 
 #include "mailstructure/json_writer.h"
 #include "support/case_name.h"
@@ -21,7 +21,8 @@ namespace {
 
 constexpr unsigned strict = rapidjson::kParseValidateEncodingFlag | rapidjson::kParseIterativeFlag;
 
-std::string json_of(const MailStructure::MimeObj& root, json_form form, const std::string& file_name = "file") {
+std::string json_of(const MailStructure::MimeObj& root, json_form form,
+                    const std::string& file_name = "file") {
     std::ostringstream text;
     json_output output(text);
     write_json(output, {file_name, "", 0, root}, form);
@@ -46,9 +47,9 @@ std::string base64_decoded(const std::string& text) {
     base64_decode_init(&context);
     std::string bytes(BASE64_DECODE_LENGTH(text.size()), '\0');
     std::size_t count = 0;
-    EXPECT_EQ(
-        base64_decode_update(&context, &count, reinterpret_cast<std::uint8_t*>(bytes.data()), text.size(), text.data()),
-        1);
+    EXPECT_EQ(base64_decode_update(&context, &count, reinterpret_cast<std::uint8_t*>(bytes.data()),
+                                   text.size(), text.data()),
+              1);
     EXPECT_EQ(base64_decode_final(&context), 1);
     bytes.resize(count);
     return bytes;
@@ -77,7 +78,8 @@ MailStructure::MimeObj entity_with_field(const std::string& value) {
 struct text_case {
     const char* m_name;
     std::string_view m_bytes;
-    std::string_view m_shown; // what the value is to be; the bytes are to be listed where it differs
+    std::string_view
+        m_shown; // what the value is to be; the bytes are to be listed where it differs
 };
 
 using namespace std::string_view_literals;
@@ -101,7 +103,8 @@ const text_case text_cases[] = {
     {"lone_surrogate", "\xED\xA0\x80"sv, "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"sv},
     {"overlong_slash", "\xC0\xAF"sv, "\xEF\xBF\xBD\xEF\xBF\xBD"sv},
     {"overlong_nul", "\xE0\x80\x80"sv, "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"sv},
-    {"past_the_highest", "\xF4\x90\x80\x80"sv, "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"sv},
+    {"past_the_highest", "\xF4\x90\x80\x80"sv,
+     "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"sv},
     {"cut_short_at_the_end", "a\xF0\x9F\xAA"sv, "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"sv},
     {"cut_short_by_a_nul", "\xE2\x82\0\x80"sv, "\xEF\xBF\xBD\xEF\xBF\xBD\0\xEF\xBF\xBD"sv},
     {"cut_short_by_a_letter", "\xE2\x82x"sv, "\xEF\xBF\xBD\xEF\xBF\xBDx"sv},
@@ -121,9 +124,11 @@ TEST_P(value, is_shown_and_can_be_had_back) {
     EXPECT_EQ(exact_at(document["root"], "/fields/0/value"), bytes);
 }
 
-INSTANTIATE_TEST_SUITE_P(json, value, testing::ValuesIn(text_cases), test_support::case_name<text_case>);
+INSTANTIATE_TEST_SUITE_P(json, value, testing::ValuesIn(text_cases),
+                         test_support::case_name<text_case>);
 
-/// Every text of two bytes, and every beginning of a longer character with a following byte that fits or does not.
+/// Every text of two bytes, and every beginning of a longer character with a following byte that
+/// fits or does not.
 TEST(json_values, of_any_bytes_can_be_had_back) {
     MailStructure::MimeObj root;
     std::vector<std::string> texts;
@@ -132,7 +137,8 @@ TEST(json_values, of_any_bytes_can_be_had_back) {
             const std::string two = {static_cast<char>(first), static_cast<char>(second)};
             texts.push_back(two);
             if (first >= 0xE0 && second >= 0x7F && second <= 0xC0) {
-                for (const char* const tail : {"\x80", "\xBF\x80", "\x80\x80\x80", "\xC0", "\x7F\x80"})
+                for (const char* const tail :
+                     {"\x80", "\xBF\x80", "\x80\x80\x80", "\xC0", "\x7F\x80"})
                     texts.push_back(two + tail);
             }
         }
@@ -159,12 +165,15 @@ TEST(json_values, that_a_terminal_would_act_on_are_spelled_out) {
             R"("\u001B\u007F\u0080\u009B\u009F\u00AD\u061C\u180E\u200B\u2028\u202E\u2066\uFEFF\uFFF9\uDB40\uDC7F")"),
         std::string::npos)
         << text;
-    for (const char byte : text) EXPECT_TRUE(byte == '\n' || (byte >= ' ' && byte < '\x7F')) << int{byte};
+    for (const char byte : text)
+        EXPECT_TRUE(byte == '\n' || (byte >= ' ' && byte < '\x7F')) << int{byte};
 }
 
 TEST(json_values, beside_those_are_not_spelled_out) {
-    const std::string plain = "~\xC2\xA0\xC3\xBC\xE2\x80\x90\xE2\x80\xA7\xE2\x80\xAF\xF0\x9F\xAA\x9C";
-    EXPECT_NE(json_of(entity_with_field(plain), json_form::line).find('"' + plain + '"'), std::string::npos);
+    const std::string plain =
+        "~\xC2\xA0\xC3\xBC\xE2\x80\x90\xE2\x80\xA7\xE2\x80\xAF\xF0\x9F\xAA\x9C";
+    EXPECT_NE(json_of(entity_with_field(plain), json_form::line).find('"' + plain + '"'),
+              std::string::npos);
 }
 
 TEST(json_values, that_are_not_utf8_are_listed_by_their_places) {
@@ -189,7 +198,8 @@ TEST(json_values, that_are_not_utf8_are_listed_by_their_places) {
     EXPECT_EQ(exact_at(document, "/file"), "f\xFF");
     const rapidjson::Value& listed = document["root"]["not_utf8"];
     ASSERT_EQ(listed.Size(), places.size());
-    for (unsigned at = 0; at < listed.Size(); ++at) EXPECT_EQ(listed[at]["member"].GetString(), places[at]);
+    for (unsigned at = 0; at < listed.Size(); ++at)
+        EXPECT_EQ(listed[at]["member"].GetString(), places[at]);
     EXPECT_EQ(exact_at(document["root"], "/fields/1/params/1/value"), "v\xFF");
     const rapidjson::Value& child = document["root"]["children"][0];
     ASSERT_EQ(child["not_utf8"].Size(), 1U);
@@ -207,9 +217,10 @@ TEST(json_members, are_all_that_is_recorded) {
     MailStructure::MimeObj root;
     root.m_multipart = root.m_message = root.m_body_last_empty = root.m_epilogue_last_empty = true;
     std::uint32_t next = 1;
-    for (std::uint32_t* const number : {&root.m_header_beg, &root.m_header_len, &root.m_mime_beg, &root.m_mime_len,
-                                        &root.m_body_beg, &root.m_body_len, &root.m_contents_beg, &root.m_contents_len,
-                                        &root.m_epilogue_beg, &root.m_epilogue_len, &root.m_lines})
+    for (std::uint32_t* const number :
+         {&root.m_header_beg, &root.m_header_len, &root.m_mime_beg, &root.m_mime_len,
+          &root.m_body_beg, &root.m_body_len, &root.m_contents_beg, &root.m_contents_len,
+          &root.m_epilogue_beg, &root.m_epilogue_len, &root.m_lines})
         *number = next++;
     root.m_lines = 0xFFFFFFFF;
     root.m_type = "type";
@@ -242,7 +253,8 @@ TEST(json_members, of_the_flat_form_tell_the_tree) {
         const rapidjson::Value& parent = line["parent"];
         told += std::to_string(line["index"].GetUint()) + '<'
                 + (parent.IsNull() ? "-" : std::to_string(parent.GetUint())) + " d"
-                + std::to_string(line["depth"].GetUint()) + " c" + std::to_string(line["child_count"].GetUint()) + '\n';
+                + std::to_string(line["depth"].GetUint()) + " c"
+                + std::to_string(line["child_count"].GetUint()) + '\n';
     }
     EXPECT_EQ(told, "0<- d0 c2\n1<0 d1 c2\n2<1 d2 c1\n3<2 d3 c0\n4<1 d2 c0\n5<0 d1 c0\n");
 }
@@ -295,7 +307,8 @@ TEST_P(depth, of_a_hundred_thousand_is_printed_on_a_small_stack) {
     }
     EXPECT_EQ(seen.m_open, 0U);
     EXPECT_EQ(seen.m_innermost, 1U);
-    // An entity is an object in its parent's array; its list of fields, or a range, lies one deeper.
+    // An entity is an object in its parent's array; its list of fields, or a range, lies one
+    // deeper.
     EXPECT_EQ(seen.m_deepest, GetParam() == json_form::flat ? 2 : 2 * levels + 1);
 }
 
@@ -305,7 +318,8 @@ TEST_P(depth, costs_the_same_on_every_level) {
     EXPECT_LT(twice, once * 21 / 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(json, depth, testing::Values(json_form::line, json_form::pretty, json_form::flat));
+INSTANTIATE_TEST_SUITE_P(json, depth,
+                         testing::Values(json_form::line, json_form::pretty, json_form::flat));
 
 // ---- output that fails
 

@@ -20,7 +20,8 @@ class temporary_file {
 public:
     explicit temporary_file(const std::string& contents) {
         const int descriptor = ::mkstemp(m_name.data());
-        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()), static_cast<ssize_t>(contents.size()));
+        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()),
+                  static_cast<ssize_t>(contents.size()));
         ::close(descriptor);
     }
     ~temporary_file() { ::unlink(m_name.c_str()); }
@@ -67,8 +68,9 @@ TEST(message_file, begins_past_a_separator_line) {
     }
 }
 
-const std::string nested = "Content-Type: multipart/mixed; boundary=b\n\npreamble\n--b\nA: b\n\nx\n--b\n"
-                           "Content-Type: message/rfc822\n\nC: d\n ef\n\ny\n--b--\nepilogue\n";
+const std::string nested =
+    "Content-Type: multipart/mixed; boundary=b\n\npreamble\n--b\nA: b\n\nx\n--b\n"
+    "Content-Type: message/rfc822\n\nC: d\n ef\n\ny\n--b--\nepilogue\n";
 
 TEST(message_file, counts_all_offsets_from_the_start_of_the_file) {
     const std::string separator = "From a\n";
@@ -163,7 +165,8 @@ TEST(message_file, tells_what_is_wrong_and_where) {
 
 TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
     MailStructure message;
-    const std::optional<input_fault> missing = message_file(testing::TempDir() + "no/such/file").parse(message);
+    const std::optional<input_fault> missing =
+        message_file(testing::TempDir() + "no/such/file").parse(message);
     ASSERT_TRUE(missing);
     EXPECT_EQ(missing->m_what, "cannot open: No such file or directory");
     const std::optional<input_fault> folder = message_file(testing::TempDir()).parse(message);
@@ -174,7 +177,8 @@ TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
     ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);
     const std::optional<input_fault> large = message_file(on_disk.name()).parse(message);
     ASSERT_TRUE(large);
-    EXPECT_EQ(large->m_what, "too big: no more than 4294967295 bytes can be read, and the input goes on");
+    EXPECT_EQ(large->m_what,
+              "too big: no more than 4294967295 bytes can be read, and the input goes on");
     EXPECT_EQ(large->m_offset, 4294967295U);
 }
 

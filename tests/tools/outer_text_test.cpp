@@ -24,7 +24,8 @@ const outer_case cases[] = {
     {"both", "before\n--b\n\nx\n--b--\nafter\n", "before\n", "after\n"},
     {"blank_lines", "\n--b\n\nx\n--b--\n\n", "\n", "\n"},
     {"lines_that_are_no_separators", "--bb\n--B\n --b\n--b\n\nx\n", "--bb\n--B\n --b\n", ""},
-    {"with_cr_lf", "before\r\n--b\r\nA: b\r\n\r\nx\r\n--b--\r\nafter\r\n", "before\r\n", "after\r\n"},
+    {"with_cr_lf", "before\r\n--b\r\nA: b\r\n\r\nx\r\n--b--\r\nafter\r\n", "before\r\n",
+     "after\r\n"},
     {"empty_line_after_the_separator_is_dropped", "before\n--b\n\nA: b\n\nx\n", "before\n", ""},
     {"parts_without_a_line", "before\n--b\n--b\n--b\nA: b\n", "before\n", ""},
     {"only_parts_without_a_line", "before\n--b\n--b\n", "before\n", ""},
@@ -51,7 +52,8 @@ TEST(outer_text, is_what_no_part_holds) {
 
 TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
     const std::string input =
-        header + "--b\nContent-Type: multipart/mixed; boundary=c\n\none\n--c\n\nx\n--c--\ntwo\n" + "--b\n\ny\n--b--\n";
+        header + "--b\nContent-Type: multipart/mixed; boundary=c\n\none\n--c\n\nx\n--c--\ntwo\n"
+        + "--b\n\ny\n--b--\n";
     const MailStructure message = parse(input);
     const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
     EXPECT_EQ(cut(input, preamble_of(inner, input)), "one\n");
@@ -62,7 +64,8 @@ TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
 }
 
 TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
-    const std::string part = header + "--b\nContent-Type: multipart/mixed; boundary=c\n\n--c\n\nx\n--c--\n\n";
+    const std::string part =
+        header + "--b\nContent-Type: multipart/mixed; boundary=c\n\n--c\n\nx\n--c--\n\n";
     for (const std::string after : {"", "after\n", "--b--\n"}) {
         SCOPED_TRACE(after);
         const std::string input = part + "--b--\n" + after;
@@ -71,12 +74,14 @@ TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
         EXPECT_EQ(cut(input, epilogue_of(message.m_root, input)), after);
     }
     const MailStructure open = parse(part + "after");
-    EXPECT_EQ(cut(part + "after", epilogue_of(open.m_root.m_children.at(0), part + "after")), "\nafter");
+    EXPECT_EQ(cut(part + "after", epilogue_of(open.m_root.m_children.at(0), part + "after")),
+              "\nafter");
     EXPECT_EQ(epilogue_of(open.m_root, part + "after").m_length, 0U);
 }
 
 TEST(outer_text, begins_with_the_last_boundary_of_several) {
-    const std::string input = "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n--b\n--c\n\nx\n";
+    const std::string input =
+        "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n--b\n--c\n\nx\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--b\n");
 }

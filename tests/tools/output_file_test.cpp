@@ -28,7 +28,9 @@ protected:
 
     std::string path(const std::string& name) const { return (m_folder / name).string(); }
 
-    void put(const std::string& name, const std::string& contents) const { std::ofstream(path(name)) << contents; }
+    void put(const std::string& name, const std::string& contents) const {
+        std::ofstream(path(name)) << contents;
+    }
 
     std::string contents(const std::string& name) const {
         std::ifstream in(path(name), std::ios::binary);
@@ -36,7 +38,8 @@ protected:
     }
 
     std::size_t count_of_files() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
     }
 
     mode_t mode(const std::string& name) const {
@@ -100,7 +103,8 @@ TEST_F(output_files, are_gone_when_a_signal_ends_the_program) {
     testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ}) {
         for (const existing_file existing : {existing_file::is_kept, existing_file::is_replaced}) {
-            EXPECT_EXIT(begin_a_file_and_get(signal, path("new"), existing), testing::KilledBySignal(signal), "^$");
+            EXPECT_EXIT(begin_a_file_and_get(signal, path("new"), existing),
+                        testing::KilledBySignal(signal), "^$");
             EXPECT_EQ(count_of_files(), 0U);
         }
     }
@@ -118,7 +122,8 @@ void keep_a_file_in_spite_of_signals(const std::string& name) {
 
 TEST_F(output_files, stay_when_a_signal_is_ignored_or_comes_too_late) {
     testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
-    EXPECT_EXIT(keep_a_file_in_spite_of_signals(path("new")), testing::KilledBySignal(SIGTERM), "^$");
+    EXPECT_EXIT(keep_a_file_in_spite_of_signals(path("new")), testing::KilledBySignal(SIGTERM),
+                "^$");
     EXPECT_EQ(contents("new"), "abc");
     EXPECT_EQ(count_of_files(), 1U);
 }
@@ -134,7 +139,8 @@ void lose_the_input(const std::string& input, const std::string& output) {
 TEST_F(output_files, are_gone_when_the_input_is_lost) {
     testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
     put("input", std::string(16384, 'x'));
-    EXPECT_EXIT(lose_the_input(path("input"), path("new")), testing::ExitedWithCode(1), "the file was cut short");
+    EXPECT_EXIT(lose_the_input(path("input"), path("new")), testing::ExitedWithCode(1),
+                "the file was cut short");
     EXPECT_EQ(count_of_files(), 1U);
 }
 

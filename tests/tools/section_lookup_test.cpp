@@ -10,12 +10,13 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-constexpr const char* forwarded = "Content-Type: multipart/mixed; boundary=X\n\n"
-                                  "--X\nContent-Type: text/plain\n\na\n"
-                                  "--X\nContent-Type: message/rfc822\n\na: b\nc: d\n\nhi\n"
-                                  "--X\nContent-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=Y\n\n"
-                                  "--Y\n\nb\n--Y\n\nc\n--Y--\n"
-                                  "--X--\n";
+constexpr const char* forwarded =
+    "Content-Type: multipart/mixed; boundary=X\n\n"
+    "--X\nContent-Type: text/plain\n\na\n"
+    "--X\nContent-Type: message/rfc822\n\na: b\nc: d\n\nhi\n"
+    "--X\nContent-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=Y\n\n"
+    "--Y\n\nb\n--Y\n\nc\n--Y--\n"
+    "--X--\n";
 
 /// The indexes of the children on the way to the entity, as "/1/0"; "" for the root.
 std::string place_below(const MimeObj& from, const MimeObj* wanted) {
@@ -36,9 +37,11 @@ std::string lookup_text(const std::string& input, const std::string& section_tex
     const test_support::parse_outcome parsed = test_support::parse(input);
     const MimeObj& root = parsed.m_message.m_root;
     const auto found = find_section(root, *wanted);
-    if (const auto* const none = std::get_if<no_section>(&found)) return "none, but " + none->m_nearest;
+    if (const auto* const none = std::get_if<no_section>(&found))
+        return "none, but " + none->m_nearest;
     const section_place place = std::get<section_place>(found);
-    const std::string suffix = place_below(root, place.m_entity) + (place.m_is_message ? " message" : "");
+    const std::string suffix =
+        place_below(root, place.m_entity) + (place.m_is_message ? " message" : "");
     switch (place.m_piece) {
     case section_place::piece::whole: return "whole" + suffix;
     case section_place::piece::header_block: return "header of " + suffix;
@@ -81,10 +84,13 @@ const lookup_case lookup_cases[] = {
     {"number_below_a_text_in_a_message", forwarded, "2.1.1", "none, but 2.1"},
     {"header_of_a_text", forwarded, "1.HEADER", "none, but 1.MIME"},
     {"text_of_a_text", forwarded, "1.TEXT", "none, but 1"},
-    {"header_of_a_message_that_holds_none", "Content-Type: message/rfc822\n\n", "1.HEADER", "none, but 1.MIME"},
-    {"part_of_a_multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\n", "1", "none, but TEXT"},
+    {"header_of_a_message_that_holds_none", "Content-Type: message/rfc822\n\n", "1.HEADER",
+     "none, but 1.MIME"},
+    {"part_of_a_multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\n", "1",
+     "none, but TEXT"},
     {"part_of_a_multipart_without_parts_within",
-     "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=X\n\n", "1.1", "none, but 1"},
+     "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=X\n\n", "1.1",
+     "none, but 1"},
 
     {"zero", forwarded, "0",
      "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"0\""},
@@ -112,7 +118,9 @@ const lookup_case lookup_cases[] = {
 
 class section_lookup : public testing::TestWithParam<lookup_case> {};
 
-TEST_P(section_lookup, finds) { EXPECT_EQ(lookup_text(GetParam().m_input, GetParam().m_section), GetParam().m_result); }
+TEST_P(section_lookup, finds) {
+    EXPECT_EQ(lookup_text(GetParam().m_input, GetParam().m_section), GetParam().m_result);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, section_lookup, testing::ValuesIn(lookup_cases),
                          [](const auto& row) { return std::string(row.param.m_name); });
@@ -131,9 +139,11 @@ TEST(section_lookup_in_the_deep, finds_what_has_no_name_in_a_walk) {
     for (; !innermost->m_children.empty(); ++depth) innermost = &innermost->m_children.front();
     ASSERT_GT(depth, 1000U);
     deepest.resize(2 * depth + 1);
-    const auto found = find_section(parsed.m_message.m_root, parse_section(deepest, complaint).value());
+    const auto found =
+        find_section(parsed.m_message.m_root, parse_section(deepest, complaint).value());
     EXPECT_EQ(std::get<section_place>(found).m_entity, innermost);
-    const auto too_deep = find_section(parsed.m_message.m_root, parse_section(deepest + ".1", complaint).value());
+    const auto too_deep =
+        find_section(parsed.m_message.m_root, parse_section(deepest + ".1", complaint).value());
     EXPECT_EQ(std::get<no_section>(too_deep).m_nearest, deepest);
 }
 

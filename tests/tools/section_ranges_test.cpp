@@ -1,4 +1,5 @@
-// Which bytes a section is: in small messages with LF and CR LF, and rules that hold in random ones.
+// Which bytes a section is: in small messages with LF and CR LF, and rules that hold in random
+// ones.
 
 #include "common/section_ranges.h"
 #include "common/sections.h"
@@ -27,7 +28,8 @@ section_place find(const MimeObj& root, const std::string& name) {
     std::string complaint;
     const auto found = find_section(root, parse_section(name, complaint).value());
     EXPECT_TRUE(std::holds_alternative<section_place>(found)) << name;
-    return std::holds_alternative<section_place>(found) ? std::get<section_place>(found) : section_place{&root};
+    return std::holds_alternative<section_place>(found) ? std::get<section_place>(found)
+                                                        : section_place{&root};
 }
 
 std::string bytes_of(const std::string& input, const std::string& name) {
@@ -59,7 +61,8 @@ constexpr const char* messages = "Content-Type: multipart/mixed; boundary=X\n\n"
 const bytes_case bytes_cases[] = {
     {"whole", two_parts, "", two_parts},
     {"header", two_parts, "HEADER", "Content-Type: multipart/mixed; boundary=X\n\n"},
-    {"text_with_the_epilogue", two_parts, "TEXT", "preamble\n--X\na: b\n\nhi\n\n--X\n\n(ho)\n--X--\nepilogue\n"},
+    {"text_with_the_epilogue", two_parts, "TEXT",
+     "preamble\n--X\na: b\n\nhi\n\n--X\n\n(ho)\n--X--\nepilogue\n"},
     {"part_without_the_line_end_of_the_boundary_line", two_parts, "1", "hi\n"},
     {"mime_with_its_empty_line", two_parts, "1.MIME", "a: b\n\n"},
     {"part_without_fields", two_parts, "2", "(ho)"},
@@ -85,18 +88,23 @@ const bytes_case bytes_cases[] = {
     {"no_final_newline", "a: b\n\nhi", "TEXT", "hi"},
     {"empty_input", "", "1", ""},
 
-    {"unclosed_part_to_the_end", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\nhi\n", "1", "hi\n"},
-    {"part_of_one_empty_line", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n\n--X--\n", "1", ""},
-    {"part_without_a_body", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n", "1", ""},
-    {"header_of_a_part_without_a_body", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n", "1.MIME",
-     "a: b\n\n"},
-    {"header_up_to_the_boundary_line", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1.MIME",
-     "a: b\n"},
-    {"no_body_up_to_the_boundary_line", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1", ""},
+    {"unclosed_part_to_the_end", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\nhi\n",
+     "1", "hi\n"},
+    {"part_of_one_empty_line",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n\n--X--\n", "1", ""},
+    {"part_without_a_body", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n",
+     "1", ""},
+    {"header_of_a_part_without_a_body",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n", "1.MIME", "a: b\n\n"},
+    {"header_up_to_the_boundary_line",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1.MIME", "a: b\n"},
+    {"no_body_up_to_the_boundary_line",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1", ""},
     {"part_of_no_lines", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X--\n", "1", ""},
     {"mime_of_no_lines", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X--\n", "1.MIME", ""},
     {"fields_behind_the_empty_line_that_was_dropped",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na: b\n\nhi\n--X--\n", "1.MIME", "a: b\n\n"},
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na: b\n\nhi\n--X--\n", "1.MIME",
+     "a: b\n\n"},
 
     {"multipart_with_its_epilogue",
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: multipart/mixed; boundary=Y\n\n"
@@ -110,19 +118,22 @@ const bytes_case bytes_cases[] = {
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\nc: d\n--X--\n",
      "1.HEADER", "a: b\nc: d"},
     {"message_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n", "1",
-     "a: b\n"},
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "1", "a: b\n"},
     {"header_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n", "1.HEADER",
-     "a: b\n"},
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "1.HEADER", "a: b\n"},
     {"text_behind_a_dropped_line_that_is_the_last",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n", "1.TEXT", ""},
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "1.TEXT", ""},
     {"dropped_line_in_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\nHi there\n\n--X--\n", "1",
-     "Hi there\n"},
-    {"dropped_line_at_the_end_of_the_file", "Content-Type: message/rfc822\n\nHi there\n\n", "1.TEXT", "Hi there\n\n"},
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\nHi there\n\n--X--\n",
+     "1", "Hi there\n"},
+    {"dropped_line_at_the_end_of_the_file", "Content-Type: message/rfc822\n\nHi there\n\n",
+     "1.TEXT", "Hi there\n\n"},
     {"boundary_line_that_opens_a_message",
-     "Content-Type: multipart/mixed; boundary=X1\n\n--X1\nContent-Type: message/rfc822\n\n--X1--\n", "1", ""},
+     "Content-Type: multipart/mixed; boundary=X1\n\n--X1\nContent-Type: message/rfc822\n\n--X1--\n",
+     "1", ""},
     {"parts_beside_a_message_within",
      "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: "
      "d\n\nhi\n--X\n\n(ho)\n--X--\n",
@@ -135,10 +146,13 @@ const bytes_case bytes_cases[] = {
 
 class section_bytes : public testing::TestWithParam<bytes_case> {};
 
-TEST_P(section_bytes, with_lf) { EXPECT_EQ(bytes_of(GetParam().m_input, GetParam().m_section), GetParam().m_bytes); }
+TEST_P(section_bytes, with_lf) {
+    EXPECT_EQ(bytes_of(GetParam().m_input, GetParam().m_section), GetParam().m_bytes);
+}
 
 TEST_P(section_bytes, with_cr_lf) {
-    EXPECT_EQ(bytes_of(with_cr(GetParam().m_input), GetParam().m_section), with_cr(GetParam().m_bytes));
+    EXPECT_EQ(bytes_of(with_cr(GetParam().m_input), GetParam().m_section),
+              with_cr(GetParam().m_bytes));
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, section_bytes, testing::ValuesIn(bytes_cases),
@@ -149,7 +163,8 @@ TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     const std::string message = file.substr(13);
     test_support::parse_outcome parsed = test_support::parse(message);
     MimeObj& root = parsed.m_message.m_root;
-    for (std::uint32_t* begin : {&root.m_header_beg, &root.m_mime_beg, &root.m_body_beg, &root.m_contents_beg})
+    for (std::uint32_t* begin :
+         {&root.m_header_beg, &root.m_mime_beg, &root.m_body_beg, &root.m_contents_beg})
         *begin += 13;
     section_ranges ranges(root, file, 13);
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_offset, 13U);
@@ -167,7 +182,8 @@ std::string_view without_line_end(std::string_view text) {
 /// Holds the sections of one message against rules.
 class rules {
 public:
-    rules(const std::string& input, const MimeObj& root) : m_input(input), m_root(root), m_ranges(root, input, 0) {}
+    rules(const std::string& input, const MimeObj& root)
+        : m_input(input), m_root(root), m_ranges(root, input, 0) {}
 
     void check() {
         check_message("", section_place{&m_root, piece::whole, true}, m_root);
@@ -177,7 +193,8 @@ public:
             const std::string name(entity->m_section);
             EXPECT_TRUE(names.insert(name).second) << name;
             EXPECT_EQ(find(m_root, name).m_entity, entity->m_entity) << name;
-            if (entity->m_depth != 0 && !entity->m_is_message_within) check_part(*entity->m_entity, name);
+            if (entity->m_depth != 0 && !entity->m_is_message_within)
+                check_part(*entity->m_entity, name);
             ++m_entities;
         }
     }
@@ -188,7 +205,8 @@ private:
     std::uint32_t end_of(byte_range range) const { return range.m_offset + range.m_length; }
 
     /// A header block and a text are all that there is of a message, without a gap.
-    void check_message(const std::string& name, const section_place& around, const MimeObj& message) {
+    void check_message(const std::string& name, const section_place& around,
+                       const MimeObj& message) {
         const byte_range all = m_ranges.of(around);
         const byte_range block = m_ranges.of({&message, piece::header_block, true});
         const byte_range text = m_ranges.of({&message, piece::body, true});
@@ -198,7 +216,8 @@ private:
         EXPECT_EQ(end_of(text), end_of(all)) << name;
     }
 
-    /// A part ends with the file, or right before a line terminator and a line of dashes; it begins behind such a line.
+    /// A part ends with the file, or right before a line terminator and a line of dashes; it begins
+    /// behind such a line.
     void check_part(const MimeObj& part, const std::string& name) {
         const byte_range block = m_ranges.of({&part, piece::header_block, false});
         const byte_range body = m_ranges.of({&part, piece::body, false});
@@ -208,7 +227,8 @@ private:
         EXPECT_EQ(end_of(block), body.m_offset) << name;
         ASSERT_LE(end_of(body), m_input.size()) << name;
         const std::string_view after = std::string_view(m_input).substr(end_of(body));
-        EXPECT_TRUE(after.empty() || without_line_end(after).substr(0, 2) == "--") << name << ": " << after;
+        EXPECT_TRUE(after.empty() || without_line_end(after).substr(0, 2) == "--")
+            << name << ": " << after;
     }
 
     const std::string& m_input;
@@ -226,7 +246,8 @@ TEST(section_ranges_of_random_messages, obey_the_rules) {
         rules checked(input, parsed.m_message.m_root);
         checked.check();
         entities += checked.entities();
-        if (testing::Test::HasFailure()) FAIL() << "seed " << seed << ": " << test_support::escaped(input);
+        if (testing::Test::HasFailure())
+            FAIL() << "seed " << seed << ": " << test_support::escaped(input);
     }
     EXPECT_GT(entities, 20000U);
 }

@@ -33,8 +33,8 @@ struct walk_case {
 const walk_case walk_cases[] = {
     {"empty_input", "", "1\n"},
     {"text", "a: b\n\nhi\n", "1\n"},
-    {"multipart_is_named_text", "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\n\nb\n--X--\n",
-     "TEXT\n 1\n 2\n"},
+    {"multipart_is_named_text",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\n\nb\n--X--\n", "TEXT\n 1\n 2\n"},
     {"multipart_within_multipart",
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: multipart/mixed; boundary=Y\n\n"
      "--Y\n\na\n--Y\n\nb\n--Y--\n--X\n\nc\n--X--\n",
@@ -47,16 +47,20 @@ const walk_case walk_cases[] = {
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\n"
      "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y\n\nb\n--Y--\n--X--\n",
      "TEXT\n 1\n  1.TEXT message\n   1.1\n   1.2\n"},
-    {"message_as_the_whole_body", "Content-Type: message/rfc822\n\na: b\nc: d\n\nhi\n", "1\n 1.1 message\n"},
+    {"message_as_the_whole_body", "Content-Type: message/rfc822\n\na: b\nc: d\n\nhi\n",
+     "1\n 1.1 message\n"},
     {"multipart_in_a_message_as_the_whole_body",
      "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y--\n",
      "1\n 1.TEXT message\n  1.1\n"},
-    {"message_within_a_message", "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\n\na: b\n\n\nhi\n",
+    {"message_within_a_message",
+     "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\n\na: b\n\n\nhi\n",
      "1\n 1.1 message\n  1.1.1 message\n"},
-    {"multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\npreamble\n", "TEXT\n"},
+    {"multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\npreamble\n",
+     "TEXT\n"},
     {"multipart_without_a_boundary", "Content-Type: multipart/mixed\n\n--X\n", "1\n"},
     {"message_that_holds_none", "Content-Type: message/rfc822\n\n", "1\n"},
-    {"part_with_nothing_in_it", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X\n--X--\n", "TEXT\n 1\n 2\n"},
+    {"part_with_nothing_in_it", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X\n--X--\n",
+     "TEXT\n 1\n 2\n"},
     {"message_and_multipart_is_a_message",
      "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: d\n\nhi\n",
      "1\n 1.1 message\n"},
@@ -73,7 +77,8 @@ const walk_case walk_cases[] = {
 class section_names : public testing::TestWithParam<walk_case> {};
 
 TEST_P(section_names, are_given_as_imap_has_them) {
-    EXPECT_EQ(walk_text(test_support::parse(GetParam().m_input).m_message.m_root), GetParam().m_walk);
+    EXPECT_EQ(walk_text(test_support::parse(GetParam().m_input).m_message.m_root),
+              GetParam().m_walk);
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, section_names, testing::ValuesIn(walk_cases),
@@ -112,7 +117,8 @@ TEST(deep_sections, have_names_of_up_to_100_numbers) {
     const MimeObj root = nested(102);
     std::vector<std::size_t> lengths;
     entity_walk walk(root);
-    while (const numbered_entity* const entity = walk.next()) lengths.push_back(entity->m_section.size());
+    while (const numbered_entity* const entity = walk.next())
+        lengths.push_back(entity->m_section.size());
     ASSERT_EQ(lengths.size(), 103U);
     EXPECT_EQ(lengths[0], 4U); // TEXT
     EXPECT_EQ(lengths[1], 1U);

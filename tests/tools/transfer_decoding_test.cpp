@@ -52,16 +52,21 @@ const decoding_case decoding_cases[] = {
     {"base64_nul", base64, std::string("QUJD\0QUJD", 9), "ABC", "not a base64 character at 4"},
     {"base64_byte_above_127", base64, "QUJD\xE9", "ABC", "not a base64 character at 4"},
     {"base64_from_the_first_byte_on", base64, "-QUJD", "", "not a base64 character at 0"},
-    {"base64_text_behind_the_padding", base64, "QQ==\nfooter", "A", "text behind the base64 padding at 5"},
+    {"base64_text_behind_the_padding", base64, "QQ==\nfooter", "A",
+     "text behind the base64 padding at 5"},
     {"base64_behind_the_padding", base64, "QQ==QUJD", "A", "text behind the base64 padding at 4"},
     {"base64_three_paddings", base64, "QQ===", "A",
      "misplaced base64 padding, or bits before it that should be 0 at 4"},
-    {"base64_padding_first", base64, "=QUJ", "", "misplaced base64 padding, or bits before it that should be 0 at 0"},
+    {"base64_padding_first", base64, "=QUJ", "",
+     "misplaced base64 padding, or bits before it that should be 0 at 0"},
     {"base64_bits_that_should_be_0", base64, "QR==", "A",
      "misplaced base64 padding, or bits before it that should be 0 at 2"},
-    {"base64_without_its_padding", base64, "QUJDQUI", "ABCAB", "base64 ends within a group of four characters at 7"},
-    {"base64_one_character_too_many", base64, "QUJDQ", "ABC", "base64 ends within a group of four characters at 5"},
-    {"base64_half_a_padding", base64, "QQ=", "A", "base64 ends within a group of four characters at 3"},
+    {"base64_without_its_padding", base64, "QUJDQUI", "ABCAB",
+     "base64 ends within a group of four characters at 7"},
+    {"base64_one_character_too_many", base64, "QUJDQ", "ABC",
+     "base64 ends within a group of four characters at 5"},
+    {"base64_half_a_padding", base64, "QQ=", "A",
+     "base64 ends within a group of four characters at 3"},
 
     {"quoted_nothing", quoted, "", "", ""},
     {"quoted_plain", quoted, "a b\tc", "a b\tc", ""},
@@ -117,14 +122,16 @@ TEST(transfer_decoding_of_long_texts, hands_base64_over_in_blocks) {
 
 TEST(transfer_decoding_of_long_texts, finds_damage_behind_the_first_block) {
     for (const std::size_t groups : {16383U, 16384U, 16385U, 40000U}) {
-        const decoded_text result = decode_all(base64, repeated("QUJD", groups) + "Q!" + repeated("QUJD", groups));
+        const decoded_text result =
+            decode_all(base64, repeated("QUJD", groups) + "Q!" + repeated("QUJD", groups));
         EXPECT_EQ(result.m_text, repeated("ABC", groups));
         EXPECT_EQ(result.m_damage, "not a base64 character at " + std::to_string(4 * groups + 1));
     }
 }
 
 TEST(transfer_decoding_of_long_texts, hands_quoted_printable_over_in_blocks) {
-    const decoded_text result = decode_all(quoted, repeated("a=3D=\n", 100000) + std::string(100000, 'b'));
+    const decoded_text result =
+        decode_all(quoted, repeated("a=3D=\n", 100000) + std::string(100000, 'b'));
     EXPECT_EQ(result.m_text, repeated("a=", 100000) + std::string(100000, 'b'));
     EXPECT_GT(result.m_pieces, 4U);
 }
@@ -140,10 +147,11 @@ TEST(transfer_decoding_of_long_texts, takes_a_long_run_of_blanks_at_any_place) {
 TEST(transfer_decoding_into_a_full_sink, stops) {
     for (const transfer_encoding encoding : {base64, quoted}) {
         std::size_t calls = 0;
-        const auto damage = decode(encoding, repeated("QUJD", 100000) + "=", [&calls](std::string_view) {
-            ++calls;
-            return false;
-        });
+        const auto damage =
+            decode(encoding, repeated("QUJD", 100000) + "=", [&calls](std::string_view) {
+                ++calls;
+                return false;
+            });
         EXPECT_FALSE(damage);
         EXPECT_EQ(calls, 1U);
     }

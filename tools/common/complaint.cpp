@@ -12,7 +12,8 @@
 
 void keep_standard_streams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(stream, F_GETFD) < 0 && ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0)
+        if (::fcntl(stream, F_GETFD) < 0
+            && ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0)
             return;
     }
 }
@@ -23,9 +24,12 @@ std::string display_name(const std::string& file_name) {
     return file_name == "-" ? "standard input" : escaped(file_name);
 }
 
-void complain(const std::string& what) { std::cerr << "mailstructure: " + what + '\n' << std::flush; }
+void complain(const std::string& what) {
+    std::cerr << "mailstructure: " + what + '\n' << std::flush;
+}
 
-void complain_about_input(const std::string& file_name, const std::string& what, std::uint64_t offset) {
+void complain_about_input(const std::string& file_name, const std::string& what,
+                          std::uint64_t offset) {
     complain(display_name(file_name) + ": " + what + " at byte " + std::to_string(offset));
 }
 

@@ -7,8 +7,9 @@
 #include <string>
 #include <string_view>
 
-/// Gives the numbers of standard streams that are closed to something that can be neither read nor written as they would be:
-/// the next file to be opened would get such a number, and then the program's complaints or its output. To be called first.
+/// Gives the numbers of standard streams that are closed to something that can be neither read nor
+/// written as they would be: the next file to be opened would get such a number, and then the
+/// program's complaints or its output. To be called first.
 void keep_standard_streams();
 
 /// How a program ends.
@@ -24,13 +25,15 @@ std::string display_name(const std::string& file_name);
 void complain(const std::string& what);
 
 /// Prints "mailstructure: FILE: what at byte OFFSET".
-void complain_about_input(const std::string& file_name, const std::string& what, std::uint64_t offset);
+void complain_about_input(const std::string& file_name, const std::string& what,
+                          std::uint64_t offset);
 
 /// The system's words for an error number.
 std::string system_error_text(int error);
 
-/// Whether all that the program printed got out. If not, says so, unless the reader of a pipe has simply
-/// gone. To be called when everything has been printed; errno tells why the last write failed, if one did.
+/// Whether all that the program printed got out. If not, says so, unless the reader of a pipe has
+/// simply gone. To be called when everything has been printed; errno tells why the last write
+/// failed, if one did.
 bool output_got_out();
 
 #endif

@@ -65,7 +65,8 @@ constexpr std::array known_charsets = {
 };
 
 bool is_ascii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
 /// An open converter of the system.
@@ -92,7 +93,8 @@ public:
             std::array<char, 1024> block{};
             char* to = block.data();
             std::size_t to_bytes = block.size();
-            const std::size_t status = ::iconv(m_handle, last ? nullptr : &from, &from_bytes, &to, &to_bytes);
+            const std::size_t status =
+                ::iconv(m_handle, last ? nullptr : &from, &from_bytes, &to, &to_bytes);
             if (status == static_cast<std::size_t>(-1) && errno != E2BIG) return std::nullopt;
             result.append(block.data(), to);
         }
@@ -103,11 +105,13 @@ private:
     iconv_t m_handle;
 };
 
-/// Replaces each mark with two hexadecimal digits behind it by the byte that they stand for; other marks stay.
+/// Replaces each mark with two hexadecimal digits behind it by the byte that they stand for; other
+/// marks stay.
 std::string decode_hex_pairs(std::string_view text, char mark) {
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::optional<char> byte = text[at] == mark ? hex_byte(text.substr(at + 1)) : std::nullopt;
+        const std::optional<char> byte =
+            text[at] == mark ? hex_byte(text.substr(at + 1)) : std::nullopt;
         result += byte.value_or(text[at]);
         if (byte) at += 2;
     }
@@ -121,7 +125,8 @@ std::optional<std::string> decode_base64(std::string_view text) {
     std::string result(BASE64_DECODE_LENGTH(text.size()), '\0');
     std::size_t bytes = result.size();
     auto* const to = reinterpret_cast<std::uint8_t*>(result.data()); // NOLINT: bytes are bytes
-    if (::base64_decode_update(&context, &bytes, to, text.size(), text.data()) == 0) return std::nullopt;
+    if (::base64_decode_update(&context, &bytes, to, text.size(), text.data()) == 0)
+        return std::nullopt;
     result.resize(bytes);
     return result;
 }
@@ -139,7 +144,8 @@ struct encoded_word {
     std::size_t m_bytes = 0; // of the whole word
 };
 
-/// The word at the beginning of the text, which begins with "=?". Looks no further than to the fourth question mark.
+/// The word at the beginning of the text, which begins with "=?". Looks no further than to the
+/// fourth question mark.
 std::optional<encoded_word> parse_word(std::string_view text) {
     const std::size_t charset_end = text.find('?', 2);
     if (charset_end == std::string_view::npos || charset_end == 2 || charset_end + 2 >= text.size())
@@ -148,7 +154,8 @@ std::optional<encoded_word> parse_word(std::string_view text) {
     const std::string_view charset = text.substr(2, charset_end - 2);
     word.m_charset = charset.substr(0, charset.find('*')); // a language may follow
     word.m_encoding = text[charset_end + 1];
-    if (text[charset_end + 2] != '?' || std::string_view("bBqQ").find(word.m_encoding) == std::string_view::npos) {
+    if (text[charset_end + 2] != '?'
+        || std::string_view("bBqQ").find(word.m_encoding) == std::string_view::npos) {
         return std::nullopt;
     }
     const std::size_t begin = charset_end + 3;
@@ -161,14 +168,17 @@ std::optional<encoded_word> parse_word(std::string_view text) {
 }
 
 std::optional<std::string> decode_word(const encoded_word& word) {
-    return word.m_encoding == 'b' || word.m_encoding == 'B' ? decode_base64(word.m_text) : decode_q(word.m_text);
+    return word.m_encoding == 'b' || word.m_encoding == 'B' ? decode_base64(word.m_text)
+                                                            : decode_q(word.m_text);
 }
 
 /// Words of one charset with nothing but blanks between them, until something else ends the run.
 class word_run {
 public:
     bool is_open() const { return m_end != 0; }
-    bool takes(const encoded_word& word) const { return is_open() && equal_ignoring_case(m_charset, word.m_charset); }
+    bool takes(const encoded_word& word) const {
+        return is_open() && equal_ignoring_case(m_charset, word.m_charset);
+    }
 
     /// Adds a word that stands in the text from begin on.
     void add(const encoded_word& word, std::string_view decoded, std::size_t begin) {
@@ -181,7 +191,8 @@ public:
     }
     std::size_t end() const { return m_end; }
 
-    /// What the run stands for, or its own text where that is not known; the run is then empty again.
+    /// What the run stands for, or its own text where that is not known; the run is then empty
+    /// again.
     std::string close(std::string_view text) {
         if (!is_open()) return "";
         const std::optional<std::string> utf8 = to_utf8(m_decoded, m_charset);
@@ -197,7 +208,9 @@ private:
     std::size_t m_end = 0; // 0: no word yet
 };
 
-bool only_blanks(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+bool only_blanks(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
 
 } // namespace
 
@@ -206,9 +219,10 @@ std::optional<std::string> to_utf8(std::string_view text, std::string_view chars
     if (utf8) return is_utf8(text) ? std::optional<std::string>(text) : std::nullopt;
     if (equal_ignoring_case(charset, "us-ascii"))
         return is_ascii(text) ? std::optional<std::string>(text) : std::nullopt;
-    const auto* const known = std::find_if(known_charsets.begin(), known_charsets.end(), [charset](const auto& each) {
-        return equal_ignoring_case(each.m_in_mail, charset);
-    });
+    const auto* const known =
+        std::find_if(known_charsets.begin(), known_charsets.end(), [charset](const auto& each) {
+            return equal_ignoring_case(each.m_in_mail, charset);
+        });
     if (known == known_charsets.end()) return std::nullopt;
     converter to_unicode(known->m_of_converter);
     return to_unicode.is_open() ? to_unicode.convert(text) : std::nullopt;

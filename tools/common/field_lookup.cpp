@@ -11,8 +11,8 @@
 namespace {
 
 /// The parameters of the entity's last field of that name.
-std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity, std::string_view field_name,
-                                           std::string_view bytes) {
+std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity,
+                                           std::string_view field_name, std::string_view bytes) {
     const MailStructure::header* const field = last_field(entity, field_name);
     if (field == nullptr || field->m_beg >= field->m_end || field->m_end > bytes.size()) return {};
     const std::string_view text = bytes.substr(field->m_beg, field->m_end - field->m_beg);
@@ -23,17 +23,21 @@ std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity,
 
 } // namespace
 
-const MailStructure::header* first_field(const MailStructure::MimeObj& entity, std::string_view name) {
-    const auto found =
-        std::find_if(entity.m_headers.begin(), entity.m_headers.end(),
-                     [name](const MailStructure::header& field) { return equal_ignoring_case(field.m_name, name); });
+const MailStructure::header* first_field(const MailStructure::MimeObj& entity,
+                                         std::string_view name) {
+    const auto found = std::find_if(entity.m_headers.begin(), entity.m_headers.end(),
+                                    [name](const MailStructure::header& field) {
+                                        return equal_ignoring_case(field.m_name, name);
+                                    });
     return found == entity.m_headers.end() ? nullptr : &*found;
 }
 
-const MailStructure::header* last_field(const MailStructure::MimeObj& entity, std::string_view name) {
-    const auto found =
-        std::find_if(entity.m_headers.rbegin(), entity.m_headers.rend(),
-                     [name](const MailStructure::header& field) { return equal_ignoring_case(field.m_name, name); });
+const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
+                                        std::string_view name) {
+    const auto found = std::find_if(entity.m_headers.rbegin(), entity.m_headers.rend(),
+                                    [name](const MailStructure::header& field) {
+                                        return equal_ignoring_case(field.m_name, name);
+                                    });
     return found == entity.m_headers.rend() ? nullptr : &*found;
 }
 
@@ -47,6 +51,8 @@ std::string charset_of(const MailStructure::MimeObj& entity, std::string_view by
 }
 
 std::string file_name_of(const MailStructure::MimeObj& entity, std::string_view bytes) {
-    const std::string name = decoded_parameter(parameters_of(entity, "content-disposition", bytes), "filename");
-    return name.empty() ? decoded_parameter(parameters_of(entity, "content-type", bytes), "name") : name;
+    const std::string name =
+        decoded_parameter(parameters_of(entity, "content-disposition", bytes), "filename");
+    return name.empty() ? decoded_parameter(parameters_of(entity, "content-type", bytes), "name")
+                        : name;
 }

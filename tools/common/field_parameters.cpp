@@ -47,8 +47,8 @@ public:
     std::string take_quoted() {
         std::string value;
         for (skip(); !at_end() && peek() != '"'; skip()) {
-            const bool pair =
-                peek() == '\\' && m_at + 1 < m_text.size() && (m_text[m_at + 1] == '"' || m_text[m_at + 1] == '\\');
+            const bool pair = peek() == '\\' && m_at + 1 < m_text.size()
+                              && (m_text[m_at + 1] == '"' || m_text[m_at + 1] == '\\');
             if (pair) skip();
             if (peek() != '\r' && peek() != '\n') value += peek();
         }
@@ -85,10 +85,13 @@ public:
         }
     }
 
-    /// A value without quotes: to the next semicolon, or to a comment after a blank. Folds become blanks.
+    /// A value without quotes: to the next semicolon, or to a comment after a blank. Folds become
+    /// blanks.
     std::string take_unquoted() {
         const std::size_t begin = m_at;
-        while (!at_end() && peek() != ';' && !(peek() == '(' && m_at > begin && is_blank(m_text[m_at - 1]))) skip();
+        while (!at_end() && peek() != ';'
+               && !(peek() == '(' && m_at > begin && is_blank(m_text[m_at - 1])))
+            skip();
         std::string value;
         for (const char byte : trimmed(since(begin))) {
             if (byte != '\r' && byte != '\n') value += byte;
@@ -151,13 +154,14 @@ pieces_by_number pieces_of(const std::vector<field_parameter>& parameters, std::
     for (const field_parameter& each : parameters) {
         if (!equal_ignoring_case(each.m_name.substr(0, name.size()), name)) continue;
         const std::optional<piece_name> piece = parse_piece_name(each.m_name.substr(name.size()));
-        if (piece) pieces.emplace(piece->m_number, parameter_piece{&each.m_value, piece->m_encoded});
+        if (piece)
+            pieces.emplace(piece->m_number, parameter_piece{&each.m_value, piece->m_encoded});
     }
     return pieces;
 }
 
-/// The pieces from number 0 on, as far as they go without a gap. The first one, if encoded, begins with charset and
-/// language, each ended by an apostrophe.
+/// The pieces from number 0 on, as far as they go without a gap. The first one, if encoded, begins
+/// with charset and language, each ended by an apostrophe.
 std::string joined(const pieces_by_number& pieces) {
     std::string as_written;
     std::string decoded;
@@ -169,8 +173,9 @@ std::string joined(const pieces_by_number& pieces) {
         std::string_view value = *piece.m_value;
         if (number == 0 && piece.m_encoded) {
             const std::size_t charset_end = value.find('\'');
-            const std::size_t language_end =
-                charset_end == std::string_view::npos ? charset_end : value.find('\'', charset_end + 1);
+            const std::size_t language_end = charset_end == std::string_view::npos
+                                                 ? charset_end
+                                                 : value.find('\'', charset_end + 1);
             if (language_end != std::string_view::npos) {
                 charset = value.substr(0, charset_end);
                 value.remove_prefix(language_end + 1);
@@ -215,7 +220,8 @@ std::vector<field_parameter> parameters_in(std::string_view body) {
     return parameters;
 }
 
-std::string decoded_parameter(const std::vector<field_parameter>& parameters, std::string_view name) {
+std::string decoded_parameter(const std::vector<field_parameter>& parameters,
+                              std::string_view name) {
     const pieces_by_number pieces = pieces_of(parameters, name);
     if (pieces.contains(0)) return joined(pieces);
     for (const field_parameter& each : parameters) {

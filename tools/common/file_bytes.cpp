@@ -25,7 +25,8 @@ int open_file(const std::string& file_name) {
     }
 }
 
-/// The mapped file in use, for the handler of SIGBUS, which may allocate nothing. There is one at a time.
+/// The mapped file in use, for the handler of SIGBUS, which may allocate nothing. There is one at a
+/// time.
 struct mapping_in_use {
     const char* m_begin = nullptr;
     const char* m_end = nullptr;
@@ -51,14 +52,17 @@ void write_error(const char* text, std::size_t bytes) {
     if (::write(STDERR_FILENO, text, bytes) < 0) return;
 }
 
-/// Of a fault elsewhere it just returns; the same instruction then faults again, and the signal has its way.
+/// Of a fault elsewhere it just returns; the same instruction then faults again, and the signal has
+/// its way.
 void on_lost_page(int /*signal*/, siginfo_t* info, void* /*context*/) {
     const char* const place = static_cast<const char*>(info->si_addr);
     if (in_use.m_begin == nullptr || place < in_use.m_begin || place >= in_use.m_end) return;
     constexpr std::string_view program = "mailstructure: ";
-    constexpr std::string_view what = ": cannot read: the file was cut short, or failed, while it was in use at byte ";
+    constexpr std::string_view what =
+        ": cannot read: the file was cut short, or failed, while it was in use at byte ";
     std::array<char, 24> offset{};
-    char* const end = std::to_chars(offset.data(), offset.data() + offset.size() - 1, place - in_use.m_begin).ptr;
+    char* const end =
+        std::to_chars(offset.data(), offset.data() + offset.size() - 1, place - in_use.m_begin).ptr;
     *end = '\n';
     write_error(program.data(), program.size());
     write_error(in_use.m_name.data(), in_use.m_name_bytes);
@@ -98,7 +102,8 @@ file_bytes::~file_bytes() {
         forget_mapping(m_data);
         ::munmap(m_data, m_mapped_bytes);
     } else {
-        std::free(m_data); // NOLINT: from realloc, which makes large blocks larger without copying them
+        std::free(
+            m_data); // NOLINT: from realloc, which makes large blocks larger without copying them
     }
 }
 
@@ -109,7 +114,8 @@ void file_bytes::take(int descriptor, const std::string& file_name) {
 /// Maps a file that stands at its beginning. False where it has to be read, or has failed.
 bool file_bytes::map(int descriptor, const std::string& file_name) {
     struct stat file = {};
-    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode) || file.st_size <= 0) return false;
+    if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode) || file.st_size <= 0)
+        return false;
     if (::lseek(descriptor, 0, SEEK_CUR) != 0) return false;
     const auto size = static_cast<std::uint64_t>(file.st_size);
     if (size >= size_limit) {
@@ -117,8 +123,9 @@ bool file_bytes::map(int descriptor, const std::string& file_name) {
         return false;
     }
     void* const place = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
-    if (place == MAP_FAILED) return false; // NOLINT(performance-no-int-to-ptr): the system's own macro
-    ::lseek(descriptor, 0, SEEK_END);      // as if it had been read
+    if (place == MAP_FAILED)
+        return false;                 // NOLINT(performance-no-int-to-ptr): the system's own macro
+    ::lseek(descriptor, 0, SEEK_END); // as if it had been read
     ::madvise(place, size, MADV_SEQUENTIAL);
     m_data = static_cast<char*>(place);
     m_size = m_mapped_bytes = size;

@@ -8,8 +8,9 @@
 #include <string>
 #include <string_view>
 
-/// All that a file holds, or why it cannot be had. A file that another program makes shorter while it is mapped ends
-/// this program: it says so and exits with status 1, once end_on_lost_pages() has been called.
+/// All that a file holds, or why it cannot be had. A file that another program makes shorter while
+/// it is mapped ends this program: it says so and exits with status 1, once end_on_lost_pages() has
+/// been called.
 class file_bytes {
 public:
     /// Inputs of this size and more are refused, for the library's offsets are 32 bits wide.
@@ -50,8 +51,8 @@ private:
     std::uint64_t m_bytes_before_failure = 0;
 };
 
-/// From now on a mapped file that loses pages, because it was cut short or cannot be read any more, ends the program
-/// with a line on standard error and status 1 instead of a signal.
+/// From now on a mapped file that loses pages, because it was cut short or cannot be read any more,
+/// ends the program with a line on standard error and status 1 instead of a signal.
 void end_on_lost_pages();
 
 #endif

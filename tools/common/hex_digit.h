@@ -14,7 +14,8 @@ constexpr std::optional<unsigned> hex_digit_value(char c) {
     return std::nullopt;
 }
 
-/// The byte that the two hexadecimal digits at the beginning of the text stand for; nothing if there are none.
+/// The byte that the two hexadecimal digits at the beginning of the text stand for; nothing if
+/// there are none.
 constexpr std::optional<char> hex_byte(std::string_view text) {
     if (text.size() < 2) return std::nullopt;
     const std::optional<unsigned> high = hex_digit_value(text[0]);

@@ -13,13 +13,15 @@
 namespace {
 
 constexpr std::uint32_t no_place = 0xFFFFFFFF; // of a header field
-constexpr const char* too_big_text = "too big: no more than 4294967295 bytes can be read, and the input goes on";
+constexpr const char* too_big_text =
+    "too big: no more than 4294967295 bytes can be read, and the input goes on";
 
 /// Reads from bytes that are there already. It only lends them; nothing is written through it.
 class memory_stream_buffer final : public std::streambuf {
 public:
     explicit memory_stream_buffer(std::string_view bytes) {
-        char* const begin = const_cast<char*>(bytes.data()); // NOLINT: a get area is declared writable
+        char* const begin =
+            const_cast<char*>(bytes.data()); // NOLINT: a get area is declared writable
         setg(begin, begin, begin + bytes.size());
     }
 
@@ -36,7 +38,8 @@ public:
 std::uint32_t separator_line_bytes(std::string_view bytes) {
     if (bytes.substr(0, 5) != "From ") return 0;
     const std::size_t line_end = bytes.find('\n');
-    return static_cast<std::uint32_t>(line_end == std::string_view::npos ? bytes.size() : line_end + 1);
+    return static_cast<std::uint32_t>(line_end == std::string_view::npos ? bytes.size()
+                                                                         : line_end + 1);
 }
 
 /// The first CR or NUL with something behind it other than an LF or the end of the input.
@@ -56,8 +59,10 @@ std::string stray_byte_text(char byte) {
 input_fault fault_of(const file_bytes& file) {
     const std::uint64_t before = file.bytes_before_failure();
     switch (file.failed()) {
-    case file_bytes::failure::cannot_open: return {"cannot open: " + system_error_text(file.error()), 0};
-    case file_bytes::failure::cannot_read: return {"cannot read: " + system_error_text(file.error()), before};
+    case file_bytes::failure::cannot_open:
+        return {"cannot open: " + system_error_text(file.error()), 0};
+    case file_bytes::failure::cannot_read:
+        return {"cannot read: " + system_error_text(file.error()), before};
     case file_bytes::failure::too_big: return {too_big_text, file_bytes::size_limit - 1};
     default: return {"cannot read: out of memory", before};
     }
@@ -80,21 +85,24 @@ void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
     }
 }
 
-/// Fills the message and moves its ranges by the distance; what is wrong with it, at an offset that counts from the first
-/// of these bytes.
-std::optional<input_fault> fill(MailStructure& message, std::string_view bytes, std::uint32_t distance) {
+/// Fills the message and moves its ranges by the distance; what is wrong with it, at an offset that
+/// counts from the first of these bytes.
+std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
+                                std::uint32_t distance) {
     memory_stream_buffer buffer(bytes);
     std::istream stream(&buffer);
     try {
         message.Fill(stream);
         if (distance != 0) move_ranges(message.m_root, distance);
     } catch (const std::length_error&) {
-        return input_fault{"bad header line: a name without a colon, ended by CR LF", buffer.last_line_start()};
+        return input_fault{"bad header line: a name without a colon, ended by CR LF",
+                           buffer.last_line_start()};
     } catch (const std::bad_alloc&) {
         return input_fault{"cannot parse: out of memory", buffer.last_line_start()};
     } catch (const std::runtime_error& error) {
         const std::size_t stray = first_stray_byte(bytes);
-        if (stray != std::string_view::npos) return input_fault{stray_byte_text(bytes[stray]), stray};
+        if (stray != std::string_view::npos)
+            return input_fault{stray_byte_text(bytes[stray]), stray};
         return input_fault{std::string("cannot parse: ") + error.what(), buffer.last_line_start()};
     }
     return std::nullopt;
@@ -112,7 +120,8 @@ std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) c
 
 std::optional<input_fault> message_file::parse(MailStructure& message) {
     if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
-    std::optional<input_fault> fault = fill(message, bytes().substr(m_message_start), m_message_start);
+    std::optional<input_fault> fault =
+        fill(message, bytes().substr(m_message_start), m_message_start);
     if (fault) fault->m_offset += m_message_start;
     return fault;
 }

@@ -13,10 +13,12 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-std::uint64_t end_of(std::uint32_t offset, std::uint32_t length) { return std::uint64_t{offset} + length; }
+std::uint64_t end_of(std::uint32_t offset, std::uint32_t length) {
+    return std::uint64_t{offset} + length;
+}
 
-/// The delimiter that is in force when the entity's body begins: the last that a parameter of its own registers, which
-/// any beginning of "boundary" does.
+/// The delimiter that is in force when the entity's body begins: the last that a parameter of its
+/// own registers, which any beginning of "boundary" does.
 const std::string* delimiter_of(const MimeObj& entity) {
     constexpr std::string_view boundary = "boundary";
     const std::string* delimiter = nullptr;
@@ -28,15 +30,20 @@ const std::string* delimiter_of(const MimeObj& entity) {
     return delimiter;
 }
 
-/// What stands behind the delimiter on a line that begins with it: nothing on a separator line, "--" on a closing line.
-std::optional<std::string_view> behind_delimiter(std::string_view line, std::string_view delimiter) {
+/// What stands behind the delimiter on a line that begins with it: nothing on a separator line,
+/// "--" on a closing line.
+std::optional<std::string_view> behind_delimiter(std::string_view line,
+                                                 std::string_view delimiter) {
     if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (line.substr(0, 2) != "--" || line.substr(2, delimiter.size()) != delimiter) return std::nullopt;
+    if (line.substr(0, 2) != "--" || line.substr(2, delimiter.size()) != delimiter)
+        return std::nullopt;
     return line.substr(2 + delimiter.size());
 }
 
-bool closes(std::string_view line, std::string_view delimiter) { return behind_delimiter(line, delimiter) == "--"; }
+bool closes(std::string_view line, std::string_view delimiter) {
+    return behind_delimiter(line, delimiter) == "--";
+}
 
 bool is_boundary_line(std::string_view line, std::string_view delimiter) {
     return behind_delimiter(line, delimiter) == "" || closes(line, delimiter);
@@ -64,7 +71,8 @@ std::uint64_t end_of_search(const MimeObj& entity) {
 } // namespace
 
 byte_range preamble_of(const MimeObj& entity, std::string_view bytes) {
-    const std::string* const delimiter = entity.m_multipart && !entity.m_message ? delimiter_of(entity) : nullptr;
+    const std::string* const delimiter =
+        entity.m_multipart && !entity.m_message ? delimiter_of(entity) : nullptr;
     if (delimiter == nullptr || entity.m_contents_len == 0) return {};
     const std::size_t begin = entity.m_contents_beg;
     const std::size_t end = std::min<std::uint64_t>(end_of_search(entity), bytes.size());
@@ -83,7 +91,8 @@ byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
     if (entity.m_epilogue_len == 0) return {};
     const std::uint64_t end =
         std::min<std::uint64_t>(end_of(entity.m_epilogue_beg, entity.m_epilogue_len), bytes.size());
-    std::uint64_t begin = std::max<std::uint64_t>(entity.m_epilogue_beg, end_of(entity.m_mime_beg, entity.m_mime_len));
+    std::uint64_t begin = std::max<std::uint64_t>(entity.m_epilogue_beg,
+                                                  end_of(entity.m_mime_beg, entity.m_mime_len));
     const std::uint64_t within = end_of_epilogue_within(entity);
     if (within > begin) {
         begin = std::min<std::uint64_t>(within, bytes.size());

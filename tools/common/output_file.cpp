@@ -15,7 +15,8 @@
 
 namespace {
 
-/// Where symbolic links lead to, so that the file is replaced and not the link; the name itself where that fails.
+/// Where symbolic links lead to, so that the file is replaced and not the link; the name itself
+/// where that fails.
 std::string real_name(const std::string& file_name) {
     struct free_memory {
         void operator()(char* memory) const { std::free(memory); }
@@ -39,7 +40,8 @@ std::string name_beside(const std::string& file_name) {
 /// Fails with EEXIST where there is anything of the new name.
 bool rename_to_new_name(const std::string& from, const std::string& to) {
 #ifdef RENAME_NOREPLACE
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
     if (errno != EINVAL && errno != ENOSYS) return false;
 #endif
     // The file system cannot do so in one step; for a moment the file has both names.
@@ -50,7 +52,8 @@ bool rename_to_new_name(const std::string& from, const std::string& to) {
 
 } // namespace
 
-output_file::output_file(const std::string& file_name, existing_file existing) : m_existing(existing) {
+output_file::output_file(const std::string& file_name, existing_file existing)
+    : m_existing(existing) {
     struct stat there = {};
     if (file_name.empty()) {
         errno = ENOENT;
@@ -77,7 +80,8 @@ output_file::~output_file() {
 bool output_file::write(std::string_view bytes) {
     constexpr std::size_t most_at_once = std::size_t{1} << 30; // no system writes more in one go
     while (m_error == 0 && !bytes.empty()) {
-        const ssize_t count = ::write(m_descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
+        const ssize_t count =
+            ::write(m_descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
         if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
         else if (errno != EINTR)
@@ -107,7 +111,8 @@ bool output_file::move_to_target() const {
 
 void output_file::create_beside(const std::string& file_name) {
     struct stat there = {};
-    const bool replaces = m_existing == existing_file::is_replaced && ::stat(file_name.c_str(), &there) == 0;
+    const bool replaces =
+        m_existing == existing_file::is_replaced && ::stat(file_name.c_str(), &there) == 0;
     std::string name = name_beside(file_name);
     m_descriptor = create_unfinished_file(name);
     if (m_descriptor < 0) return;

@@ -10,9 +10,10 @@
 /// Whether a file that exists already may be replaced.
 enum class existing_file : std::uint8_t { is_kept, is_replaced };
 
-/// A file that is written under another name in the same folder, and gets its own when it is complete. What is not kept when
-/// the object ends is removed, also if a signal ends the program. A terminal, a pipe or a device is written to as it is,
-/// where existing files may be replaced. There is one object at a time.
+/// A file that is written under another name in the same folder, and gets its own when it is
+/// complete. What is not kept when the object ends is removed, also if a signal ends the program. A
+/// terminal, a pipe or a device is written to as it is, where existing files may be replaced. There
+/// is one object at a time.
 class output_file {
 public:
     /// Creates the file; a failure shows in error().
@@ -23,8 +24,8 @@ public:
 
     /// Writes all of it. @return false after this or an earlier failure
     bool write(std::string_view bytes);
-    /// Closes the file and gives it its name. A file of that name that has come up in the meantime is kept too, if existing
-    /// ones are. @return false after any failure
+    /// Closes the file and gives it its name. A file of that name that has come up in the meantime
+    /// is kept too, if existing ones are. @return false after any failure
     bool keep();
 
     /// The system's number for the first failure; 0 if there was none.

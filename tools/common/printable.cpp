@@ -13,29 +13,35 @@ struct code_point_range {
     char32_t m_last;
 };
 
-/// What is spelled out even where the output is UTF-8, in rising order: controls, format characters, line and paragraph
-/// separators, everything that Unicode has displays ignore, and noncharacters of the first plane.
+/// What is spelled out even where the output is UTF-8, in rising order: controls, format
+/// characters, line and paragraph separators, everything that Unicode has displays ignore, and
+/// noncharacters of the first plane.
 constexpr std::array spelled_out = {
-    code_point_range{0x00, 0x1F},       code_point_range{0x7F, 0x9F},       code_point_range{0xAD, 0xAD},
-    code_point_range{0x34F, 0x34F},     code_point_range{0x600, 0x605},     code_point_range{0x61C, 0x61C},
-    code_point_range{0x6DD, 0x6DD},     code_point_range{0x70F, 0x70F},     code_point_range{0x890, 0x891},
-    code_point_range{0x8E2, 0x8E2},     code_point_range{0x115F, 0x1160},   code_point_range{0x17B4, 0x17B5},
-    code_point_range{0x180B, 0x180F},   code_point_range{0x200B, 0x200F},   code_point_range{0x2028, 0x202E},
-    code_point_range{0x2060, 0x206F},   code_point_range{0x3164, 0x3164},   code_point_range{0xFDD0, 0xFDEF},
-    code_point_range{0xFE00, 0xFE0F},   code_point_range{0xFEFF, 0xFEFF},   code_point_range{0xFFA0, 0xFFA0},
-    code_point_range{0xFFF0, 0xFFFB},   code_point_range{0x110BD, 0x110BD}, code_point_range{0x110CD, 0x110CD},
-    code_point_range{0x13430, 0x1343F}, code_point_range{0x1BCA0, 0x1BCA3}, code_point_range{0x1D173, 0x1D17A},
-    code_point_range{0xE0000, 0xE0FFF},
+    code_point_range{0x00, 0x1F},       code_point_range{0x7F, 0x9F},
+    code_point_range{0xAD, 0xAD},       code_point_range{0x34F, 0x34F},
+    code_point_range{0x600, 0x605},     code_point_range{0x61C, 0x61C},
+    code_point_range{0x6DD, 0x6DD},     code_point_range{0x70F, 0x70F},
+    code_point_range{0x890, 0x891},     code_point_range{0x8E2, 0x8E2},
+    code_point_range{0x115F, 0x1160},   code_point_range{0x17B4, 0x17B5},
+    code_point_range{0x180B, 0x180F},   code_point_range{0x200B, 0x200F},
+    code_point_range{0x2028, 0x202E},   code_point_range{0x2060, 0x206F},
+    code_point_range{0x3164, 0x3164},   code_point_range{0xFDD0, 0xFDEF},
+    code_point_range{0xFE00, 0xFE0F},   code_point_range{0xFEFF, 0xFEFF},
+    code_point_range{0xFFA0, 0xFFA0},   code_point_range{0xFFF0, 0xFFFB},
+    code_point_range{0x110BD, 0x110BD}, code_point_range{0x110CD, 0x110CD},
+    code_point_range{0x13430, 0x1343F}, code_point_range{0x1BCA0, 0x1BCA3},
+    code_point_range{0x1D173, 0x1D17A}, code_point_range{0xE0000, 0xE0FFF},
 };
 
 } // namespace
 
 bool is_spelled_out(char32_t code_point) {
-    const auto* const range =
-        std::lower_bound(spelled_out.begin(), spelled_out.end(), code_point,
-                         [](const code_point_range& each, char32_t value) { return each.m_last < value; });
+    const auto* const range = std::lower_bound(
+        spelled_out.begin(), spelled_out.end(), code_point,
+        [](const code_point_range& each, char32_t value) { return each.m_last < value; });
     const bool in_range = range != spelled_out.end() && range->m_first <= code_point;
-    return in_range || (code_point & 0xFFFEU) == 0xFFFE; // the last two of each plane are noncharacters
+    return in_range
+           || (code_point & 0xFFFEU) == 0xFFFE; // the last two of each plane are noncharacters
 }
 
 namespace {
@@ -49,12 +55,13 @@ void append_byte(std::string& to, char32_t byte) {
 
 void append_code_point(std::string& to, char32_t code_point) {
     std::array<char, 8> digits{};
-    const auto [end, error] =
-        std::to_chars(digits.data(), digits.data() + digits.size(), static_cast<std::uint32_t>(code_point), 16);
+    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                            static_cast<std::uint32_t>(code_point), 16);
     to.append("\\u{").append(digits.data(), end).append("}");
 }
 
-void append_printable(std::string& to, std::string_view text, const utf8_character& character, character_set set) {
+void append_printable(std::string& to, std::string_view text, const utf8_character& character,
+                      character_set set) {
     const char32_t code_point = character.m_code_point;
     if (!character.m_valid || code_point < 0x20 || code_point == 0x7F) {
         append_byte(to, code_point);
@@ -102,7 +109,8 @@ utf8_character first_character(std::string_view text) {
 bool is_utf8(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const bool ascii = static_cast<unsigned char>(text[at]) < 0x80;
-        const utf8_character character = ascii ? utf8_character{0, 1, true} : first_character(text.substr(at));
+        const utf8_character character =
+            ascii ? utf8_character{0, 1, true} : first_character(text.substr(at));
         if (!character.m_valid) return false;
         at += character.m_bytes;
     }
@@ -117,7 +125,8 @@ std::string printable_beginning(std::string_view text, character_set set, std::s
     std::string result;
     for (std::size_t at = 0; at < text.size();) {
         const utf8_character character = first_character(text.substr(at));
-        if (character.m_bytes > most_bytes - at) return result + (set == character_set::utf8 ? "\u2026" : "...");
+        if (character.m_bytes > most_bytes - at)
+            return result + (set == character_set::utf8 ? "\u2026" : "...");
         append_printable(result, text.substr(at), character, set);
         at += character.m_bytes;
     }

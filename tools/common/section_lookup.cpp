@@ -1,4 +1,5 @@
-// From the text of a SECTION to a place in the tree; see the header. How entities are numbered is told in sections.h.
+// From the text of a SECTION to a place in the tree; see the header. How entities are numbered is
+// told in sections.h.
 
 #include "common/section_lookup.h"
 
@@ -14,10 +15,12 @@ namespace {
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-/// "12" as 12; 0 for what is no number or begins with 0. A number too great for any message is the greatest there is.
+/// "12" as 12; 0 for what is no number or begins with 0. A number too great for any message is the
+/// greatest there is.
 std::size_t number_from(std::string_view text) {
     constexpr std::size_t greatest = std::numeric_limits<std::size_t>::max();
-    if (text.empty() || text.front() == '0' || !std::all_of(text.begin(), text.end(), is_digit)) return 0;
+    if (text.empty() || text.front() == '0' || !std::all_of(text.begin(), text.end(), is_digit))
+        return 0;
     std::size_t number = 0;
     for (const char digit : text) {
         if (number > (greatest - 9) / 10) return greatest;
@@ -67,7 +70,9 @@ public:
     }
 
 private:
-    std::size_t count_in_message() const { return m_message == nullptr ? 0 : numbers_of_message(*m_message); }
+    std::size_t count_in_message() const {
+        return m_message == nullptr ? 0 : numbers_of_message(*m_message);
+    }
     std::size_t count_of_others() const {
         return m_others == nullptr ? 0 : m_others->m_children.size() - m_first_other;
     }
@@ -83,14 +88,17 @@ numbered_below below_part(const MimeObj& part) {
 }
 
 /// The first of the numbers, so many of them, and then one more.
-std::string joined(const std::vector<std::size_t>& numbers, std::size_t first_ones, std::size_t last) {
+std::string joined(const std::vector<std::size_t>& numbers, std::size_t first_ones,
+                   std::size_t last) {
     std::string text;
-    for (std::size_t index = 0; index < first_ones; ++index) text += std::to_string(numbers[index]) + '.';
+    for (std::size_t index = 0; index < first_ones; ++index)
+        text += std::to_string(numbers[index]) + '.';
     return text + std::to_string(last);
 }
 
 /// The nearest to the numbers where the one at `index` is greater than any there is.
-std::string nearest_to(const std::vector<std::size_t>& numbers, std::size_t index, std::size_t greatest) {
+std::string nearest_to(const std::vector<std::size_t>& numbers, std::size_t index,
+                       std::size_t greatest) {
     if (greatest != 0) return joined(numbers, index, greatest);
     if (index == 0) return "TEXT"; // a multipart without parts
     return joined(numbers, index - 1, numbers[index - 1]);
@@ -100,7 +108,8 @@ std::string nearest_to(const std::vector<std::size_t>& numbers, std::size_t inde
 std::variant<section_place, no_section> find_at_top(const MimeObj& root, section::word word) {
     switch (word) {
     case section::word::none: return section_place{&root, section_place::piece::whole, true};
-    case section::word::header: return section_place{&root, section_place::piece::header_block, true};
+    case section::word::header:
+        return section_place{&root, section_place::piece::header_block, true};
     case section::word::text: return section_place{&root, section_place::piece::body, true};
     case section::word::mime: break;
     }
@@ -108,12 +117,14 @@ std::variant<section_place, no_section> find_at_top(const MimeObj& root, section
 }
 
 /// A section of the part that has the numbers.
-std::variant<section_place, no_section> find_in_part(const found_entity& part, const section& wanted) {
+std::variant<section_place, no_section> find_in_part(const found_entity& part,
+                                                     const section& wanted) {
     const std::vector<std::size_t>& numbers = wanted.m_numbers;
     const std::string number = joined(numbers, numbers.size() - 1, numbers.back());
     const MimeObj* const message = message_within(*part.m_entity);
     switch (wanted.m_word) {
-    case section::word::none: return section_place{part.m_entity, section_place::piece::body, part.m_is_message};
+    case section::word::none:
+        return section_place{part.m_entity, section_place::piece::body, part.m_is_message};
     case section::word::mime:
         return section_place{part.m_entity, section_place::piece::header_block, part.m_is_message};
     case section::word::header:
@@ -142,7 +153,8 @@ std::optional<section> parse_section(std::string_view text, std::string& complai
         }
         parsed.m_word = word_from(rest);
         const bool after_a_number = !parsed.m_numbers.empty();
-        if (parsed.m_word == section::word::none || (parsed.m_word == section::word::mime && !after_a_number)) {
+        if (parsed.m_word == section::word::none
+            || (parsed.m_word == section::word::mime && !after_a_number)) {
             complaint = complaint_about(rest, after_a_number);
             return std::nullopt;
         }
@@ -156,7 +168,8 @@ std::variant<section_place, no_section> find_section(const MimeObj& root, const 
     found_entity part;
     numbered_below parts(&root, nullptr, 0);
     for (std::size_t index = 0; index < numbers.size(); ++index) {
-        if (numbers[index] > parts.count()) return no_section{nearest_to(numbers, index, parts.count())};
+        if (numbers[index] > parts.count())
+            return no_section{nearest_to(numbers, index, parts.count())};
         part = parts.at(numbers[index]);
         parts = below_part(*part.m_entity);
     }

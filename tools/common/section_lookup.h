@@ -1,10 +1,12 @@
-// What a user calls a piece of a message, and where that is in the tree: SECTION as IMAP has it (RFC 3501 section 6.4.5).
+// What a user calls a piece of a message, and where that is in the tree: SECTION as IMAP has it
+// (RFC 3501 section 6.4.5).
 //
 //     ""                      the whole message
 //     HEADER, TEXT            its header block, and what follows
 //     1.2                     the body of a part
 //     1.2.MIME                the header block of a part
-//     1.2.HEADER, 1.2.TEXT    the header block of the message that a message/rfc822 part holds, and what follows
+//     1.2.HEADER, 1.2.TEXT    the header block of the message that a message/rfc822 part holds, and
+//                             what follows
 
 #ifndef TOOLS_COMMON_SECTION_LOOKUP_H
 #define TOOLS_COMMON_SECTION_LOOKUP_H
@@ -37,7 +39,8 @@ struct section_place {
 
     const MailStructure::MimeObj* m_entity = nullptr;
     piece m_piece = piece::body;
-    bool m_is_message = false; // the entity is the message itself or a message within, and no part of a multipart
+    bool m_is_message =
+        false; // the entity is the message itself or a message within, and no part of a multipart
 };
 
 /// Says that there is no such section.
@@ -46,6 +49,7 @@ struct no_section {
 };
 
 /// Finds the section. Linear in the number of its numbers; resolves sections of any depth.
-std::variant<section_place, no_section> find_section(const MailStructure::MimeObj& root, const section& wanted);
+std::variant<section_place, no_section> find_section(const MailStructure::MimeObj& root,
+                                                     const section& wanted);
 
 #endif

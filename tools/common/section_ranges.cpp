@@ -1,4 +1,5 @@
-// Finds the bytes of a section from the recorded ranges and the lines at their ends; see the header.
+// Finds the bytes of a section from the recorded ranges and the lines at their ends; see the
+// header.
 
 #include "common/section_ranges.h"
 
@@ -29,12 +30,15 @@ recorded_lines recorded_lines_of(const MimeObj& entity) {
     recorded_lines lines;
     lines.add(entity.m_header_beg, entity.m_header_len);
     lines.add(entity.m_contents_beg, entity.m_contents_len);
-    lines.add(entity.m_body_beg, entity.m_body_len); // has the closing line of a multipart that could not be closed
+    lines.add(entity.m_body_beg,
+              entity.m_body_len); // has the closing line of a multipart that could not be closed
     lines.add(entity.m_epilogue_beg, entity.m_epilogue_len);
     return lines;
 }
 
-byte_range between(std::uint32_t begin, std::uint32_t end) { return {begin, std::max(begin, end) - begin}; }
+byte_range between(std::uint32_t begin, std::uint32_t end) {
+    return {begin, std::max(begin, end) - begin};
+}
 
 } // namespace
 
@@ -52,7 +56,8 @@ byte_range section_ranges::header_block_of(const section_place& place) {
     if (entity.m_header_len == 0) {
         if (&entity == &m_root) return {m_message_start, 0};
         const std::uint32_t begin = recorded_lines_of(entity).m_begin;
-        // Of a part the line before is the separator, which is never empty, or the empty line that was dropped.
+        // Of a part the line before is the separator, which is never empty, or the empty line that
+        // was dropped.
         const std::uint32_t dropped = place.m_is_message ? 0 : line_terminator_before(begin);
         const bool is_empty_line = dropped != 0 && line_terminator_before(begin - dropped) != 0;
         return is_empty_line ? byte_range{begin - dropped, dropped} : byte_range{begin, 0};
@@ -61,8 +66,9 @@ byte_range section_ranges::header_block_of(const section_place& place) {
     std::uint32_t end = begin + entity.m_header_len;
     const std::uint32_t last_terminator = line_terminator_before(end);
     const std::uint32_t last_line_text_end = end - last_terminator;
-    const bool ended = last_terminator != 0 && // by its empty line
-                       (last_line_text_end == begin || line_terminator_before(last_line_text_end) != 0);
+    const bool ended =
+        last_terminator != 0 && // by its empty line
+        (last_line_text_end == begin || line_terminator_before(last_line_text_end) != 0);
     if (!ended) end += empty_line_at(end);
     // A message within ends where the part does that holds it.
     return between(begin, place.m_is_message ? std::min(end, end_of(entity)) : end);
@@ -73,26 +79,28 @@ byte_range section_ranges::body_of(const section_place& place) {
     return between(block.m_offset + block.m_length, end_of(*place.m_entity));
 }
 
-/// Where the entity ends: at the end of the file, or where the line terminator of a boundary line begins.
+/// Where the entity ends: at the end of the file, or where the line terminator of a boundary line
+/// begins.
 std::uint32_t section_ranges::end_of(const MimeObj& entity) {
     if (&entity == &m_root) return file_end();
     const MimeObj& last = last_holding_lines(entity);
     recorded_lines lines = recorded_lines_of(last);
     if (!lines.m_any) return 0;
     if (message_within(last) != nullptr)
-        lines.m_end = last.m_header_beg + last.m_header_len;                  // its message has no lines
+        lines.m_end = last.m_header_beg + last.m_header_len; // its message has no lines
     const std::uint32_t next_line = lines.m_end + empty_line_at(lines.m_end); // which was dropped
     if (next_line >= file_end()) return file_end();
     // Nothing but a boundary line ends an entity before the file does.
     return std::max(lines.m_begin, next_line - line_terminator_before(next_line));
 }
 
-/// What holds a message ends where that does: its own ranges can go on, for a boundary line does not close all that
-/// it should. This is the innermost of the messages within messages, if it has lines.
+/// What holds a message ends where that does: its own ranges can go on, for a boundary line does
+/// not close all that it should. This is the innermost of the messages within messages, if it has
+/// lines.
 const MimeObj& section_ranges::last_holding_lines(const MimeObj& entity) {
     // A walk asks for one after the other of them, and a chain of messages can be long.
-    const bool known =
-        m_asked_last == &entity || (m_asked_last != m_innermost && message_within(*m_asked_last) == &entity);
+    const bool known = m_asked_last == &entity
+                       || (m_asked_last != m_innermost && message_within(*m_asked_last) == &entity);
     m_asked_last = &entity;
     if (known) return *m_innermost;
     m_innermost = &entity;
@@ -107,7 +115,9 @@ const MimeObj& section_ranges::last_holding_lines(const MimeObj& entity) {
 std::uint32_t section_ranges::empty_line_at(std::uint32_t offset) const {
     const std::string_view rest = m_bytes.substr(std::min<std::size_t>(offset, m_bytes.size()));
     if (rest.substr(0, 1) == "\n") return 1;
-    return rest.substr(0, 2) == "\r\n" || rest == "\r" ? static_cast<std::uint32_t>(rest.substr(0, 2).size()) : 0;
+    return rest.substr(0, 2) == "\r\n" || rest == "\r"
+               ? static_cast<std::uint32_t>(rest.substr(0, 2).size())
+               : 0;
 }
 
 /// The length of the line terminator that ends there; 0 if none does.

@@ -1,20 +1,22 @@
-// Which bytes a section is. The tree has recorded ranges of whole lines; a section, as IMAP and RFC 2046 section 5.1.1 have
-// it, differs from them in two ways:
+// Which bytes a section is. The tree has recorded ranges of whole lines; a section, as IMAP and RFC
+// 2046 section 5.1.1 have it, differs from them in two ways:
 //
-// - The line terminator before a boundary line belongs to that line, and not to the part that ends there.
-// - Every line belongs to something. The empty line that the parser drops behind a separator or behind the first line
-//   of a message within is in no recorded range; here it ends the header block, as it looks to anybody else.
+// - The line terminator before a boundary line belongs to that line, and not to the part that ends
+//   there.
+// - Every line belongs to something. The empty line that the parser drops behind a separator or
+//   behind the first line of a message within is in no recorded range; here it ends the
+//   header block, as it looks to anybody else.
 //
 //     --XY                                       of no section but those around it
 //     Content-Type: message/rfc822    1.MIME
 //                                     1.MIME
 //     Subject: hello                             1    1.HEADER
 //                                                1    1.HEADER    (dropped: in no recorded range)
-//     It is I.                                   1    1.TEXT      (and here without the line terminator)
+//     It is I.                                   1    1.TEXT      (without the line terminator)
 //     --XY--
 //
-// A part that holds a message ends where the message does. Its recorded ranges can go on, for one boundary line does not
-// close all that another parser would have it close (see doc/behaviour.md).
+// A part that holds a message ends where the message does. Its recorded ranges can go on, for one
+// boundary line does not close all that another parser would have it close (see doc/behaviour.md).
 //
 // So 1.HEADER and 1.TEXT together are 1, and HEADER and TEXT together the whole message.
 
@@ -35,11 +37,12 @@ public:
     /// @param root           the message, its ranges counted from the start of the file
     /// @param bytes          the whole file, less than 4 GiB
     /// @param message_start  where in the file the message begins
-    section_ranges(const MailStructure::MimeObj& root, std::string_view bytes, std::uint32_t message_start)
+    section_ranges(const MailStructure::MimeObj& root, std::string_view bytes,
+                   std::uint32_t message_start)
         : m_root(root), m_bytes(bytes), m_message_start(message_start) {}
 
-    /// Linear in the number of messages within messages from the entity down; constant time, all in all, in the order of
-    /// a walk.
+    /// Linear in the number of messages within messages from the entity down; constant time, all in
+    /// all, in the order of a walk.
     byte_range of(const section_place& place);
 
 private:

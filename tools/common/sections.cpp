@@ -24,7 +24,9 @@ const MimeObj* message_within(const MimeObj& entity) {
     return entity.m_message && !entity.m_children.empty() ? &entity.m_children.front() : nullptr;
 }
 
-std::size_t numbers_of_message(const MimeObj& message) { return is_multipart(message) ? message.m_children.size() : 1; }
+std::size_t numbers_of_message(const MimeObj& message) {
+    return is_multipart(message) ? message.m_children.size() : 1;
+}
 
 const numbered_entity* entity_walk::next() {
     if (m_root != nullptr) {
@@ -32,7 +34,8 @@ const numbered_entity* entity_walk::next() {
         m_root = nullptr;
         return &m_current;
     }
-    while (!m_levels.empty() && m_levels.back().m_next_child == m_levels.back().m_entity->m_children.size())
+    while (!m_levels.empty()
+           && m_levels.back().m_next_child == m_levels.back().m_entity->m_children.size())
         m_levels.pop_back();
     if (m_levels.empty()) return nullptr;
     level& above = m_levels.back();
@@ -55,7 +58,8 @@ void entity_walk::enter(const MimeObj& entity, bool is_message, std::size_t numb
     m_levels.push_back({&entity, m_path.size(), m_numbers});
     if (has_no_number) m_path += m_path.empty() ? "TEXT" : ".TEXT";
     const bool has_name = m_numbers <= most_numbers_in_a_name;
-    m_current = {&entity, depth, has_name ? std::string_view(m_path) : std::string_view(), is_message && depth != 0};
+    m_current = {&entity, depth, has_name ? std::string_view(m_path) : std::string_view(),
+                 is_message && depth != 0};
 }
 
 void entity_walk::append_number(std::size_t number) {

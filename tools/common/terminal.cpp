@@ -19,7 +19,8 @@ character_set locale_character_set() {
 
 bool wants_color(color_choice choice) {
     if (choice != color_choice::automatic) return choice == color_choice::always;
-    const char* const no_color = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe): nothing sets it
+    const char* const no_color =
+        std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe): nothing sets it
     if (no_color != nullptr && *no_color != '\0') return false;
     const char* const terminal = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
     if (terminal != nullptr && std::string_view(terminal) == "dumb") return false;

@@ -25,7 +25,9 @@ public:
             const std::string_view block = m_text.substr(begin, block_bytes);
             const base64_decode_ctx context_before = m_context;
             std::size_t count = m_decoded.size();
-            if (::base64_decode_update(&m_context, &count, m_decoded.data(), block.size(), block.data()) == 0) {
+            if (::base64_decode_update(&m_context, &count, m_decoded.data(), block.size(),
+                                       block.data())
+                == 0) {
                 m_context = context_before;
                 return decode_as_far_as_it_goes(begin, block);
             }
@@ -41,10 +43,12 @@ private:
     }
 
     /// Byte by byte, to find the one at which it fails.
-    std::optional<decoding_damage> decode_as_far_as_it_goes(std::size_t begin, std::string_view block) {
+    std::optional<decoding_damage> decode_as_far_as_it_goes(std::size_t begin,
+                                                            std::string_view block) {
         std::size_t decoded = 0;
         for (std::size_t at = 0; at < block.size(); ++at) {
-            const int count = ::base64_decode_single(&m_context, m_decoded.data() + decoded, block[at]);
+            const int count =
+                ::base64_decode_single(&m_context, m_decoded.data() + decoded, block[at]);
             if (count < 0) {
                 hand_over(decoded);
                 return decoding_damage{what_is_wrong_with(block[at]), begin + at};
@@ -70,13 +74,15 @@ bool is_blank(char c) { return c == ' ' || c == '\t'; }
 /// Decodes quoted-printable, and gathers what it decodes into blocks.
 class quoted_printable_decoder {
 public:
-    quoted_printable_decoder(std::string_view text, const byte_sink& sink) : m_text(text), m_sink(sink) {
+    quoted_printable_decoder(std::string_view text, const byte_sink& sink)
+        : m_text(text), m_sink(sink) {
         m_decoded.reserve(block_bytes);
     }
 
     std::optional<decoding_damage> run() {
         while (m_at < m_text.size() && m_wanted) {
-            const std::size_t plain_end = std::min(m_text.find_first_of("= \t", m_at), m_text.size());
+            const std::size_t plain_end =
+                std::min(m_text.find_first_of("= \t", m_at), m_text.size());
             put(m_text.substr(m_at, plain_end - m_at));
             m_at = plain_end;
             if (m_at == m_text.size()) break;
@@ -90,7 +96,8 @@ public:
     }
 
 private:
-    /// The length of the line end at that place, 0 if there is none. The end of the text is no line end.
+    /// The length of the line end at that place, 0 if there is none. The end of the text is no line
+    /// end.
     std::size_t line_end_at(std::size_t at) const {
         if (m_text.substr(at, 1) == "\n") return 1;
         return m_text.substr(at, 2) == "\r\n" ? 2 : 0;
@@ -120,7 +127,9 @@ private:
             m_at = end + line_end; // a soft line break
             return;
         }
-        if (!m_damage) m_damage = decoding_damage{"an equals sign without two hexadecimal digits or a line end", m_at};
+        if (!m_damage)
+            m_damage = decoding_damage{
+                "an equals sign without two hexadecimal digits or a line end", m_at};
         put(m_text.substr(m_at, 1));
         ++m_at;
     }
@@ -157,7 +166,8 @@ std::optional<transfer_encoding> transfer_encoding_named(std::string_view name) 
     return std::nullopt;
 }
 
-std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_view text, const byte_sink& sink) {
+std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_view text,
+                                      const byte_sink& sink) {
     switch (encoding) {
     case transfer_encoding::base64: return base64_decoder(text, sink).run();
     case transfer_encoding::quoted_printable: return quoted_printable_decoder(text, sink).run();

@@ -19,7 +19,8 @@ constexpr std::array ending_signals = {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM
 /// The name, ended by a NUL; empty if there is no file. The system takes no longer one.
 std::array<char, PATH_MAX> unfinished{}; // NOLINT: a handler gets no argument
 
-/// By now the signal has its default action again, and does what it would have done as soon as this returns.
+/// By now the signal has its default action again, and does what it would have done as soon as this
+/// returns.
 void on_ending_signal(int signal) {
     remove_unfinished_file();
     static_cast<void>(::raise(signal));

@@ -5,8 +5,9 @@
 
 #include <string>
 
-/// Creates a file of a new name, readable and writable for the user alone. From now on it is removed if the program is ended
-/// by a signal that somebody sends or that the system sends about a limit or a pipe. There is one such file at a time.
+/// Creates a file of a new name, readable and writable for the user alone. From now on it is
+/// removed if the program is ended by a signal that somebody sends or that the system sends about a
+/// limit or a pipe. There is one such file at a time.
 /// @param name  ends in "XXXXXX", which is replaced so that the name is new
 /// @return a descriptor, or -1 and errno
 int create_unfinished_file(std::string& name);

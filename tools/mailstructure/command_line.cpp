@@ -31,18 +31,21 @@ std::string standard_input() {
 }
 
 void describe_files(CLI::App& command, std::vector<std::string>& files) {
-    command.add_option("FILE", files, "Messages; - is standard input, which is also read when none is named")
+    command
+        .add_option("FILE", files,
+                    "Messages; - is standard input, which is also read when none is named")
         ->type_name("");
     command.final_callback([&files] {
         if (files.empty()) files.push_back(standard_input());
     });
 }
 
-void describe_choice(CLI::App& command, const std::string& option, const std::vector<std::string>& words,
-                     const std::string& placeholder, const std::function<void(std::size_t)>& take,
-                     const std::string& description) {
+void describe_choice(CLI::App& command, const std::string& option,
+                     const std::vector<std::string>& words, const std::string& placeholder,
+                     const std::function<void(std::size_t)>& take, const std::string& description) {
     const auto place = [words](const std::string& word) {
-        return static_cast<std::size_t>(std::find(words.begin(), words.end(), word) - words.begin());
+        return static_cast<std::size_t>(std::find(words.begin(), words.end(), word)
+                                        - words.begin());
     };
     command
         .add_option_function<std::string>(

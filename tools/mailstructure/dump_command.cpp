@@ -31,10 +31,14 @@ bool dump_file(const dump_options& options, const std::string& file_name) {
 } // namespace
 
 void describe_dump(CLI::App& command, dump_options& options) {
-    command.add_flag("--keep-text", options.m_keep_text, "Keep the text of the bodies and print that of the leaves");
+    command.add_flag("--keep-text", options.m_keep_text,
+                     "Keep the text of the bodies and print that of the leaves");
     command
         .add_option_function<std::string>(
-            "--memlimit", [&options](const std::string& text) { options.m_memlimit = parse_number(text).value(); },
+            "--memlimit",
+            [&options](const std::string& text) {
+                options.m_memlimit = parse_number(text).value();
+            },
             "Bound for the memory of the header fields, in bytes; decimal, or hexadecimal after 0x")
         ->check(number_complaint)
         ->type_name("N");

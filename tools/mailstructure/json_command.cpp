@@ -52,9 +52,11 @@ outcome print_file(const std::string& file_name, json_form form) {
 } // namespace
 
 void describe_json(CLI::App& command, json_options& options) {
-    CLI::Option* const pretty =
-        command.add_flag("--pretty", options.m_pretty, "One document on many lines, for people to read");
-    command.add_flag("--flat", options.m_flat, "One line for each entity instead of one for each message")
+    CLI::Option* const pretty = command.add_flag("--pretty", options.m_pretty,
+                                                 "One document on many lines, for people to read");
+    command
+        .add_flag("--flat", options.m_flat,
+                  "One line for each entity instead of one for each message")
         ->excludes(pretty);
     describe_files(command, options.m_files);
 }

@@ -1,5 +1,6 @@
-// What rapidjson's writer needs to print text from a message: where its characters go, how it reads bytes that may be
-// anything, how it writes characters that a terminal would act on, and where its stack lies.
+// What rapidjson's writer needs to print text from a message: where its characters go, how it reads
+// bytes that may be anything, how it writes characters that a terminal would act on, and where its
+// stack lies.
 
 #ifndef TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
 #define TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
@@ -14,8 +15,9 @@
 #include <ostream>
 #include <string_view>
 
-/// Gathers characters in a block and hands full blocks on. What the block holds when the object ends is dropped, so
-/// that a document which cannot be finished is not begun either, unless it is longer than a block.
+/// Gathers characters in a block and hands full blocks on. What the block holds when the object
+/// ends is dropped, so that a document which cannot be finished is not begun either, unless it is
+/// longer than a block.
 class json_output {
 public:
     using Ch = char;
@@ -47,14 +49,15 @@ private:
     bool m_handed_on = false;
 };
 
-/// rapidjson's indentation. It ends at 64 blanks: with a step for each level, what is printed would grow with the square
-/// of the depth.
+/// rapidjson's indentation. It ends at 64 blanks: with a step for each level, what is printed would
+/// grow with the square of the depth.
 inline void PutN(json_output& output, char character, std::size_t count) {
-    for (std::size_t left = std::min<std::size_t>(count, 64); left != 0; --left) output.Put(character);
+    for (std::size_t left = std::min<std::size_t>(count, 64); left != 0; --left)
+        output.Put(character);
 }
 
-/// How the writer reads: UTF-8, where a byte that is not part of valid UTF-8 stands for U+FFFD. The text must have a NUL
-/// behind it, as that of a std::string has.
+/// How the writer reads: UTF-8, where a byte that is not part of valid UTF-8 stands for U+FFFD. The
+/// text must have a NUL behind it, as that of a std::string has.
 struct lenient_utf8 {
     using Ch = char;
 
@@ -73,8 +76,8 @@ struct lenient_utf8 {
     }
 };
 
-/// How the writer writes: UTF-8, but what printable() spells out comes as \uNNNN. (The writer itself sees to characters
-/// below U+0020, to the quote and to the backslash.)
+/// How the writer writes: UTF-8, but what printable() spells out comes as \uNNNN. (The writer
+/// itself sees to characters below U+0020, to the quote and to the backslash.)
 struct harmless_utf8 {
     using Ch = char;
     enum { supportUnicode = 1 };
@@ -98,7 +101,9 @@ struct harmless_utf8 {
 private:
     template <class stream>
     static void put_utf8(stream& to, unsigned code_point) {
-        const auto put_tail = [&](unsigned shift) { to.Put(static_cast<char>(0x80 | ((code_point >> shift) & 0x3F))); };
+        const auto put_tail = [&](unsigned shift) {
+            to.Put(static_cast<char>(0x80 | ((code_point >> shift) & 0x3F)));
+        };
         if (code_point < 0x800) {
             to.Put(static_cast<char>(0xC0 | (code_point >> 6)));
         } else if (code_point < 0x10000) {
@@ -126,11 +131,13 @@ private:
     static void put_unit(stream& to, unsigned unit) {
         to.Put('\\');
         to.Put('u');
-        for (int shift = 12; shift >= 0; shift -= 4) to.Put("0123456789ABCDEF"[(unit >> shift) & 0xF]);
+        for (int shift = 12; shift >= 0; shift -= 4)
+            to.Put("0123456789ABCDEF"[(unit >> shift) & 0xF]);
     }
 };
 
-/// Memory for the writer's stack, one record for each level. rapidjson's own does not notice when there is none left.
+/// Memory for the writer's stack, one record for each level. rapidjson's own does not notice when
+/// there is none left.
 class throwing_allocator {
 public:
     static constexpr bool kNeedFree = true;

@@ -1,5 +1,5 @@
-// Walks the tree and calls rapidjson's writer for all that is recorded. That keeps its open objects and arrays on a
-// stack of its own, so neither it nor the walk recurses.
+// Walks the tree and calls rapidjson's writer for all that is recorded. That keeps its open objects
+// and arrays on a stack of its own, so neither it nor the walk recurses.
 
 #include "mailstructure/json_writer.h"
 
@@ -18,17 +18,19 @@
 namespace {
 
 using line_writer = rapidjson::Writer<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
-using pretty_writer = rapidjson::PrettyWriter<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
+using pretty_writer =
+    rapidjson::PrettyWriter<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
 
 /// The bytes in base64, as a JSON string.
 std::string quoted_base64(std::string_view bytes) {
     std::string text(BASE64_ENCODE_RAW_LENGTH(bytes.size()) + 2, '"');
-    base64_encode_raw(text.data() + 1, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+    base64_encode_raw(text.data() + 1, bytes.size(),
+                      reinterpret_cast<const std::uint8_t*>(bytes.data()));
     return text;
 }
 
-/// Writes documents of either kind. "Record" is what ends with a list of its values that are not UTF-8: the message, an
-/// entity, or a line of the flat form.
+/// Writes documents of either kind. "Record" is what ends with a list of its values that are not
+/// UTF-8: the message, an entity, or a line of the flat form.
 template <class writer>
 class tree_writer {
 public:
@@ -69,7 +71,8 @@ private:
     // About the record being written:
     std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
     std::vector<odd_value> m_odd_values;
-    std::vector<std::size_t> m_path; // flat form: the index of each entity from the root to the current one
+    std::vector<std::size_t>
+        m_path; // flat form: the index of each entity from the root to the current one
 };
 
 template <class writer>
@@ -101,7 +104,8 @@ template <class writer>
 void tree_writer<writer>::write_lines() {
     std::size_t index = 0;
     entity_walk walk(m_message.m_root);
-    for (const numbered_entity* visited = walk.next(); visited != nullptr; visited = walk.next(), ++index) {
+    for (const numbered_entity* visited = walk.next(); visited != nullptr;
+         visited = walk.next(), ++index) {
         m_writer.Reset(m_output);
         m_writer.StartObject();
         line_members(*visited, index);
@@ -202,7 +206,8 @@ void tree_writer<writer>::odd_values() {
         m_writer.StartObject();
         string("member", odd.m_place);
         key("base64");
-        m_writer.RawValue(odd.m_quoted_base64.data(), odd.m_quoted_base64.size(), rapidjson::kStringType);
+        m_writer.RawValue(odd.m_quoted_base64.data(), odd.m_quoted_base64.size(),
+                          rapidjson::kStringType);
         m_writer.EndObject();
     }
     m_writer.EndArray();
@@ -231,7 +236,8 @@ template <class writer>
 void tree_writer<writer>::string(std::string_view name, const std::string& value) {
     // A file of 4 GiB is refused, but what is decoded can be longer than it was.
     if (value.size() > std::numeric_limits<rapidjson::SizeType>::max()) throw std::bad_alloc();
-    if (!is_utf8(value)) m_odd_values.push_back({m_place + '/' + std::string(name), quoted_base64(value)});
+    if (!is_utf8(value))
+        m_odd_values.push_back({m_place + '/' + std::string(name), quoted_base64(value)});
     key(name);
     m_writer.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
 }
@@ -258,8 +264,8 @@ void tree_writer<writer>::flag(std::string_view name, bool value) {
 /// A range stays on one line in every form.
 template <class writer>
 void tree_writer<writer>::range(std::string_view name, std::uint32_t offset, std::uint32_t length) {
-    const std::string text = "{\"offset\":" + m_gap + std::to_string(offset) + ',' + m_gap + "\"length\":" + m_gap
-                             + std::to_string(length) + '}';
+    const std::string text = "{\"offset\":" + m_gap + std::to_string(offset) + ',' + m_gap
+                             + "\"length\":" + m_gap + std::to_string(length) + '}';
     key(name);
     m_writer.RawValue(text.data(), text.size(), rapidjson::kObjectType);
 }

@@ -25,8 +25,9 @@ struct json_message {
     const MailStructure::MimeObj& m_root;
 };
 
-/// Writes the message in the given form, each line with its line feed, and hands all of it on. Stops early once the
-/// output takes no more. Linear in the tree and in the text of its fields; does not recurse.
+/// Writes the message in the given form, each line with its line feed, and hands all of it on.
+/// Stops early once the output takes no more. Linear in the tree and in the text of its fields;
+/// does not recurse.
 /// @throws std::bad_alloc  what the output has not handed on by then is to be dropped
 void write_json(json_output& output, const json_message& message, json_form form);
 

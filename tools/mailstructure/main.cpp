@@ -36,7 +36,8 @@ void let_flags_take_no_value(CLI::App& line) {
         if (option->get_items_expected_max() == 0) option->disable_flag_override();
 }
 
-template <typename options, void (*describe)(CLI::App&, options&), exit_status (*run)(const options&)>
+template <typename options, void (*describe)(CLI::App&, options&),
+          exit_status (*run)(const options&)>
 exit_status run_command(CLI::App& line, std::vector<std::string>& arguments_reversed) {
     options chosen;
     describe(line, chosen);
@@ -65,11 +66,13 @@ public:
     }
 };
 
-/// What the program does with no command and an option of its own: it prints its help or its version.
+/// What the program does with no command and an option of its own: it prints its help or its
+/// version.
 exit_status run_program(CLI::App& line, std::vector<std::string>& arguments_reversed) {
     line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
     line.formatter(std::make_shared<program_help>());
-    for (const command& each : commands) line.add_subcommand(each.m_name, each.m_description)->group("Commands");
+    for (const command& each : commands)
+        line.add_subcommand(each.m_name, each.m_description)->group("Commands");
     line.footer("Without a command, the files are drawn as trees.\n"
                 "Run `mailstructure COMMAND --help` for a command's options.");
     line.parse(arguments_reversed);
@@ -78,15 +81,16 @@ exit_status run_program(CLI::App& line, std::vector<std::string>& arguments_reve
 
 constexpr command program = {"", "Shows the structure of Internet mail.", run_program};
 
-/// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an empty one; as "./++" and so on
-/// they are the files they name.
+/// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an
+/// empty one; as "./++" and so on they are the files they name.
 std::string protected_argument(const std::string& argument) {
     const bool list = !argument.empty() && argument.front() == '[' && argument.back() == ']';
     return list || argument == "++" || argument == "{}" ? "./" + argument : argument;
 }
 
 const command* find_command(const std::string& name) {
-    return std::find_if(commands.begin(), commands.end(), [&name](const command& each) { return name == each.m_name; });
+    return std::find_if(commands.begin(), commands.end(),
+                        [&name](const command& each) { return name == each.m_name; });
 }
 
 /// The command that the first word names, which is then taken away.
@@ -100,8 +104,8 @@ const command& take_command(std::vector<std::string>& arguments) {
     return *named;
 }
 
-/// The command that was meant by the first word; "" if that is a command, an option or the name of a file that there is, or is
-/// like no command.
+/// The command that was meant by the first word; "" if that is a command, an option or the name of
+/// a file that there is, or is like no command.
 std::string_view mistyped_command(const std::vector<std::string>& arguments) {
     if (arguments.empty() || find_command(arguments.front()) != commands.end()) return "";
     const std::string& first = arguments.front();
@@ -113,7 +117,8 @@ std::string words_of(const CLI::ParseError& error) {
     std::string what = error.what();
     if (error.get_name() != "ArgumentMismatch") return what;
     const std::size_t flag_end = what.find(" was given a disallowed flag override");
-    return flag_end == std::string::npos ? what : "--" + what.substr(0, flag_end) + " takes no value";
+    return flag_end == std::string::npos ? what
+                                         : "--" + what.substr(0, flag_end) + " takes no value";
 }
 
 exit_status wrong_usage_of(const std::string& what, const std::string& program_and_command) {
@@ -125,7 +130,8 @@ exit_status wrong_usage_of(const std::string& what, const std::string& program_a
 exit_status run(int count, char** values) {
     std::vector<std::string> arguments(values + std::min(count, 1), values + count);
     if (const std::string_view meant = mistyped_command(arguments); !meant.empty()) {
-        return wrong_usage_of(arguments.front() + ": no such command or file; did you mean " + std::string(meant) + "?",
+        return wrong_usage_of(arguments.front() + ": no such command or file; did you mean "
+                                  + std::string(meant) + "?",
                               "mailstructure");
     }
     const command& chosen = take_command(arguments);

@@ -15,8 +15,9 @@ struct meaning {
 };
 
 constexpr std::array meanings = {
-    meaning{"tree", "tree"},        meaning{"json", "json"},   meaning{"part", "part"},         meaning{"dump", "dump"},
-    meaning{"list", "part --list"}, meaning{"help", "--help"}, meaning{"version", "--version"},
+    meaning{"tree", "tree"},         meaning{"json", "json"},        meaning{"part", "part"},
+    meaning{"dump", "dump"},         meaning{"list", "part --list"}, meaning{"help", "--help"},
+    meaning{"version", "--version"},
 };
 
 bool same_letter(char one, char other) { return equal_ignoring_case({&one, 1}, {&other, 1}); }
@@ -34,11 +35,13 @@ bool is_close_to(std::string_view word, std::string_view name) {
         name.remove_suffix(1);
     }
     if (word.size() <= 1 && name.size() <= 1) return true;
-    return word.size() == 2 && name.size() == 2 && same_letter(word[0], name[1]) && same_letter(word[1], name[0]);
+    return word.size() == 2 && name.size() == 2 && same_letter(word[0], name[1])
+           && same_letter(word[1], name[0]);
 }
 
 std::string_view command_meant_by(std::string_view word) {
-    const auto* const found = std::find_if(meanings.begin(), meanings.end(),
-                                           [word](const meaning& each) { return is_close_to(word, each.m_word); });
+    const auto* const found =
+        std::find_if(meanings.begin(), meanings.end(),
+                     [word](const meaning& each) { return is_close_to(word, each.m_word); });
     return found == meanings.end() ? "" : found->m_meant;
 }

@@ -42,16 +42,18 @@ byte_range range_of(const MimeObj& entity, recorded_range range) {
 }
 
 /// Nothing where there is no such section, which has then been said.
-std::optional<chosen_piece> choose(const part_options& options, const message_file& file, const MimeObj& root) {
+std::optional<chosen_piece> choose(const part_options& options, const message_file& file,
+                                   const MimeObj& root) {
     const auto found = find_section(root, options.m_section);
     if (const auto* const none = std::get_if<no_section>(&found)) {
         const std::string nearest = none->m_nearest.empty() ? "the whole message" : none->m_nearest;
-        complain(display_name(options.m_file) + ": no section " + escaped(options.m_section_text) + "; the nearest is "
-                 + nearest);
+        complain(display_name(options.m_file) + ": no section " + escaped(options.m_section_text)
+                 + "; the nearest is " + nearest);
         return std::nullopt;
     }
     const section_place& place = std::get<section_place>(found);
-    if (options.m_range) return chosen_piece{place.m_entity, range_of(*place.m_entity, *options.m_range)};
+    if (options.m_range)
+        return chosen_piece{place.m_entity, range_of(*place.m_entity, *options.m_range)};
     section_ranges ranges(root, file.bytes(), file.message_start());
     return chosen_piece{place.m_entity, ranges.of(place)};
 }
@@ -63,12 +65,13 @@ bool give_piece(const part_options& options, const message_file& file, const cho
     const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
     const std::optional<decoding_damage> damage = decode(encoding, bytes, sink);
     if (!damage) return true;
-    complain_about_input(options.m_file, "cannot decode: " + damage->m_what, piece.m_bytes.m_offset + damage->m_offset);
+    complain_about_input(options.m_file, "cannot decode: " + damage->m_what,
+                         piece.m_bytes.m_offset + damage->m_offset);
     return false;
 }
 
-bool write_to_standard_output(const part_options& options, const message_file& file, const chosen_piece& piece,
-                              transfer_encoding encoding) {
+bool write_to_standard_output(const part_options& options, const message_file& file,
+                              const chosen_piece& piece, transfer_encoding encoding) {
     errno = 0;
     const bool sound = give_piece(options, file, piece, encoding, [](std::string_view bytes) {
         return !!std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -99,8 +102,10 @@ bool write_piece(const part_options& options, const message_file& file, const Mi
         const std::string name = transfer_encoding_of(*piece->m_entity);
         const std::optional<transfer_encoding> known = transfer_encoding_named(name);
         if (!known) {
-            const std::string shown = printable_beginning(name, locale_character_set(), longest_encoding_shown);
-            complain_about_input(options.m_file, "cannot decode: unknown transfer encoding " + shown,
+            const std::string shown =
+                printable_beginning(name, locale_character_set(), longest_encoding_shown);
+            complain_about_input(options.m_file,
+                                 "cannot decode: unknown transfer encoding " + shown,
                                  piece->m_bytes.m_offset);
             return false;
         }
@@ -122,19 +127,23 @@ public:
 /// What is wrong with the options together; "" if nothing is.
 std::string complaint_about(const part_options& options) {
     if (options.m_list) {
-        if (options.m_range || options.m_decode) return "--list goes with no --range and no --decode";
+        if (options.m_range || options.m_decode)
+            return "--list goes with no --range and no --decode";
         if (options.m_output) return "--list goes with no --output; it prints to standard output";
         return "";
     }
     if (options.m_force && !options.m_output) return "--force goes with --output only";
-    const bool is_block =
-        options.m_section.m_word == section::word::header || options.m_section.m_word == section::word::mime;
-    if (options.m_range && is_block) return "--range goes with a section that names an entity: \"\", N, TEXT or N.TEXT";
+    const bool is_block = options.m_section.m_word == section::word::header
+                          || options.m_section.m_word == section::word::mime;
+    if (options.m_range && is_block)
+        return "--range goes with a section that names an entity: \"\", N, TEXT or N.TEXT";
     if (!options.m_decode) return "";
-    const bool is_body = options.m_range
-                             ? options.m_range == recorded_range::body || options.m_range == recorded_range::contents
-                             : !is_block && !options.m_section_text.empty();
-    return is_body ? "" : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or --range contents";
+    const bool is_body = options.m_range ? options.m_range == recorded_range::body
+                                               || options.m_range == recorded_range::contents
+                                         : !is_block && !options.m_section_text.empty();
+    return is_body
+               ? ""
+               : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or --range contents";
 }
 
 /// Sorts out the arguments: SECTION [FILE], or with --list [FILE].
@@ -169,25 +178,29 @@ void describe_part(CLI::App& command, part_options& options) {
             "Write to the file, which must not exist yet; - is standard output")
         ->type_name("FILE");
     command.add_flag("--force", options.m_force, "Replace the output file if it exists");
-    command.add_flag("--decode", options.m_decode, "Undo base64 or quoted-printable, as the part's header field says");
+    command.add_flag("--decode", options.m_decode,
+                     "Undo base64 or quoted-printable, as the part's header field says");
     describe_choice(
         command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },
         "Write a range that the library has recorded for the entity: header, mime, body, contents or epilogue");
-    command.add_flag("--list", options.m_list, "List all sections: offset, length, type and name of each");
+    command.add_flag("--list", options.m_list,
+                     "List all sections: offset, length, type and name of each");
     const CLI::Option* const first =
         command
-            .add_option("SECTION", options.m_section_text,
-                        "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, or \"\" for the "
-                        "whole message")
+            .add_option(
+                "SECTION", options.m_section_text,
+                "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, or \"\" for the "
+                "whole message")
             ->type_name("");
     const CLI::Option* const second =
         command
             .add_option("FILE", options.m_file,
                         "The message; - is standard input, which is also read when none is named")
             ->type_name("");
-    command.final_callback(
-        [&options, first, second] { take_arguments(options, first->count() != 0, second->count() != 0); });
+    command.final_callback([&options, first, second] {
+        take_arguments(options, first->count() != 0, second->count() != 0);
+    });
 }
 
 exit_status run_part(const part_options& options) {
@@ -197,9 +210,11 @@ exit_status run_part(const part_options& options) {
         complain_about_input(options.m_file, fault->m_what, fault->m_offset);
         return some_input_failed;
     }
-    if (!options.m_list) return write_piece(options, file, message.m_root) ? all_well : some_input_failed;
+    if (!options.m_list)
+        return write_piece(options, file, message.m_root) ? all_well : some_input_failed;
     errno = 0;
-    const std::size_t left_out = list_sections(std::cout, message.m_root, file.bytes(), file.message_start());
+    const std::size_t left_out =
+        list_sections(std::cout, message.m_root, file.bytes(), file.message_start());
     if (!output_got_out()) return some_input_failed;
     if (left_out != 0)
         complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)

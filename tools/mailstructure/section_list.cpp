@@ -27,10 +27,12 @@ class section_printer {
 public:
     section_printer(std::ostream& to, section_ranges& ranges) : m_to(to), m_ranges(ranges) {}
 
-    void print(const section_place& place, std::string_view type, std::string_view name, std::string_view word) {
+    void print(const section_place& place, std::string_view type, std::string_view name,
+               std::string_view word) {
         const byte_range range = m_ranges.of(place);
         const std::string_view dot = name.empty() || word.empty() ? "" : ".";
-        m_to << range.m_offset << '\t' << range.m_length << '\t' << type << '\t' << name << dot << word << '\n';
+        m_to << range.m_offset << '\t' << range.m_length << '\t' << type << '\t' << name << dot
+             << word << '\n';
     }
 
 private:
@@ -38,7 +40,8 @@ private:
     section_ranges& m_ranges;
 };
 
-/// The name of the part that holds the message whose name is "N.1" or "N.TEXT"; "" for "1" and "TEXT".
+/// The name of the part that holds the message whose name is "N.1" or "N.TEXT"; "" for "1" and
+/// "TEXT".
 std::string_view name_around(std::string_view name) {
     const std::size_t dot = name.rfind('.');
     return dot == std::string_view::npos ? "" : name.substr(0, dot);
@@ -49,9 +52,11 @@ void print_sections_of(const numbered_entity& numbered, section_printer& printer
     const std::string_view name = numbered.m_section;
     const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
     const std::string type = type_of(*entity);
-    if (numbered.m_depth == 0) printer.print({entity, piece::whole, true}, "message/rfc822", "", "");
+    if (numbered.m_depth == 0)
+        printer.print({entity, piece::whole, true}, "message/rfc822", "", "");
     if (is_message) {
-        printer.print({entity, piece::header_block, true}, type_of_header_blocks, name_around(name), "HEADER");
+        printer.print({entity, piece::header_block, true}, type_of_header_blocks, name_around(name),
+                      "HEADER");
         printer.print({entity, piece::body, true}, type, name_around(name), "TEXT");
         if (is_multipart(*entity)) return; // it has no number of its own
     }
@@ -61,7 +66,8 @@ void print_sections_of(const numbered_entity& numbered, section_printer& printer
 
 } // namespace
 
-std::size_t list_sections(std::ostream& to, const MimeObj& root, std::string_view bytes, std::uint32_t message_start) {
+std::size_t list_sections(std::ostream& to, const MimeObj& root, std::string_view bytes,
+                          std::uint32_t message_start) {
     section_ranges ranges(root, bytes, message_start);
     section_printer printer(to, ranges);
     std::size_t left_out = 0;

@@ -20,7 +20,14 @@
 namespace {
 
 /// What colours a text: the number that a terminal knows the look by.
-enum class look : std::uint8_t { plain = 0, bold = 1, faint = 2, green = 32, yellow = 33, cyan = 36 };
+enum class look : std::uint8_t {
+    plain = 0,
+    bold = 1,
+    faint = 2,
+    green = 32,
+    yellow = 33,
+    cyan = 36
+};
 
 /// The widest that each column gets before longer texts push what follows to the right.
 constexpr std::size_t widest_left = 60;
@@ -28,8 +35,9 @@ constexpr std::size_t widest_column = 24;
 
 /// Columns of a terminal, as far as each character takes one.
 std::size_t width_of(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
+    }));
 }
 
 struct column_widths {
@@ -41,10 +49,13 @@ struct column_widths {
     std::size_t m_place = 0;
 };
 
-void widen(std::size_t& width, std::size_t to, std::size_t widest) { width = std::max(width, std::min(to, widest)); }
+void widen(std::size_t& width, std::size_t to, std::size_t widest) {
+    width = std::max(width, std::min(to, widest));
+}
 
 std::size_t left_width(const tree_line& line) {
-    const std::size_t section = line.m_row.m_section.empty() ? 0 : width_of(line.m_row.m_section) + 1;
+    const std::size_t section =
+        line.m_row.m_section.empty() ? 0 : width_of(line.m_row.m_section) + 1;
     return width_of(line.m_strokes) + section + width_of(line.m_row.m_type);
 }
 
@@ -69,7 +80,8 @@ public:
 
     void add(std::string_view text, look as = look::plain) {
         const bool colored = m_color && as != look::plain && !text.empty();
-        if (colored) m_text.append("\x1b[").append(std::to_string(static_cast<int>(as))).append("m");
+        if (colored)
+            m_text.append("\x1b[").append(std::to_string(static_cast<int>(as))).append("m");
         m_text += text;
         if (colored) m_text += "\x1b[0m";
     }
@@ -100,7 +112,9 @@ private:
     int m_error = 0;
 };
 
-std::size_t missing(std::size_t width, std::size_t present) { return width > present ? width - present : 0; }
+std::size_t missing(std::size_t width, std::size_t present) {
+    return width > present ? width - present : 0;
+}
 
 void add_left_column(page& to, std::string_view text, std::size_t width, look as = look::plain) {
     if (width == 0) return;
@@ -119,7 +133,9 @@ void add_line(page& to, const tree_line& line, const column_widths& widths) {
     to.add(line.m_strokes, look::faint);
     to.add(row.m_section, look::yellow);
     if (!row.m_section.empty()) to.add(" ");
-    to.add(row.m_type, row.m_section.empty() ? look::faint : row.m_container ? look::cyan : look::bold);
+    to.add(row.m_type, row.m_section.empty() ? look::faint
+                       : row.m_container     ? look::cyan
+                                             : look::bold);
     to.add_blanks(missing(widths.m_left, left_width(line)));
     add_left_column(to, row.m_encoding, widths.m_encoding);
     add_left_column(to, row.m_charset, widths.m_charset);
@@ -146,7 +162,8 @@ void add_heading(page& to, const MailStructure::MimeObj& root, const row_style& 
     }
 }
 
-void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style, page& to) {
+void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style,
+                page& to) {
     add_heading(to, root, style);
     column_widths widths;
     draw_tree(root, bytes, style, [&widths](const tree_line& line) { widen_for(widths, line); });
@@ -157,7 +174,8 @@ void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, cons
 class tree_printer {
 public:
     explicit tree_printer(const tree_options& options)
-        : m_style{options.m_ascii ? character_set::ascii : locale_character_set(), options.m_exact_sizes},
+        : m_style{options.m_ascii ? character_set::ascii : locale_character_set(),
+                  options.m_exact_sizes},
           m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
 
     /// False, and nothing printed, if the file is no message.
@@ -179,7 +197,8 @@ private:
     void add_name(const std::string& file_name) {
         if (m_printed_one) m_page.end_line();
         m_printed_one = true;
-        m_page.add(file_name == "-" ? "standard input" : printable(file_name, m_style.m_characters), look::bold);
+        m_page.add(file_name == "-" ? "standard input" : printable(file_name, m_style.m_characters),
+                   look::bold);
         m_page.add(":");
         m_page.end_line();
     }
@@ -193,7 +212,8 @@ private:
 } // namespace
 
 void describe_tree(CLI::App& command, tree_options& options) {
-    command.add_flag("--ascii", options.m_ascii, "Draw with ASCII characters alone, whatever the locale");
+    command.add_flag("--ascii", options.m_ascii,
+                     "Draw with ASCII characters alone, whatever the locale");
     command.add_flag("--bytes", options.m_exact_sizes, "Give sizes in bytes, not in KiB or MiB");
     describe_choice(
         command, "--color", {"auto", "always", "never"}, "WHEN",

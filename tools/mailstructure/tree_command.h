@@ -19,8 +19,9 @@ struct tree_options {
 
 void describe_tree(CLI::App& command, tree_options& options);
 
-/// Draws each file in turn. A file that cannot be read or that is no message gets one line of complaint instead, and
-/// the next one is taken up. Stops early only when standard output takes no more.
+/// Draws each file in turn. A file that cannot be read or that is no message gets one line of
+/// complaint instead, and the next one is taken up. Stops early only when standard output takes no
+/// more.
 exit_status run_tree(const tree_options& options);
 
 #endif

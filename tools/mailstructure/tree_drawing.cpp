@@ -31,7 +31,8 @@ struct open_entity {
 
 class drawer {
 public:
-    drawer(std::string_view bytes, const row_style& style, const std::function<void(const tree_line&)>& take)
+    drawer(std::string_view bytes, const row_style& style,
+           const std::function<void(const tree_line&)>& take)
         : m_bytes(bytes), m_style(style), m_strokes(strokes_in(style.m_characters)), m_take(take) {}
 
     void draw(const MimeObj& root) {
@@ -59,7 +60,8 @@ private:
     void close_down_to(std::size_t depth) {
         while (m_open.size() > depth) {
             const byte_range epilogue = m_open.back().m_epilogue;
-            if (epilogue.m_length != 0) m_take({strokes_to(true), row_of("(epilogue)", epilogue, m_style)});
+            if (epilogue.m_length != 0)
+                m_take({strokes_to(true), row_of("(epilogue)", epilogue, m_style)});
             m_open.pop_back();
         }
     }

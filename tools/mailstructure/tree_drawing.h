@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-/// Levels for which strokes are drawn. Deeper lines stand below each other, each with its depth as a number, or the strokes
-/// of a deep tree would take the square of its depth.
+/// Levels for which strokes are drawn. Deeper lines stand below each other, each with its depth as
+/// a number, or the strokes of a deep tree would take the square of its depth.
 constexpr std::size_t deepest_level_drawn = 24;
 
 struct tree_line {
@@ -19,8 +19,8 @@ struct tree_line {
     tree_row m_row;
 };
 
-/// Gives all lines of a tree to a function, one after the other: each entity, then its preamble, what lies in it, and its
-/// epilogue. Does not recurse; linear in the tree and the bytes.
+/// Gives all lines of a tree to a function, one after the other: each entity, then its preamble,
+/// what lies in it, and its epilogue. Does not recurse; linear in the tree and the bytes.
 /// @param bytes  the whole file
 void draw_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style,
                const std::function<void(const tree_line&)>& take);

@@ -12,7 +12,9 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-const char* ellipsis(const row_style& style) { return style.m_characters == character_set::utf8 ? "\u2026" : "..."; }
+const char* ellipsis(const row_style& style) {
+    return style.m_characters == character_set::utf8 ? "\u2026" : "...";
+}
 
 std::string shown(std::string_view text, const row_style& style) {
     return printable_beginning(text, style.m_characters, longest_value_shown);
@@ -36,7 +38,9 @@ std::string type_text(const MimeObj& entity, const row_style& style) {
 }
 
 /// "1 line ", so that numbers stand below each other when the texts are set to the right.
-std::string lines_text(std::uint32_t lines) { return std::to_string(lines) + (lines == 1 ? " line " : " lines"); }
+std::string lines_text(std::uint32_t lines) {
+    return std::to_string(lines) + (lines == 1 ? " line " : " lines");
+}
 
 /// The first byte and the one past the last.
 std::string place_text(std::uint32_t offset, std::uint32_t length) {

@@ -41,8 +41,8 @@ tree_row row_of(const numbered_entity& numbered, std::string_view bytes, const r
 /// A preamble's or an epilogue's row, which has a size and a place, and its name for a type.
 tree_row row_of(std::string_view name, const byte_range& range, const row_style& style);
 
-/// The value of a field as a person reads it: encoded words decoded, tabs (of folds, as a rule) as blanks, and cut where it
-/// is long.
+/// The value of a field as a person reads it: encoded words decoded, tabs (of folds, as a rule) as
+/// blanks, and cut where it is long.
 std::string shown_value(std::string_view value, const row_style& style);
 
 /// "512 B", "1.5 KiB", "2.0 MiB"; always in bytes where the style wants exact sizes.

@@ -1,15 +1,16 @@
 #include "body.h"
 
-#include "content_type.h"
 #include "../tree/kept_text.h"
+#include "content_type.h"
 
 namespace mail_structure_detail {
 
 namespace {
 
 /// Closes the innermost part and, if that was an encapsulated message, the part that holds it.
-// Kept: no more than these two are closed, also when a message lies within a message. Whatever is then
-// innermost takes the next part. The root is never closed: a part that would replace it becomes its child.
+// Kept: no more than these two are closed, also when a message lies within a message. Whatever is
+// then innermost takes the next part. The root is never closed: a part that would replace it
+// becomes its child.
 void close_part(open_entities& open) {
     open.close();
     if (open.top().m_message) open.close();
@@ -21,10 +22,14 @@ void open_part(fill_state& state, const input_line& line) {
     state.m_open.add_contents_line_below_top(line.m_start, line.m_end);
 }
 
-line_run as_run(const input_line& line) noexcept { return one_line(line.m_start, line.m_end, line.m_text.empty()); }
+line_run as_run(const input_line& line) noexcept {
+    return one_line(line.m_start, line.m_end, line.m_text.empty());
+}
 
-void keep_text(fill_state& state, const input_line& line, std::string MailStructure::MimeObj::*kept) {
-    if (state.m_keep_text) state.m_open.keep_text(kept, state.m_room.assign(line.m_text).append("\r\n"));
+void keep_text(fill_state& state, const input_line& line,
+               std::string MailStructure::MimeObj::*kept) {
+    if (state.m_keep_text)
+        state.m_open.keep_text(kept, state.m_room.assign(line.m_text).append("\r\n"));
 }
 
 /// Where the text of the present phase's lines is kept.
@@ -46,7 +51,8 @@ void add_epilogue_line(fill_state& state, const input_line& line) {
 /// The closing line counts in the body of its multipart.
 void close_multipart(fill_state& state, const input_line& line) {
     state.m_open.add_contents_line_below_top(line.m_start, line.m_end);
-    // Kept: right after the preamble nothing is closed and the delimiter stays, so it is met again in the epilogue.
+    // Kept: right after the preamble nothing is closed and the delimiter stays, so it is met again
+    // in the epilogue.
     if (!state.m_open.top().m_multipart) {
         close_part(state.m_open);
         state.m_delimiters.pop_back();
@@ -55,7 +61,8 @@ void close_multipart(fill_state& state, const input_line& line) {
     state.m_phase = phase::epilogue;
 }
 
-/// Kept: a closing line met in an epilogue is an epilogue line of the enclosing entity, in no body and no contents.
+/// Kept: a closing line met in an epilogue is an epilogue line of the enclosing entity, in no body
+/// and no contents.
 void close_multipart_in_epilogue(fill_state& state, const input_line& line) {
     state.m_open.close();
     state.m_delimiters.pop_back();
@@ -72,7 +79,8 @@ void on_body_line(fill_state& state, const input_line& line) {
         add_body_line(state, line);
         break;
     case boundary_match::separator:
-        if (!state.m_open.top().m_multipart) close_part(state.m_open); // else this ends the preamble
+        if (!state.m_open.top().m_multipart)
+            close_part(state.m_open); // else this ends the preamble
         open_part(state, line);
         break;
     case boundary_match::closing: close_multipart(state, line); break;

@@ -14,16 +14,17 @@ namespace mail_structure_detail {
 /// "--ab--" closes it.
 enum class boundary_match : std::uint8_t { none, separator, closing };
 
-/// The delimiters ("--" and the boundary) of the multiparts whose closing line has not come, innermost last.
+/// The delimiters ("--" and the boundary) of the multiparts whose closing line has not come,
+/// innermost last.
 using delimiter_stack = std::vector<std::string>;
 
-/// Byte for byte: neither trailing blanks nor another case are let pass, and anything but "--" after the
-/// delimiter makes it another line. Reads no more than the delimiter's length.
+/// Byte for byte: neither trailing blanks nor another case are let pass, and anything but "--"
+/// after the delimiter makes it another line. Reads no more than the delimiter's length.
 boundary_match match_boundary(std::string_view line, std::string_view delimiter) noexcept;
 
 /// Compares with the innermost delimiter.
-// Kept: no other is looked at. A line of an outer multipart within an unclosed inner one is text of the
-// inner one; to close the inner one there would move the ranges of every truncated multipart.
+// Kept: no other is looked at. A line of an outer multipart within an unclosed inner one is text of
+// the inner one; to close the inner one there would move the ranges of every truncated multipart.
 boundary_match match_innermost(std::string_view line, const delimiter_stack& delimiters) noexcept;
 
 } // namespace mail_structure_detail

@@ -6,7 +6,8 @@ namespace mail_structure_detail {
 
 namespace {
 
-constexpr std::uint32_t whole_name = 0xFFFFFFFF; // the first argument is compared whole: is it a prefix?
+constexpr std::uint32_t whole_name =
+    0xFFFFFFFF; // the first argument is compared whole: is it a prefix?
 
 /// A parameter counts as stored once it is in the record; only then does it register a boundary.
 void store_parameter(fill_state& state, const parameter& found) {
@@ -14,8 +15,8 @@ void store_parameter(fill_state& state, const parameter& found) {
     field_in_progress& field = state.m_field;
     set_parameter(*field.m_record, field.m_parameters, found.m_name, found.m_value);
     const auto& [name, value] = field.m_record->m_params[field.m_parameters++];
-    // Kept: any prefix of "boundary" registers one, and each of several does. Only the last one registered
-    // is matched until a closing line removes it.
+    // Kept: any prefix of "boundary" registers one, and each of several does. Only the last one
+    // registered is matched until a closing line removes it.
     if (field.m_is_multipart && strncasecmp(name, "boundary", whole_name)) {
         state.m_delimiters.push_back("--" + value);
         state.m_open.top().m_multipart = true;
@@ -24,13 +25,18 @@ void store_parameter(fill_state& state, const parameter& found) {
 
 } // namespace
 
-// Kept: "Content:", "C:" and the scratch record's empty name are Content-Type fields. Mail in the archives of
-// early hosts abbreviates the name, and its structure would be lost.
-bool is_content_type_name(const std::string& name) { return strncasecmp(name, "content-type", whole_name); }
+// Kept: "Content:", "C:" and the scratch record's empty name are Content-Type fields. Mail in the
+// archives of early hosts abbreviates the name, and its structure would be lost.
+bool is_content_type_name(const std::string& name) {
+    return strncasecmp(name, "content-type", whole_name);
+}
 
-// Kept: the literal is spelled so, and a field spelled Content-Transfer-Encoding is not recognised by it, while
-// its prefix Content-Transfer is. Hosts read the encoding from the header fields; m_encoding stays what it was.
-bool is_encoding_name(const std::string& name) { return strncasecmp(name, "content-transfer-enconding", whole_name); }
+// Kept: the literal is spelled so, and a field spelled Content-Transfer-Encoding is not recognised
+// by it, while its prefix Content-Transfer is. Hosts read the encoding from the header fields;
+// m_encoding stays what it was.
+bool is_encoding_name(const std::string& name) {
+    return strncasecmp(name, "content-transfer-enconding", whole_name);
+}
 
 void analyse_content_type(fill_state& state, std::string_view line, std::size_t semicolon) {
     MailStructure::MimeObj& entity = state.m_open.top();
@@ -44,7 +50,8 @@ void analyse_content_type(fill_state& state, std::string_view line, std::size_t 
     const bool is_message = strncasecmp(value, "message/rfc822", whole_name);
     if (is_message) entity.m_message = true; // and stays so whatever a later field says
     constexpr std::uint32_t multipart_length = 10;
-    state.m_field.m_is_multipart = !is_message && strncasecmp(value, "multipart/", multipart_length);
+    state.m_field.m_is_multipart =
+        !is_message && strncasecmp(value, "multipart/", multipart_length);
 
     read_parameters(state, line, semicolon);
 }
@@ -54,8 +61,8 @@ void read_parameters(fill_state& state, std::string_view line, std::size_t befor
     std::string_view segment;
     parameter found;
     while (segments.next(segment) && read_parameter(segment, found)) {
-        // Kept: one that finds no room is left out and the next is tried; its boundary does not register, so a
-        // multipart beyond the limit is one body.
+        // Kept: one that finds no room is left out and the next is tried; its boundary does not
+        // register, so a multipart beyond the limit is one body.
         if (state.m_memory.m_estimate < state.m_memory.m_limit) store_parameter(state, found);
     }
 }

@@ -1,4 +1,5 @@
-// What an entity's Content-Type field and its transfer-encoding field say of it (RFC 2045 sections 5 and 6).
+// What an entity's Content-Type field and its transfer-encoding field say of it (RFC 2045 sections
+// 5 and 6).
 
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_CONTENT_TYPE_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_CONTENT_TYPE_H
@@ -11,19 +12,21 @@
 
 namespace mail_structure_detail {
 
-/// The rule for the name of a Content-Type field: any prefix of "content-type", the empty one included.
+/// The rule for the name of a Content-Type field: any prefix of "content-type", the empty one
+/// included.
 bool is_content_type_name(const std::string& name);
 
 /// The rule for the name of a transfer-encoding field.
 bool is_encoding_name(const std::string& name);
 
-/// Sets type and subtype of the current entity from the value of the field in progress, marks an encapsulated
-/// message, and reads the parameters of the field's first line.
+/// Sets type and subtype of the current entity from the value of the field in progress, marks an
+/// encapsulated message, and reads the parameters of the field's first line.
 /// @param semicolon  position of the first ';' after the colon, npos without one
 /// @throws std::bad_alloc
 void analyse_content_type(fill_state& state, std::string_view line, std::size_t semicolon);
 
-/// Stores the parameters of one line of the Content-Type field in progress, and registers boundaries.
+/// Stores the parameters of one line of the Content-Type field in progress, and registers
+/// boundaries.
 /// @param before  position just before the first parameter, npos when there is none
 /// @throws std::bad_alloc
 void read_parameters(fill_state& state, std::string_view line, std::size_t before);

@@ -9,15 +9,18 @@
 namespace mail_structure_detail {
 
 /// Asks the locale that is the global one when this is made what white space is.
-// Kept: it is the host's choice what is trimmed; all other scans of header lines ask the classic locale.
+// Kept: it is the host's choice what is trimmed; all other scans of header lines ask the classic
+// locale.
 class field_trim {
 public:
     /// The value without white space at both ends. Linear in what is removed.
     /// @throws std::bad_cast  the locale has no std::ctype<char>
     std::string_view operator()(std::string_view value) {
         if (m_classes == nullptr) m_classes = &std::use_facet<std::ctype<char>>(m_locale);
-        while (!value.empty() && m_classes->is(std::ctype_base::space, value.back())) value.remove_suffix(1);
-        while (!value.empty() && m_classes->is(std::ctype_base::space, value.front())) value.remove_prefix(1);
+        while (!value.empty() && m_classes->is(std::ctype_base::space, value.back()))
+            value.remove_suffix(1);
+        while (!value.empty() && m_classes->is(std::ctype_base::space, value.front()))
+            value.remove_prefix(1);
         return value;
     }
 

@@ -5,11 +5,11 @@
 
 #include <mail_structure.h>
 
-#include "boundary.h"
-#include "field_trim.h"
 #include "../lines/line_reader.h"
 #include "../tree/open_entities.h"
 #include "../tree/reused_records.h"
+#include "boundary.h"
+#include "field_trim.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,10 +26,11 @@ enum class verdict : std::uint8_t { consumed, again };
 
 /// The field that a header block is at. Begins anew with each block.
 struct field_in_progress {
-    MailStructure::header* m_record = nullptr; // what a folded line extends; null before the first field
-    std::size_t m_parameters = 0;              // so many of the record's are its own; the others are old
-    bool m_is_content_type = false;            // its folded lines hold parameters
-    bool m_is_multipart = false;               // its boundary parameters count; of a Content-Type field only
+    MailStructure::header* m_record =
+        nullptr;                    // what a folded line extends; null before the first field
+    std::size_t m_parameters = 0;   // so many of the record's are its own; the others are old
+    bool m_is_content_type = false; // its folded lines hold parameters
+    bool m_is_multipart = false;    // its boundary parameters count; of a Content-Type field only
 
     /// Ends the field, if there is one.
     void end() noexcept {
@@ -53,7 +54,8 @@ struct header_memory {
 
 struct fill_state {
     explicit fill_state(MailStructure& message)
-        : m_open(message.m_root), m_memory(MailStructure::m_memlimit), m_keep_text(message.m_keep_text) {
+        : m_open(message.m_root), m_memory(MailStructure::m_memlimit),
+          m_keep_text(message.m_keep_text) {
         m_delimiters.reserve(10); // usual nesting then never reallocates
     }
     ~fill_state() { m_field.end(); }
@@ -62,7 +64,8 @@ struct fill_state {
 
     phase m_phase = phase::header;
     open_entities m_open;
-    delimiter_stack m_delimiters; // independent of m_open: only a Content-Type adds, only a closing line removes
+    delimiter_stack m_delimiters; // independent of m_open: only a Content-Type adds, only a closing
+                                  // line removes
     field_in_progress m_field;
     bool m_just_opened = false; // an entity was; the next line is dropped if it is empty
     header_memory m_memory;
@@ -72,8 +75,8 @@ struct fill_state {
     std::string_view m_kept_form; // of the run that is being added
     field_trim m_trim;
 
-    /// Opens a child of the innermost open entity. Its header block begins with the next line, or with the
-    /// present one if that has yet to be looked at.
+    /// Opens a child of the innermost open entity. Its header block begins with the next line, or
+    /// with the present one if that has yet to be looked at.
     void open_entity() {
         m_open.open();
         m_field.end();

@@ -20,8 +20,8 @@ void record_line(fill_state& state, const input_line& line) {
     state.m_open.add_header_line(line.m_start, line.m_end);
 }
 
-/// Ends the last field, and begins the record that takes the new one: one of the current entity, or the scratch record
-/// when the field would pass the memory limit.
+/// Ends the last field, and begins the record that takes the new one: one of the current entity, or
+/// the scratch record when the field would pass the memory limit.
 MailStructure::header& begin_record(fill_state& state, const input_line& line, std::size_t colon) {
     state.m_field.end();
     // Kept: with kept text the limit is not asked for, so that every field has its record.
@@ -35,8 +35,9 @@ MailStructure::header& begin_record(fill_state& state, const input_line& line, s
     return *state.m_field.m_record;
 }
 
-/// The text from just past the colon. The scan end may have put the "colon" on the last byte of an LF line,
-/// whose value is then empty, or at the end of a CR LF line, past which no value can start.
+/// The text from just past the colon. The scan end may have put the "colon" on the last byte of an
+/// LF line, whose value is then empty, or at the end of a CR LF line, past which no value can
+/// start.
 std::string_view text_after_colon(std::string_view text, std::size_t colon) {
     // Kept: hosts take this exception for "not a message".
     if (colon == text.size()) throw std::length_error("a field name without a colon");
@@ -85,7 +86,9 @@ verdict on_header_line(fill_state& state, const input_line& line) {
         state.m_phase = phase::body;
         return verdict::consumed;
     case header_line_kind::field: on_field_line(state, line, found.m_at); return verdict::consumed;
-    case header_line_kind::continuation: on_continuation_line(state, line, found.m_at); return verdict::consumed;
+    case header_line_kind::continuation:
+        on_continuation_line(state, line, found.m_at);
+        return verdict::consumed;
     case header_line_kind::not_of_the_block: break;
     }
     state.m_phase = phase::body;

@@ -7,8 +7,8 @@
 
 namespace mail_structure_detail {
 
-/// Takes a line in the header phase. A line that is not of the block ends it: the phase is then the body
-/// phase, and the line is to be looked at again.
+/// Takes a line in the header phase. A line that is not of the block ends it: the phase is then the
+/// body phase, and the line is to be looked at again.
 /// @throws std::length_error  a line ended by CR LF holds nothing but a field name
 /// @throws std::bad_alloc
 verdict on_header_line(fill_state& state, const input_line& line);

@@ -12,8 +12,8 @@ constexpr header_line not_of_the_block{header_line_kind::not_of_the_block, 0};
 
 /// "  text" continues a field, and what it adds to the value begins at the blank before its text.
 header_line classify_blank_led(const input_line& line) noexcept {
-    // Kept: a single blank with an LF continues the field and is appended as it is. Its scan would begin past
-    // the scan end, so there is nothing left that could tell it from text.
+    // Kept: a single blank with an LF continues the field and is appended as it is. Its scan would
+    // begin past the scan end, so there is nothing left that could tell it from text.
     if (line.m_scan_end == 0) return {header_line_kind::continuation, 0};
     // Kept: the scan end leaves out the last byte before an LF, so a fold whose only text is that
     // byte ("  x") ends the block.
@@ -24,11 +24,12 @@ header_line classify_blank_led(const input_line& line) noexcept {
 
 /// The rule for field names: letters and '-', then a colon.
 header_line classify_letter_led(const input_line& line) noexcept {
-    // Kept: one letter with an LF ends the block, for its scan is empty; with a CR it is a field name.
+    // Kept: one letter with an LF ends the block, for its scan is empty; with a CR it is a field
+    // name.
     if (line.m_scan_end == 0) return not_of_the_block;
     const std::size_t at = std::min(line.m_name_bytes, line.m_scan_end);
-    // Kept: a name that reaches the scan end makes the line a field whatever byte comes there: "ab!" with an
-    // LF is a field "ab" with an empty value.
+    // Kept: a name that reaches the scan end makes the line a field whatever byte comes there:
+    // "ab!" with an LF is a field "ab" with an empty value.
     if (at == line.m_scan_end || line.m_text[at] == ':') return {header_line_kind::field, at};
     return not_of_the_block; // a digit, '_', '.' or blank before the colon: this is body text
 }

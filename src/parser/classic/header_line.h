@@ -1,4 +1,5 @@
-// Tells what a line is to a header block: a field, a folded line of one, or its end (RFC 5322 section 2.2).
+// Tells what a line is to a header block: a field, a folded line of one, or its end (RFC 5322
+// section 2.2).
 
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_HEADER_LINE_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_HEADER_LINE_H

@@ -15,7 +15,9 @@ void skip_blanks(std::string_view& text) noexcept {
 /// The rule for parameter names: letters, '-' and '_'.
 std::string_view take_name(std::string_view& text) noexcept {
     std::size_t length = 0;
-    while (length < text.size() && (is_letter(text[length]) || text[length] == '-' || text[length] == '_')) ++length;
+    while (length < text.size()
+           && (is_letter(text[length]) || text[length] == '-' || text[length] == '_'))
+        ++length;
     const std::string_view name = text.substr(0, length);
     text.remove_prefix(length);
     return name;
@@ -34,7 +36,8 @@ bool parameter_segments::next(std::string_view& segment) noexcept {
     if (m_before == std::string_view::npos) return false;
     const std::size_t begin = m_before + 1;
     m_before = m_text.find(';', begin);
-    segment = m_text.substr(begin, m_before == std::string_view::npos ? m_before : m_before - begin);
+    segment =
+        m_text.substr(begin, m_before == std::string_view::npos ? m_before : m_before - begin);
     return true;
 }
 
@@ -45,8 +48,9 @@ bool read_parameter(std::string_view segment, parameter& found) noexcept {
     if (!segment.starts_with('=')) return false;
     segment.remove_prefix(1);
     skip_blanks(segment);
-    // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank give x" and
-    // a blank. A boundary is matched with the blank, as the messages of such writers are divided.
+    // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank
+    // give x" and a blank. A boundary is matched with the blank, as the messages of such writers
+    // are divided.
     found.m_value = without_quotes(segment);
     return !found.m_name.empty() && !found.m_value.empty();
 }

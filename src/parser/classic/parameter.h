@@ -17,7 +17,8 @@ struct parameter {
 class parameter_segments {
 public:
     /// @param before  position just before the first segment, npos when there is none
-    parameter_segments(std::string_view text, std::size_t before) : m_text(text), m_before(before) {}
+    parameter_segments(std::string_view text, std::size_t before)
+        : m_text(text), m_before(before) {}
 
     /// The next segment, up to the next ';' or the end of the text. False when there is none.
     // Kept: quotes are not looked at, so "a;b" in quotes is cut at its ';'.

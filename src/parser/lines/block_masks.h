@@ -5,9 +5,10 @@
 //     suspect   0 0 1  0  0 0 0 0       a CR or NUL, which only an LF, or nothing, may follow
 //     dash      0 0 0  0  1 1 0 0
 //
-// Only how the masks are made differs between processors: each has a struct with masks(p) and name(p), which read
-// 64 bytes at p; name(p) is right up to the first byte that is not of a name. Each processor's file includes this
-// one where its own instructions are switched on, so everything here is local to that file.
+// Only how the masks are made differs between processors: each has a struct with masks(p) and
+// name(p), which read 64 bytes at p; name(p) is right up to the first byte that is not of a name.
+// Each processor's file includes this one where its own instructions are switched on, so everything
+// here is local to that file.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
@@ -35,8 +36,8 @@ constexpr std::uint64_t first_bits(std::size_t count) noexcept {
     return count < block_bytes ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
 }
 
-/// The masks of the first bytes of a text, where less than a block may be left. Nothing past its end is read; the
-/// bits there are those of a letter.
+/// The masks of the first bytes of a text, where less than a block may be left. Nothing past its
+/// end is read; the bits there are those of a letter.
 template <class Make>
 class padded_block {
 public:

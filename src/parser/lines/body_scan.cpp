@@ -9,7 +9,8 @@ scanned_lines scan_body_plain(std::string_view bytes, dashed_lines dashed) noexc
         if (lf == std::string_view::npos) return found;
         std::string_view text = bytes.substr(start, lf - start);
         if (dashed == dashed_lines::end_the_run && text.starts_with("--")) return found;
-        if (text.ends_with('\r') || text.ends_with('\0')) text.remove_suffix(1); // the one byte before an LF is free
+        if (text.ends_with('\r') || text.ends_with('\0'))
+            text.remove_suffix(1); // the one byte before an LF is free
         if (text.find_first_of(std::string_view("\r\0", 2)) != std::string_view::npos) return found;
         start = lf + 1;
         found.m_bytes = start;

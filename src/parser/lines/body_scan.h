@@ -18,9 +18,9 @@ struct scanned_lines {
     std::size_t m_lines = 0;
 };
 
-/// The longest run of whole lines at the front of `bytes`, which begin at the beginning of a line, such that no
-/// line in it holds a stray byte (a CR or NUL that is not directly before an LF) nor, where that ends the run,
-/// begins with "--". Reads every byte once and none past the end.
+/// The longest run of whole lines at the front of `bytes`, which begin at the beginning of a line,
+/// such that no line in it holds a stray byte (a CR or NUL that is not directly before an LF) nor,
+/// where that ends the run, begins with "--". Reads every byte once and none past the end.
 using body_scanner = scanned_lines (*)(std::string_view bytes, dashed_lines dashed) noexcept;
 
 /// Byte by byte: the truth that the others are tested against.

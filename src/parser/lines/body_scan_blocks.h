@@ -5,7 +5,8 @@
 //     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
 //     dash      0 0 0  0  1 1 0 0       two behind an LF may be a boundary's
 //
-// What stands at the end of a block is told of the beginning of the next by the masks of the block before.
+// What stands at the end of a block is told of the beginning of the next by the masks of the block
+// before.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
@@ -26,20 +27,24 @@ namespace {
 /// @param before  the masks of the block before
 template <bool Dashes>
 std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noexcept {
-    std::uint64_t ends = (masks.m_suspect << 1 | before.m_suspect >> (block_bytes - 1)) & ~masks.m_lf;
+    std::uint64_t ends =
+        (masks.m_suspect << 1 | before.m_suspect >> (block_bytes - 1)) & ~masks.m_lf;
     if constexpr (Dashes) {
-        const std::uint64_t second_dashes = masks.m_dash & (masks.m_dash << 1 | before.m_dash >> (block_bytes - 1));
+        const std::uint64_t second_dashes =
+            masks.m_dash & (masks.m_dash << 1 | before.m_dash >> (block_bytes - 1));
         if (second_dashes != 0) // which is rare
             ends |= second_dashes & (masks.m_lf << 2 | before.m_lf >> (block_bytes - 2));
     }
     return ends;
 }
 
-/// Has the processor fetch the bytes that the scan will come to from here in a while: by itself it foresees them only
-/// within a page of memory. Nothing is read, so it does not matter if nothing is there.
+/// Has the processor fetch the bytes that the scan will come to from here in a while: by itself it
+/// foresees them only within a page of memory. Nothing is read, so it does not matter if nothing is
+/// there.
 inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #ifdef __GNUC__
-    constexpr std::uintptr_t distance = 2048; // takes the scan about as long as memory takes to answer
+    constexpr std::uintptr_t distance =
+        2048; // takes the scan about as long as memory takes to answer
     const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(p) + distance;
     __builtin_prefetch(reinterpret_cast<const void*>(address)); // NOLINT(performance-no-int-to-ptr)
 #endif
@@ -48,7 +53,8 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 /// Make::masks(p) gives the masks of the 64 bytes at p.
 template <class Make, bool Dashes>
 scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
-    block_masks before{std::uint64_t{1} << (block_bytes - 1), 0, 0}; // the bytes begin at the beginning of a line
+    block_masks before{std::uint64_t{1} << (block_bytes - 1), 0,
+                       0}; // the bytes begin at the beginning of a line
     std::size_t lines = 0;
     std::size_t start = 0;
     std::uint64_t ends = 0;
@@ -67,8 +73,8 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
         ends = run_ends<Dashes>(masks, before);
         lf = masks.m_lf;
     }
-    // Neither the byte at the first end nor the one before it is an LF, so the run is what ends with the
-    // last LF before it.
+    // Neither the byte at the first end nor the one before it is an LF, so the run is what ends
+    // with the last LF before it.
     if (ends != 0) lf &= (ends & (0 - ends)) - 1;
     lines += static_cast<std::size_t>(std::popcount(lf));
     const std::size_t seen = start + static_cast<std::size_t>(std::bit_width(lf));
@@ -80,7 +86,8 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
 
 template <class Make>
 scanned_lines scan_by_blocks(std::string_view bytes, dashed_lines dashed) noexcept {
-    return dashed == dashed_lines::end_the_run ? scan_by_blocks<Make, true>(bytes) : scan_by_blocks<Make, false>(bytes);
+    return dashed == dashed_lines::end_the_run ? scan_by_blocks<Make, true>(bytes)
+                                               : scan_by_blocks<Make, false>(bytes);
 }
 
 } // namespace

@@ -35,7 +35,8 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
     : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_position(first_offset) {
 #ifndef MAILSTRUCTURE_PLAIN
     m_in_place = m_in.widen('\n') == '\n';
-    if (m_in_place && m_state.good() && read_ahead::suits(*m_state.rdbuf())) m_ahead.emplace(*m_state.rdbuf());
+    if (m_in_place && m_state.good() && read_ahead::suits(*m_state.rdbuf()))
+        m_ahead.emplace(*m_state.rdbuf());
 #endif
 }
 
@@ -60,15 +61,16 @@ bool line_reader::next(input_line& line) {
     line.m_name_bytes = found.m_name_bytes;
     if (text.ends_with('\r')) text.remove_suffix(1);
     line.m_text = text;
-    // Kept: the last byte of a line that no CR ends is not examined, here or by the scans of header lines:
-    // m_scan_end stays one short of such a text. A NUL just before an LF passes, and "ab!" with an LF is
-    // a field named "ab".
+    // Kept: the last byte of a line that no CR ends is not examined, here or by the scans of header
+    // lines: m_scan_end stays one short of such a text. A NUL just before an LF passes, and "ab!"
+    // with an LF is a field named "ab".
     if (found.m_stray) throw std::runtime_error("error in io input data");
     return true;
 }
 
 bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
-    // No run crosses a wrap of the offsets: who keeps watch from there on is told with a single line.
+    // No run crosses a wrap of the offsets: who keeps watch from there on is told with a single
+    // line.
     const std::uint64_t to_next_wrap = wrap - m_position % wrap;
     const std::string_view bytes = ready().substr(0, to_next_wrap - 1);
     const scanned_lines found = m_scanners.m_scan_body(bytes, dashed);
@@ -99,8 +101,8 @@ std::string_view line_reader::ready() const noexcept {
     return get_area::bytes(buffer());
 }
 
-/// A line that does not end in the buffer, as std::getline would read it, without its delimiter. The stream has
-/// eofbit if the input ended it.
+/// A line that does not end in the buffer, as std::getline would read it, without its delimiter.
+/// The stream has eofbit if the input ended it.
 bool line_reader::read_unfinished_line(std::string_view& line) {
     return m_in_place && m_state.good() ? read_straddling_line(line) : read_by_getline(line);
 }
@@ -125,17 +127,19 @@ bool line_reader::read_straddling_line(std::string_view& line) {
     }
 }
 
-/// Refills the buffer. At the end of the input, or when the buffer cannot be read, the stream gets the state
-/// bits and throws what std::getline would, given whether it has read a part of the line.
+/// Refills the buffer. At the end of the input, or when the buffer cannot be read, the stream gets
+/// the state bits and throws what std::getline would, given whether it has read a part of the line.
 bool line_reader::is_at_end() {
     const std::istream::sentry entry(m_in, true); // flushes the stream that is tied to this one
     if (!entry) return true;                      // and that may do anything to this one
-    std::ios_base::iostate state = m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
+    std::ios_base::iostate state =
+        m_carry.empty() ? std::ios_base::failbit : std::ios_base::goodbit;
     try {
         if (buffer().sgetc() != std::istream::traits_type::eof()) return false;
         state |= std::ios_base::eofbit;
 #ifdef __GLIBCXX__
-    } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be held up
+    } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be
+                                            // held up
         set_badbit();
         throw;
 #endif

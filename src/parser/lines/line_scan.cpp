@@ -12,9 +12,10 @@ scanned_line scan_line_plain(std::string_view bytes) noexcept {
     found.m_has_lf = found.m_bytes < bytes.size();
     const std::string_view line = bytes.substr(0, found.m_bytes);
     if (!line.empty())
-        found.m_stray =
-            line.substr(0, line.size() - 1).find_first_of(std::string_view("\r\0", 2)) != std::string_view::npos;
-    while (found.m_name_bytes < line.size() && is_name_character(line[found.m_name_bytes])) ++found.m_name_bytes;
+        found.m_stray = line.substr(0, line.size() - 1).find_first_of(std::string_view("\r\0", 2))
+                        != std::string_view::npos;
+    while (found.m_name_bytes < line.size() && is_name_character(line[found.m_name_bytes]))
+        ++found.m_name_bytes;
     return found;
 }
 

@@ -1,5 +1,5 @@
-// Looks a line over, in one pass: where it ends, whether it holds a byte that cannot stand in a line, and how
-// long the field name is that it may begin with.
+// Looks a line over, in one pass: where it ends, whether it holds a byte that cannot stand in a
+// line, and how long the field name is that it may begin with.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_LINE_SCAN_H
 #define MAIL_STRUCTURE_PARSER_LINES_LINE_SCAN_H
@@ -13,7 +13,7 @@ namespace mail_structure_detail {
 struct scanned_line {
     std::size_t m_bytes = 0; // before the first LF; all bytes where there is none
     bool m_has_lf = false;
-    bool m_stray = false;         // a CR or NUL stands among these bytes, the last of them not looked at
+    bool m_stray = false; // a CR or NUL stands among these bytes, the last of them not looked at
     std::size_t m_name_bytes = 0; // so many of these, from the first on, are letters or hyphens
 };
 

@@ -26,11 +26,13 @@ scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
         const padded_block<Make> block(rest);
         const block_masks masks = block.masks();
         // The bytes of the line, whose LF is not one of them.
-        const std::uint64_t line = masks.m_lf != 0 ? (masks.m_lf & (0 - masks.m_lf)) - 1 : first_bits(rest.size());
+        const std::uint64_t line =
+            masks.m_lf != 0 ? (masks.m_lf & (0 - masks.m_lf)) - 1 : first_bits(rest.size());
         // A suspect is stray when the line goes on behind it.
         stray |= (masks.m_suspect << 1 | after_suspect) & line;
         after_suspect = masks.m_suspect >> (block_bytes - 1);
-        if (start == 0) found.m_name_bytes = static_cast<std::size_t>(std::countr_one(block.name() & line));
+        if (start == 0)
+            found.m_name_bytes = static_cast<std::size_t>(std::countr_one(block.name() & line));
         if (masks.m_lf == 0 && rest.size() > block_bytes) continue;
         found.m_bytes = start + static_cast<std::size_t>(std::popcount(line));
         found.m_has_lf = masks.m_lf != 0;
@@ -38,7 +40,8 @@ scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
         break;
     }
     if (found.m_name_bytes == block_bytes) // hardly a name; but it may go on
-        while (found.m_name_bytes < found.m_bytes && is_name_character(bytes[found.m_name_bytes])) ++found.m_name_bytes;
+        while (found.m_name_bytes < found.m_bytes && is_name_character(bytes[found.m_name_bytes]))
+            ++found.m_name_bytes;
     return found;
 }
 

@@ -24,8 +24,8 @@ bool converts_nothing(const std::locale& locale) {
 /// Where the file stands, or no_position.
 std::streamoff position_of(std::streambuf& file) noexcept {
     try {
-        // One that has lost its conversion, by an imbue that came too late, throws here. To ask libstdc++ for its
-        // position is a crash.
+        // One that has lost its conversion, by an imbue that came too late, throws here. To ask
+        // libstdc++ for its position is a crash.
         if (file.in_avail() == -1) return no_position;
         return file.pubseekoff(0, std::ios::cur, std::ios::in);
     } catch (const std::exception&) {
@@ -33,19 +33,21 @@ std::streamoff position_of(std::streambuf& file) noexcept {
     }
 }
 
-/// Whether the file has been read from since it was opened or positioned. A byte that is not the file's may have been put
-/// back then: libstdc++ tells a wrong position after that, and the byte would be lost where the file is set back.
+/// Whether the file has been read from since it was opened or positioned. A byte that is not the
+/// file's may have been put back then: libstdc++ tells a wrong position after that, and the byte
+/// would be lost where the file is set back.
 bool is_begun(const std::streambuf& file) noexcept { return get_area::size(file) != 0; }
 
 } // namespace
 
 bool read_ahead::suits(std::streambuf& file) {
-    return typeid(file) == typeid(std::filebuf) && converts_nothing(file.getloc()) && !is_begun(file)
-           && position_of(file) != no_position;
+    return typeid(file) == typeid(std::filebuf) && converts_nothing(file.getloc())
+           && !is_begun(file) && position_of(file) != no_position;
 }
 
 read_ahead::read_ahead(std::streambuf& file)
-    : m_file(file), m_block_end(position_of(file)), m_block(std::make_unique_for_overwrite<char[]>(block_bytes)) {}
+    : m_file(file), m_block_end(position_of(file)),
+      m_block(std::make_unique_for_overwrite<char[]>(block_bytes)) {}
 
 read_ahead::~read_ahead() {
     if (gptr() != egptr()) set_file_to(m_block_end - (egptr() - gptr()));
@@ -58,8 +60,8 @@ read_ahead::int_type read_ahead::underflow() {
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
-/// Of what was read before the failure, the number is not known: the file is set back, and read as its own buffer
-/// reads it, which then fails at its own place.
+/// Of what was read before the failure, the number is not known: the file is set back, and read as
+/// its own buffer reads it, which then fails at its own place.
 std::size_t read_ahead::read_block() {
     try {
         return static_cast<std::size_t>(m_file.sgetn(m_block.get(), block_bytes));

@@ -1,5 +1,5 @@
-// The scanners that need instructions which not every processor has. Call only where scanners.cpp has found
-// them supported.
+// The scanners that need instructions which not every processor has. Call only where scanners.cpp
+// has found them supported.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_SCANNER_PROCESSORS_H
 #define MAIL_STRUCTURE_PARSER_LINES_SCANNER_PROCESSORS_H

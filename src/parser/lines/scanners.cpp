@@ -19,8 +19,8 @@ std::span<const scanner_set> all_scanners() noexcept {
     const std::span<const scanner_set> known = all;
 #ifdef MAIL_STRUCTURE_X86_64
     __builtin_cpu_init();
-    const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2")
-                      && __builtin_cpu_supports("popcnt");
+    const bool avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi")
+                      && __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("popcnt");
     if (!avx2) return known.subspan(2);
     if (!__builtin_cpu_supports("avx512bw")) return known.subspan(1);
 #endif

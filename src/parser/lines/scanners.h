@@ -1,4 +1,5 @@
-// The scanners of lines and of bodies, each in several makes; the fastest that the processor runs is used.
+// The scanners of lines and of bodies, each in several makes; the fastest that the processor runs
+// is used.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_SCANNERS_H
 #define MAIL_STRUCTURE_PARSER_LINES_SCANNERS_H

@@ -27,22 +27,32 @@ namespace mail_structure_detail {
 namespace {
 
 struct avx2 {
-    static __m256i load(const char* p) noexcept { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
-    static __m256i equal(__m256i bytes, char c) noexcept { return _mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(c)); }
+    static __m256i load(const char* p) noexcept {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+    }
+    static __m256i equal(__m256i bytes, char c) noexcept {
+        return _mm256_cmpeq_epi8(bytes, _mm256_set1_epi8(c));
+    }
 
     /// One bit for each byte.
     static std::uint64_t bits(__m256i low, __m256i high) noexcept {
-        const auto half = [](__m256i bytes) { return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes)); };
+        const auto half = [](__m256i bytes) {
+            return static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
+        };
         return half(low) | std::uint64_t{half(high)} << 32;
     }
 
-    static __m256i suspect(__m256i bytes) noexcept { return _mm256_or_si256(equal(bytes, '\r'), equal(bytes, '\0')); }
+    static __m256i suspect(__m256i bytes) noexcept {
+        return _mm256_or_si256(equal(bytes, '\r'), equal(bytes, '\0'));
+    }
 
     static __m256i name_character(__m256i bytes) noexcept {
         const __m256i lower = _mm256_or_si256(bytes, _mm256_set1_epi8(0x20));
         // There is only a signed comparison: 'a' is moved to -128, and 'z' to -103.
-        const __m256i from_a = _mm256_add_epi8(lower, _mm256_set1_epi8(static_cast<char>(-128 - 'a')));
-        return _mm256_or_si256(_mm256_cmpgt_epi8(_mm256_set1_epi8(-102), from_a), equal(bytes, '-'));
+        const __m256i from_a =
+            _mm256_add_epi8(lower, _mm256_set1_epi8(static_cast<char>(-128 - 'a')));
+        return _mm256_or_si256(_mm256_cmpgt_epi8(_mm256_set1_epi8(-102), from_a),
+                               equal(bytes, '-'));
     }
 
     static block_masks masks(const char* p) noexcept {
@@ -63,7 +73,9 @@ scanned_lines scan_body_avx2(std::string_view bytes, dashed_lines dashed) noexce
     return scan_by_blocks<avx2>(bytes, dashed);
 }
 
-scanned_line scan_line_avx2(std::string_view bytes) noexcept { return scan_line_by_blocks<avx2>(bytes); }
+scanned_line scan_line_avx2(std::string_view bytes) noexcept {
+    return scan_line_by_blocks<avx2>(bytes);
+}
 
 } // namespace mail_structure_detail
 

@@ -13,7 +13,8 @@
 
 // All that others use too is in by now: what follows is compiled for AVX-512, and that must not be.
 #ifdef __clang__
-#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx2,bmi,bmi2,popcnt"))), apply_to = function)
+#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx2,bmi,bmi2,popcnt"))),     \
+                             apply_to = function)
 #else
 #pragma GCC push_options
 #pragma GCC target("avx512f,avx512bw,avx2,bmi,bmi2,popcnt")
@@ -32,7 +33,8 @@ struct avx512 {
         const auto equal = [bytes](char c) {
             return std::uint64_t{_mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(c))};
         };
-        return {equal('\n'), equal('\r') | std::uint64_t{_mm512_testn_epi8_mask(bytes, bytes)}, equal('-')};
+        return {equal('\n'), equal('\r') | std::uint64_t{_mm512_testn_epi8_mask(bytes, bytes)},
+                equal('-')};
     }
 
     static std::uint64_t name(const char* p) noexcept {
@@ -50,7 +52,9 @@ scanned_lines scan_body_avx512(std::string_view bytes, dashed_lines dashed) noex
     return scan_by_blocks<avx512>(bytes, dashed);
 }
 
-scanned_line scan_line_avx512(std::string_view bytes) noexcept { return scan_line_by_blocks<avx512>(bytes); }
+scanned_line scan_line_avx512(std::string_view bytes) noexcept {
+    return scan_line_by_blocks<avx512>(bytes);
+}
 
 } // namespace mail_structure_detail
 

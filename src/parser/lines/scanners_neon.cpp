@@ -18,18 +18,22 @@ struct neon {
         return vceqq_u8(bytes, vdupq_n_u8(static_cast<std::uint8_t>(c)));
     }
     static uint8x16_t lf(uint8x16_t bytes) noexcept { return equal(bytes, '\n'); }
-    static uint8x16_t suspect(uint8x16_t bytes) noexcept { return vorrq_u8(equal(bytes, '\r'), equal(bytes, '\0')); }
+    static uint8x16_t suspect(uint8x16_t bytes) noexcept {
+        return vorrq_u8(equal(bytes, '\r'), equal(bytes, '\0'));
+    }
     static uint8x16_t dash(uint8x16_t bytes) noexcept { return equal(bytes, '-'); }
     static uint8x16_t name_character(uint8x16_t bytes) noexcept {
         const uint8x16_t from_a = vsubq_u8(vorrq_u8(bytes, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
         return vorrq_u8(vcltq_u8(from_a, vdupq_n_u8(26)), equal(bytes, '-'));
     }
 
-    /// Bit n is set where Test sets byte n. There is no instruction that gathers bits: each byte keeps the one of its
-    /// place among eight, and three sums of neighbours bring eight bytes together in one.
+    /// Bit n is set where Test sets byte n. There is no instruction that gathers bits: each byte
+    /// keeps the one of its place among eight, and three sums of neighbours bring eight bytes
+    /// together in one.
     template <uint8x16_t (*Test)(uint8x16_t)>
     static std::uint64_t gather(const char* p) noexcept {
-        constexpr std::uint8_t places[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+        constexpr std::uint8_t places[16] = {1, 2, 4, 8, 16, 32, 64, 128,
+                                             1, 2, 4, 8, 16, 32, 64, 128};
         const uint8x16_t place = vld1q_u8(places);
         const auto quarter = [p, place](std::size_t at) {
             return vandq_u8(Test(vld1q_u8(reinterpret_cast<const std::uint8_t*>(p) + at)), place);
@@ -40,7 +44,9 @@ struct neon {
         return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(sums, sums)), 0);
     }
 
-    static block_masks masks(const char* p) noexcept { return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)}; }
+    static block_masks masks(const char* p) noexcept {
+        return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
+    }
     static std::uint64_t name(const char* p) noexcept { return gather<name_character>(p); }
 };
 
@@ -50,7 +56,9 @@ scanned_lines scan_body_neon(std::string_view bytes, dashed_lines dashed) noexce
     return scan_by_blocks<neon>(bytes, dashed);
 }
 
-scanned_line scan_line_neon(std::string_view bytes) noexcept { return scan_line_by_blocks<neon>(bytes); }
+scanned_line scan_line_neon(std::string_view bytes) noexcept {
+    return scan_line_by_blocks<neon>(bytes);
+}
 
 } // namespace mail_structure_detail
 

@@ -16,7 +16,8 @@ struct portable {
         const std::uint64_t differing = word ^ ones * static_cast<unsigned char>(c);
         // 0x80 in each byte of `differing` that is 0; no carry passes from byte to byte.
         const std::uint64_t zero_bytes = ~(((differing & low7) + low7) | differing | low7);
-        constexpr std::uint64_t gather = 0x0002040810204081; // moves the 8 marks next to one another
+        constexpr std::uint64_t gather =
+            0x0002040810204081; // moves the 8 marks next to one another
         return ((zero_bytes >> 7) * gather >> 49 & 0x7F) | zero_bytes >> 63 << 7;
     }
 
@@ -47,6 +48,8 @@ scanned_lines scan_body_portable(std::string_view bytes, dashed_lines dashed) no
     return scan_by_blocks<portable>(bytes, dashed);
 }
 
-scanned_line scan_line_portable(std::string_view bytes) noexcept { return scan_line_by_blocks<portable>(bytes); }
+scanned_line scan_line_portable(std::string_view bytes) noexcept {
+    return scan_line_by_blocks<portable>(bytes);
+}
 
 } // namespace mail_structure_detail

@@ -14,9 +14,13 @@ namespace mail_structure_detail {
 namespace {
 
 struct sse2 {
-    static __m128i equal(__m128i bytes, char c) noexcept { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); }
+    static __m128i equal(__m128i bytes, char c) noexcept {
+        return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c));
+    }
     static __m128i lf(__m128i bytes) noexcept { return equal(bytes, '\n'); }
-    static __m128i suspect(__m128i bytes) noexcept { return _mm_or_si128(equal(bytes, '\r'), equal(bytes, '\0')); }
+    static __m128i suspect(__m128i bytes) noexcept {
+        return _mm_or_si128(equal(bytes, '\r'), equal(bytes, '\0'));
+    }
     static __m128i dash(__m128i bytes) noexcept { return equal(bytes, '-'); }
     static __m128i name_character(__m128i bytes) noexcept {
         const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
@@ -36,7 +40,9 @@ struct sse2 {
         return bits;
     }
 
-    static block_masks masks(const char* p) noexcept { return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)}; }
+    static block_masks masks(const char* p) noexcept {
+        return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
+    }
     static std::uint64_t name(const char* p) noexcept { return gather<name_character>(p); }
 };
 
@@ -46,7 +52,9 @@ scanned_lines scan_body_sse2(std::string_view bytes, dashed_lines dashed) noexce
     return scan_by_blocks<sse2>(bytes, dashed);
 }
 
-scanned_line scan_line_sse2(std::string_view bytes) noexcept { return scan_line_by_blocks<sse2>(bytes); }
+scanned_line scan_line_sse2(std::string_view bytes) noexcept {
+    return scan_line_by_blocks<sse2>(bytes);
+}
 
 } // namespace mail_structure_detail
 

@@ -1,5 +1,5 @@
-// The form in which the text of body and epilogue lines is kept: each line followed by CR LF, whatever ended
-// it in the input.
+// The form in which the text of body and epilogue lines is kept: each line followed by CR LF,
+// whatever ended it in the input.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_KEPT_TEXT_H
 #define MAIL_STRUCTURE_PARSER_TREE_KEPT_TEXT_H
@@ -9,8 +9,9 @@
 
 namespace mail_structure_detail {
 
-/// The kept form of lines that each end with an LF, or with a CR before it. Lines that are all ended by CR LF are
-/// their own kept form; others are written to `room`. The result is valid as long as both are unchanged.
+/// The kept form of lines that each end with an LF, or with a CR before it. Lines that are all
+/// ended by CR LF are their own kept form; others are written to `room`. The result is valid as
+/// long as both are unchanged.
 /// @throws std::bad_alloc
 std::string_view kept_form(std::string_view lines, std::string& room);
 

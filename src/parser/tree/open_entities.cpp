@@ -64,14 +64,15 @@ void open_entities::add_body_lines(const line_run& lines) {
 }
 
 void open_entities::add_epilogue_lines(const line_run& lines) {
-    // Kept: an epilogue line extends the epilogue of every ancestor and no other range, so a host that
-    // skips epilogues may skip from one part's last body line to the next separator.
+    // Kept: an epilogue line extends the epilogue of every ancestor and no other range, so a host
+    // that skips epilogues may skip from one part's last body line to the next separator.
     m_epilogue.give_lines(m_entities, m_entities.size(), lines);
     m_epilogue_tally.add(lines);
 }
 
 bool open_entities::takes_body_lines_freely() const noexcept {
-    return m_mime.takes_lines_freely(m_entities.size()) && m_contents.takes_lines_freely(m_entities.size());
+    return m_mime.takes_lines_freely(m_entities.size())
+           && m_contents.takes_lines_freely(m_entities.size());
 }
 
 bool open_entities::takes_epilogue_lines_freely() const noexcept {
@@ -82,12 +83,14 @@ void open_entities::make_room(std::string MimeObj::*kept, std::size_t bytes) {
     for (MimeObj* entity : m_entities) {
         std::string& text = entity->*kept;
         const std::size_t needed = text.size() + bytes;
-        if (needed > text.capacity()) text.reserve(std::max(needed, 2 * text.capacity())); // linear over many runs
+        if (needed > text.capacity())
+            text.reserve(std::max(needed, 2 * text.capacity())); // linear over many runs
     }
 }
 
 void open_entities::keep_text(std::string MimeObj::*kept, std::string_view text) {
-    for (std::size_t index = m_entities.size(); index-- > 0;) (m_entities[index]->*kept).append(text);
+    for (std::size_t index = m_entities.size(); index-- > 0;)
+        (m_entities[index]->*kept).append(text);
 }
 
 void open_entities::watch_for_lapses() {
@@ -96,13 +99,15 @@ void open_entities::watch_for_lapses() {
     m_contents.watch_for_lapses(m_entities);
 }
 
-/// Reserves room for a chain of that depth. The accounts come first: they have room wherever the entities have.
+/// Reserves room for a chain of that depth. The accounts come first: they have room wherever the
+/// entities have.
 void open_entities::reserve_depth(std::size_t depth) {
     m_accounts.reserve(depth);
     m_entities.reserve(depth);
 }
 
-/// Pays what is owed to the entities from index `count` up, and cuts off their old records. Allocates nothing.
+/// Pays what is owed to the entities from index `count` up, and cuts off their old records.
+/// Allocates nothing.
 void open_entities::settle_from(std::size_t count) noexcept {
     m_mime.release(m_entities, count);
     m_body.release(m_entities, count);
@@ -112,7 +117,8 @@ void open_entities::settle_from(std::size_t count) noexcept {
         MimeObj& entity = *m_entities[index];
         const account& settled = m_accounts[index];
         const std::uint64_t body_lines = m_body_tally.m_lines - settled.m_body_lines_before;
-        entity.m_lines += static_cast<std::uint32_t>(body_lines); // a count past 2^32 wraps, as offsets do
+        entity.m_lines +=
+            static_cast<std::uint32_t>(body_lines); // a count past 2^32 wraps, as offsets do
         if (body_lines != 0) entity.m_body_last_empty = m_body_tally.m_last_empty;
         if (m_epilogue_tally.m_lines != settled.m_epilogue_lines_before)
             entity.m_epilogue_last_empty = m_epilogue_tally.m_last_empty;

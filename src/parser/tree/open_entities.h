@@ -1,6 +1,7 @@
-// The chain of open entities, from the root to the one that lines go to now, and what each line means for
-// them. Every function costs the same whatever the depth, kept text excepted: ranges and counts
-// that the ancestors have coming are owed, and paid when an entity closes or the chain goes away.
+// The chain of open entities, from the root to the one that lines go to now, and what each line
+// means for them. Every function costs the same whatever the depth, kept text excepted: ranges and
+// counts that the ancestors have coming are owed, and paid when an entity closes or the chain goes
+// away.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_OPEN_ENTITIES_H
 #define MAIL_STRUCTURE_PARSER_TREE_OPEN_ENTITIES_H
@@ -31,10 +32,12 @@ struct line_tally {
 
 class open_entities {
 public:
-    /// Begins with the root alone, cleared. What is below it waits to be used again. The root's tree outlives this object;
-    /// nobody else adds to it meanwhile. @throws std::bad_alloc, and then the root is cleared, with nothing below it
+    /// Begins with the root alone, cleared. What is below it waits to be used again. The root's
+    /// tree outlives this object; nobody else adds to it meanwhile. @throws std::bad_alloc, and
+    /// then the root is cleared, with nothing below it
     explicit open_entities(MailStructure::MimeObj& root);
-    /// Pays what is owed to the entities still open, and cuts off old records, also when an exception ends the parse.
+    /// Pays what is owed to the entities still open, and cuts off old records, also when an
+    /// exception ends the parse.
     ~open_entities();
     open_entities(const open_entities&) = delete;
     open_entities& operator=(const open_entities&) = delete;
@@ -61,12 +64,12 @@ public:
     void add_body_lines(const line_run& lines);
     /// Epilogue lines of the top and of all its ancestors.
     void add_epilogue_lines(const line_run& lines);
-    /// Whether adding lines will allocate nothing. It never does before watch_for_lapses, and after it only for
-    /// the first lines of an entity.
+    /// Whether adding lines will allocate nothing. It never does before watch_for_lapses, and after
+    /// it only for the first lines of an entity.
     bool takes_body_lines_freely() const noexcept;
     bool takes_epilogue_lines_freely() const noexcept;
-    /// Reserves room for so many bytes more in the kept body text, or epilogue text, of the top and of all its
-    /// ancestors. Nothing is changed yet. @throws std::bad_alloc
+    /// Reserves room for so many bytes more in the kept body text, or epilogue text, of the top and
+    /// of all its ancestors. Nothing is changed yet. @throws std::bad_alloc
     void make_room(std::string MailStructure::MimeObj::*kept, std::size_t bytes);
     /// Appends text there. Linear in what is stored. @throws std::bad_alloc  where no room was made
     void keep_text(std::string MailStructure::MimeObj::*kept, std::string_view text);

@@ -12,10 +12,12 @@ namespace {
 using MimeObj = MailStructure::MimeObj;
 using header = MailStructure::header;
 
-/// Gives back the storage of a string or vector, and what it holds, where that is too much to be handed on. The size
-/// tells what the last message used of it: since then nothing was added, and what it did not use was cut off.
-// Were a fixed size the only measure, a sender could have each message leave its long fields at other places, until all
-// of a million fields hold that size. A quarter ties what is held to what the last message was.
+/// Gives back the storage of a string or vector, and what it holds, where that is too much to be
+/// handed on. The size tells what the last message used of it: since then nothing was added, and
+/// what it did not use was cut off.
+// Were a fixed size the only measure, a sender could have each message leave its long fields at
+// other places, until all of a million fields hold that size. A quarter ties what is held to what
+// the last message was.
 template <class Container>
 void give_back_excess(Container& held) noexcept {
     const std::size_t capacity = held.capacity() * sizeof(typename Container::value_type);
@@ -60,7 +62,8 @@ header& reset_field(header& field) noexcept {
     return field;
 }
 
-void set_parameter(header& field, std::size_t in_use, std::string_view name, std::string_view value) {
+void set_parameter(header& field, std::size_t in_use, std::string_view name,
+                   std::string_view value) {
     if (in_use >= field.m_params.size()) {
         field.m_params.emplace_back(name, value);
         return;

@@ -4,12 +4,15 @@
 
 namespace mail_structure_detail {
 
-void shared_range::give_line(const entity_stack& open, std::size_t count, std::uint32_t start, std::uint32_t end) {
+void shared_range::give_line(const entity_stack& open, std::size_t count, std::uint32_t start,
+                             std::uint32_t end) {
     release(open, count);
     if (m_watching) restart_lapsed(open, start);
-    m_last_end = end; // holds for all that are followed by then, also if the next step fails half way
-    // Ranges begin with this line, or stay unset after it: a body line at offset 0 does not set the body
-    // range, nor a line of 2^32 bytes any other. Whoever is not set is told each line until it is.
+    m_last_end =
+        end; // holds for all that are followed by then, also if the next step fails half way
+    // Ranges begin with this line, or stay unset after it: a body line at offset 0 does not set the
+    // body range, nor a line of 2^32 bytes any other. Whoever is not set is told each line until it
+    // is.
     for (std::size_t index = m_followed; index < count; ++index) {
         MailStructure::MimeObj& entity = *open[index];
         grow(entity, start, end);
@@ -28,8 +31,10 @@ void shared_range::release(const entity_stack& open, std::size_t count) noexcept
 }
 
 void shared_range::watch_for_lapses(const entity_stack& open) {
-    if (m_watching || m_unset_by == unset_by::offset) return; // an offset that is not 0 never becomes 0 again
-    for (std::size_t index = 0; index < m_followed; ++index) m_begins.emplace(open[index]->*m_beg, index);
+    if (m_watching || m_unset_by == unset_by::offset)
+        return; // an offset that is not 0 never becomes 0 again
+    for (std::size_t index = 0; index < m_followed; ++index)
+        m_begins.emplace(open[index]->*m_beg, index);
     m_watching = true;
 }
 
@@ -46,7 +51,8 @@ void shared_range::restart_lapsed(const entity_stack& open, std::uint32_t start)
     }
 }
 
-void shared_range::grow(MailStructure::MimeObj& entity, std::uint32_t start, std::uint32_t end) const noexcept {
+void shared_range::grow(MailStructure::MimeObj& entity, std::uint32_t start,
+                        std::uint32_t end) const noexcept {
     if (m_unset_by == unset_by::length)
         grow_range(entity.*m_beg, entity.*m_len, start, end);
     else

@@ -1,19 +1,19 @@
-// One byte range of every open entity, grown in all of them at once at a cost that does not depend on
-// their number.
+// One byte range of every open entity, grown in all of them at once at a cost that does not depend
+// on their number.
 //
-// A line that extends a range extends it in all open entities, from the root up to the top or to the
-// entity below it. After its first such line an entity's range differs from its neighbours' only in where
-// it begins: all of them end at the line given last. So an entity is told its first line at once and is
-// then merely "followed"; its length is written out when it closes. The followed entities are always
-// the lowest ones on the stack:
+// A line that extends a range extends it in all open entities, from the root up to the top or to
+// the entity below it. After its first such line an entity's range differs from its neighbours'
+// only in where it begins: all of them end at the line given last. So an entity is told its first
+// line at once and is then merely "followed"; its length is written out when it closes. The
+// followed entities are always the lowest ones on the stack:
 //
 //     root        followed      beg = 0      }
 //     multipart   followed      beg = 120    }  len = m_last_end - beg, owed
 //     new part    not yet told of any line      beg and len are as they stand
 //
-// Past 4 GiB an entity can come to be exactly 2^32 bytes long. Its length is then 0, its range counts as
-// unset, and the next line sets its beginning anew. From there on the followed ranges are also kept sorted
-// by their beginning, so that such a lapse is found without asking every entity.
+// Past 4 GiB an entity can come to be exactly 2^32 bytes long. Its length is then 0, its range
+// counts as unset, and the next line sets its beginning anew. From there on the followed ranges are
+// also kept sorted by their beginning, so that such a lapse is found without asking every entity.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
 #define MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
@@ -38,7 +38,8 @@ public:
     using member = std::uint32_t MailStructure::MimeObj::*;
     using entity_stack = std::vector<MailStructure::MimeObj*>;
 
-    shared_range(member beg, member len, unset_by test) : m_beg(beg), m_len(len), m_unset_by(test) {}
+    shared_range(member beg, member len, unset_by test)
+        : m_beg(beg), m_len(len), m_unset_by(test) {}
 
     /// Extends the range by some lines in the lowest `count` open entities.
     /// Amortised constant time: each entity is told its first lines once.
@@ -46,14 +47,18 @@ public:
     void give_lines(const entity_stack& open, std::size_t count, const line_run& lines) {
         if (m_followed != count || m_watching) {
             give_line(open, count, lines.m_start, lines.m_first_end);
-            // One first line may leave a range unset, the next cannot. They stand for the whole rest of the run.
-            if (lines.m_first_end != lines.m_end) give_line(open, count, lines.m_first_end, lines.m_end);
+            // One first line may leave a range unset, the next cannot. They stand for the whole
+            // rest of the run.
+            if (lines.m_first_end != lines.m_end)
+                give_line(open, count, lines.m_first_end, lines.m_end);
         }
         m_last_end = lines.m_end;
     }
 
     /// Whether give_lines will allocate nothing.
-    bool takes_lines_freely(std::size_t count) const noexcept { return !m_watching || m_followed == count; }
+    bool takes_lines_freely(std::size_t count) const noexcept {
+        return !m_watching || m_followed == count;
+    }
 
     /// Writes out what is owed to the entities from index `count` up, and follows them no longer.
     void release(const entity_stack& open, std::size_t count) noexcept;
@@ -63,18 +68,21 @@ public:
     void watch_for_lapses(const entity_stack& open);
 
 private:
-    void give_line(const entity_stack& open, std::size_t count, std::uint32_t start, std::uint32_t end);
+    void give_line(const entity_stack& open, std::size_t count, std::uint32_t start,
+                   std::uint32_t end);
     void restart_lapsed(const entity_stack& open, std::uint32_t start);
-    void grow(MailStructure::MimeObj& entity, std::uint32_t start, std::uint32_t end) const noexcept;
+    void grow(MailStructure::MimeObj& entity, std::uint32_t start,
+              std::uint32_t end) const noexcept;
     bool is_set(const MailStructure::MimeObj& entity) const noexcept;
 
     member m_beg;
     member m_len;
     unset_by m_unset_by;
     bool m_watching = false;
-    std::size_t m_followed = 0;                               // so many of the lowest open entities
-    std::uint32_t m_last_end = 0;                             // where all followed ranges end
-    std::set<std::pair<std::uint32_t, std::size_t>> m_begins; // of the followed, with their index; while watching
+    std::size_t m_followed = 0;   // so many of the lowest open entities
+    std::uint32_t m_last_end = 0; // where all followed ranges end
+    std::set<std::pair<std::uint32_t, std::size_t>>
+        m_begins; // of the followed, with their index; while watching
 };
 
 } // namespace mail_structure_detail

@@ -15,8 +15,9 @@ using test_support::expect_full_tree;
 using test_support::expect_tree;
 using test_support::tree_case;
 
-// Each row is the header block of a part, which begins with the defaults of a new entity. What follows the
-// block shows which boundary the block has registered: a line that equals one opens a part below it.
+// Each row is the header block of a part, which begins with the defaults of a new entity. What
+// follows the block shows which boundary the block has registered: a line that equals one opens a
+// part below it.
 const tree_case part_cases[] = {
     {"quoted_boundary",
      "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
@@ -115,17 +116,21 @@ const tree_case part_cases[] = {
 
 class part_header : public testing::TestWithParam<tree_case> {};
 
-TEST_P(part_header, gives_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(part_header, gives_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, part_header, testing::ValuesIn(part_cases), case_name<tree_case>);
 
 const tree_case type_cases[] = {
-    {"type_and_subtype", "Content-Type: text/html\n\nhi\n", "1 text/html h=0+25 m=0+28 b=25+3 c=25+3 n=1\n"},
+    {"type_and_subtype", "Content-Type: text/html\n\nhi\n",
+     "1 text/html h=0+25 m=0+28 b=25+3 c=25+3 n=1\n"},
     {"name_and_value_in_any_case_are_kept_as_written", "CONTENT-type: TEXT/Html\n\nhi\n",
      "1 TEXT/Html h=0+25 m=0+28 b=25+3 c=25+3 n=1\n"},
     {"value_ends_at_the_semicolon", "Content-Type: text/html ; charset=x\n\nhi\n",
      "1 text/html h=0+37 m=0+40 b=37+3 c=37+3 n=1\n"},
-    {"second_slash_belongs_to_the_subtype", "Content-Type: a/b/c\n\nhi\n", "1 a/b/c h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
+    {"second_slash_belongs_to_the_subtype", "Content-Type: a/b/c\n\nhi\n",
+     "1 a/b/c h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
     {"empty_type_is_defaulted_in_the_body", "Content-Type: /html\n\nhi\n",
      "1 text/html h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
     {"empty_subtype_is_defaulted_in_the_body", "Content-Type: text/\n\nhi\n",
@@ -136,7 +141,8 @@ const tree_case type_cases[] = {
     {"no_field_at_all", "\nhi\n", "1 text/plain h=0+1 m=0+4 b=1+3 c=1+3 n=1\n"},
     {"later_field_wins", "Content-Type: text/html\nContent-Type: image/png\n\nhi\n",
      "1 image/png h=0+49 m=0+52 b=49+3 c=49+3 n=1\n"},
-    {"later_field_without_a_slash_wins_the_type_only", "Content-Type: text/html\nContent-Type: image\n\nhi\n",
+    {"later_field_without_a_slash_wins_the_type_only",
+     "Content-Type: text/html\nContent-Type: image\n\nhi\n",
      "1 image/html h=0+45 m=0+48 b=45+3 c=45+3 n=1\n"},
     {"multipart_without_a_boundary", "Content-Type: multipart/mixed\n\n--\nhi\n",
      "1 multipart/mixed h=0+31 m=0+37 b=31+6 c=31+6 n=2\n"},
@@ -163,21 +169,25 @@ const tree_case type_cases[] = {
      "1 message/rfc822 multipart message h=0+72 m=0+82 b=79+3 c=72+19 n=1\n"
      "1.1 text/plain enc=7bit h=72+7 m=72+10 b=79+3 c=79+3 n=1\n"
      "1.2 text/plain enc=7bit h=86+5 m=86+5\n"},
-    {"field_between_clears_the_multipart_state", "Content-Type: multipart/mixed;\nA: b\n boundary=X\n\n--X\n",
+    {"field_between_clears_the_multipart_state",
+     "Content-Type: multipart/mixed;\nA: b\n boundary=X\n\n--X\n",
      "1 multipart/mixed h=0+49 m=0+53 b=49+4 c=49+4 n=1\n"},
     {"content_type_of_text_clears_the_multipart_state",
      "Content-Type: multipart/mixed;\nContent-Type: text/html;\n boundary=X\n\n--X\n",
      "1 text/html h=0+69 m=0+73 b=69+4 c=69+4 n=1\n"},
     {"header_name_longer_than_content_type", "Content-Types: a/b\n\nhi\n",
      "1 text/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n"},
-    {"encoding_of_a_part_has_a_default", "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n",
+    {"encoding_of_a_part_has_a_default",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n",
      "1 multipart/mixed multipart h=0+43 m=0+56 b=53+3 c=43+13 n=1\n"
      "1.1 text/plain enc=7bit h=47+6 m=47+9 b=53+3 c=53+3 n=1\n"},
 };
 
 class content_types : public testing::TestWithParam<tree_case> {};
 
-TEST_P(content_types, give_tree) { expect_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(content_types, give_tree) {
+    expect_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, content_types, testing::ValuesIn(type_cases), case_name<tree_case>);
 
@@ -194,20 +204,28 @@ TEST(content_type, keeps_beginnings_of_content_type_as_content_type) {
 TEST(content_type, keeps_beginning_of_both_names_as_content_type) {
     expect_full_tree("Content-T: text/html\n\nhi\n", "1 text/html h=0+22 m=0+25 b=22+3 c=22+3 n=1\n"
                                                      "  0-21 \"Content-T\" \"text/html\"\n");
-    expect_full_tree("Content-Tr: text/html\n\nhi\n", "1 text/plain enc=text/html h=0+23 m=0+26 b=23+3 c=23+3 n=1\n"
-                                                      "  0-22 \"Content-Tr\" \"text/html\"\n");
+    expect_full_tree("Content-Tr: text/html\n\nhi\n",
+                     "1 text/plain enc=text/html h=0+23 m=0+26 b=23+3 c=23+3 n=1\n"
+                     "  0-22 \"Content-Tr\" \"text/html\"\n");
 }
 
 TEST(content_type, keeps_spelling_of_the_transfer_encoding_field) {
-    expect_tree("Content-Transfer-Encoding: base64\n\nhi\n", "1 text/plain h=0+35 m=0+38 b=35+3 c=35+3 n=1\n");
+    expect_tree("Content-Transfer-Encoding: base64\n\nhi\n",
+                "1 text/plain h=0+35 m=0+38 b=35+3 c=35+3 n=1\n");
     expect_tree("Content-Transfer-Enconding: base64\n\nhi\n",
                 "1 text/plain enc=base64 h=0+36 m=0+39 b=36+3 c=36+3 n=1\n");
-    expect_tree("CONTENT-TRANSFER-EN: base64\n\nhi\n", "1 text/plain enc=base64 h=0+29 m=0+32 b=29+3 c=29+3 n=1\n");
-    expect_tree("Content-Transfer-Enc: base64\n\nhi\n", "1 text/plain enc=base64 h=0+30 m=0+33 b=30+3 c=30+3 n=1\n");
-    expect_tree("Content-Transfer-Enco: base64\n\nhi\n", "1 text/plain enc=base64 h=0+31 m=0+34 b=31+3 c=31+3 n=1\n");
-    expect_tree("Content-Transfer-Encod: base64\n\nhi\n", "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
-    expect_tree("Content-Transfer: base64\n\nhi\n", "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n");
-    expect_tree("Content-Transfer-Encondings: base64\n\nhi\n", "1 text/plain h=0+37 m=0+40 b=37+3 c=37+3 n=1\n");
+    expect_tree("CONTENT-TRANSFER-EN: base64\n\nhi\n",
+                "1 text/plain enc=base64 h=0+29 m=0+32 b=29+3 c=29+3 n=1\n");
+    expect_tree("Content-Transfer-Enc: base64\n\nhi\n",
+                "1 text/plain enc=base64 h=0+30 m=0+33 b=30+3 c=30+3 n=1\n");
+    expect_tree("Content-Transfer-Enco: base64\n\nhi\n",
+                "1 text/plain enc=base64 h=0+31 m=0+34 b=31+3 c=31+3 n=1\n");
+    expect_tree("Content-Transfer-Encod: base64\n\nhi\n",
+                "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
+    expect_tree("Content-Transfer: base64\n\nhi\n",
+                "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n");
+    expect_tree("Content-Transfer-Encondings: base64\n\nhi\n",
+                "1 text/plain h=0+37 m=0+40 b=37+3 c=37+3 n=1\n");
 }
 
 TEST(content_type, keeps_whole_value_of_the_encoding) {
@@ -216,14 +234,16 @@ TEST(content_type, keeps_whole_value_of_the_encoding) {
 }
 
 TEST(content_type, keeps_folds_out_of_the_encoding) {
-    expect_full_tree("Content-Tr: base64\n more\n\nhi\n", "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n"
-                                                          "  0-25 \"Content-Tr\" \"base64 more\"\n");
+    expect_full_tree("Content-Tr: base64\n more\n\nhi\n",
+                     "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n"
+                     "  0-25 \"Content-Tr\" \"base64 more\"\n");
 }
 
 TEST(content_type, later_transfer_encoding_field_wins) {
     expect_tree("Content-Tr: base64\nContent-Tr: 8bit\n\nhi\n",
                 "1 text/plain enc=8bit h=0+37 m=0+40 b=37+3 c=37+3 n=1\n");
-    expect_tree("Content-Tr: base64\nContent-Tr:\n\nhi\n", "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
+    expect_tree("Content-Tr: base64\nContent-Tr:\n\nhi\n",
+                "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
 }
 
 TEST(content_type, keeps_root_without_an_encoding) {
@@ -237,17 +257,20 @@ TEST(content_type, keeps_types_empty_until_a_body_line_comes) {
 }
 
 TEST(content_type, keeps_defaults_from_boundary_lines) {
-    expect_tree("Content-Type: multipart/; boundary=X\n\n--X\n", "1 multipart/plain multipart h=0+38 m=0+38 c=38+4\n"
-                                                                 "1.1 text/plain enc=7bit\n");
+    expect_tree("Content-Type: multipart/; boundary=X\n\n--X\n",
+                "1 multipart/plain multipart h=0+38 m=0+38 c=38+4\n"
+                "1.1 text/plain enc=7bit\n");
     expect_tree("Content-Type: multipart/; boundary=X\n\n--X--\n",
                 "1 multipart/plain multipart h=0+38 m=0+44 b=38+6 n=1\n");
 }
 
 TEST(content_type, keeps_empty_value_as_a_message) {
-    expect_tree("Content-Type:\n\nA: b\n\n\nhi\n", "1 / message h=0+15 m=0+25 b=22+3 c=15+10 n=1\n"
-                                                   "1.1 text/plain enc=7bit h=15+7 m=15+10 b=22+3 c=22+3 n=1\n");
-    expect_tree("Content-Type: ; x=y\n\nA: b\n\n\nhi\n", "1 / message h=0+21 m=0+31 b=28+3 c=21+10 n=1\n"
-                                                         "1.1 text/plain enc=7bit h=21+7 m=21+10 b=28+3 c=28+3 n=1\n");
+    expect_tree("Content-Type:\n\nA: b\n\n\nhi\n",
+                "1 / message h=0+15 m=0+25 b=22+3 c=15+10 n=1\n"
+                "1.1 text/plain enc=7bit h=15+7 m=15+10 b=22+3 c=22+3 n=1\n");
+    expect_tree("Content-Type: ; x=y\n\nA: b\n\n\nhi\n",
+                "1 / message h=0+21 m=0+31 b=28+3 c=21+10 n=1\n"
+                "1.1 text/plain enc=7bit h=21+7 m=21+10 b=28+3 c=28+3 n=1\n");
 }
 
 TEST(content_type, keeps_beginnings_of_message_rfc822_as_messages) {
@@ -257,12 +280,14 @@ TEST(content_type, keeps_beginnings_of_message_rfc822_as_messages) {
                                                    "1.1 text/plain enc=7bit h=23+5 m=23+5\n");
     expect_tree("Content-Type: message/\n\nA: b\n", "1 message/ message h=0+24 m=0+24 c=24+5\n"
                                                     "1.1 text/plain enc=7bit h=24+5 m=24+5\n");
-    expect_tree("Content-Type: MESSAGE/RFC\n\nA: b\n", "1 MESSAGE/RFC message h=0+27 m=0+27 c=27+5\n"
-                                                       "1.1 text/plain enc=7bit h=27+5 m=27+5\n");
+    expect_tree("Content-Type: MESSAGE/RFC\n\nA: b\n",
+                "1 MESSAGE/RFC message h=0+27 m=0+27 c=27+5\n"
+                "1.1 text/plain enc=7bit h=27+5 m=27+5\n");
 }
 
 TEST(content_type, keeps_multipart_without_a_slash_as_no_multipart) {
-    expect_tree("Content-Type: multipart; boundary=X\n\n--X\n", "1 multipart/plain h=0+37 m=0+41 b=37+4 c=37+4 n=1\n");
+    expect_tree("Content-Type: multipart; boundary=X\n\n--X\n",
+                "1 multipart/plain h=0+37 m=0+41 b=37+4 c=37+4 n=1\n");
 }
 
 TEST(content_type, keeps_subtype_where_the_value_has_no_slash) {
@@ -273,12 +298,14 @@ TEST(content_type, keeps_subtype_where_the_value_has_no_slash) {
 }
 
 TEST(content_type, keeps_blanks_around_the_slash) {
-    expect_tree("Content-Type: text / html\n\nhi\n", "1 text / html h=0+27 m=0+30 b=27+3 c=27+3 n=1\n");
+    expect_tree("Content-Type: text / html\n\nhi\n",
+                "1 text / html h=0+27 m=0+30 b=27+3 c=27+3 n=1\n");
 }
 
 TEST(content_type, keeps_folds_out_of_its_value) {
-    expect_full_tree("Content-Type: text/ht\n ml; a=b\n\nhi\n", "1 text/ht h=0+32 m=0+35 b=32+3 c=32+3 n=1\n"
-                                                                "  0-31 \"Content-Type\" \"text/ht\"\n");
+    expect_full_tree("Content-Type: text/ht\n ml; a=b\n\nhi\n",
+                     "1 text/ht h=0+32 m=0+35 b=32+3 c=32+3 n=1\n"
+                     "  0-31 \"Content-Type\" \"text/ht\"\n");
 }
 
 TEST(content_type, keeps_message_flag_once_set) {

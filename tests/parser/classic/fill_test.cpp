@@ -38,9 +38,10 @@ using test_support::full_tree_text;
 using test_support::parse;
 using test_support::parse_outcome;
 
-const std::string_view two_parts = "From: a\r\nContent-Type: multipart/mixed;\r\n boundary=XX\r\n\r\npreamble\r\n"
-                                   "--XX\r\nContent-Type: message/rfc822\r\n\r\nSubject: x\r\nTo: y\r\n\r\nhello\r\n"
-                                   "--XX\nA: b\n\nworld\n\n--XX--\nbye";
+const std::string_view two_parts =
+    "From: a\r\nContent-Type: multipart/mixed;\r\n boundary=XX\r\n\r\npreamble\r\n"
+    "--XX\r\nContent-Type: message/rfc822\r\n\r\nSubject: x\r\nTo: y\r\n\r\nhello\r\n"
+    "--XX\nA: b\n\nworld\n\n--XX--\nbye";
 
 const std::string_view stray_byte_in_a_part =
     "Content-Type: multipart/mixed; boundary=X\n\npre\n--X\nA: b\n\nhi\nh\0o\n--X--\n"sv;
@@ -128,7 +129,8 @@ TEST(fill, begins_afresh_each_time) {
     MailStructure message;
     message.m_keep_text = true;
     for (int round = 0; round < 3; ++round) {
-        for (const std::string_view input : {two_parts, "a: b\n\nhi\n"sv, ""sv, stray_byte_in_a_part, "word\r\n"sv}) {
+        for (const std::string_view input :
+             {two_parts, "a: b\n\nhi\n"sv, ""sv, stray_byte_in_a_part, "word\r\n"sv}) {
             std::istringstream in{std::string(input)};
             const std::string error = fill(message, in);
             const parse_outcome fresh = parse(input, {.m_keep_text = true});
@@ -141,13 +143,14 @@ TEST(fill, begins_afresh_each_time) {
 
 TEST(fill, keeps_the_tree_as_far_as_it_was_built) {
     const parse_outcome outcome = parse(stray_byte_in_a_part, {.m_keep_text = true});
-    EXPECT_EQ(full_outcome_text(outcome), "1 multipart/mixed multipart h=0+43 m=0+60 b=43+17 c=43+17 n=2\n"
-                                          "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-                                          "  body \"pre\\r\\nhi\\r\\n\"\n"
-                                          "1.1 text/plain enc=7bit h=51+6 m=51+9 b=57+3 c=57+3 n=1\n"
-                                          "  51-56 \"A\" \"b\"\n"
-                                          "  body \"hi\\r\\n\"\n"
-                                          "! runtime_error: error in io input data\n");
+    EXPECT_EQ(full_outcome_text(outcome),
+              "1 multipart/mixed multipart h=0+43 m=0+60 b=43+17 c=43+17 n=2\n"
+              "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+              "  body \"pre\\r\\nhi\\r\\n\"\n"
+              "1.1 text/plain enc=7bit h=51+6 m=51+9 b=57+3 c=57+3 n=1\n"
+              "  51-56 \"A\" \"b\"\n"
+              "  body \"hi\\r\\n\"\n"
+              "! runtime_error: error in io input data\n");
     EXPECT_FALSE(outcome.m_message.m_done);
 }
 
@@ -184,7 +187,8 @@ TEST(fill, leaves_the_stream_behind_the_line_at_fault) {
 }
 
 TEST(fill, reads_files) {
-    const std::string file_name = testing::TempDir() + "mailstructure_fill_test_" + std::to_string(getpid()) + ".eml";
+    const std::string file_name =
+        testing::TempDir() + "mailstructure_fill_test_" + std::to_string(getpid()) + ".eml";
     {
         std::ofstream out(file_name, std::ios::binary);
         out << two_parts;
@@ -197,7 +201,8 @@ TEST(fill, reads_files) {
 }
 
 TEST(fill, meets_streams_that_are_over_or_broken_already) {
-    for (const auto state : {std::ios_base::eofbit, std::ios_base::failbit, std::ios_base::badbit}) {
+    for (const auto state :
+         {std::ios_base::eofbit, std::ios_base::failbit, std::ios_base::badbit}) {
         std::istringstream in("a: b\n");
         in.setstate(state);
         const parse_outcome outcome = parse(in);
@@ -253,10 +258,12 @@ const std::array<std::ios_base::iostate, 6> masks{
     std::ios_base::eofbit | std::ios_base::failbit | std::ios_base::badbit,
 };
 
-void expect_end_as_of_getline(std::string_view input, std::size_t offset, fault kind, const delivery& way) {
+void expect_end_as_of_getline(std::string_view input, std::size_t offset, fault kind,
+                              const delivery& way) {
     for (const std::ios_base::iostate mask : masks) {
-        SCOPED_TRACE("offset " + std::to_string(offset) + ", fault " + std::to_string(static_cast<int>(kind))
-                     + ", mask " + std::to_string(static_cast<int>(mask)) + ", " + way.m_name);
+        SCOPED_TRACE("offset " + std::to_string(offset) + ", fault "
+                     + std::to_string(static_cast<int>(kind)) + ", mask "
+                     + std::to_string(static_cast<int>(mask)) + ", " + way.m_name);
         faulty_stream by_getline(input, offset, kind, way);
         by_getline.exceptions(mask);
         const getline_end wanted = read_by_getline(by_getline);
@@ -274,14 +281,16 @@ void expect_end_as_of_getline(std::string_view input, std::size_t offset, fault 
 TEST(fill, ends_as_getline_does_at_every_offset_and_under_every_mask) {
     for (const fault kind : {fault::ends, fault::throws, fault::sets_badbit})
         for (std::size_t offset = 0; offset <= two_parts.size(); ++offset)
-            for (const delivery& way : {delivery{"in chunks of 7", 7}, delivery{"at once", test_support::all_bytes},
-                                        delivery{"without a get area", 0}})
+            for (const delivery& way :
+                 {delivery{"in chunks of 7", 7}, delivery{"at once", test_support::all_bytes},
+                  delivery{"without a get area", 0}})
                 expect_end_as_of_getline(two_parts, offset, kind, way);
 }
 
 TEST(fill, ends_as_getline_does_on_every_stream) {
     for (const std::string_view input : {two_parts, "a: b\n\nhi\n"sv, "a: b\n\nhi"sv, "\n"sv, ""sv})
-        for (const delivery& way : all_deliveries) expect_end_as_of_getline(input, input.size(), fault::ends, way);
+        for (const delivery& way : all_deliveries)
+            expect_end_as_of_getline(input, input.size(), fault::ends, way);
 }
 
 TEST(fill, keeps_read_error_as_an_end_of_the_input) {
@@ -326,14 +335,16 @@ TEST(fill, keeps_line_end_to_the_locale_of_the_stream) {
     for (const delivery& way : all_deliveries) {
         delivered_stream in("a: b\r||hi\n|ho\r|", way);
         in.imbue(changed);
-        EXPECT_EQ(full_outcome_text(parse(in, {.m_keep_text = true})), "1 text/plain h=0+7 m=0+15 b=7+8 c=7+8 n=2\n"
-                                                                       "  0-6 \"a\" \"b\"\n"
-                                                                       "  body \"hi\\n\\r\\nho\\r\\n\"\n")
+        EXPECT_EQ(full_outcome_text(parse(in, {.m_keep_text = true})),
+                  "1 text/plain h=0+7 m=0+15 b=7+8 c=7+8 n=2\n"
+                  "  0-6 \"a\" \"b\"\n"
+                  "  body \"hi\\n\\r\\nho\\r\\n\"\n")
             << way.m_name;
         delivered_stream stray("||h\ni|", way); // a line feed inside a line
         stray.imbue(changed);
-        EXPECT_EQ(full_outcome_text(parse(stray)), "1 text/plain h=0+1 m=0+2 b=1+1 c=1+1 n=1 body-last-empty\n"
-                                                   "! runtime_error: error in io input data\n")
+        EXPECT_EQ(full_outcome_text(parse(stray)),
+                  "1 text/plain h=0+1 m=0+2 b=1+1 c=1+1 n=1 body-last-empty\n"
+                  "! runtime_error: error in io input data\n")
             << way.m_name;
     }
 }
@@ -367,7 +378,8 @@ TEST(fill, runs_on_many_threads_at_once) {
 }
 
 TEST(fill, counts_a_body_of_many_megabytes) {
-    test_support::repeating_stream in("a: b\n\n", "0123456789012345678901234567890\n", std::uint64_t{64} << 20);
+    test_support::repeating_stream in("a: b\n\n", "0123456789012345678901234567890\n",
+                                      std::uint64_t{64} << 20);
     MailStructure message;
     message.Fill(in);
     EXPECT_EQ(message.m_root.m_mime_len, 64U << 20);

@@ -108,9 +108,12 @@ const tree_case field_cases[] = {
 
 class header_fields : public testing::TestWithParam<tree_case> {};
 
-TEST_P(header_fields, give_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(header_fields, give_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
-INSTANTIATE_TEST_SUITE_P(cases, header_fields, testing::ValuesIn(field_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, header_fields, testing::ValuesIn(field_cases),
+                         case_name<tree_case>);
 
 const tree_case block_end_cases[] = {
     {"blank_line_belongs_to_the_block", "a: b\n\nhi\n",
@@ -123,7 +126,8 @@ const tree_case block_end_cases[] = {
     {"second_blank_line_is_body", "a: b\n\n\nhi\n",
      "1 text/plain h=0+6 m=0+10 b=6+4 c=6+4 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"first_line_led_by_a_blank_is_body", " a: b\nc: d\n", "1 text/plain m=0+11 b=6+5 c=0+11 n=2\n"},
+    {"first_line_led_by_a_blank_is_body", " a: b\nc: d\n",
+     "1 text/plain m=0+11 b=6+5 c=0+11 n=2\n"},
     {"first_line_of_one_blank_is_body", " \nc: d\n", "1 text/plain m=0+7 b=2+5 c=0+7 n=2\n"},
     {"digit_first", "a: b\n1: c\nd: e\n",
      "1 text/plain h=0+5 m=0+15 b=5+10 c=5+10 n=2\n"
@@ -184,9 +188,12 @@ const tree_case block_end_cases[] = {
 
 class header_end : public testing::TestWithParam<tree_case> {};
 
-TEST_P(header_end, gives_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(header_end, gives_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
-INSTANTIATE_TEST_SUITE_P(cases, header_end, testing::ValuesIn(block_end_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, header_end, testing::ValuesIn(block_end_cases),
+                         case_name<tree_case>);
 
 TEST(header_block, keeps_fold_of_a_single_last_byte_ending_the_block) {
     expect_full_tree("a: b\n c\nd: e\n", "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
@@ -258,7 +265,8 @@ TEST(header_block, keeps_length_error_for_letters_before_cr_lf) {
     expect_full_tree("word\r", "1 /\n"
                                "  unset-0 \"word\" \"\"\n"
                                "! length_error\n");
-    expect_full_tree("\r\nword\r\n", "1 text/plain h=0+2 m=0+8 b=2+6 c=2+6 n=1\n"); // in a body it is text
+    expect_full_tree("\r\nword\r\n",
+                     "1 text/plain h=0+2 m=0+8 b=2+6 c=2+6 n=1\n"); // in a body it is text
 }
 
 TEST(header_block, length_error_of_a_part_leaves_the_field_behind) {
@@ -271,7 +279,8 @@ TEST(header_block, length_error_of_a_part_leaves_the_field_behind) {
 }
 
 TEST(header_block, keeps_field_positions_as_begin_and_end) {
-    test_support::parse_outcome outcome = test_support::parse("a: b\r\nSubject: x\r\n y\r\nd: e\r\n\r\n"sv);
+    test_support::parse_outcome outcome =
+        test_support::parse("a: b\r\nSubject: x\r\n y\r\nd: e\r\n\r\n"sv);
     const MailStructure::header& folded = outcome.m_message.m_root.m_headers.at(1);
     EXPECT_EQ(folded.m_beg, 6U);
     EXPECT_EQ(folded.m_end, 22U);

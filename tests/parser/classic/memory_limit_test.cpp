@@ -1,6 +1,6 @@
-// The bound on what header fields may take. An ordinary field line of n bytes counts as 64 + n, and is kept
-// while the count before it plus n stays below the limit; a parameter counts as 64 plus its text, and is kept while
-// the count before it is below the limit.
+// The bound on what header fields may take. An ordinary field line of n bytes counts as 64 + n, and
+// is kept while the count before it plus n stays below the limit; a parameter counts as 64 plus its
+// text, and is kept while the count before it is below the limit.
 
 #include <mail_structure.h>
 
@@ -28,7 +28,10 @@ const tree_case limit_cases[] = {
      "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
      "  0-5 \"X\" \"1\"\n",
      {.m_memlimit = 6}},
-    {"carriage_return_counts", "X: 1\r\n\r\nhi\r\n", "1 1/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n", {.m_memlimit = 6}},
+    {"carriage_return_counts",
+     "X: 1\r\n\r\nhi\r\n",
+     "1 1/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n",
+     {.m_memlimit = 6}},
     {"carriage_return_counts_and_fits",
      "X: 1\r\n\r\nhi\r\n",
      "1 text/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n"
@@ -101,34 +104,41 @@ const tree_case limit_cases[] = {
      "  47-52 \"A\" \"b\"\n"
      "1.2 e/plain enc=7bit h=57+6 m=57+9 b=63+3 c=63+3 n=1\n",
      {.m_memlimit = 250}},
-    {"limit_bounds_no_body", "\nhi\nho\n", "1 text/plain h=0+1 m=0+7 b=1+6 c=1+6 n=2\n", {.m_memlimit = 1}},
+    {"limit_bounds_no_body",
+     "\nhi\nho\n",
+     "1 text/plain h=0+1 m=0+7 b=1+6 c=1+6 n=2\n",
+     {.m_memlimit = 1}},
 };
 
 class memory_limits : public testing::TestWithParam<tree_case> {};
 
-TEST_P(memory_limits, give_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(memory_limits, give_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
-INSTANTIATE_TEST_SUITE_P(cases, memory_limits, testing::ValuesIn(limit_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, memory_limits, testing::ValuesIn(limit_cases),
+                         case_name<tree_case>);
 
 TEST(memory_bound, keeps_fields_left_out_analysed_as_content_type) {
-    expect_full_tree("Subject: Hello/World; x=y\n\nhi\n", "1 Hello/World h=0+27 m=0+30 b=27+3 c=27+3 n=1\n",
-                     {.m_memlimit = 0});
+    expect_full_tree("Subject: Hello/World; x=y\n\nhi\n",
+                     "1 Hello/World h=0+27 m=0+30 b=27+3 c=27+3 n=1\n", {.m_memlimit = 0});
     expect_full_tree("Subject: m\n\nA: x\n\nhi\n",
                      "1 m/ message h=0+12 m=0+12 c=12+9\n"
                      "1.1 /plain message enc=7bit h=12+9 m=12+9\n",
                      {.m_memlimit = 0});
-    expect_full_tree("Content-Tr: base64\n\nhi\n", "1 base64/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n",
-                     {.m_memlimit = 0});
+    expect_full_tree("Content-Tr: base64\n\nhi\n",
+                     "1 base64/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n", {.m_memlimit = 0});
 }
 
 TEST(memory_bound, keeps_limit_0_without_any_field_or_part) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\nX: a/b\n\n--X\nA: b\n\nhi\n--X--\n",
-                     "1 a/b h=0+50 m=0+69 b=50+19 c=50+19 n=5\n", {.m_memlimit = 0});
+    expect_full_tree(
+        "Content-Type: multipart/mixed; boundary=X\nX: a/b\n\n--X\nA: b\n\nhi\n--X--\n",
+        "1 a/b h=0+50 m=0+69 b=50+19 c=50+19 n=5\n", {.m_memlimit = 0});
 }
 
 TEST(memory_bound, keeps_count_of_fields_left_out) {
-    expect_full_tree("X: a/b234567890\nY: 2\n\nhi\n", "1 2/b234567890 h=0+22 m=0+25 b=22+3 c=22+3 n=1\n",
-                     {.m_memlimit = 16});
+    expect_full_tree("X: a/b234567890\nY: 2\n\nhi\n",
+                     "1 2/b234567890 h=0+22 m=0+25 b=22+3 c=22+3 n=1\n", {.m_memlimit = 16});
     expect_full_tree("Y: 2\n\nhi\n",
                      "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
                      "  0-5 \"Y\" \"2\"\n",

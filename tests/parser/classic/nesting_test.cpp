@@ -76,7 +76,8 @@ const tree_case nesting_cases[] = {
      "1.1.1 text/plain enc=7bit h=65+18 m=65+21 b=83+3 c=83+3 n=1\n"
      "  65-76 \"Subject\" \"x\"\n"
      "  76-82 \"To\" \"y\"\n"},
-    {"header_block_of_a_message_ends_without_a_blank_line", "Content-Type: message/rfc822\n123\nA: b\n",
+    {"header_block_of_a_message_ends_without_a_blank_line",
+     "Content-Type: message/rfc822\n123\nA: b\n",
      "1 message/rfc822 message h=0+29 m=0+38 b=29+9 c=29+9 n=2\n"
      "  0-29 \"Content-Type\" \"message/rfc822\"\n"
      "1.1 text/plain enc=7bit m=29+9 b=29+9 c=29+9 n=2\n"},
@@ -84,7 +85,8 @@ const tree_case nesting_cases[] = {
      "1 message/rfc822 message h=0+30 m=0+39 b=30+9 c=30+9 n=2\n"
      "  0-29 \"Content-Type\" \"message/rfc822\"\n"
      "1.1 text/plain enc=7bit m=30+9 b=30+9 c=30+9 n=2\n"},
-    {"message_is_opened_by_the_line_that_ends_its_header_block", "Content-Type: message/rfc822\n1 2\n",
+    {"message_is_opened_by_the_line_that_ends_its_header_block",
+     "Content-Type: message/rfc822\n1 2\n",
      "1 message/rfc822 message h=0+29 m=0+33 b=29+4 c=29+4 n=1\n"
      "  0-29 \"Content-Type\" \"message/rfc822\"\n"
      "1.1 text/plain enc=7bit m=29+4 b=29+4 c=29+4 n=1\n"},
@@ -128,7 +130,9 @@ const tree_case nesting_cases[] = {
 
 class nesting : public testing::TestWithParam<tree_case> {};
 
-TEST_P(nesting, gives_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(nesting, gives_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, nesting, testing::ValuesIn(nesting_cases), case_name<tree_case>);
 
@@ -153,7 +157,8 @@ TEST(nested_message, keeps_empty_first_line_as_its_header_block) {
 }
 
 TEST(nested_message, keeps_empty_line_dropped_in_its_body) {
-    // The line that opens the message is its first body line; the empty line after that is nobody's.
+    // The line that opens the message is its first body line; the empty line after that is
+    // nobody's.
     expect_full_tree("Content-Type: message/rfc822\n\n1\n\n2\n\n3\n",
                      "1 message/rfc822 message h=0+30 m=0+38 b=30+8 c=30+8 n=4\n"
                      "  0-29 \"Content-Type\" \"message/rfc822\"\n"
@@ -184,23 +189,24 @@ TEST(nested_message, keeps_separator_opening_it_first) {
 }
 
 TEST(nested_message, keeps_two_pops_for_one_line_at_most) {
-    // A message in a message in a part: the separator closes the two inner ones, and the next part lands in the
-    // outer one.
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-                     "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\nA: b\n\nD: e\nF: g\n\nhi\n--X\nH: "
-                     "i\n\nho\n--X--\n",
-                     "1 multipart/mixed multipart h=0+43 m=0+145 b=123+22 c=43+102 n=3\n"
-                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-                     "1.1 message/rfc822 message enc=7bit h=47+30 m=47+92 b=123+16 c=77+68 n=2\n"
-                     "  47-76 \"Content-Type\" \"message/rfc822\"\n"
-                     "1.1.1 message/rfc822 message enc=7bit h=77+35 m=77+49 b=123+3 c=112+14 n=1\n"
-                     "  77-106 \"Content-Type\" \"message/rfc822\"\n"
-                     "  106-111 \"A\" \"b\"\n"
-                     "1.1.1.1 text/plain enc=7bit h=112+11 m=112+14 b=123+3 c=123+3 n=1\n"
-                     "  112-117 \"D\" \"e\"\n"
-                     "  117-122 \"F\" \"g\"\n"
-                     "1.1.2 text/plain enc=7bit h=130+6 m=130+9 b=136+3 c=136+3 n=1\n"
-                     "  130-135 \"H\" \"i\"\n");
+    // A message in a message in a part: the separator closes the two inner ones, and the next part
+    // lands in the outer one.
+    expect_full_tree(
+        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+        "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\nA: b\n\nD: e\nF: g\n\nhi\n--X\nH: "
+        "i\n\nho\n--X--\n",
+        "1 multipart/mixed multipart h=0+43 m=0+145 b=123+22 c=43+102 n=3\n"
+        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+        "1.1 message/rfc822 message enc=7bit h=47+30 m=47+92 b=123+16 c=77+68 n=2\n"
+        "  47-76 \"Content-Type\" \"message/rfc822\"\n"
+        "1.1.1 message/rfc822 message enc=7bit h=77+35 m=77+49 b=123+3 c=112+14 n=1\n"
+        "  77-106 \"Content-Type\" \"message/rfc822\"\n"
+        "  106-111 \"A\" \"b\"\n"
+        "1.1.1.1 text/plain enc=7bit h=112+11 m=112+14 b=123+3 c=123+3 n=1\n"
+        "  112-117 \"D\" \"e\"\n"
+        "  117-122 \"F\" \"g\"\n"
+        "1.1.2 text/plain enc=7bit h=130+6 m=130+9 b=136+3 c=136+3 n=1\n"
+        "  130-135 \"H\" \"i\"\n");
     expect_full_tree(
         "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
         "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\nA: b\n\nD: e\nF: g\n\nhi\n--X--\nend\n",
@@ -219,36 +225,38 @@ TEST(nested_message, keeps_two_pops_for_one_line_at_most) {
 }
 
 TEST(nested_message, keeps_message_opened_again_in_an_epilogue) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-                     "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\nA: b\n\nD: e\nF: "
-                     "g\n\nhi\n--X--\nEnd: x\n\n\nend\n",
-                     "1 multipart/mixed multipart h=0+43 m=0+145 b=123+22 c=43+102 n=3\n"
-                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-                     "1.1 message/rfc822 message enc=7bit h=47+30 m=47+98 b=123+22 c=77+68 n=3\n"
-                     "  47-76 \"Content-Type\" \"message/rfc822\"\n"
-                     "1.1.1 message/rfc822 message enc=7bit h=77+35 m=77+49 b=123+3 c=112+20 n=1\n"
-                     "  77-106 \"Content-Type\" \"message/rfc822\"\n"
-                     "  106-111 \"A\" \"b\"\n"
-                     "1.1.1.1 text/plain enc=7bit h=112+11 m=112+14 b=123+3 c=123+3 n=1\n"
-                     "  112-117 \"D\" \"e\"\n"
-                     "  117-122 \"F\" \"g\"\n"
-                     "1.1.2 text/plain enc=7bit h=132+9 m=132+13 b=141+4 c=141+4 n=1\n"
-                     "  132-139 \"End\" \"x\"\n");
+    expect_full_tree(
+        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+        "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\nA: b\n\nD: e\nF: "
+        "g\n\nhi\n--X--\nEnd: x\n\n\nend\n",
+        "1 multipart/mixed multipart h=0+43 m=0+145 b=123+22 c=43+102 n=3\n"
+        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+        "1.1 message/rfc822 message enc=7bit h=47+30 m=47+98 b=123+22 c=77+68 n=3\n"
+        "  47-76 \"Content-Type\" \"message/rfc822\"\n"
+        "1.1.1 message/rfc822 message enc=7bit h=77+35 m=77+49 b=123+3 c=112+20 n=1\n"
+        "  77-106 \"Content-Type\" \"message/rfc822\"\n"
+        "  106-111 \"A\" \"b\"\n"
+        "1.1.1.1 text/plain enc=7bit h=112+11 m=112+14 b=123+3 c=123+3 n=1\n"
+        "  112-117 \"D\" \"e\"\n"
+        "  117-122 \"F\" \"g\"\n"
+        "1.1.2 text/plain enc=7bit h=132+9 m=132+13 b=141+4 c=141+4 n=1\n"
+        "  132-139 \"End\" \"x\"\n");
 }
 
 TEST(nested_message, keeps_one_pop_for_a_closing_line_in_an_epilogue) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\n"
-                     "Content-Type: multipart/mixed; boundary=Y\n\n\n--Y\nA: b\n--Y--\nepi\n--X--\nEnd: x\n",
-                     "1 multipart/mixed multipart h=0+43 m=0+136 b=130+6 e=136+10 c=43+110 n=1\n"
-                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-                     "1.1 message/rfc822 message enc=7bit h=47+30 m=47+89 b=130+6 e=136+10 c=77+76 n=1\n"
-                     "  47-76 \"Content-Type\" \"message/rfc822\"\n"
-                     "1.1.1 multipart/mixed multipart enc=7bit h=77+44 m=77+59 b=130+6 e=136+4 c=121+15 n=1\n"
-                     "  77-119 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
-                     "1.1.1.1 text/plain enc=7bit h=125+5 m=125+5\n"
-                     "  125-130 \"A\" \"b\"\n"
-                     "1.1.2 text/plain enc=7bit h=146+7 m=146+7\n"
-                     "  146-153 \"End\" \"x\"\n");
+    expect_full_tree(
+        "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\n"
+        "Content-Type: multipart/mixed; boundary=Y\n\n\n--Y\nA: b\n--Y--\nepi\n--X--\nEnd: x\n",
+        "1 multipart/mixed multipart h=0+43 m=0+136 b=130+6 e=136+10 c=43+110 n=1\n"
+        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+        "1.1 message/rfc822 message enc=7bit h=47+30 m=47+89 b=130+6 e=136+10 c=77+76 n=1\n"
+        "  47-76 \"Content-Type\" \"message/rfc822\"\n"
+        "1.1.1 multipart/mixed multipart enc=7bit h=77+44 m=77+59 b=130+6 e=136+4 c=121+15 n=1\n"
+        "  77-119 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
+        "1.1.1.1 text/plain enc=7bit h=125+5 m=125+5\n"
+        "  125-130 \"A\" \"b\"\n"
+        "1.1.2 text/plain enc=7bit h=146+7 m=146+7\n"
+        "  146-153 \"End\" \"x\"\n");
 }
 
 TEST(nested_message, content_type_state_does_not_reach_into_it) {
@@ -256,12 +264,13 @@ TEST(nested_message, content_type_state_does_not_reach_into_it) {
                      "1 message/rfc822 message h=0+30 m=0+45 b=30+15 c=30+15 n=2\n"
                      "  0-29 \"Content-Type\" \"message/rfc822\"\n"
                      "1.1 text/plain enc=7bit m=30+15 b=30+15 c=30+15 n=2\n");
-    expect_full_tree("Content-Type: multipart/mixed;\nContent-Type: message/rfc822\n\nA: b\n boundary=X\n",
-                     "1 message/rfc822 message h=0+61 m=0+61 c=61+17\n"
-                     "  0-31 \"Content-Type\" \"multipart/mixed\"\n"
-                     "  31-60 \"Content-Type\" \"message/rfc822\"\n"
-                     "1.1 text/plain enc=7bit h=61+17 m=61+17\n"
-                     "  61-78 \"A\" \"b boundary=X\"\n");
+    expect_full_tree(
+        "Content-Type: multipart/mixed;\nContent-Type: message/rfc822\n\nA: b\n boundary=X\n",
+        "1 message/rfc822 message h=0+61 m=0+61 c=61+17\n"
+        "  0-31 \"Content-Type\" \"multipart/mixed\"\n"
+        "  31-60 \"Content-Type\" \"message/rfc822\"\n"
+        "1.1 text/plain enc=7bit h=61+17 m=61+17\n"
+        "  61-78 \"A\" \"b boundary=X\"\n");
 }
 
 TEST(deep_nesting, every_level_of_messages_has_its_own_ranges) {

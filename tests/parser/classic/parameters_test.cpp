@@ -100,9 +100,12 @@ const tree_case parameter_cases[] = {
 
 class parameters : public testing::TestWithParam<tree_case> {};
 
-TEST_P(parameters, give_tree) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(parameters, give_tree) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
-INSTANTIATE_TEST_SUITE_P(cases, parameters, testing::ValuesIn(parameter_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, parameters, testing::ValuesIn(parameter_cases),
+                         case_name<tree_case>);
 
 // Each row has a good parameter first and one last; what is between ends the reading of that line.
 const tree_case stop_cases[] = {
@@ -161,18 +164,23 @@ const tree_case stop_cases[] = {
 
 class parameter_stops : public testing::TestWithParam<tree_case> {};
 
-TEST_P(parameter_stops, end_the_line) { expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(parameter_stops, end_the_line) {
+    expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
-INSTANTIATE_TEST_SUITE_P(cases, parameter_stops, testing::ValuesIn(stop_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, parameter_stops, testing::ValuesIn(stop_cases),
+                         case_name<tree_case>);
 
 TEST(parameter, keeps_semicolon_inside_quotes_as_an_end) {
-    expect_full_tree("Content-Type: a/b; c=\"d;e=f\"\n", "1 a/b h=0+29 m=0+29\n"
-                                                         "  0-29 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\")\n");
+    expect_full_tree("Content-Type: a/b; c=\"d;e=f\"\n",
+                     "1 a/b h=0+29 m=0+29\n"
+                     "  0-29 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\")\n");
 }
 
 TEST(parameter, keeps_trailing_blanks_of_a_value) {
-    expect_full_tree("Content-Type: a/b; c=d ; e=f \t\n", "1 a/b h=0+31 m=0+31\n"
-                                                          "  0-31 \"Content-Type\" \"a/b\" (c \"d \") (e \"f \\t\")\n");
+    expect_full_tree("Content-Type: a/b; c=d ; e=f \t\n",
+                     "1 a/b h=0+31 m=0+31\n"
+                     "  0-31 \"Content-Type\" \"a/b\" (c \"d \") (e \"f \\t\")\n");
 }
 
 TEST(parameter, keeps_closing_quote_before_a_blank) {

@@ -1,5 +1,5 @@
-// Offsets past 4 GiB wrap, and a range or field that begins at the value that stands for "unset" stays unset. The
-// messages begin close to the wrap, so that they can be short.
+// Offsets past 4 GiB wrap, and a range or field that begins at the value that stands for "unset"
+// stays unset. The messages begin close to the wrap, so that they can be short.
 
 #include <mail_structure.h>
 
@@ -67,7 +67,9 @@ const wrap_case wrap_cases[] = {
 
 class offset_wrap : public testing::TestWithParam<wrap_case> {};
 
-TEST_P(offset_wrap, gives_tree) { expect_tree_from(GetParam().m_first_offset, GetParam().m_input, GetParam().m_tree); }
+TEST_P(offset_wrap, gives_tree) {
+    expect_tree_from(GetParam().m_first_offset, GetParam().m_input, GetParam().m_tree);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, offset_wrap, testing::ValuesIn(wrap_cases), case_name<wrap_case>);
 
@@ -79,11 +81,13 @@ TEST(offsets, keeps_body_that_begins_at_the_wrap_short_of_its_first_line) {
 
 TEST(offsets, keeps_body_of_a_part_that_begins_at_the_wrap_short_of_its_first_line) {
     // 55 bytes come before the body of the part; that of the root begins earlier and is whole.
-    expect_tree_from(0xFFFFFFC9, "Content-Type: multipart/mixed; boundary=X\n\np\n--X\nA: b\n\nhi\nho\nhu\n--X--\n",
-                     "1 multipart/mixed multipart h=4294967241+43 m=4294967241+70 b=4294967284+27 c=4294967284+27 n=5\n"
-                     "  4294967241-4294967283 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-                     "1.1 text/plain enc=7bit h=4294967290+6 m=4294967290+15 b=3+6 c=0+9 n=3\n"
-                     "  4294967290-4294967295 \"A\" \"b\"\n");
+    expect_tree_from(
+        0xFFFFFFC9,
+        "Content-Type: multipart/mixed; boundary=X\n\np\n--X\nA: b\n\nhi\nho\nhu\n--X--\n",
+        "1 multipart/mixed multipart h=4294967241+43 m=4294967241+70 b=4294967284+27 c=4294967284+27 n=5\n"
+        "  4294967241-4294967283 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+        "1.1 text/plain enc=7bit h=4294967290+6 m=4294967290+15 b=3+6 c=0+9 n=3\n"
+        "  4294967290-4294967295 \"A\" \"b\"\n");
 }
 
 TEST(offsets, keeps_field_that_begins_at_the_last_offset_unset_until_its_fold) {

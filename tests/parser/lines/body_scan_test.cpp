@@ -23,7 +23,8 @@ std::string as_text(const scanned_lines& found) {
     return std::to_string(found.m_lines) + " lines, " + std::to_string(found.m_bytes) + " bytes";
 }
 
-/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its end.
+/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its
+/// end.
 void expect_all_agree(std::string_view bytes) {
     const auto copy = std::make_unique<char[]>(bytes.size());
     bytes.copy(copy.get(), bytes.size());
@@ -32,7 +33,8 @@ void expect_all_agree(std::string_view bytes) {
         const std::string wanted = as_text(scan_body_plain(exact, dashed));
         for (const auto& scanner : all_scanners())
             ASSERT_EQ(as_text(scanner.m_scan_body(exact, dashed)), wanted)
-                << scanner.m_name << (dashed == dashed_lines::end_the_run ? ", dashes end the run: " : ": ")
+                << scanner.m_name
+                << (dashed == dashed_lines::end_the_run ? ", dashes end the run: " : ": ")
                 << test_support::escaped(bytes);
     }
 }
@@ -66,7 +68,8 @@ class body_scan : public testing::TestWithParam<scan_case> {};
 TEST_P(body_scan, finds_whole_lines_of_text) {
     const scan_case& row = GetParam();
     EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::are_text)), row.m_dashes_as_text);
-    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::end_the_run)), row.m_dashes_end_the_run);
+    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::end_the_run)),
+              row.m_dashes_end_the_run);
 }
 
 /// A row wherever it may lie in a block, and with its bytes in two blocks.
@@ -79,13 +82,15 @@ TEST_P(body_scan, is_the_same_at_every_place_of_a_block) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(rows, body_scan, testing::ValuesIn(scan_cases), test_support::case_name<scan_case>);
+INSTANTIATE_TEST_SUITE_P(rows, body_scan, testing::ValuesIn(scan_cases),
+                         test_support::case_name<scan_case>);
 
 TEST(body_scanners, agree_on_random_bytes) {
     constexpr std::string_view telling = "\n\n\n\r\r\0--ab"sv;
     seeded_random random(1);
     for (int round = 0; round < 20000; ++round) {
-        const std::size_t rarity = std::size_t{1} << random.below(7); // of telling bytes, so that runs grow long too
+        const std::size_t rarity =
+            std::size_t{1} << random.below(7); // of telling bytes, so that runs grow long too
         std::string bytes(random.below(400), 'q');
         for (char& byte : bytes)
             if (random.one_in(rarity)) byte = telling[random.below(telling.size())];

@@ -18,10 +18,12 @@ using test_support::tree_case;
 
 const tree_case line_end_cases[] = {
     {"line_feeds", "a: b\n\nhi\n", "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"},
-    {"carriage_returns_lie_inside_the_ranges", "a: b\r\n\r\nhi\r\n", "1 text/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n"},
+    {"carriage_returns_lie_inside_the_ranges", "a: b\r\n\r\nhi\r\n",
+     "1 text/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n"},
     {"endings_may_be_mixed", "a: b\r\n\nhi\r\nho\n", "1 text/plain h=0+7 m=0+14 b=7+7 c=7+7 n=2\n"},
     {"last_line_may_lack_its_end", "a: b\n\nhi", "1 text/plain h=0+6 m=0+8 b=6+2 c=6+2 n=1\n"},
-    {"last_line_may_end_in_a_carriage_return", "a: b\r\n\r\nhi\r", "1 text/plain h=0+8 m=0+11 b=8+3 c=8+3 n=1\n"},
+    {"last_line_may_end_in_a_carriage_return", "a: b\r\n\r\nhi\r",
+     "1 text/plain h=0+8 m=0+11 b=8+3 c=8+3 n=1\n"},
     {"header_block_may_lack_its_end", "a: b", "1 / h=0+4 m=0+4\n"},
     {"empty_last_line_in_the_body", "a: b\n\n\n", "1 text/plain h=0+6 m=0+7 b=6+1 c=6+1 n=1\n"},
     {"nothing_after_the_last_line_feed", "a: b\n", "1 / h=0+5 m=0+5\n"},
@@ -33,7 +35,9 @@ const tree_case line_end_cases[] = {
 
 class line_ends : public testing::TestWithParam<tree_case> {};
 
-TEST_P(line_ends, give_tree) { expect_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options); }
+TEST_P(line_ends, give_tree) {
+    expect_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
+}
 
 INSTANTIATE_TEST_SUITE_P(cases, line_ends, testing::ValuesIn(line_end_cases), case_name<tree_case>);
 
@@ -83,7 +87,8 @@ const tree_case stray_byte_cases[] = {
     {"in_an_epilogue", "Content-Type: multipart/mixed; boundary=X\n\n--X--\nhi\n\rho\n",
      "1 multipart/mixed multipart h=0+43 m=0+49 b=43+6 e=49+3 n=1\n"
      "! runtime_error: error in io input data\n"},
-    {"past_the_end_of_a_64_byte_block", "\n0123456789012345678901234567890123456789012345678901234567890123456\rx\n",
+    {"past_the_end_of_a_64_byte_block",
+     "\n0123456789012345678901234567890123456789012345678901234567890123456\rx\n",
      "1 / h=0+1 m=0+1\n"
      "! runtime_error: error in io input data\n"},
     {"in_a_line_that_would_be_dropped", "Content-Type: multipart/mixed; boundary=X\n\n--X\n\r\r\n",
@@ -98,7 +103,8 @@ TEST_P(stray_bytes, end_the_parse_at_their_line) {
     expect_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, stray_bytes, testing::ValuesIn(stray_byte_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, stray_bytes, testing::ValuesIn(stray_byte_cases),
+                         case_name<tree_case>);
 
 const tree_case accepted_byte_cases[] = {
     {"three_letters_and_a_carriage_return_keep_the_letters",
@@ -134,7 +140,8 @@ TEST_P(accepted_bytes, stay_in_the_text) {
     expect_full_tree(GetParam().m_input, GetParam().m_tree, GetParam().m_options);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, accepted_bytes, testing::ValuesIn(accepted_byte_cases), case_name<tree_case>);
+INSTANTIATE_TEST_SUITE_P(cases, accepted_bytes, testing::ValuesIn(accepted_byte_cases),
+                         case_name<tree_case>);
 
 TEST(line_reader, keeps_nul_before_the_line_feed_unseen) {
     expect_full_tree("a: b\0\n\nabc\0\n"sv,
@@ -165,16 +172,18 @@ TEST(line_reader, long_lines_pass_through_every_stream) {
         const std::string line(length, 'x');
         const std::string end = std::to_string(length + 1);
         expect_full_tree("\n" + line + "\n",
-                         "1 text/plain h=0+1 m=0+" + std::to_string(length + 2) + " b=1+" + end + " c=1+" + end
-                             + " n=1\n  body \"" + line + "\\r\\n\"\n",
+                         "1 text/plain h=0+1 m=0+" + std::to_string(length + 2) + " b=1+" + end
+                             + " c=1+" + end + " n=1\n  body \"" + line + "\\r\\n\"\n",
                          {.m_keep_text = true});
     }
 }
 
 TEST(line_reader, thousands_of_short_lines_are_counted) {
     std::string input = "\n";
-    for (int count = 0; count < 3000; ++count) input += count % 3 == 0 ? "\n" : count % 3 == 1 ? "ab\n" : "\r\n";
-    expect_full_tree(input, "1 text/plain h=0+1 m=0+6001 b=1+6000 c=1+6000 n=3000 body-last-empty\n");
+    for (int count = 0; count < 3000; ++count)
+        input += count % 3 == 0 ? "\n" : count % 3 == 1 ? "ab\n" : "\r\n";
+    expect_full_tree(input,
+                     "1 text/plain h=0+1 m=0+6001 b=1+6000 c=1+6000 n=3000 body-last-empty\n");
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// Every scanner of lines that this processor runs, against the plain one, and the plain one against tables.
+// Every scanner of lines that this processor runs, against the plain one, and the plain one against
+// tables.
 
 #include "parser/lines/scanners.h"
 #include "support/case_name.h"
@@ -23,7 +24,8 @@ std::string as_text(const scanned_line& found) {
            + (found.m_stray ? ", stray" : "") + ", name of " + std::to_string(found.m_name_bytes);
 }
 
-/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its end.
+/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its
+/// end.
 void expect_all_agree(std::string_view bytes) {
     const auto copy = std::make_unique<char[]>(bytes.size());
     bytes.copy(copy.get(), bytes.size());
@@ -65,9 +67,12 @@ const scan_case scan_cases[] = {
 
 class line_scan : public testing::TestWithParam<scan_case> {};
 
-TEST_P(line_scan, finds_the_line) { EXPECT_EQ(as_text(scan_line_plain(GetParam().m_bytes)), GetParam().m_found); }
+TEST_P(line_scan, finds_the_line) {
+    EXPECT_EQ(as_text(scan_line_plain(GetParam().m_bytes)), GetParam().m_found);
+}
 
-/// A row wherever it may lie in a block, as part of a longer line or behind one, and with its bytes in two blocks.
+/// A row wherever it may lie in a block, as part of a longer line or behind one, and with its bytes
+/// in two blocks.
 TEST_P(line_scan, is_the_same_at_every_place_of_a_block) {
     const std::string bytes(GetParam().m_bytes);
     for (std::size_t before = 0; before < 130; ++before) {
@@ -80,14 +85,16 @@ TEST_P(line_scan, is_the_same_at_every_place_of_a_block) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(rows, line_scan, testing::ValuesIn(scan_cases), test_support::case_name<scan_case>);
+INSTANTIATE_TEST_SUITE_P(rows, line_scan, testing::ValuesIn(scan_cases),
+                         test_support::case_name<scan_case>);
 
 TEST(line_scanners, agree_on_every_byte) {
     for (int byte = 0; byte < 256; ++byte) {
         std::string line = "name";
         line += static_cast<char>(byte);
         ASSERT_NO_FATAL_FAILURE(expect_all_agree(line + "x: value\n")) << byte;
-        ASSERT_NO_FATAL_FAILURE(expect_all_agree(std::string(62, 'n') + line + "x: value\n")) << byte;
+        ASSERT_NO_FATAL_FAILURE(expect_all_agree(std::string(62, 'n') + line + "x: value\n"))
+            << byte;
     }
 }
 
@@ -95,7 +102,8 @@ TEST(line_scanners, agree_on_random_bytes) {
     constexpr std::string_view telling = "\n\r\0-: ab1"sv;
     seeded_random random(1);
     for (int round = 0; round < 20000; ++round) {
-        const std::size_t rarity = std::size_t{1} << random.below(7); // of telling bytes, so that lines grow long too
+        const std::size_t rarity =
+            std::size_t{1} << random.below(7); // of telling bytes, so that lines grow long too
         std::string bytes(random.below(300), 'q');
         for (char& byte : bytes)
             if (random.one_in(rarity)) byte = telling[random.below(telling.size())];

@@ -1,4 +1,5 @@
-// Reading a file in large blocks: which buffers are read so, that nothing but the speed shows, and what a failure leaves.
+// Reading a file in large blocks: which buffers are read so, that nothing but the speed shows, and
+// what a failure leaves.
 
 #include <mail_structure.h>
 
@@ -52,7 +53,9 @@ std::string bytes_of_length(std::size_t length) {
     return bytes.substr(0, length);
 }
 
-std::string all_from(std::streambuf& buffer) { return std::string(std::istreambuf_iterator<char>(&buffer), {}); }
+std::string all_from(std::streambuf& buffer) {
+    return std::string(std::istreambuf_iterator<char>(&buffer), {});
+}
 
 /// Converts, if only every byte to itself.
 class busy_conversion : public std::codecvt<char, char, std::mbstate_t> {
@@ -102,7 +105,8 @@ TEST(read_ahead, does_not_suit_a_pipe) {
 }
 
 TEST(read_ahead, gives_all_bytes) {
-    for (const std::size_t length : {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 3 * block + 7}) {
+    for (const std::size_t length :
+         {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 3 * block + 7}) {
         const std::string bytes = bytes_of_length(length);
         const temporary_file file(bytes);
         std::ifstream in(file.path(), std::ios::binary);
@@ -115,7 +119,8 @@ TEST(read_ahead, begins_where_the_file_stands_and_leaves_it_where_its_reader_sto
     const std::string bytes = bytes_of_length(3 * block);
     const temporary_file file(bytes);
     for (const std::size_t first : {std::size_t{0}, std::size_t{5}, std::size_t{9000}}) {
-        for (const std::size_t count : {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 2 * block + 3}) {
+        for (const std::size_t count :
+             {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 2 * block + 3}) {
             std::ifstream in(file.path(), std::ios::binary);
             std::string before(first, ' ');
             in.read(before.data(), static_cast<std::streamsize>(first));
@@ -123,22 +128,26 @@ TEST(read_ahead, begins_where_the_file_stands_and_leaves_it_where_its_reader_sto
                 read_ahead ahead(*in.rdbuf());
                 std::string taken(count, ' ');
                 ahead.sgetn(taken.data(), static_cast<std::streamsize>(count));
-                ASSERT_TRUE(taken == bytes.substr(first, count)) << count << " bytes from " << first;
+                ASSERT_TRUE(taken == bytes.substr(first, count))
+                    << count << " bytes from " << first;
             }
             EXPECT_EQ(in.tellg(), static_cast<std::streamoff>(first + count));
-            EXPECT_TRUE(all_from(*in.rdbuf()) == bytes.substr(first + count)) << count << " bytes from " << first;
+            EXPECT_TRUE(all_from(*in.rdbuf()) == bytes.substr(first + count))
+                << count << " bytes from " << first;
         }
     }
 }
 
-/// The process's own memory as a file, at a mapping that is one page longer than what it maps: reading fails with an error
-/// at that page, in the middle of a block.
+/// The process's own memory as a file, at a mapping that is one page longer than what it maps:
+/// reading fails with an error at that page, in the middle of a block.
 class memory_file {
 public:
     explicit memory_file(std::size_t pages) : m_bytes(pages * page()) {
         std::FILE* const mapped = std::tmpfile();
-        if (mapped == nullptr || ftruncate(fileno(mapped), static_cast<off_t>(m_bytes)) != 0) std::abort();
-        m_place = mmap(nullptr, m_bytes + page(), PROT_READ | PROT_WRITE, MAP_SHARED, fileno(mapped), 0);
+        if (mapped == nullptr || ftruncate(fileno(mapped), static_cast<off_t>(m_bytes)) != 0)
+            std::abort();
+        m_place =
+            mmap(nullptr, m_bytes + page(), PROT_READ | PROT_WRITE, MAP_SHARED, fileno(mapped), 0);
         std::fclose(mapped);
         if (m_place == MAP_FAILED) std::abort();
     }
@@ -167,11 +176,12 @@ TEST(read_ahead, a_read_error_comes_at_its_own_place) {
     const std::string bytes = bytes_of_length(memory.bytes());
     bytes.copy(memory.begin(), bytes.size());
     std::ifstream in = memory.stream();
-    if (!in.is_open() || !read_ahead::suits(*in.rdbuf())) GTEST_SKIP() << "no file here whose reading can fail";
+    if (!in.is_open() || !read_ahead::suits(*in.rdbuf()))
+        GTEST_SKIP() << "no file here whose reading can fail";
     read_ahead ahead(*in.rdbuf());
     std::string found;
-    EXPECT_THROW(for (int byte = ahead.sbumpc(); byte != std::char_traits<char>::eof(); byte = ahead.sbumpc()) found +=
-                 static_cast<char>(byte),
+    EXPECT_THROW(for (int byte = ahead.sbumpc(); byte != std::char_traits<char>::eof();
+                      byte = ahead.sbumpc()) found += static_cast<char>(byte),
                  std::ios_base::failure);
     EXPECT_TRUE(found == bytes) << found.size() << " bytes of " << bytes.size();
 }

@@ -35,7 +35,8 @@ TEST_P(kept_text_form, ends_every_line_with_cr_lf) {
     EXPECT_EQ(kept_form(GetParam().m_lines, room), GetParam().m_kept);
 }
 
-INSTANTIATE_TEST_SUITE_P(rows, kept_text_form, testing::ValuesIn(kept_cases), test_support::case_name<kept_case>);
+INSTANTIATE_TEST_SUITE_P(rows, kept_text_form, testing::ValuesIn(kept_cases),
+                         test_support::case_name<kept_case>);
 
 TEST(kept_text_form, is_the_lines_themselves_where_all_end_with_cr_lf) {
     constexpr std::string_view lines = "a\r\n\r\nb\r\n";

@@ -1,5 +1,6 @@
-// A parser object that is filled again and again: whatever the last message was, however its parse ended and whatever
-// the host did to the tree since, the tree is that of a new object; and what the last one left is used again.
+// A parser object that is filled again and again: whatever the last message was, however its parse
+// ended and whatever the host did to the tree since, the tree is that of a new object; and what the
+// last one left is used again.
 
 #include <mail_structure.h>
 
@@ -34,9 +35,10 @@ std::string repeated(std::size_t times, const std::string& text) {
 
 /// Messages with more and with less of everything than others have, ended in every way.
 std::vector<std::string> all_messages() {
-    const std::string multipart = "Content-Type: multipart/mixed; boundary=b; name=" + long_word + "\n\n";
-    const std::string full_part = "--b\nContent-Type: a/b; p=q; r=" + long_word + "\nX: " + long_word
-                                  + "\nContent-Transfer-Enconding: base64\n\ntext\n\n";
+    const std::string multipart =
+        "Content-Type: multipart/mixed; boundary=b; name=" + long_word + "\n\n";
+    const std::string full_part = "--b\nContent-Type: a/b; p=q; r=" + long_word + "\nX: "
+                                  + long_word + "\nContent-Transfer-Enconding: base64\n\ntext\n\n";
     const std::string message = "Content-Type: message/rfc822\n\n";
     return {
         "",
@@ -49,7 +51,8 @@ std::vector<std::string> all_messages() {
         multipart + "preamble\n" + repeated(5, full_part) + "--b--\nepilogue\n\n",
         multipart + repeated(3, "--b\n"),
         multipart + full_part + "--b\n\n--b\nA: b\n\nhi\n",
-        multipart + full_part + "--b\n" + message + repeated(4, message) + "A: b\nB: c\n\nhi\n--b--\n",
+        multipart + full_part + "--b\n" + message + repeated(4, message)
+            + "A: b\nB: c\n\nhi\n--b--\n",
         repeated(12, message) + "A: b\n\nhi\n",
         repeated(3, message) + multipart + repeated(2, full_part),
         multipart + full_part + "a\rb\n",
@@ -62,7 +65,8 @@ std::vector<std::string> all_messages() {
     };
 }
 
-void expect_tree_of_a_new_parser(MailStructure& message, const std::string& input, const std::string& context) {
+void expect_tree_of_a_new_parser(MailStructure& message, const std::string& input,
+                                 const std::string& context) {
     std::istringstream in(input);
     std::istringstream same(input);
     MailStructure fresh;
@@ -72,8 +76,10 @@ void expect_tree_of_a_new_parser(MailStructure& message, const std::string& inpu
     EXPECT_EQ(message.m_done, fresh.m_done) << context;
     EXPECT_EQ(full_tree_text(message.m_root), full_tree_text(fresh.m_root)) << context;
     EXPECT_EQ(message.m_root.m_parent, nullptr) << context;
-    for (const MimeObj* entity = &message.m_root; !entity->m_children.empty(); entity = &entity->m_children.back())
-        for (const MimeObj& child : entity->m_children) EXPECT_EQ(child.m_parent, entity) << context;
+    for (const MimeObj* entity = &message.m_root; !entity->m_children.empty();
+         entity = &entity->m_children.back())
+        for (const MimeObj& child : entity->m_children)
+            EXPECT_EQ(child.m_parent, entity) << context;
 }
 
 void fill_quietly(MailStructure& message, const std::string& input) {
@@ -87,7 +93,8 @@ TEST(reuse, gives_the_tree_of_a_new_parser_after_any_other_message) {
         MailStructure reused;
         for (std::size_t first = 0; first < messages.size(); ++first) {
             for (std::size_t second = 0; second < messages.size(); ++second) {
-                const std::string context = std::to_string(second) + " after " + std::to_string(first);
+                const std::string context =
+                    std::to_string(second) + " after " + std::to_string(first);
                 reused.m_keep_text = !keep_text;
                 fill_quietly(reused, messages[first]);
                 reused.m_keep_text = keep_text;
@@ -110,7 +117,8 @@ TEST(reuse, gives_the_tree_of_a_new_parser_where_the_stream_fails) {
                 in.exceptions(std::ios_base::badbit);
                 same.exceptions(std::ios_base::badbit);
                 EXPECT_EQ(fill(reused, in), fill(fresh, same));
-                EXPECT_EQ(full_tree_text(reused.m_root), full_tree_text(fresh.m_root)) << input << offset;
+                EXPECT_EQ(full_tree_text(reused.m_root), full_tree_text(fresh.m_root))
+                    << input << offset;
             }
         }
     }
@@ -138,7 +146,9 @@ struct meddling {
 const meddling all_meddlings[] = {
     {"clears", [](MailStructure& message) { message.m_root.clear(); }},
     {"takes_the_children",
-     [](MailStructure& message) { const std::vector<MimeObj> taken = std::move(message.m_root.m_children); }},
+     [](MailStructure& message) {
+         const std::vector<MimeObj> taken = std::move(message.m_root.m_children);
+     }},
     {"takes_a_child_from_among_them",
      [](MailStructure& message) {
          for (MimeObj& child : message.m_root.m_children) const MimeObj taken = std::move(child);
@@ -150,7 +160,8 @@ const meddling all_meddlings[] = {
      }},
     {"puts_a_child_in_the_place_of_the_root",
      [](MailStructure& message) {
-         if (!message.m_root.m_children.empty()) message.m_root = std::move(message.m_root.m_children.back());
+         if (!message.m_root.m_children.empty())
+             message.m_root = std::move(message.m_root.m_children.back());
          message.m_root.m_parent = nullptr;
      }},
     {"copies_the_tree_over_itself",
@@ -182,12 +193,14 @@ const meddling all_meddlings[] = {
              entity->add_body_line(true, line, 7, 9, false);
              entity->add_body_line(true, line, 7, 9, true);
              entity->m_parent = parent;
-             entity->m_multipart = entity->m_message = entity->m_body_last_empty = entity->m_epilogue_last_empty = true;
+             entity->m_multipart = entity->m_message = entity->m_body_last_empty =
+                 entity->m_epilogue_last_empty = true;
              entity->m_type = entity->m_subtype = entity->m_encoding = long_word;
              entity->get_header()->m_params.assign(9, {long_word, long_word});
              if (entity->m_children.empty()) break;
          }
-         for (int child = 0; child < 3; ++child) message.m_root.get_obj()->get_obj()->get_header()->m_beg = 5;
+         for (int child = 0; child < 3; ++child)
+             message.m_root.get_obj()->get_obj()->get_header()->m_beg = 5;
      }},
 };
 
@@ -201,8 +214,8 @@ TEST(reuse, gives_the_tree_of_a_new_parser_whatever_the_host_did) {
                 fill_quietly(reused, messages[first]);
                 host.m_act(reused);
                 expect_tree_of_a_new_parser(reused, messages[second],
-                                            std::to_string(second) + " after " + std::to_string(first) + ", host "
-                                                + host.m_name);
+                                            std::to_string(second) + " after "
+                                                + std::to_string(first) + ", host " + host.m_name);
             }
         }
     }
@@ -220,8 +233,9 @@ TEST(reuse, leaves_the_parent_of_the_root_alone) {
 }
 
 TEST(reuse, takes_over_entities_fields_and_parameters_with_their_storage) {
-    const std::string input = "Content-Type: multipart/mixed; boundary=" + std::string(40, 'b') + "\n\n--"
-                              + std::string(40, 'b') + "\nSubject: " + long_word + "\n\nhi\n";
+    const std::string input = "Content-Type: multipart/mixed; boundary=" + std::string(40, 'b')
+                              + "\n\n--" + std::string(40, 'b') + "\nSubject: " + long_word
+                              + "\n\nhi\n";
     MailStructure message;
     fill_quietly(message, input);
     const MimeObj* const child = &message.m_root.m_children[0];
@@ -239,7 +253,8 @@ TEST(reuse, gives_back_long_texts_that_were_little_used) {
     const std::string long_field = "A: " + std::string(3000, 'x') + "\n\nhi\n";
     const std::string short_field = "A: " + std::string(20, 'x') + "\n\nhi\n";
     MailStructure message;
-    const std::string& value = (fill_quietly(message, long_field), message.m_root.m_headers[0].m_value);
+    const std::string& value =
+        (fill_quietly(message, long_field), message.m_root.m_headers[0].m_value);
     ASSERT_GE(value.capacity(), 3000U);
     fill_quietly(message, short_field); // the last message used it
     EXPECT_GE(value.capacity(), 3000U);
@@ -249,8 +264,8 @@ TEST(reuse, gives_back_long_texts_that_were_little_used) {
 
 TEST(reuse, gives_back_very_long_texts_at_once) {
     MailStructure message;
-    const std::string one_part =
-        "C: multipart/x; b=b\n\n--b\nA: " + std::string(100000, 'x') + "\n\n" + std::string(100000, 'x') + "\n";
+    const std::string one_part = "C: multipart/x; b=b\n\n--b\nA: " + std::string(100000, 'x')
+                                 + "\n\n" + std::string(100000, 'x') + "\n";
     message.m_keep_text = true;
     fill_quietly(message, one_part);
     const MimeObj& part = message.m_root.m_children[0];
