@@ -72,6 +72,9 @@ void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_off
     for (;;) {
         take_run(state, reader);
         if (!reader.next(line)) break;
+        // Kept: the last byte of a line that no CR ends is not examined: a NUL just before an LF
+        // passes.
+        if (line.m_stray_byte) throw std::runtime_error("error in io input data");
         if (reader.has_wrapped()) state.m_open.watch_for_lapses();
         // Kept: the empty line after a separator is dropped from every range, and so is the one
         // after the first header line of an encapsulated message. The phase stays, so a part that

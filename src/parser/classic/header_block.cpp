@@ -81,7 +81,7 @@ void on_continuation_line(fill_state& state, const input_line& line, std::size_t
 verdict on_header_line(fill_state& state, const input_line& line) {
     const header_line found = classify_header_line(line, state.m_field.m_record != nullptr);
     switch (found.m_kind) {
-    case header_line_kind::blank:
+    case header_line_kind::empty:
         state.m_open.add_header_line(line.m_start, line.m_end);
         state.m_phase = phase::body;
         return verdict::consumed;

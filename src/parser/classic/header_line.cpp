@@ -10,34 +10,44 @@ namespace {
 
 constexpr header_line not_of_the_block{header_line_kind::not_of_the_block, 0};
 
+/// The end of the bytes that a scan of a header line sees.
+// Kept: on a line that a CR ended, header scans see all bytes of the text; on any other line they
+// see all but the last. Hosts have stored ranges computed so.
+std::size_t scan_end_of(const input_line& line) noexcept {
+    if (line.m_cr_stripped || line.m_text.empty()) return line.m_text.size();
+    return line.m_text.size() - 1;
+}
+
 /// "  text" continues a field, and what it adds to the value begins at the blank before its text.
 header_line classify_blank_led(const input_line& line) noexcept {
-    // Kept: a single blank with an LF continues the field and is appended as it is. Its scan would
-    // begin past the scan end, so there is nothing left that could tell it from text.
-    if (line.m_scan_end == 0) return {header_line_kind::continuation, 0};
-    // Kept: the scan end leaves out the last byte before an LF, so a fold whose only text is that
+    const std::size_t scan_end = scan_end_of(line);
+    // Kept: a single blank with an LF continues the field and is appended to the value. The scan
+    // would begin past its own end, so it finds no byte that makes the line anything else.
+    if (scan_end == 0) return {header_line_kind::continuation, 0};
+    // Kept: the scan does not see the last byte before an LF, so a fold whose only text is that
     // byte ("  x") ends the block.
-    for (std::size_t at = 1; at < line.m_scan_end; ++at)
+    for (std::size_t at = 1; at < scan_end; ++at)
         if (!is_space(line.m_text[at])) return {header_line_kind::continuation, at - 1};
     return not_of_the_block;
 }
 
 /// The rule for field names: letters and '-', then a colon.
 header_line classify_letter_led(const input_line& line) noexcept {
-    // Kept: one letter with an LF ends the block, for its scan is empty; with a CR it is a field
-    // name.
-    if (line.m_scan_end == 0) return not_of_the_block;
-    const std::size_t at = std::min(line.m_name_bytes, line.m_scan_end);
-    // Kept: a name that reaches the scan end makes the line a field whatever byte comes there:
-    // "ab!" with an LF is a field "ab" with an empty value.
-    if (at == line.m_scan_end || line.m_text[at] == ':') return {header_line_kind::field, at};
+    const std::size_t scan_end = scan_end_of(line);
+    // Kept: one letter with an LF ends the block, for the scan sees no byte of it; one letter with
+    // a CR LF is a field name.
+    if (scan_end == 0) return not_of_the_block;
+    const std::size_t at = std::min(line.m_name_bytes, scan_end);
+    // Kept: a name that reaches the end of the scan makes the line a field, whatever byte comes
+    // there: "ab!" with an LF is a field "ab" with an empty value.
+    if (at == scan_end || line.m_text[at] == ':') return {header_line_kind::field, at};
     return not_of_the_block; // a digit, '_', '.' or blank before the colon: this is body text
 }
 
 } // namespace
 
 header_line classify_header_line(const input_line& line, bool in_field) noexcept {
-    if (line.m_text.empty()) return {header_line_kind::blank, 0};
+    if (line.m_text.empty()) return {header_line_kind::empty, 0};
     const char first = line.m_text.front();
     if (is_space(first)) return in_field ? classify_blank_led(line) : not_of_the_block;
     return is_letter(first) ? classify_letter_led(line) : not_of_the_block;

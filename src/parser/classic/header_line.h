@@ -12,7 +12,7 @@
 namespace mail_structure_detail {
 
 enum class header_line_kind : std::uint8_t {
-    blank,           // ends the block and belongs to it
+    empty,           // ends the block and belongs to it
     field,           // begins a field; m_at is the position of the colon, or where one would stand
     continuation,    // folds the field before it; m_at is the position of the blank before its text
     not_of_the_block // ends the block and does not belong to it
@@ -23,7 +23,7 @@ struct header_line {
     std::size_t m_at;
 };
 
-/// @param in_field  the block has had a field line that this line could continue
+/// @param in_field  the block has had a field line, which this line could continue
 header_line classify_header_line(const input_line& line, bool in_field) noexcept;
 
 } // namespace mail_structure_detail

@@ -2,7 +2,6 @@
 
 #include "get_area.h"
 
-#include <stdexcept>
 #ifdef __GLIBCXX__
 #include <cxxabi.h>
 #endif
@@ -13,7 +12,8 @@ namespace {
 
 constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
 
-/// Of a whole line. One that another byte than LF ends may hold an LF, and that is stray too.
+/// Looks at a whole line. Where another byte than LF ends lines, a line may hold an LF, and that LF
+/// is a stray byte too.
 bool holds_stray_byte(std::string_view line) noexcept {
     if (line.empty()) return false;
     line.remove_suffix(1); // the last byte is free
@@ -41,36 +41,40 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
 }
 
 bool line_reader::next(input_line& line) {
-    std::string_view text = ready();
-    scanned_line found = m_scanners.m_scan_line(text);
-    std::size_t terminator_bytes = 1;
-    if (found.m_has_lf) {
-        text = text.substr(0, found.m_bytes);
-        get_area::consume(buffer(), found.m_bytes + terminator_bytes);
-    } else {
-        if (!read_unfinished_line(text)) return false;
-        terminator_bytes = m_state.eof() ? 0 : 1;
-        found = m_scanners.m_scan_line(text);
-        found.m_stray = holds_stray_byte(text);
-    }
-    line.m_start = static_cast<std::uint32_t>(m_position); // offsets wrap past 4 GiB
-    m_position += text.size() + terminator_bytes;
-    line.m_end = static_cast<std::uint32_t>(m_position);
-
-    line.m_scan_end = text.empty() ? 0 : text.size() - 1;
-    line.m_name_bytes = found.m_name_bytes;
-    if (text.ends_with('\r')) text.remove_suffix(1);
-    line.m_text = text;
-    // Kept: the last byte of a line that no CR ends is not examined, here or by the scans of header
-    // lines: m_scan_end stays one short of such a text. A NUL just before an LF passes, and "ab!"
-    // with an LF is a field named "ab".
-    if (found.m_stray) throw std::runtime_error("error in io input data");
+    const std::string_view bytes = ready();
+    const scanned_line found = m_scanners.m_scan_line(bytes);
+    if (!found.m_has_lf) return next_unfinished(line);
+    get_area::consume(buffer(), found.m_bytes + 1);
+    describe(line, bytes.substr(0, found.m_bytes), found, 1);
     return true;
 }
 
+/// As next, for a line that does not end in the buffer.
+bool line_reader::next_unfinished(input_line& line) {
+    std::string_view bytes;
+    if (!read_unfinished_line(bytes)) return false;
+    scanned_line found = m_scanners.m_scan_line(bytes);
+    found.m_stray = holds_stray_byte(bytes);
+    describe(line, bytes, found, m_state.eof() ? 0 : 1);
+    return true;
+}
+
+/// Gives the line its place and notes the facts.
+/// @param bytes  the line without its terminator, the CR of a CR LF included
+void line_reader::describe(input_line& line, std::string_view bytes, const scanned_line& found,
+                           std::size_t terminator_bytes) {
+    line.m_start = static_cast<std::uint32_t>(m_position); // offsets wrap past 4 GiB
+    m_position += bytes.size() + terminator_bytes;
+    line.m_end = static_cast<std::uint32_t>(m_position);
+    line.m_stray_byte = found.m_stray;
+    line.m_name_bytes = found.m_name_bytes;
+    line.m_cr_stripped = bytes.ends_with('\r');
+    if (line.m_cr_stripped) bytes.remove_suffix(1);
+    line.m_text = bytes;
+}
+
 bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
-    // No run crosses a wrap of the offsets: who keeps watch from there on is told with a single
-    // line.
+    // No run crosses a wrap of the offsets: the line that crosses it is read by itself.
     const std::uint64_t to_next_wrap = wrap - m_position % wrap;
     const std::string_view bytes = ready().substr(0, to_next_wrap - 1);
     const scanned_lines found = m_scanners.m_scan_body(bytes, dashed);
@@ -90,8 +94,13 @@ void line_reader::take(const line_run& run) noexcept {
 }
 
 /// Where lines are read from, in place.
-std::streambuf& line_reader::buffer() const noexcept {
-    if (m_ahead) return const_cast<read_ahead&>(*m_ahead);
+const std::streambuf& line_reader::buffer() const noexcept {
+    if (m_ahead) return *m_ahead;
+    return *m_state.rdbuf();
+}
+
+std::streambuf& line_reader::buffer() noexcept {
+    if (m_ahead) return *m_ahead;
     return *m_state.rdbuf();
 }
 
