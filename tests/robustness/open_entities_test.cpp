@@ -71,10 +71,10 @@ public:
         if (m_stack.size() > 1) m_message.pop(m_stack);
     }
     void add_header_line(std::uint32_t start, std::uint32_t end) {
-        add_contents_line_below_top(start, end);
+        add_contents_line_to_ancestors(start, end);
         m_stack.back()->add_header(start, end);
     }
-    void add_contents_line_below_top(std::uint32_t start, std::uint32_t end) {
+    void add_contents_line_to_ancestors(std::uint32_t start, std::uint32_t end) {
         m_message.add_contents_line_to_all(m_stack, start, end, 1);
     }
     void add_contents_lines(const line_run& lines) {
@@ -178,7 +178,7 @@ private:
             open(lines.m_start, lines.m_end);
             break;
         case line_kind::closing:
-            m_entities.add_contents_line_below_top(lines.m_start, lines.m_end);
+            m_entities.add_contents_line_to_ancestors(lines.m_start, lines.m_end);
             close();
             m_entities.add_body_lines(lines);
             break;
@@ -194,7 +194,7 @@ private:
         m_entities.open();
         ++m_depth;
         m_in_block = true;
-        m_entities.add_contents_line_below_top(start, end);
+        m_entities.add_contents_line_to_ancestors(start, end);
     }
 
     void close() {

@@ -6,27 +6,31 @@ namespace mail_structure_detail {
 
 namespace {
 
-constexpr std::uint32_t whole_name =
-    0xFFFFFFFF; // the first argument is compared whole: is it a prefix?
+constexpr std::uint32_t whole_name = 0xFFFFFFFF; // is the whole first argument a prefix?
 
-/// A parameter counts as stored once it is in the record; only then does it register a boundary.
-void store_parameter(fill_state& state, const parameter& found) {
-    state.m_memory.add(static_cast<std::uint32_t>(found.m_name.size() + found.m_value.size()));
-    field_in_progress& field = state.m_field;
-    set_parameter(*field.m_record, field.m_parameters, found.m_name, found.m_value);
-    const auto& [name, value] = field.m_record->m_params[field.m_parameters++];
-    // Kept: any prefix of "boundary" registers one, and each of several does. Only the last one
-    // registered is matched until a closing line removes it.
-    if (field.m_is_multipart && strncasecmp(name, "boundary", whole_name)) {
-        state.m_delimiters.push_back("--" + value);
-        state.m_open.top().m_multipart = true;
+// Kept: any prefix of "boundary" registers one, and each of several does. Only the last one
+// registered is matched until a closing line removes it.
+bool is_boundary_name(std::string_view name) {
+    return strncasecmp(std::string(name), "boundary", whole_name);
+}
+
+/// Stores a parameter in the record of the field, if the field has one in the tree. Only when that is
+/// done may the parameter register a boundary.
+void store_parameter(classic_state& state, const parameter& found) {
+    const field_in_progress& field = state.m_field;
+    state.m_tree.m_memory.add(
+        static_cast<std::uint32_t>(found.m_name.size() + found.m_value.size()));
+    if (field.m_record != &state.m_scratch) state.m_open.add_parameter(found.m_name, found.m_value);
+    if (field.m_is_multipart && is_boundary_name(found.m_name)) {
+        state.m_delimiters.push_back(std::string("--").append(found.m_value));
+        state.m_open.innermost().m_multipart = true;
     }
 }
 
 } // namespace
 
-// Kept: "Content:", "C:" and the scratch record's empty name are Content-Type fields. Mail in the
-// archives of early hosts abbreviates the name, and its structure would be lost.
+// Kept: "Content:", "C:" and the scratch record's empty name are Content-Type fields. This is the
+// contract, and hosts have stored trees computed so.
 bool is_content_type_name(const std::string& name) {
     return strncasecmp(name, "content-type", whole_name);
 }
@@ -38,8 +42,8 @@ bool is_encoding_name(const std::string& name) {
     return strncasecmp(name, "content-transfer-enconding", whole_name);
 }
 
-void analyse_content_type(fill_state& state, std::string_view line, std::size_t semicolon) {
-    MailStructure::MimeObj& entity = state.m_open.top();
+void analyse_content_type(classic_state& state, std::string_view line, std::size_t semicolon) {
+    MailStructure::MimeObj& entity = state.m_open.innermost();
     const std::string& value = state.m_field.m_record->m_value;
     const std::size_t slash = value.find('/');
     // Kept: blanks around the slash stay, and without a slash the subtype stays what it was.
@@ -56,14 +60,14 @@ void analyse_content_type(fill_state& state, std::string_view line, std::size_t 
     read_parameters(state, line, semicolon);
 }
 
-void read_parameters(fill_state& state, std::string_view line, std::size_t before) {
+void read_parameters(classic_state& state, std::string_view line, std::size_t before) {
     parameter_segments segments(line, before);
     std::string_view segment;
     parameter found;
     while (segments.next(segment) && read_parameter(segment, found)) {
         // Kept: one that finds no room is left out and the next is tried; its boundary does not
         // register, so a multipart beyond the limit is one body.
-        if (state.m_memory.m_estimate < state.m_memory.m_limit) store_parameter(state, found);
+        if (state.m_tree.m_memory.has_room()) store_parameter(state, found);
     }
 }
 

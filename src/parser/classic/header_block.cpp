@@ -13,38 +13,40 @@ namespace {
 constexpr std::uint32_t not_yet_set = 0xFFFFFFFF;
 
 /// Common to every line that begins or continues a field.
-void record_line(fill_state& state, const input_line& line) {
+void record_line(classic_state& state, const input_line& line) {
     MailStructure::header& record = *state.m_field.m_record;
     if (record.m_beg == not_yet_set) record.m_beg = line.m_start;
     record.m_end = line.m_end;
     state.m_open.add_header_line(line.m_start, line.m_end);
 }
 
-/// Ends the last field, and begins the record that takes the new one: one of the current entity, or
-/// the scratch record when the field would pass the memory limit.
-MailStructure::header& begin_record(fill_state& state, const input_line& line, std::size_t colon) {
-    state.m_field.end();
-    // Kept: with kept text the limit is not asked for, so that every field has its record.
-    if (!state.m_keep_text && !state.m_memory.has_room_for(line.m_end - line.m_start)) {
-        reset_field(state.m_scratch);
-        state.m_field.m_record = &state.m_scratch;
+/// Begins the record that takes the new field: one of the innermost entity, or the scratch record
+/// where the memory limit leaves no room.
+MailStructure::header& begin_record(classic_state& state, const input_line& line,
+                                    std::size_t colon) {
+    state.m_field = {};
+    MailStructure::header* record = state.m_tree.add_field(line.m_end - line.m_start);
+    if (record == nullptr) {
+        state.m_scratch = {};
+        record = &state.m_scratch;
     } else {
-        state.m_field.m_record = &state.m_open.add_field();
-        state.m_field.m_record->m_name = line.m_text.substr(0, colon);
+        record->m_name = line.m_text.substr(0, colon);
     }
-    return *state.m_field.m_record;
+    state.m_field.m_record = record;
+    return *record;
 }
 
-/// The text from just past the colon. The scan end may have put the "colon" on the last byte of an
-/// LF line, whose value is then empty, or at the end of a CR LF line, past which no value can
-/// start.
+/// The text behind the colon. Where the line has no colon, the scan has put one on the last byte of
+/// an LF line, whose value is then empty, or at the end of a CR LF line, behind which no value can
+/// begin.
 std::string_view text_after_colon(std::string_view text, std::size_t colon) {
-    // Kept: hosts take this exception for "not a message".
+    // Kept: a line of letters and hyphens before CR LF is an error. This is the contract, and hosts
+    // rely on the exception.
     if (colon == text.size()) throw std::length_error("a field name without a colon");
     return text.substr(colon + 1);
 }
 
-void on_field_line(fill_state& state, const input_line& line, std::size_t colon) {
+void on_field_line(classic_state& state, const input_line& line, std::size_t colon) {
     MailStructure::header& record = begin_record(state, line, colon);
     field_in_progress& field = state.m_field;
     field.m_is_content_type = is_content_type_name(record.m_name);
@@ -56,18 +58,16 @@ void on_field_line(fill_state& state, const input_line& line, std::size_t colon)
         if (semicolon != std::string_view::npos) value = value.substr(0, semicolon - (colon + 1));
     }
     record.m_value = state.m_trim(value);
-    // Kept: a field in the scratch record counts too, so that all fields after it go there as well.
-    state.m_memory.add(line.m_end - line.m_start);
 
     if (field.m_is_content_type)
         analyse_content_type(state, line.m_text, semicolon);
     else if (is_encoding_name(record.m_name))
-        state.m_open.top().m_encoding = record.m_value;
+        state.m_open.innermost().m_encoding = record.m_value;
     record_line(state, line);
 }
 
 /// @param blank  position of the blank before the line's text
-void on_continuation_line(fill_state& state, const input_line& line, std::size_t blank) {
+void on_continuation_line(classic_state& state, const input_line& line, std::size_t blank) {
     // Kept: a folded value keeps its trailing blanks, and is not held against the memory limit.
     if (state.m_field.m_is_content_type)
         read_parameters(state, line.m_text, blank);
@@ -78,12 +78,12 @@ void on_continuation_line(fill_state& state, const input_line& line, std::size_t
 
 } // namespace
 
-verdict on_header_line(fill_state& state, const input_line& line) {
+verdict on_header_line(classic_state& state, const input_line& line) {
     const header_line found = classify_header_line(line, state.m_field.m_record != nullptr);
     switch (found.m_kind) {
     case header_line_kind::empty:
         state.m_open.add_header_line(line.m_start, line.m_end);
-        state.m_phase = phase::body;
+        state.end_header_block();
         return verdict::consumed;
     case header_line_kind::field: on_field_line(state, line, found.m_at); return verdict::consumed;
     case header_line_kind::continuation:
@@ -91,7 +91,7 @@ verdict on_header_line(fill_state& state, const input_line& line) {
         return verdict::consumed;
     case header_line_kind::not_of_the_block: break;
     }
-    state.m_phase = phase::body;
+    state.end_header_block();
     return verdict::again;
 }
 

@@ -3,7 +3,8 @@
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_HEADER_BLOCK_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_HEADER_BLOCK_H
 
-#include "fill_state.h"
+#include "../lines/line_reader.h"
+#include "classic_state.h"
 
 namespace mail_structure_detail {
 
@@ -11,7 +12,7 @@ namespace mail_structure_detail {
 /// body phase, and the line is to be looked at again.
 /// @throws std::length_error  a line ended by CR LF holds nothing but a field name
 /// @throws std::bad_alloc
-verdict on_header_line(fill_state& state, const input_line& line);
+verdict on_header_line(classic_state& state, const input_line& line);
 
 } // namespace mail_structure_detail
 

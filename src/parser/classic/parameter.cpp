@@ -49,8 +49,8 @@ bool read_parameter(std::string_view segment, parameter& found) noexcept {
     segment.remove_prefix(1);
     skip_blanks(segment);
     // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank
-    // give x" and a blank. A boundary is matched with the blank, as the messages of such writers
-    // are divided.
+    // give x" and a blank. A boundary is matched with the blank. Hosts have stored ranges computed
+    // so.
     found.m_value = without_quotes(segment);
     return !found.m_name.empty() && !found.m_value.empty();
 }

@@ -20,7 +20,7 @@ open_entities::open_entities(MimeObj& root) try
     reset_own_members(root);
     empty_type_strings(root);
 } catch (...) {
-    root.clear(); // no destructor will cut off what is below it
+    root.clear(); // no destructor will cut off its descendants
 }
 
 open_entities::~open_entities() { settle_from(0); }
@@ -28,14 +28,14 @@ open_entities::~open_entities() { settle_from(0); }
 void open_entities::open() {
     // First what may fail: a child that is in no account would not be settled with.
     if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
-    m_entities.push_back(&m_accounts.back().m_records.next_child(top()));
+    m_entities.push_back(&m_accounts.back().m_records.next_child(innermost()));
     m_accounts.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
 }
 
 void open_entities::close() {
-    if (m_entities.size() == 1) return;
+    if (m_entities.size() == 1) return; // the root
     settle_from(m_entities.size() - 1);
-    top().finalize();
+    innermost().finalize();
     m_entities.pop_back();
     m_accounts.pop_back();
 }
@@ -45,11 +45,11 @@ void open_entities::finalize() noexcept {
 }
 
 void open_entities::add_header_line(std::uint32_t start, std::uint32_t end) {
-    add_contents_line_below_top(start, end);
-    top().add_header(start, end); // no body line has come yet, so the top's ranges are its own
+    add_contents_line_to_ancestors(start, end);
+    innermost().add_header(start, end); // no body line has come yet, so no range of it is owed
 }
 
-void open_entities::add_contents_line_below_top(std::uint32_t start, std::uint32_t end) {
+void open_entities::add_contents_line_to_ancestors(std::uint32_t start, std::uint32_t end) {
     m_contents.give_lines(m_entities, m_entities.size() - 1, one_line(start, end, false));
 }
 
@@ -64,8 +64,8 @@ void open_entities::add_body_lines(const line_run& lines) {
 }
 
 void open_entities::add_epilogue_lines(const line_run& lines) {
-    // Kept: an epilogue line extends the epilogue of every ancestor and no other range, so a host
-    // that skips epilogues may skip from one part's last body line to the next separator.
+    // Kept: an epilogue line extends the epilogue of every ancestor and no other range. Hosts have
+    // stored ranges computed so.
     m_epilogue.give_lines(m_entities, m_entities.size(), lines);
     m_epilogue_tally.add(lines);
 }
@@ -79,7 +79,7 @@ bool open_entities::takes_epilogue_lines_freely() const noexcept {
     return m_epilogue.takes_lines_freely(m_entities.size());
 }
 
-void open_entities::make_room(std::string MimeObj::*kept, std::size_t bytes) {
+void open_entities::make_room(kept_text kept, std::size_t bytes) {
     for (MimeObj* entity : m_entities) {
         std::string& text = entity->*kept;
         const std::size_t needed = text.size() + bytes;
@@ -88,7 +88,7 @@ void open_entities::make_room(std::string MimeObj::*kept, std::size_t bytes) {
     }
 }
 
-void open_entities::keep_text(std::string MimeObj::*kept, std::string_view text) {
+void open_entities::keep_text(kept_text kept, std::string_view text) {
     for (std::size_t index = m_entities.size(); index-- > 0;)
         (m_entities[index]->*kept).append(text);
 }
@@ -99,14 +99,14 @@ void open_entities::watch_for_lapses() {
     m_contents.watch_for_lapses(m_entities);
 }
 
-/// Reserves room for a chain of that depth. The accounts come first: they have room wherever the
-/// entities have.
+/// Reserves room for a chain of that depth. The accounts come first, so that they have room wherever
+/// the entities have.
 void open_entities::reserve_depth(std::size_t depth) {
     m_accounts.reserve(depth);
     m_entities.reserve(depth);
 }
 
-/// Pays what is owed to the entities from index `count` up, and cuts off their old records.
+/// Pays what is owed to the open entities from index `count` on, and cuts off their old records.
 /// Allocates nothing.
 void open_entities::settle_from(std::size_t count) noexcept {
     m_mime.release(m_entities, count);

@@ -13,11 +13,11 @@ using MimeObj = MailStructure::MimeObj;
 using header = MailStructure::header;
 
 /// Gives back the storage of a string or vector, and what it holds, where that is too much to be
-/// handed on. The size tells what the last message used of it: since then nothing was added, and
-/// what it did not use was cut off.
-// Were a fixed size the only measure, a sender could have each message leave its long fields at
-// other places, until all of a million fields hold that size. A quarter ties what is held to what
-// the last message was.
+/// handed on. The size tells how much of the storage the last message used: since then nothing was
+/// added, and what that message did not use was cut off.
+// Were a fixed size the only measure, a sender could let each message leave its long fields at
+// other places, until all of a million fields hold that size. The quarter ties what is held to the
+// size of the last message.
 template <class Container>
 void give_back_excess(Container& held) noexcept {
     const std::size_t capacity = held.capacity() * sizeof(typename Container::value_type);
@@ -62,13 +62,13 @@ header& reset_field(header& field) noexcept {
     return field;
 }
 
-void set_parameter(header& field, std::size_t in_use, std::string_view name,
+void set_parameter(header& field, std::size_t index, std::string_view name,
                    std::string_view value) {
-    if (in_use >= field.m_params.size()) {
+    if (index >= field.m_params.size()) {
         field.m_params.emplace_back(name, value);
         return;
     }
-    auto& old = field.m_params[in_use];
+    auto& old = field.m_params[index];
     give_back_excess(old.first);
     give_back_excess(old.second);
     old.first = name;

@@ -1,16 +1,16 @@
 // Uses the records of the last message again. A parser object that is filled again and again then
-// allocates next to nothing: Fill leaves the old tree in place, and each entity, field and
-// parameter that comes up takes over the one that stood in its place, strings and vectors with
-// their storage.
+// allocates next to nothing: Fill leaves the old tree in place, and each new entity, field and
+// parameter takes over the record that stood in its place, strings and vectors with their storage.
 //
 //     m_headers of an open entity      [Subject] [From] [To]   [Received] [Received]
-//                                       in use: 3              old; the next field reuses the first
+//                                       in use: 3              old; the next field takes the first
 //
-// What is still old when the entity closes, or when the parse ends in whatever way, is cut off.
+// Records that are still old when the entity closes, or when the parse ends in whatever way, are
+// cut off.
 //
-// Storage that is handed on from message to message must not pile up. So a record below the root
-// gives back what exceeds `kept_always` and of which the last message used less than a quarter, and
-// anything beyond `kept_at_most`. The root gives nothing back, as MimeObj::clear promises.
+// Storage that is handed on from message to message must not pile up. So a record other than the
+// root gives back what exceeds `kept_always` and of which the last message used less than a quarter,
+// and anything beyond `kept_at_most`. The root gives nothing back, as MimeObj::clear promises.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
 #define MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
@@ -27,26 +27,31 @@ namespace mail_structure_detail {
 constexpr std::size_t kept_always = 128;
 constexpr std::size_t kept_at_most = std::size_t{16} << 10U;
 
-/// Empties a field and returns it. Its parameters stay, as old ones.
+/// Empties a field and returns it. Its parameters stay, as old records.
 MailStructure::header& reset_field(MailStructure::header& field) noexcept;
 
-/// As a new child of the entity, in place of its child at the index. Children and fields of that
-/// stay, as old ones.
+/// Makes the entity's child at the index as good as new and returns it. The child's own children and
+/// fields stay, as old records.
 MailStructure::MimeObj& reused_child(MailStructure::MimeObj& entity, std::size_t index);
 
-/// Destroys all but so many of the first records, the last one first: what is allocated next then
-/// lies in rising order.
+/// Destroys the records from index `in_use` on, the last one first: what is allocated next then lies
+/// in rising order.
 template <class Record>
 void cut_off(std::vector<Record>& records, std::size_t in_use) noexcept {
     while (records.size() > in_use) records.pop_back();
 }
 
-/// How many children and fields of an open entity are of the present message. The ones after them
-/// are old.
+/// Sets the parameter at the index of a field: in place of an old one, or as a new one behind all.
+/// @throws std::bad_alloc, and then the parameter there is in no usable state
+void set_parameter(MailStructure::header& field, std::size_t index, std::string_view name,
+                   std::string_view value);
+
+/// How many children and fields of an open entity, and parameters of its last field, are of the
+/// present message. Those after them are old.
 class records_in_use {
 public:
     /// Takes over the entity's next old child, or appends one: with default values, its m_parent
-    /// pointing here.
+    /// pointing to the entity.
     /// @throws std::bad_alloc, and then nothing has changed
     MailStructure::MimeObj& next_child(MailStructure::MimeObj& entity) {
         MailStructure::MimeObj& child = m_children < entity.m_children.size()
@@ -55,37 +60,41 @@ public:
         ++m_children;
         return child;
     }
-    /// Takes over the entity's next old field, or appends one: empty but for old parameters, see
-    /// set_parameter.
-    /// @throws std::bad_alloc, and then nothing has changed
+    /// Takes over the entity's next old field, or appends one: empty but for old parameters. The
+    /// field before it gets no more parameters.
+    /// @throws std::bad_alloc, and then no field has been added
     MailStructure::header& next_field(MailStructure::MimeObj& entity) {
+        cut_off_old_parameters(entity);
         MailStructure::header& field = m_fields < entity.m_headers.size()
                                            ? reset_field(entity.m_headers[m_fields])
                                            : *entity.get_header();
         ++m_fields;
+        m_parameters = 0;
         return field;
     }
-    /// Cuts off what is old. Allocates nothing; linear in what is cut off.
+    /// Takes over the next old parameter of the entity's last field in use, or appends one.
+    /// @throws std::bad_alloc, and then the parameter is not in use
+    void next_parameter(MailStructure::MimeObj& entity, std::string_view name,
+                        std::string_view value) {
+        set_parameter(entity.m_headers[m_fields - 1], m_parameters, name, value);
+        ++m_parameters;
+    }
+    /// Cuts off the old records. Allocates nothing; linear in what is cut off.
     void cut_off_old(MailStructure::MimeObj& entity) const noexcept {
         cut_off(entity.m_children, m_children);
         cut_off(entity.m_headers, m_fields);
+        cut_off_old_parameters(entity);
     }
 
 private:
+    void cut_off_old_parameters(MailStructure::MimeObj& entity) const noexcept {
+        if (m_fields > 0) cut_off(entity.m_headers[m_fields - 1].m_params, m_parameters);
+    }
+
     std::size_t m_children = 0;
     std::size_t m_fields = 0;
+    std::size_t m_parameters = 0; // of the last field in use
 };
-
-/// Sets the next parameter of a field, in place of an old one or as a new one.
-/// @param in_use  so many of its parameters are of the present message
-/// @throws std::bad_alloc, and then the parameter is not in use
-void set_parameter(MailStructure::header& field, std::size_t in_use, std::string_view name,
-                   std::string_view value);
-
-/// Cuts off the old parameters of a field.
-inline void cut_off_old_parameters(MailStructure::header& field, std::size_t in_use) noexcept {
-    cut_off(field.m_params, in_use);
-}
 
 } // namespace mail_structure_detail
 

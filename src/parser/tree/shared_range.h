@@ -1,19 +1,19 @@
 // One byte range of every open entity, grown in all of them at once at a cost that does not depend
 // on their number.
 //
-// A line that extends a range extends it in all open entities, from the root up to the top or to
-// the entity below it. After its first such line an entity's range differs from its neighbours'
-// only in where it begins: all of them end at the line given last. So an entity is told its first
-// line at once and is then merely "followed"; its length is written out when it closes. The
-// followed entities are always the lowest ones on the stack:
+// A line that extends a range extends it in all open entities, from the root to the innermost one or
+// to its parent. After an entity's first such line its range differs from the others' only in where
+// it begins: all of them end at the line given last. So the first line is written into an entity at
+// once; from then on the entity is merely "followed", and its length is written when it closes. The
+// followed entities are always the outermost ones:
 //
 //     root        followed      beg = 0      }
 //     multipart   followed      beg = 120    }  len = m_last_end - beg, owed
-//     new part    not yet told of any line      beg and len are as they stand
+//     new part    no line yet                   beg and len are as they stand
 //
 // Past 4 GiB an entity can come to be exactly 2^32 bytes long. Its length is then 0, its range
 // counts as unset, and the next line sets its beginning anew. From there on the followed ranges are
-// also kept sorted by their beginning, so that such a lapse is found without asking every entity.
+// also kept sorted by their beginning, so that such a lapse is found without a look at every entity.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
 #define MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
@@ -41,8 +41,8 @@ public:
     shared_range(member beg, member len, unset_by test)
         : m_beg(beg), m_len(len), m_unset_by(test) {}
 
-    /// Extends the range by some lines in the lowest `count` open entities.
-    /// Amortised constant time: each entity is told its first lines once.
+    /// Extends the range by some lines in the outermost `count` open entities.
+    /// Amortised constant time: first lines are written into each entity once.
     /// @throws std::bad_alloc  unless takes_lines_freely
     void give_lines(const entity_stack& open, std::size_t count, const line_run& lines) {
         if (m_followed != count || m_watching) {
@@ -60,7 +60,7 @@ public:
         return !m_watching || m_followed == count;
     }
 
-    /// Writes out what is owed to the entities from index `count` up, and follows them no longer.
+    /// Writes what is owed to the entities from index `count` on, and follows them no longer.
     void release(const entity_stack& open, std::size_t count) noexcept;
 
     /// To be called once the input has passed 4 GiB: from now on a range may lapse.
@@ -79,7 +79,7 @@ private:
     member m_len;
     unset_by m_unset_by;
     bool m_watching = false;
-    std::size_t m_followed = 0;   // so many of the lowest open entities
+    std::size_t m_followed = 0;   // open entities, counted from the root
     std::uint32_t m_last_end = 0; // where all followed ranges end
     std::set<std::pair<std::uint32_t, std::size_t>>
         m_begins; // of the followed, with their index; while watching

@@ -1,8 +1,8 @@
 // The form in which the text of body and epilogue lines is kept: each line followed by CR LF,
 // whatever ended it in the input.
 
-#ifndef MAIL_STRUCTURE_PARSER_TREE_KEPT_TEXT_H
-#define MAIL_STRUCTURE_PARSER_TREE_KEPT_TEXT_H
+#ifndef MAIL_STRUCTURE_PARSER_TREE_KEPT_FORM_H
+#define MAIL_STRUCTURE_PARSER_TREE_KEPT_FORM_H
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "kept_text.h"
+#include "kept_form.h"
 
 #include <cstddef>
 

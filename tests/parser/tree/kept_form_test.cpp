@@ -1,6 +1,6 @@
 // The form in which lines are kept.
 
-#include "parser/tree/kept_text.h"
+#include "parser/tree/kept_form.h"
 #include "support/case_name.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,30 @@
+#include "growing_tree.h"
+
+#include "kept_form.h"
+
+namespace mail_structure_detail {
+
+MailStructure::header* growing_tree::add_field(std::uint32_t line_bytes) {
+    // Kept: with kept text the limit is not asked for, so every field has its record.
+    const bool has_room = m_keep_text || m_memory.has_room_for(line_bytes);
+    // Kept: a field without a record counts too, so that all fields after it go without one as well.
+    m_memory.add(line_bytes);
+    return has_room ? &m_open.add_field() : nullptr;
+}
+
+void growing_tree::keep_line(kept_text kept, std::string_view text) {
+    if (m_keep_text) m_open.keep_text(kept, m_room.assign(text).append("\r\n"));
+}
+
+std::string_view growing_tree::make_room(kept_text kept, const line_run& lines) {
+    if (!m_keep_text) return {};
+    const std::string_view text = kept_form(lines.m_bytes, m_room);
+    m_open.make_room(kept, text.size());
+    return text;
+}
+
+void growing_tree::keep_run(kept_text kept, std::string_view text) {
+    if (m_keep_text) m_open.keep_text(kept, text);
+}
+
+} // namespace mail_structure_detail

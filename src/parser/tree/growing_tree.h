@@ -1,0 +1,66 @@
+// What every set of rules needs while a message is read: the open entities, the limit on what header
+// fields may take, and the text that is kept. Built when Fill starts, gone when Fill returns or
+// throws.
+
+#ifndef MAIL_STRUCTURE_PARSER_TREE_GROWING_TREE_H
+#define MAIL_STRUCTURE_PARSER_TREE_GROWING_TREE_H
+
+#include <mail_structure.h>
+
+#include "../lines/line_run.h"
+#include "open_entities.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace mail_structure_detail {
+
+/// An estimate of what the header fields take, held against the host's limit. 32-bit, wrapping.
+struct header_memory {
+    std::uint32_t m_estimate = 0; // of the whole message: it is never reset
+    std::uint32_t m_limit;        // MailStructure::m_memlimit
+
+    explicit header_memory(std::uint32_t limit) : m_limit(limit) {}
+
+    bool has_room_for(std::uint32_t bytes) const noexcept { return m_estimate + bytes < m_limit; }
+    bool has_room() const noexcept { return m_estimate < m_limit; }
+    void add(std::uint32_t bytes) noexcept { m_estimate += record_overhead + bytes; }
+
+    static constexpr std::uint32_t record_overhead = 64;
+};
+
+class growing_tree {
+public:
+    /// Takes over the message's old tree and clears its root. Reads the message's options, which do
+    /// not change the parse from here on. @throws std::bad_alloc
+    explicit growing_tree(MailStructure& message)
+        : m_open(message.m_root), m_memory(MailStructure::m_memlimit),
+          m_keep_text(message.m_keep_text) {}
+
+    /// Counts a field of the innermost entity and adds its record. Null, and no record, where the
+    /// limit leaves no room.
+    /// @param line_bytes  bytes of the field's first line, its terminator included
+    /// @throws std::bad_alloc
+    MailStructure::header* add_field(std::uint32_t line_bytes);
+
+    /// Appends the line's text and CR LF to what all open entities keep, if text is kept.
+    /// @throws std::bad_alloc
+    void keep_line(kept_text kept, std::string_view text);
+    /// Reserves what keep_run will need. Returns the run's text in the form in which it is kept;
+    /// nothing if no text is kept. @throws std::bad_alloc
+    std::string_view make_room(kept_text kept, const line_run& lines);
+    /// Appends to what all open entities keep. Cannot fail where room was made.
+    void keep_run(kept_text kept, std::string_view text);
+
+    open_entities m_open;
+    header_memory m_memory;
+
+private:
+    const bool m_keep_text;
+    std::string m_room; // for the kept form of some lines
+};
+
+} // namespace mail_structure_detail
+
+#endif
