@@ -2,6 +2,8 @@
 
 #include "content_type.h"
 
+#include <cassert>
+
 namespace mail_structure_detail {
 
 namespace {
@@ -53,6 +55,7 @@ void close_multipart(classic_state& state, const input_line& line) {
 /// Kept: a closing line met in an epilogue is an epilogue line of the enclosing entity, in no body
 /// and no contents.
 void close_multipart_in_epilogue(classic_state& state, const input_line& line) {
+    assert(!state.m_delimiters.empty()); // the line has matched the innermost one
     state.m_open.close();
     state.m_delimiters.pop_back();
     add_epilogue_line(state, line);

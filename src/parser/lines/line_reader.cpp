@@ -2,6 +2,8 @@
 
 #include "get_area.h"
 
+#include <cassert>
+
 #ifdef __GLIBCXX__
 #include <cxxabi.h>
 #endif
@@ -89,6 +91,7 @@ bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
 }
 
 void line_reader::take(const line_run& run) noexcept {
+    assert(run.m_bytes.data() == ready().data()); // nothing was read since the run was found
     m_position += run.m_bytes.size();
     get_area::consume(buffer(), run.m_bytes.size());
 }

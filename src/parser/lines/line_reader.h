@@ -71,11 +71,10 @@ private:
     std::istream& m_in;
     std::ios& m_state; // of the same stream; to reach a virtual base takes time
     const scanner_set& m_scanners;
-    std::string m_carry;      // a line that straddles two fillings of the buffer
-    bool m_in_place = false;  // LF ends lines, so the buffer may be searched for it
-    std::uint64_t m_position; // of the next byte to be read
-    std::optional<read_ahead>
-        m_ahead; // stands before the buffer of a stream that reads a plain file
+    std::string m_carry;               // a line that straddles two fillings of the buffer
+    bool m_in_place = false;           // LF ends lines, so the buffer may be searched for it
+    std::uint64_t m_position;          // of the next byte to be read
+    std::optional<read_ahead> m_ahead; // before the buffer of a stream that reads a plain file
 };
 
 } // namespace mail_structure_detail

@@ -3,6 +3,7 @@
 #include "../../model/reset.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace mail_structure_detail {
 
@@ -28,6 +29,7 @@ open_entities::~open_entities() { settle_from(0); }
 void open_entities::open() {
     // First what may fail: a child that is in no account would not be settled with.
     if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
+    assert(m_accounts.capacity() >= m_entities.capacity());
     m_entities.push_back(&m_accounts.back().m_records.next_child(innermost()));
     m_accounts.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
 }
@@ -45,6 +47,7 @@ void open_entities::finalize() noexcept {
 }
 
 void open_entities::add_header_line(std::uint32_t start, std::uint32_t end) {
+    assert(m_body_tally.m_lines == m_accounts.back().m_body_lines_before);
     add_contents_line_to_ancestors(start, end);
     innermost().add_header(start, end); // no body line has come yet, so no range of it is owed
 }

@@ -17,6 +17,7 @@
 
 #include <mail_structure.h>
 
+#include <cassert>
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -76,6 +77,7 @@ public:
     /// @throws std::bad_alloc, and then the parameter is not in use
     void next_parameter(MailStructure::MimeObj& entity, std::string_view name,
                         std::string_view value) {
+        assert(m_fields > 0 && m_fields <= entity.m_headers.size());
         set_parameter(entity.m_headers[m_fields - 1], m_parameters, name, value);
         ++m_parameters;
     }

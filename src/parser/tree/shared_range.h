@@ -22,6 +22,7 @@
 
 #include "../lines/line_run.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <set>
@@ -45,6 +46,7 @@ public:
     /// Amortised constant time: first lines are written into each entity once.
     /// @throws std::bad_alloc  unless takes_lines_freely
     void give_lines(const entity_stack& open, std::size_t count, const line_run& lines) {
+        assert(lines.m_lines > 0 && count <= open.size());
         if (m_followed != count || m_watching) {
             give_line(open, count, lines.m_start, lines.m_first_end);
             // One first line may leave a range unset, the next cannot. They stand for the whole
