@@ -4,6 +4,7 @@
 
 #include "parser/lines/scanners.h"
 #include "require.h"
+#include "support/scan_kinds.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,21 +24,23 @@ struct scanner {
 };
 
 bool line_scans_agree(std::string_view text) {
-    const scanned_line wanted = scan_line_plain(text);
-    for (const scanner_set& one : all_scanners()) {
-        const scanned_line found = one.m_scan_line(text);
-        if (found.m_bytes != wanted.m_bytes || found.m_has_lf != wanted.m_has_lf
-            || found.m_stray != wanted.m_stray || found.m_name_bytes != wanted.m_name_bytes)
-            return false;
+    for (const field_names names : test_support::all_field_names) {
+        const scanned_line wanted = scan_line_plain(text, names);
+        for (const scanner_set& one : all_scanners()) {
+            const scanned_line found = one.m_scan_line(text, names);
+            if (found.m_bytes != wanted.m_bytes || found.m_has_lf != wanted.m_has_lf
+                || found.m_stray != wanted.m_stray || found.m_name_bytes != wanted.m_name_bytes)
+                return false;
+        }
     }
     return true;
 }
 
 bool body_scans_agree(std::string_view text) {
-    for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
-        const scanned_lines wanted = scan_body_plain(text, dashed);
+    for (const run_limits limits : test_support::all_run_limits) {
+        const scanned_lines wanted = scan_body_plain(text, limits);
         for (const scanner_set& one : all_scanners()) {
-            const scanned_lines found = one.m_scan_body(text, dashed);
+            const scanned_lines found = one.m_scan_body(text, limits);
             if (found.m_bytes != wanted.m_bytes || found.m_lines != wanted.m_lines) return false;
         }
     }

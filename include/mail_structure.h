@@ -82,6 +82,10 @@ MAIL_STRUCTURE_API bool strncasecmp(const std::string& s, const char* p, std::ui
 struct MAIL_STRUCTURE_API MailStructure {
     struct MimeObj;
 
+    /// Which rules take a message apart. classic is the rules that the library began with, whose
+    /// ranges hosts have stored. standard reads mail as today's mail readers do.
+    enum class rules : std::uint8_t { classic, standard };
+
     /// One header field (RFC 5322 section 2.2).
     ///
     /// A field's position is kept as begin and end, not as offset and length.
@@ -266,6 +270,9 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// The stream is left as std::getline leaves it. Linear in the size of the input, whatever the
     /// nesting; kept text is linear in its own size.
     void Fill(std::istream& in);
+    /// The same by the given rules; Fill(in) is Fill(in, rules::classic). Under rules::standard no
+    /// bytes of the input are an error: only memory and the stream make it throw.
+    void Fill(std::istream& in, rules by);
 
     /// Prints the tree for diagnosis: the entities with their ranges and header fields to
     /// std::cerr, the kept text of the leaves, between rulers, to std::cout.

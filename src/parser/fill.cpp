@@ -5,8 +5,10 @@
 
 #include "classic/classic_grammar.h"
 #include "lines/line_reader.h"
+#include "standard/standard_grammar.h"
 #include "tree/growing_tree.h"
 
+#include <new>
 #include <optional>
 
 std::uint32_t MailStructure::m_memlimit = 0xFFFFFFFF;
@@ -19,22 +21,36 @@ namespace {
 /// line by line the tree would come out the same.
 template <class Grammar>
 void take_run(Grammar& grammar, line_reader& reader) {
-    const std::optional<dashed_lines> dashed = grammar.may_take_run();
+    const std::optional<run_limits> limits = grammar.may_take_run();
     line_run lines;
-    if (!dashed || !reader.find_run(lines, *dashed)) return;
+    if (!limits || !reader.find_run(lines, *limits)) return;
     grammar.take_run(lines); // if this throws, the lines are neither in the tree nor taken
     reader.take(lines);
 }
 
+/// Reads the next line. Where the stream throws, the input ends with what was read before, and the
+/// tree is to say so.
+template <class Grammar>
+bool read_line(Grammar& grammar, line_reader& reader, input_line& line) {
+    try {
+        return reader.next(line);
+    } catch (...) {
+        try {
+            grammar.end_input();
+        } catch (const std::bad_alloc&) {} // the tree is as far as it was built
+        throw;
+    }
+}
+
 template <class Grammar>
 void fill_by(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
-    growing_tree tree(message);
+    growing_tree tree(message, Grammar::m_unset_body);
     Grammar grammar(tree);
-    line_reader reader(in, first_offset);
+    line_reader reader(in, first_offset, Grammar::m_names);
     input_line line;
     for (;;) {
         take_run(grammar, reader);
-        if (!reader.next(line)) break;
+        if (!read_line(grammar, reader, line)) break;
         if (reader.has_wrapped()) tree.m_open.watch_for_lapses();
         grammar.take_line(line);
     }
@@ -45,10 +61,18 @@ void fill_by(MailStructure& message, std::istream& in, std::uint32_t first_offse
 
 } // namespace
 
-void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
-    fill_by<classic_grammar>(message, in, first_offset);
+void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset,
+               MailStructure::rules by) {
+    if (by == MailStructure::rules::standard)
+        fill_by<standard::standard_grammar>(message, in, first_offset);
+    else
+        fill_by<classic::classic_grammar>(message, in, first_offset);
 }
 
 } // namespace mail_structure_detail
 
-void MailStructure::Fill(std::istream& in) { mail_structure_detail::fill_from(*this, in, 0); }
+void MailStructure::Fill(std::istream& in) { Fill(in, rules::classic); }
+
+void MailStructure::Fill(std::istream& in, rules by) {
+    mail_structure_detail::fill_from(*this, in, 0, by);
+}

@@ -11,7 +11,8 @@
 namespace mail_structure_detail {
 
 /// As MailStructure::Fill, but the first byte read has the given offset.
-void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset);
+void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset,
+               MailStructure::rules by = MailStructure::rules::classic);
 
 } // namespace mail_structure_detail
 

@@ -29,8 +29,13 @@ static_assert(
     std::is_same_v<decltype(&MailStructure::m_memlimit), std::uint32_t*>); // a static member
 static_assert(std::is_same_v<decltype(_lib_version), const std::uint32_t>);
 
-static_assert(
-    std::is_same_v<decltype(&MailStructure::Fill), void (MailStructure::*)(std::istream&)>);
+// Each overload of Fill has the type that it is taken for here.
+[[maybe_unused]] constexpr void (MailStructure::*fill)(std::istream&) = &MailStructure::Fill;
+[[maybe_unused]] constexpr void (MailStructure::*fill_by_rules)(
+    std::istream&, MailStructure::rules) = &MailStructure::Fill;
+static_assert(sizeof(MailStructure::rules) == 1);
+static_assert(static_cast<int>(MailStructure::rules::classic) == 0);
+static_assert(static_cast<int>(MailStructure::rules::standard) == 1);
 static_assert(
     std::is_same_v<decltype(&MailStructure::Dump), void (MailStructure::*)(std::ifstream&) const>);
 static_assert(std::is_same_v<decltype(&MailStructure::push),

@@ -11,6 +11,7 @@
 #include "support/compare.h"
 #include "support/escape.h"
 #include "support/parse.h"
+#include "support/scan_kinds.h"
 #include "support/seeded_random.h"
 #include "support/streams.h"
 
@@ -141,25 +142,28 @@ void PrintTo(const scanner& which, std::ostream* out) { *out << which.m_name; }
 std::vector<scanner> all_scanners() {
     using namespace mail_structure_detail;
     std::vector<scanner> all;
-    const auto line_numbers_of = [](line_scanner scan) {
-        return [scan](std::string_view text) {
-            const scanned_line found = scan(text);
-            return std::vector<std::size_t>{found.m_bytes, found.m_has_lf, found.m_stray,
-                                            found.m_name_bytes};
-        };
-    };
-    for (const scanner_set& known : mail_structure_detail::all_scanners())
-        all.push_back({std::string(known.m_name) + "_of_lines", line_numbers_of(known.m_scan_line),
-                       line_numbers_of(scan_line_plain)});
-    for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
-        const auto numbers_of = [dashed](body_scanner scan) {
-            return [dashed, scan](std::string_view text) {
-                const scanned_lines found = scan(text, dashed);
-                return std::vector<std::size_t>{found.m_bytes, found.m_lines};
+    for (const field_names names : test_support::all_field_names) {
+        const auto numbers_of = [names](line_scanner scan) {
+            return [names, scan](std::string_view text) {
+                const scanned_line found = scan(text, names);
+                return std::vector<std::size_t>{found.m_bytes, found.m_has_lf, found.m_stray,
+                                                found.m_name_bytes};
             };
         };
         const std::string suffix =
-            dashed == dashed_lines::are_text ? "_with_dashes" : "_up_to_dashes";
+            names == field_names::letters ? "_of_lines" : "_of_lines_with_printable_names";
+        for (const scanner_set& known : mail_structure_detail::all_scanners())
+            all.push_back({known.m_name + suffix, numbers_of(known.m_scan_line),
+                           numbers_of(scan_line_plain)});
+    }
+    for (const run_limits limits : test_support::all_run_limits) {
+        const auto numbers_of = [limits](body_scanner scan) {
+            return [limits, scan](std::string_view text) {
+                const scanned_lines found = scan(text, limits);
+                return std::vector<std::size_t>{found.m_bytes, found.m_lines};
+            };
+        };
+        const std::string suffix = "_" + test_support::in_words(limits);
         for (const scanner_set& known : mail_structure_detail::all_scanners())
             all.push_back({known.m_name + suffix, numbers_of(known.m_scan_body),
                            numbers_of(scan_body_plain)});

@@ -239,7 +239,7 @@ public:
         for (const watch when : {watch::when_wrapped, watch::from_the_start}) {
             MailStructure found;
             {
-                open_entities entities(found.m_root);
+                open_entities entities(found.m_root, mail_structure_detail::unset_by::offset);
                 script_player player(entities, when);
                 for (const scripted_line& line : lines) player.play(line);
             }
@@ -321,7 +321,7 @@ TEST(open_entities, all_short_scripts_give_the_trees_of_the_plain_rule) {
 TEST(open_entities, a_range_that_lapses_begins_anew_after_the_gap) {
     MailStructure message;
     {
-        open_entities entities(message.m_root);
+        open_entities entities(message.m_root, mail_structure_detail::unset_by::offset);
         script_player player(entities, watch::when_wrapped);
         for (const scripted_line& line : script{{line_kind::header, 40},
                                                 {line_kind::body, 4 * gib - 40},

@@ -4,11 +4,12 @@
 
 #include <cassert>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 namespace {
 
-using MimeObj = MailStructure::MimeObj;
+/// The epilogue lines of an entity are those of all its ancestors too.
+constexpr kept_text epilogue_text{&MailStructure::MimeObj::m_epilogue_text, keepers::all_open};
 
 /// Closes the innermost part and, if that was an encapsulated message, the part that holds it.
 // Kept: no more than these two are closed, also when a message lies within a message. The entity
@@ -31,12 +32,12 @@ line_run as_run(const input_line& line) noexcept {
 
 void add_body_line(classic_state& state, const input_line& line) {
     state.m_open.add_body_lines(as_run(line));
-    state.m_tree.keep_line(&MimeObj::m_body_text, line.m_text);
+    state.m_tree.keep_line(body_text, line.m_text);
 }
 
 void add_epilogue_line(classic_state& state, const input_line& line) {
     state.m_open.add_epilogue_lines(as_run(line));
-    state.m_tree.keep_line(&MimeObj::m_epilogue_text, line.m_text);
+    state.m_tree.keep_line(epilogue_text, line.m_text);
 }
 
 /// The closing line counts in the body of its multipart.
@@ -90,17 +91,17 @@ void on_epilogue_line(classic_state& state, const input_line& line) {
 }
 
 void add_body_run(classic_state& state, const line_run& lines) {
-    const std::string_view text = state.m_tree.make_room(&MimeObj::m_body_text, lines);
+    const std::string_view text = state.m_tree.make_room(body_text, lines);
     default_type(state.m_open.innermost());
     state.m_open.add_contents_lines(lines);
     state.m_open.add_body_lines(lines);
-    state.m_tree.keep_run(&MimeObj::m_body_text, text);
+    state.m_tree.keep_run(body_text, text);
 }
 
 void add_epilogue_run(classic_state& state, const line_run& lines) {
-    const std::string_view text = state.m_tree.make_room(&MimeObj::m_epilogue_text, lines);
+    const std::string_view text = state.m_tree.make_room(epilogue_text, lines);
     state.m_open.add_epilogue_lines(lines);
-    state.m_tree.keep_run(&MimeObj::m_epilogue_text, text);
+    state.m_tree.keep_run(epilogue_text, text);
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

@@ -7,7 +7,7 @@
 #include "../lines/line_reader.h"
 #include "classic_state.h"
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// Takes a line of a body (a preamble is one too), or a delimiter line that ends one.
 /// @throws std::bad_alloc
@@ -22,6 +22,6 @@ void on_epilogue_line(classic_state& state, const input_line& line);
 void add_body_run(classic_state& state, const line_run& lines);
 void add_epilogue_run(classic_state& state, const line_run& lines);
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -1,6 +1,6 @@
 #include "boundary.h"
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 boundary_match match_boundary(std::string_view line, std::string_view delimiter) noexcept {
     if (line.size() == delimiter.size())
@@ -14,4 +14,4 @@ boundary_match match_innermost(std::string_view line, const delimiter_stack& del
     return delimiters.empty() ? boundary_match::none : match_boundary(line, delimiters.back());
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// What a line is to a multipart: "--ab" separates the parts of a multipart with boundary "ab",
 /// "--ab--" closes it.
@@ -27,6 +27,6 @@ boundary_match match_boundary(std::string_view line, std::string_view delimiter)
 // the inner one; to close the inner one there would move the ranges of every truncated multipart.
 boundary_match match_innermost(std::string_view line, const delimiter_stack& delimiters) noexcept;
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 void classic_grammar::take_line(const input_line& line) {
     // Kept: the last byte of a line that no CR ends is not examined: a NUL directly before an LF
@@ -37,14 +37,16 @@ void classic_grammar::route(const input_line& line) {
     }
 }
 
-std::optional<dashed_lines> classic_grammar::may_take_run() const noexcept {
+std::optional<run_limits> classic_grammar::may_take_run() const noexcept {
     if (m_state.m_phase == phase::header || m_state.m_just_opened) return std::nullopt;
     const open_entities& open = m_state.m_open;
     if (open.innermost().m_message) return std::nullopt; // the next line opens the message within
     const bool freely = m_state.m_phase == phase::body ? open.takes_body_lines_freely()
                                                        : open.takes_epilogue_lines_freely();
     if (!freely) return std::nullopt;
-    return m_state.m_delimiters.empty() ? dashed_lines::are_text : dashed_lines::end_the_run;
+    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
+                                                   : dashed_lines::end_the_run,
+                      stray_bytes::end_the_run};
 }
 
 void classic_grammar::take_run(const line_run& lines) {
@@ -54,4 +56,4 @@ void classic_grammar::take_run(const line_run& lines) {
         add_epilogue_run(m_state, lines);
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

@@ -13,7 +13,7 @@
 
 #include <optional>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 class classic_grammar {
 public:
@@ -24,9 +24,13 @@ public:
     /// @throws std::bad_alloc
     void take_line(const input_line& line);
 
-    /// Whether lines that are nothing but text may be taken together, and whether a line that
-    /// begins with "--" ends such a run.
-    std::optional<dashed_lines> may_take_run() const noexcept;
+    /// What a field name may be made of.
+    static constexpr field_names m_names = field_names::letters;
+    /// What tells that a body range has not been set yet; see grow_body_range.
+    static constexpr unset_by m_unset_body = unset_by::offset;
+
+    /// Whether lines that are nothing but text may be taken together, and what ends such a run.
+    std::optional<run_limits> may_take_run() const noexcept;
     /// Takes a run at the cost of one line. The tree is then as take_line would leave it, line by
     /// line. @throws std::bad_alloc, and then no line of the run has been taken
     void take_run(const line_run& lines);
@@ -40,6 +44,6 @@ private:
     classic_state m_state;
 };
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -11,7 +11,7 @@
 
 #include <cstdint>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// Which path the next line takes.
 enum class phase : std::uint8_t { header, body, epilogue };
@@ -57,6 +57,6 @@ struct classic_state {
     field_trim m_trim;
 };
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -2,7 +2,7 @@
 
 #include "parameter.h"
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 namespace {
 
@@ -76,4 +76,4 @@ void default_type(MailStructure::MimeObj& entity) {
     if (entity.m_subtype.empty()) entity.m_subtype = "plain";
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

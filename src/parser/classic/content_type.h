@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// The rule for the name of a Content-Type field: any prefix of "content-type", the empty one
 /// included.
@@ -34,6 +34,6 @@ void read_parameters(classic_state& state, std::string_view line, std::size_t be
 /// Gives an entity whose type or subtype is empty "text" or "plain".
 void default_type(MailStructure::MimeObj& entity);
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

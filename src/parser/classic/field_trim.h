@@ -6,7 +6,7 @@
 #include <locale>
 #include <string_view>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// Asks the locale that is the global one when this is made what white space is.
 // Kept: it is the host's choice what is trimmed; all other scans of header lines ask the classic
@@ -29,6 +29,6 @@ private:
     const std::ctype<char>* m_classes = nullptr; // of the locale; looked up at the first field
 };
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

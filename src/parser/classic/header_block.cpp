@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 namespace {
 
@@ -95,4 +95,4 @@ verdict on_header_line(classic_state& state, const input_line& line) {
     return verdict::again;
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

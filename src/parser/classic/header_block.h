@@ -6,7 +6,7 @@
 #include "../lines/line_reader.h"
 #include "classic_state.h"
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 /// Takes a line in the header phase. A line that is not of the block ends it: the phase is then the
 /// body phase, and the line is to be looked at again.
@@ -14,6 +14,6 @@ namespace mail_structure_detail {
 /// @throws std::bad_alloc
 verdict on_header_line(classic_state& state, const input_line& line);
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 namespace {
 
@@ -53,4 +53,4 @@ header_line classify_header_line(const input_line& line, bool in_field) noexcept
     return is_letter(first) ? classify_letter_led(line) : not_of_the_block;
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

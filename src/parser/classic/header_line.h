@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 enum class header_line_kind : std::uint8_t {
     empty,           // ends the block and belongs to it
@@ -26,6 +26,6 @@ struct header_line {
 /// @param in_field  the block has had a field line, which this line could continue
 header_line classify_header_line(const input_line& line, bool in_field) noexcept;
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

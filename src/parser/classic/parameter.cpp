@@ -2,7 +2,7 @@
 
 #include "../lines/character_class.h"
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 namespace {
 
@@ -55,4 +55,4 @@ bool read_parameter(std::string_view segment, parameter& found) noexcept {
     return !found.m_name.empty() && !found.m_value.empty();
 }
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace mail_structure_detail {
+namespace mail_structure_detail::classic {
 
 struct parameter {
     std::string_view m_name;
@@ -33,6 +33,6 @@ private:
 /// the line after it is looked at then.
 bool read_parameter(std::string_view segment, parameter& found) noexcept;
 
-} // namespace mail_structure_detail
+} // namespace mail_structure_detail::classic
 
 #endif

@@ -5,13 +5,15 @@
 //     suspect   0 0 1  0  0 0 0 0       a CR or NUL, which only an LF, or nothing, may follow
 //     dash      0 0 0  0  1 1 0 0
 //
-// Only how the masks are made differs between processors: each has a struct with masks(p) and
-// name(p), which read 64 bytes at p; name(p) is right up to the first byte that is not of a name.
-// Each processor's file includes this one where its own instructions are switched on, so everything
-// here is local to that file.
+// Only how the masks are made differs between processors. Each has a struct with masks(p) and
+// name<Names>(p), which read the 64 bytes at p; name(p) is right up to the first byte that a field
+// name cannot hold. Each processor's file includes this one where its own instructions are switched
+// on, so everything here is local to that file.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
+
+#include "character_class.h"
 
 #include <array>
 #include <cstddef>
@@ -51,8 +53,11 @@ public:
     padded_block& operator=(const padded_block&) = delete;
 
     block_masks masks() const noexcept { return Make::masks(m_begin); }
-    /// Letters and hyphens, from the first byte to the last that has only such before it.
-    std::uint64_t name() const noexcept { return Make::name(m_begin); }
+    /// The bytes that a field name may hold, from the first to the last that has only such before it.
+    template <field_names Names>
+    std::uint64_t name() const noexcept {
+        return Make::template name<Names>(m_begin);
+    }
 
 private:
     const char* m_begin;

@@ -9,8 +9,17 @@
 
 namespace mail_structure_detail {
 
-/// Which lines end a run beside those with a stray byte.
+/// Whether lines that begin with "--" end a run.
 enum class dashed_lines : std::uint8_t { are_text, end_the_run };
+
+/// Whether lines with a stray byte (a CR or NUL that is not directly before an LF) end a run.
+enum class stray_bytes : std::uint8_t { are_text, end_the_run };
+
+/// What ends a run of lines.
+struct run_limits {
+    dashed_lines m_dashed;
+    stray_bytes m_stray;
+};
 
 /// The whole lines at the front of some bytes.
 struct scanned_lines {
@@ -19,12 +28,11 @@ struct scanned_lines {
 };
 
 /// The longest run of whole lines at the front of `bytes`, which begin at the beginning of a line,
-/// such that no line in it holds a stray byte (a CR or NUL that is not directly before an LF) nor,
-/// where that ends the run, begins with "--". Reads every byte once and none past the end.
-using body_scanner = scanned_lines (*)(std::string_view bytes, dashed_lines dashed) noexcept;
+/// such that no line in it is one that ends the run. Reads every byte once and none past the end.
+using body_scanner = scanned_lines (*)(std::string_view bytes, run_limits limits) noexcept;
 
 /// Byte by byte: the truth that the others are tested against.
-scanned_lines scan_body_plain(std::string_view bytes, dashed_lines dashed) noexcept;
+scanned_lines scan_body_plain(std::string_view bytes, run_limits limits) noexcept;
 
 } // namespace mail_structure_detail
 

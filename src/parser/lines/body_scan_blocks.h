@@ -3,10 +3,9 @@
 //     bytes     a b CR LF - - x LF
 //     lf        0 0 0  1  0 0 0 1
 //     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
-//     dash      0 0 0  0  1 1 0 0       two behind an LF may be a boundary's
+//     dash      0 0 0  0  1 1 0 0       two behind an LF may be a delimiter's
 //
-// What stands at the end of a block is told of the beginning of the next by the masks of the block
-// before.
+// The previous block's masks carry over what lies at its end.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
@@ -25,10 +24,11 @@ namespace {
 
 /// Bit n is set where byte n shows that the line it stands in, or the byte before it, ends the run.
 /// @param before  the masks of the block before
-template <bool Dashes>
+template <bool Dashes, bool Strays>
 std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noexcept {
-    std::uint64_t ends =
-        (masks.m_suspect << 1 | before.m_suspect >> (block_bytes - 1)) & ~masks.m_lf;
+    std::uint64_t ends = 0;
+    if constexpr (Strays)
+        ends = (masks.m_suspect << 1 | before.m_suspect >> (block_bytes - 1)) & ~masks.m_lf;
     if constexpr (Dashes) {
         const std::uint64_t second_dashes =
             masks.m_dash & (masks.m_dash << 1 | before.m_dash >> (block_bytes - 1));
@@ -51,7 +51,7 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 }
 
 /// Make::masks(p) gives the masks of the 64 bytes at p.
-template <class Make, bool Dashes>
+template <class Make, bool Dashes, bool Strays>
 scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
     block_masks before{std::uint64_t{1} << (block_bytes - 1), 0,
                        0}; // the bytes begin at the beginning of a line
@@ -62,7 +62,7 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
     for (; bytes.size() - start >= block_bytes; start += block_bytes) {
         fetch_ahead(bytes.data() + start);
         const block_masks masks = Make::masks(bytes.data() + start);
-        ends = run_ends<Dashes>(masks, before);
+        ends = run_ends<Dashes, Strays>(masks, before);
         lf = masks.m_lf;
         if (ends != 0) break;
         lines += static_cast<std::size_t>(std::popcount(lf));
@@ -70,7 +70,7 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
     }
     if (ends == 0) { // less than a block is left
         const block_masks masks = padded_block<Make>(bytes.substr(start)).masks();
-        ends = run_ends<Dashes>(masks, before);
+        ends = run_ends<Dashes, Strays>(masks, before);
         lf = masks.m_lf;
     }
     // Neither the byte at the first end nor the one before it is an LF, so the run is what ends
@@ -85,9 +85,13 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
 }
 
 template <class Make>
-scanned_lines scan_by_blocks(std::string_view bytes, dashed_lines dashed) noexcept {
-    return dashed == dashed_lines::end_the_run ? scan_by_blocks<Make, true>(bytes)
-                                               : scan_by_blocks<Make, false>(bytes);
+scanned_lines scan_by_blocks(std::string_view bytes, run_limits limits) noexcept {
+    const bool strays = limits.m_stray == stray_bytes::end_the_run;
+    if (limits.m_dashed == dashed_lines::end_the_run)
+        return strays ? scan_by_blocks<Make, true, true>(bytes)
+                      : scan_by_blocks<Make, true, false>(bytes);
+    return strays ? scan_by_blocks<Make, false, true>(bytes)
+                  : scan_by_blocks<Make, false, false>(bytes);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #ifndef MAIL_STRUCTURE_PARSER_LINES_CHARACTER_CLASS_H
 #define MAIL_STRUCTURE_PARSER_LINES_CHARACTER_CLASS_H
 
+#include <cstdint>
+
 namespace mail_structure_detail {
 
 constexpr bool is_space(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -12,8 +14,19 @@ constexpr bool is_letter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// What a field name may hold here: letters and hyphens.
-constexpr bool is_name_character(char c) noexcept { return is_letter(c) || c == '-'; }
+/// SP or HTAB.
+constexpr bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
+
+/// What a field name may be made of, by the rules that ask.
+enum class field_names : std::uint8_t {
+    letters,  // letters and hyphens
+    printable // every printable ASCII character but the colon (RFC 5322 section 2.2)
+};
+
+constexpr bool is_name_character(char c, field_names names) noexcept {
+    if (names == field_names::letters) return is_letter(c) || c == '-';
+    return c > ' ' && c < '\x7F' && c != ':'; // as signed or unsigned char, none above 127
+}
 
 } // namespace mail_structure_detail
 

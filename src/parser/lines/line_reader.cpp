@@ -27,14 +27,15 @@ bool holds_stray_byte(std::string_view line) noexcept {
 /// Whether the last line of a run, which ends with an LF, is empty.
 bool ends_with_empty_line(std::string_view run) noexcept {
     run.remove_suffix(1);
-    if (run.ends_with('\r')) run.remove_suffix(1);
+    while (run.ends_with('\r')) run.remove_suffix(1);
     return run.empty() || run.ends_with('\n');
 }
 
 } // namespace
 
-line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
-    : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_position(first_offset) {
+line_reader::line_reader(std::istream& in, std::uint32_t first_offset, field_names names)
+    : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_names(names),
+      m_position(first_offset) {
 #ifndef MAILSTRUCTURE_PLAIN
     m_in_place = m_in.widen('\n') == '\n';
     if (m_in_place && m_state.good() && read_ahead::suits(*m_state.rdbuf()))
@@ -44,7 +45,7 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset)
 
 bool line_reader::next(input_line& line) {
     const std::string_view bytes = ready();
-    const scanned_line found = m_scanners.m_scan_line(bytes);
+    const scanned_line found = m_scanners.m_scan_line(bytes, m_names);
     if (!found.m_has_lf) return next_unfinished(line);
     get_area::consume(buffer(), found.m_bytes + 1);
     describe(line, bytes.substr(0, found.m_bytes), found, 1);
@@ -55,7 +56,7 @@ bool line_reader::next(input_line& line) {
 bool line_reader::next_unfinished(input_line& line) {
     std::string_view bytes;
     if (!read_unfinished_line(bytes)) return false;
-    scanned_line found = m_scanners.m_scan_line(bytes);
+    scanned_line found = m_scanners.m_scan_line(bytes, m_names);
     found.m_stray = holds_stray_byte(bytes);
     describe(line, bytes, found, m_state.eof() ? 0 : 1);
     return true;
@@ -75,11 +76,11 @@ void line_reader::describe(input_line& line, std::string_view bytes, const scann
     line.m_text = bytes;
 }
 
-bool line_reader::find_run(line_run& run, dashed_lines dashed) const noexcept {
+bool line_reader::find_run(line_run& run, run_limits limits) const noexcept {
     // No run crosses a wrap of the offsets: the line that crosses it is read by itself.
     const std::uint64_t to_next_wrap = wrap - m_position % wrap;
     const std::string_view bytes = ready().substr(0, to_next_wrap - 1);
-    const scanned_lines found = m_scanners.m_scan_body(bytes, dashed);
+    const scanned_lines found = m_scanners.m_scan_body(bytes, limits);
     if (found.m_lines == 0) return false;
     run.m_bytes = bytes.substr(0, found.m_bytes);
     run.m_lines = found.m_lines;

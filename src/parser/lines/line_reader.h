@@ -28,7 +28,7 @@ struct input_line {
     std::string_view m_text;
     bool m_cr_stripped = false;   // a CR stood between the text and the LF or the end of the input
     bool m_stray_byte = false;    // a CR, LF or NUL stands before the last byte of the line
-    std::size_t m_name_bytes = 0; // letters and hyphens at the front of the line
+    std::size_t m_name_bytes = 0; // at the front of the line, of which a field name may be made
     std::uint32_t m_start = 0;    // offset of the line's first byte
     std::uint32_t m_end = 0;      // offset just past its LF, or past the last byte of the input
 };
@@ -37,17 +37,18 @@ class line_reader {
 public:
     /// @param first_offset  offset of the first byte that the stream yields: 0, except in tests of
     ///                      the wrap
+    /// @param names         what m_name_bytes of each line counts
     /// @throws std::bad_cast  the stream's locale cannot widen an LF
-    line_reader(std::istream& in, std::uint32_t first_offset);
+    line_reader(std::istream& in, std::uint32_t first_offset, field_names names);
 
     /// Reads the next line. False at the end of the input; a read error ends the input too.
     /// @throws std::bad_alloc, and what std::getline throws on the stream
     bool next(input_line& line);
 
-    /// Finds as many whole lines as need no look at their text: lines without a stray byte and,
-    /// where dashed lines end the run, not beginning with "--". False when the stream's buffer
-    /// begins with no such line. Reads nothing; the lines stay in the buffer until they are taken.
-    bool find_run(line_run& run, dashed_lines dashed) const noexcept;
+    /// Finds as many whole lines as need no look at their text. False when the stream's buffer begins
+    /// with a line that ends the run. Reads nothing; the lines stay in the buffer until they are
+    /// taken.
+    bool find_run(line_run& run, run_limits limits) const noexcept;
     /// Moves past the run found last.
     void take(const line_run& run) noexcept;
 
@@ -71,6 +72,7 @@ private:
     std::istream& m_in;
     std::ios& m_state; // of the same stream; to reach a virtual base takes time
     const scanner_set& m_scanners;
+    const field_names m_names;
     std::string m_carry;               // a line that straddles two fillings of the buffer
     bool m_in_place = false;           // LF ends lines, so the buffer may be searched for it
     std::uint64_t m_position;          // of the next byte to be read

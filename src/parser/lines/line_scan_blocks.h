@@ -16,7 +16,7 @@ namespace mail_structure_detail {
 
 namespace {
 
-template <class Make>
+template <class Make, field_names Names>
 scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
     scanned_line found;
     std::uint64_t after_suspect = 0; // the last byte of the block before is a CR or NUL
@@ -32,7 +32,8 @@ scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
         stray |= (masks.m_suspect << 1 | after_suspect) & line;
         after_suspect = masks.m_suspect >> (block_bytes - 1);
         if (start == 0)
-            found.m_name_bytes = static_cast<std::size_t>(std::countr_one(block.name() & line));
+            found.m_name_bytes =
+                static_cast<std::size_t>(std::countr_one(block.template name<Names>() & line));
         if (masks.m_lf == 0 && rest.size() > block_bytes) continue;
         found.m_bytes = start + static_cast<std::size_t>(std::popcount(line));
         found.m_has_lf = masks.m_lf != 0;
@@ -40,9 +41,16 @@ scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
         break;
     }
     if (found.m_name_bytes == block_bytes) // hardly a name; but it may go on
-        while (found.m_name_bytes < found.m_bytes && is_name_character(bytes[found.m_name_bytes]))
+        while (found.m_name_bytes < found.m_bytes
+               && is_name_character(bytes[found.m_name_bytes], Names))
             ++found.m_name_bytes;
     return found;
+}
+
+template <class Make>
+scanned_line scan_line_by_blocks(std::string_view bytes, field_names names) noexcept {
+    return names == field_names::letters ? scan_line_by_blocks<Make, field_names::letters>(bytes)
+                                         : scan_line_by_blocks<Make, field_names::printable>(bytes);
 }
 
 } // namespace

@@ -46,7 +46,13 @@ struct avx2 {
         return _mm256_or_si256(equal(bytes, '\r'), equal(bytes, '\0'));
     }
 
-    static __m256i name_character(__m256i bytes) noexcept {
+    static __m256i printable(__m256i bytes) noexcept {
+        const __m256i above_blank = _mm256_cmpgt_epi8(bytes, _mm256_set1_epi8(' ')); // signed
+        return _mm256_andnot_si256(_mm256_or_si256(equal(bytes, ':'), equal(bytes, '\x7F')),
+                                   above_blank);
+    }
+
+    static __m256i letter_or_hyphen(__m256i bytes) noexcept {
         const __m256i lower = _mm256_or_si256(bytes, _mm256_set1_epi8(0x20));
         // There is only a signed comparison: 'a' is moved to -128, and 'z' to -103.
         const __m256i from_a =
@@ -62,19 +68,23 @@ struct avx2 {
                 bits(equal(low, '-'), equal(high, '-'))};
     }
 
+    template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
-        return bits(name_character(load(p)), name_character(load(p + 32)));
+        if constexpr (Names == field_names::letters)
+            return bits(letter_or_hyphen(load(p)), letter_or_hyphen(load(p + 32)));
+        else
+            return bits(printable(load(p)), printable(load(p + 32)));
     }
 };
 
 } // namespace
 
-scanned_lines scan_body_avx2(std::string_view bytes, dashed_lines dashed) noexcept {
-    return scan_by_blocks<avx2>(bytes, dashed);
+scanned_lines scan_body_avx2(std::string_view bytes, run_limits limits) noexcept {
+    return scan_by_blocks<avx2>(bytes, limits);
 }
 
-scanned_line scan_line_avx2(std::string_view bytes) noexcept {
-    return scan_line_by_blocks<avx2>(bytes);
+scanned_line scan_line_avx2(std::string_view bytes, field_names names) noexcept {
+    return scan_line_by_blocks<avx2>(bytes, names);
 }
 
 } // namespace mail_structure_detail

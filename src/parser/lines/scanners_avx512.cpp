@@ -37,8 +37,14 @@ struct avx512 {
                 equal('-')};
     }
 
+    template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         const __m512i bytes = _mm512_loadu_si512(p);
+        if constexpr (Names == field_names::printable) {
+            const __m512i from_first = _mm512_sub_epi8(bytes, _mm512_set1_epi8('!'));
+            return std::uint64_t{_mm512_cmplt_epu8_mask(from_first, _mm512_set1_epi8('\x7F' - '!'))}
+                   & std::uint64_t{_mm512_cmpneq_epi8_mask(bytes, _mm512_set1_epi8(':'))};
+        }
         const __m512i lower = _mm512_or_si512(bytes, _mm512_set1_epi8(0x20));
         const __m512i from_a = _mm512_sub_epi8(lower, _mm512_set1_epi8('a'));
         return std::uint64_t{_mm512_cmplt_epu8_mask(from_a, _mm512_set1_epi8(26))}
@@ -48,12 +54,12 @@ struct avx512 {
 
 } // namespace
 
-scanned_lines scan_body_avx512(std::string_view bytes, dashed_lines dashed) noexcept {
-    return scan_by_blocks<avx512>(bytes, dashed);
+scanned_lines scan_body_avx512(std::string_view bytes, run_limits limits) noexcept {
+    return scan_by_blocks<avx512>(bytes, limits);
 }
 
-scanned_line scan_line_avx512(std::string_view bytes) noexcept {
-    return scan_line_by_blocks<avx512>(bytes);
+scanned_line scan_line_avx512(std::string_view bytes, field_names names) noexcept {
+    return scan_line_by_blocks<avx512>(bytes, names);
 }
 
 } // namespace mail_structure_detail

@@ -22,7 +22,11 @@ struct neon {
         return vorrq_u8(equal(bytes, '\r'), equal(bytes, '\0'));
     }
     static uint8x16_t dash(uint8x16_t bytes) noexcept { return equal(bytes, '-'); }
-    static uint8x16_t name_character(uint8x16_t bytes) noexcept {
+    static uint8x16_t printable(uint8x16_t bytes) noexcept {
+        const uint8x16_t from_first = vsubq_u8(bytes, vdupq_n_u8('!'));
+        return vbicq_u8(vcltq_u8(from_first, vdupq_n_u8('\x7F' - '!')), equal(bytes, ':'));
+    }
+    static uint8x16_t letter_or_hyphen(uint8x16_t bytes) noexcept {
         const uint8x16_t from_a = vsubq_u8(vorrq_u8(bytes, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
         return vorrq_u8(vcltq_u8(from_a, vdupq_n_u8(26)), equal(bytes, '-'));
     }
@@ -47,17 +51,21 @@ struct neon {
     static block_masks masks(const char* p) noexcept {
         return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
     }
-    static std::uint64_t name(const char* p) noexcept { return gather<name_character>(p); }
+    template <field_names Names>
+    static std::uint64_t name(const char* p) noexcept {
+        constexpr auto test = Names == field_names::letters ? &letter_or_hyphen : &printable;
+        return gather<test>(p);
+    }
 };
 
 } // namespace
 
-scanned_lines scan_body_neon(std::string_view bytes, dashed_lines dashed) noexcept {
-    return scan_by_blocks<neon>(bytes, dashed);
+scanned_lines scan_body_neon(std::string_view bytes, run_limits limits) noexcept {
+    return scan_by_blocks<neon>(bytes, limits);
 }
 
-scanned_line scan_line_neon(std::string_view bytes) noexcept {
-    return scan_line_by_blocks<neon>(bytes);
+scanned_line scan_line_neon(std::string_view bytes, field_names names) noexcept {
+    return scan_line_by_blocks<neon>(bytes, names);
 }
 
 } // namespace mail_structure_detail

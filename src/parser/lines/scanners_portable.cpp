@@ -35,21 +35,22 @@ struct portable {
     }
 
     /// Names are short: the bytes are looked at one by one, and none behind the name.
+    template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         std::size_t count = 0;
-        while (count < block_bytes && is_name_character(p[count])) ++count;
+        while (count < block_bytes && is_name_character(p[count], Names)) ++count;
         return first_bits(count);
     }
 };
 
 } // namespace
 
-scanned_lines scan_body_portable(std::string_view bytes, dashed_lines dashed) noexcept {
-    return scan_by_blocks<portable>(bytes, dashed);
+scanned_lines scan_body_portable(std::string_view bytes, run_limits limits) noexcept {
+    return scan_by_blocks<portable>(bytes, limits);
 }
 
-scanned_line scan_line_portable(std::string_view bytes) noexcept {
-    return scan_line_by_blocks<portable>(bytes);
+scanned_line scan_line_portable(std::string_view bytes, field_names names) noexcept {
+    return scan_line_by_blocks<portable>(bytes, names);
 }
 
 } // namespace mail_structure_detail

@@ -22,7 +22,11 @@ struct sse2 {
         return _mm_or_si128(equal(bytes, '\r'), equal(bytes, '\0'));
     }
     static __m128i dash(__m128i bytes) noexcept { return equal(bytes, '-'); }
-    static __m128i name_character(__m128i bytes) noexcept {
+    static __m128i printable(__m128i bytes) noexcept {
+        const __m128i above_blank = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(' ')); // signed
+        return _mm_andnot_si128(_mm_or_si128(equal(bytes, ':'), equal(bytes, '\x7F')), above_blank);
+    }
+    static __m128i letter_or_hyphen(__m128i bytes) noexcept {
         const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
         // There is only a signed comparison: 'a' is moved to -128, and 'z' to -103.
         const __m128i from_a = _mm_add_epi8(lower, _mm_set1_epi8(static_cast<char>(-128 - 'a')));
@@ -43,17 +47,21 @@ struct sse2 {
     static block_masks masks(const char* p) noexcept {
         return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
     }
-    static std::uint64_t name(const char* p) noexcept { return gather<name_character>(p); }
+    template <field_names Names>
+    static std::uint64_t name(const char* p) noexcept {
+        constexpr auto test = Names == field_names::letters ? &letter_or_hyphen : &printable;
+        return gather<test>(p);
+    }
 };
 
 } // namespace
 
-scanned_lines scan_body_sse2(std::string_view bytes, dashed_lines dashed) noexcept {
-    return scan_by_blocks<sse2>(bytes, dashed);
+scanned_lines scan_body_sse2(std::string_view bytes, run_limits limits) noexcept {
+    return scan_by_blocks<sse2>(bytes, limits);
 }
 
-scanned_line scan_line_sse2(std::string_view bytes) noexcept {
-    return scan_line_by_blocks<sse2>(bytes);
+scanned_line scan_line_sse2(std::string_view bytes, field_names names) noexcept {
+    return scan_line_by_blocks<sse2>(bytes, names);
 }
 
 } // namespace mail_structure_detail

@@ -12,18 +12,18 @@ MailStructure::header* growing_tree::add_field(std::uint32_t line_bytes) {
     return has_room ? &m_open.add_field() : nullptr;
 }
 
-void growing_tree::keep_line(kept_text kept, std::string_view text) {
+void growing_tree::keep_line(const kept_text& kept, std::string_view text) {
     if (m_keep_text) m_open.keep_text(kept, m_room.assign(text).append("\r\n"));
 }
 
-std::string_view growing_tree::make_room(kept_text kept, const line_run& lines) {
+std::string_view growing_tree::make_room(const kept_text& kept, const line_run& lines) {
     if (!m_keep_text) return {};
     const std::string_view text = kept_form(lines.m_bytes, m_room);
     m_open.make_room(kept, text.size());
     return text;
 }
 
-void growing_tree::keep_run(kept_text kept, std::string_view text) {
+void growing_tree::keep_run(const kept_text& kept, std::string_view text) {
     if (m_keep_text) m_open.keep_text(kept, text);
 }
 

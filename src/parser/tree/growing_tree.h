@@ -33,9 +33,11 @@ struct header_memory {
 class growing_tree {
 public:
     /// Takes over the message's old tree and clears its root. Reads the message's options, which do
-    /// not change the parse from here on. @throws std::bad_alloc
-    explicit growing_tree(MailStructure& message)
-        : m_open(message.m_root), m_memory(MailStructure::m_memlimit),
+    /// not change the parse from here on.
+    /// @param unset_body  what tells that a body range has not been set yet
+    /// @throws std::bad_alloc
+    growing_tree(MailStructure& message, unset_by unset_body)
+        : m_open(message.m_root, unset_body), m_memory(MailStructure::m_memlimit),
           m_keep_text(message.m_keep_text) {}
 
     /// Counts a field of the innermost entity and adds its record. Null, and no record, where the
@@ -44,14 +46,14 @@ public:
     /// @throws std::bad_alloc
     MailStructure::header* add_field(std::uint32_t line_bytes);
 
-    /// Appends the line's text and CR LF to what all open entities keep, if text is kept.
+    /// Appends the line's text and CR LF to a kept text, if text is kept.
     /// @throws std::bad_alloc
-    void keep_line(kept_text kept, std::string_view text);
+    void keep_line(const kept_text& kept, std::string_view text);
     /// Reserves what keep_run will need. Returns the run's text in the form in which it is kept;
     /// nothing if no text is kept. @throws std::bad_alloc
-    std::string_view make_room(kept_text kept, const line_run& lines);
-    /// Appends to what all open entities keep. Cannot fail where room was made.
-    void keep_run(kept_text kept, std::string_view text);
+    std::string_view make_room(const kept_text& kept, const line_run& lines);
+    /// Appends to a kept text. Cannot fail where room was made.
+    void keep_run(const kept_text& kept, std::string_view text);
 
     open_entities m_open;
     header_memory m_memory;

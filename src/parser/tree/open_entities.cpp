@@ -1,5 +1,6 @@
 #include "open_entities.h"
 
+#include "../../model/line_range.h"
 #include "../../model/reset.h"
 
 #include <algorithm>
@@ -9,9 +10,9 @@ namespace mail_structure_detail {
 
 using MimeObj = MailStructure::MimeObj;
 
-open_entities::open_entities(MimeObj& root) try
+open_entities::open_entities(MimeObj& root, unset_by unset_body) try
     : m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
-      m_body(&MimeObj::m_body_beg, &MimeObj::m_body_len, unset_by::offset),
+      m_body(&MimeObj::m_body_beg, &MimeObj::m_body_len, unset_body),
       m_epilogue(&MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, unset_by::length),
       m_contents(&MimeObj::m_contents_beg, &MimeObj::m_contents_len, unset_by::length) {
     constexpr std::size_t usual_depth = 8;
@@ -53,7 +54,11 @@ void open_entities::add_header_line(std::uint32_t start, std::uint32_t end) {
 }
 
 void open_entities::add_contents_line_to_ancestors(std::uint32_t start, std::uint32_t end) {
-    m_contents.give_lines(m_entities, m_entities.size() - 1, one_line(start, end, false));
+    add_contents_lines_to_ancestors(one_line(start, end, false));
+}
+
+void open_entities::add_contents_lines_to_ancestors(const line_run& lines) {
+    m_contents.give_lines(m_entities, m_entities.size() - 1, lines);
 }
 
 void open_entities::add_contents_lines(const line_run& lines) {
@@ -73,31 +78,49 @@ void open_entities::add_epilogue_lines(const line_run& lines) {
     m_epilogue_tally.add(lines);
 }
 
+void open_entities::add_own_epilogue_lines(const line_run& lines) noexcept {
+    MimeObj& entity = innermost();
+    grow_range(entity.m_epilogue_beg, entity.m_epilogue_len, lines.m_start, lines.m_end);
+    entity.m_epilogue_last_empty = lines.m_last_empty;
+}
+
 bool open_entities::takes_body_lines_freely() const noexcept {
     return m_mime.takes_lines_freely(m_entities.size())
+           && m_body.takes_lines_freely(m_entities.size())
            && m_contents.takes_lines_freely(m_entities.size());
+}
+
+bool open_entities::takes_own_epilogue_lines_freely() const noexcept {
+    return m_contents.takes_lines_freely(m_entities.size() - 1);
 }
 
 bool open_entities::takes_epilogue_lines_freely() const noexcept {
     return m_epilogue.takes_lines_freely(m_entities.size());
 }
 
-void open_entities::make_room(kept_text kept, std::size_t bytes) {
-    for (MimeObj* entity : m_entities) {
-        std::string& text = entity->*kept;
+void open_entities::make_room(const kept_text& kept, std::size_t bytes) {
+    for (std::size_t index = first_keeper(kept); index < m_entities.size(); ++index) {
+        std::string& text = m_entities[index]->*kept.m_member;
         const std::size_t needed = text.size() + bytes;
         if (needed > text.capacity())
             text.reserve(std::max(needed, 2 * text.capacity())); // linear over many runs
     }
 }
 
-void open_entities::keep_text(kept_text kept, std::string_view text) {
-    for (std::size_t index = m_entities.size(); index-- > 0;)
-        (m_entities[index]->*kept).append(text);
+void open_entities::keep_text(const kept_text& kept, std::string_view text) {
+    const std::size_t first = first_keeper(kept);
+    for (std::size_t index = m_entities.size(); index-- > first;)
+        (m_entities[index]->*kept.m_member).append(text);
+}
+
+/// The index of the outermost open entity that keeps the text.
+std::size_t open_entities::first_keeper(const kept_text& kept) const noexcept {
+    return kept.m_keepers == keepers::all_open ? 0 : m_entities.size() - 1;
 }
 
 void open_entities::watch_for_lapses() {
     m_mime.watch_for_lapses(m_entities);
+    m_body.watch_for_lapses(m_entities);
     m_epilogue.watch_for_lapses(m_entities);
     m_contents.watch_for_lapses(m_entities);
 }

@@ -20,8 +20,16 @@
 
 namespace mail_structure_detail {
 
-/// A text that entities keep: MimeObj::m_body_text or MimeObj::m_epilogue_text.
-using kept_text = std::string MailStructure::MimeObj::*;
+/// Which open entities keep the text of a line.
+enum class keepers : std::uint8_t { innermost, all_open };
+
+/// A text that entities keep.
+struct kept_text {
+    std::string MailStructure::MimeObj::*m_member; // m_body_text or m_epilogue_text
+    keepers m_keepers;
+};
+
+constexpr kept_text body_text{&MailStructure::MimeObj::m_body_text, keepers::all_open};
 
 /// The lines of one kind, body or epilogue, that the message has had so far.
 struct line_tally {
@@ -38,8 +46,9 @@ class open_entities {
 public:
     /// Begins with the root alone, cleared. The records of its descendants wait to be used again.
     /// The root's tree outlives this object; nobody else adds to the tree meanwhile.
+    /// @param unset_body  what tells that a body range has not been set yet
     /// @throws std::bad_alloc, and then the root is cleared and has no descendants
-    explicit open_entities(MailStructure::MimeObj& root);
+    open_entities(MailStructure::MimeObj& root, unset_by unset_body);
     /// Pays what is owed to the entities still open, and cuts off old records, also when an
     /// exception ends the parse.
     ~open_entities();
@@ -50,6 +59,10 @@ public:
     MailStructure::MimeObj& innermost() const noexcept {
         assert(!m_entities.empty());
         return *m_entities.back();
+    }
+    /// The parent of the innermost entity; null where that is the root.
+    const MailStructure::MimeObj* parent_of_innermost() const noexcept {
+        return m_entities.size() < 2 ? nullptr : m_entities[m_entities.size() - 2];
     }
     /// How many entities are open, the root included.
     std::size_t depth() const noexcept { return m_entities.size(); }
@@ -77,22 +90,27 @@ public:
     void add_header_line(std::uint32_t start, std::uint32_t end);
     /// Extends the contents range of the innermost entity's ancestors.
     void add_contents_line_to_ancestors(std::uint32_t start, std::uint32_t end);
+    void add_contents_lines_to_ancestors(const line_run& lines);
     /// Extends the contents range of all open entities.
     void add_contents_lines(const line_run& lines);
     /// Body lines of the innermost entity and of all its ancestors.
     void add_body_lines(const line_run& lines);
     /// Epilogue lines of the innermost entity and of all its ancestors.
     void add_epilogue_lines(const line_run& lines);
+    /// Epilogue lines of the innermost entity alone. An entity is given either these or the lines of
+    /// add_epilogue_lines.
+    void add_own_epilogue_lines(const line_run& lines) noexcept;
     /// Whether adding lines will allocate nothing. Adding lines never allocates before
     /// watch_for_lapses, and after it only for the first lines of an entity.
     bool takes_body_lines_freely() const noexcept;
     bool takes_epilogue_lines_freely() const noexcept;
-    /// Reserves room for that many more bytes of kept text in all open entities. Nothing is changed
-    /// yet. @throws std::bad_alloc
-    void make_room(kept_text kept, std::size_t bytes);
-    /// Appends to the kept text of all open entities. Linear in what is stored.
+    bool takes_own_epilogue_lines_freely() const noexcept;
+    /// Reserves room for that many more bytes of a kept text. Nothing is changed yet.
+    /// @throws std::bad_alloc
+    void make_room(const kept_text& kept, std::size_t bytes);
+    /// Appends to a kept text. Linear in what is stored.
     /// @throws std::bad_alloc  where no room was made
-    void keep_text(kept_text kept, std::string_view text);
+    void keep_text(const kept_text& kept, std::string_view text);
 
     /// To be called when the input has passed 4 GiB. @throws std::bad_alloc
     void watch_for_lapses();
@@ -107,6 +125,7 @@ private:
 
     void reserve_depth(std::size_t depth);
     void settle_from(std::size_t count) noexcept;
+    std::size_t first_keeper(const kept_text& kept) const noexcept;
 
     std::vector<MailStructure::MimeObj*> m_entities; // the root first, the innermost last
     std::vector<account> m_accounts;                 // one for each entity

@@ -3,8 +3,10 @@
 #include "parser/lines/scanners.h"
 #include "support/case_name.h"
 #include "support/escape.h"
+#include "support/scan_kinds.h"
 #include "support/seeded_random.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -14,6 +16,7 @@ using mail_structure_detail::all_scanners;
 using mail_structure_detail::dashed_lines;
 using mail_structure_detail::scan_body_plain;
 using mail_structure_detail::scanned_lines;
+using mail_structure_detail::stray_bytes;
 using test_support::seeded_random;
 using namespace std::string_view_literals;
 
@@ -29,12 +32,11 @@ void expect_all_agree(std::string_view bytes) {
     const auto copy = std::make_unique<char[]>(bytes.size());
     bytes.copy(copy.get(), bytes.size());
     const std::string_view exact(copy.get(), bytes.size());
-    for (const dashed_lines dashed : {dashed_lines::are_text, dashed_lines::end_the_run}) {
-        const std::string wanted = as_text(scan_body_plain(exact, dashed));
+    for (const auto limits : test_support::all_run_limits) {
+        const std::string wanted = as_text(scan_body_plain(exact, limits));
         for (const auto& scanner : all_scanners())
-            ASSERT_EQ(as_text(scanner.m_scan_body(exact, dashed)), wanted)
-                << scanner.m_name
-                << (dashed == dashed_lines::end_the_run ? ", dashes end the run: " : ": ")
+            ASSERT_EQ(as_text(scanner.m_scan_body(exact, limits)), wanted)
+                << scanner.m_name << ", " << test_support::in_words(limits) << ": "
                 << test_support::escaped(bytes);
     }
 }
@@ -67,9 +69,25 @@ class body_scan : public testing::TestWithParam<scan_case> {};
 
 TEST_P(body_scan, finds_whole_lines_of_text) {
     const scan_case& row = GetParam();
-    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::are_text)), row.m_dashes_as_text);
-    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, dashed_lines::end_the_run)),
+    constexpr auto strays = stray_bytes::end_the_run;
+    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, {dashed_lines::are_text, strays})),
+              row.m_dashes_as_text);
+    EXPECT_EQ(as_text(scan_body_plain(row.m_bytes, {dashed_lines::end_the_run, strays})),
               row.m_dashes_end_the_run);
+}
+
+TEST_P(body_scan, takes_every_line_where_nothing_ends_the_run) {
+    const std::string_view bytes = GetParam().m_bytes;
+    const auto lines = std::count(bytes.begin(), bytes.end(), '\n');
+    EXPECT_EQ(as_text(scan_body_plain(bytes, {dashed_lines::are_text, stray_bytes::are_text})),
+              std::to_string(lines) + " lines, " + std::to_string(bytes.rfind('\n') + 1)
+                  + " bytes");
+}
+
+TEST(body_scan, ends_at_dashes_behind_stray_bytes) {
+    constexpr std::string_view bytes = "a\rb\n\0\n\r\r\n--c\nd\n"sv;
+    EXPECT_EQ(as_text(scan_body_plain(bytes, {dashed_lines::end_the_run, stray_bytes::are_text})),
+              "3 lines, 9 bytes");
 }
 
 /// A row wherever it may lie in a block, and with its bytes in two blocks.

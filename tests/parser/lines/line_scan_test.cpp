@@ -4,6 +4,7 @@
 #include "parser/lines/scanners.h"
 #include "support/case_name.h"
 #include "support/escape.h"
+#include "support/scan_kinds.h"
 #include "support/seeded_random.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <string_view>
 
 using mail_structure_detail::all_scanners;
+using mail_structure_detail::field_names;
 using mail_structure_detail::scan_line_plain;
 using mail_structure_detail::scanned_line;
 using test_support::seeded_random;
@@ -30,10 +32,12 @@ void expect_all_agree(std::string_view bytes) {
     const auto copy = std::make_unique<char[]>(bytes.size());
     bytes.copy(copy.get(), bytes.size());
     const std::string_view exact(copy.get(), bytes.size());
-    const std::string wanted = as_text(scan_line_plain(exact));
-    for (const auto& scanner : all_scanners())
-        ASSERT_EQ(as_text(scanner.m_scan_line(exact)), wanted)
-            << scanner.m_name << ": " << test_support::escaped(bytes);
+    for (const field_names names : test_support::all_field_names) {
+        const std::string wanted = as_text(scan_line_plain(exact, names));
+        for (const auto& scanner : all_scanners())
+            ASSERT_EQ(as_text(scanner.m_scan_line(exact, names)), wanted)
+                << scanner.m_name << ": " << test_support::escaped(bytes);
+    }
 }
 
 struct scan_case {
@@ -68,7 +72,8 @@ const scan_case scan_cases[] = {
 class line_scan : public testing::TestWithParam<scan_case> {};
 
 TEST_P(line_scan, finds_the_line) {
-    EXPECT_EQ(as_text(scan_line_plain(GetParam().m_bytes)), GetParam().m_found);
+    EXPECT_EQ(as_text(scan_line_plain(GetParam().m_bytes, field_names::letters)),
+              GetParam().m_found);
 }
 
 /// A row wherever it may lie in a block, as part of a longer line or behind one, and with its bytes
@@ -87,6 +92,20 @@ TEST_P(line_scan, is_the_same_at_every_place_of_a_block) {
 
 INSTANTIATE_TEST_SUITE_P(rows, line_scan, testing::ValuesIn(scan_cases),
                          test_support::case_name<scan_case>);
+
+TEST(line_scan, counts_printable_characters_but_the_colon) {
+    const auto name_bytes = [](std::string_view bytes) {
+        return scan_line_plain(bytes, field_names::printable).m_name_bytes;
+    };
+    EXPECT_EQ(name_bytes("X-1_a.b!~: x\n"), 9U);
+    EXPECT_EQ(name_bytes("a b: c\n"), 1U);
+    EXPECT_EQ(name_bytes("a\tb\n"), 1U);
+    EXPECT_EQ(name_bytes("a\x7F\n"), 1U);
+    EXPECT_EQ(name_bytes("a\x80\xE4\n"), 1U);
+    EXPECT_EQ(name_bytes("a\r\n"), 1U);
+    EXPECT_EQ(name_bytes("a\0b\n"sv), 1U);
+    EXPECT_EQ(name_bytes(":\n"), 0U);
+}
 
 TEST(line_scanners, agree_on_every_byte) {
     for (int byte = 0; byte < 256; ++byte) {

@@ -1,0 +1,45 @@
+// The boundary of a multipart, put together from the parameters of its Content-Type field (RFC 2046
+// section 5.1.1, RFC 2231 sections 3 and 4).
+//
+//     boundary=ab                             ab
+//     boundary*=us-ascii'en'a%62              ab       without a plain one
+//     boundary*0=a; boundary*1*=%62           ab       without either
+
+#ifndef MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
+#define MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mail_structure_detail::standard {
+
+class boundary_parameter {
+public:
+    /// Takes a parameter of the field; any but the boundary's are passed over.
+    /// @throws std::bad_alloc
+    void take(std::string_view name, std::string_view value);
+    /// The boundary, if the field had one. It may be empty. To be called once, when all parameters
+    /// have been taken. Costs the number of sections times its logarithm. @throws std::bad_alloc
+    std::optional<std::string> value();
+
+private:
+    /// "boundary*12*=..."
+    struct section {
+        std::string m_number; // its digits, without zeros at the front
+        std::string m_value;
+        bool m_encoded; // the name ends in a star
+    };
+
+    void take_section(std::string_view number, std::string_view value);
+    std::string joined_sections();
+
+    std::optional<std::string> m_plain;
+    std::optional<std::string> m_extended; // still encoded
+    std::vector<section> m_sections;       // in the order of the field
+};
+
+} // namespace mail_structure_detail::standard
+
+#endif

@@ -1,0 +1,67 @@
+#include "content_type.h"
+
+namespace mail_structure_detail::standard {
+
+media_type content_type_reader::read_type() noexcept {
+    m_text.skip_white_space_and_comments();
+    const std::string_view type = m_text.take_token();
+    m_text.skip_white_space_and_comments();
+    if (type.empty() || !m_text.take('/')) return {};
+    m_text.skip_white_space_and_comments();
+    const std::string_view subtype = m_text.take_token();
+    if (subtype.empty()) return {};
+    return {type, subtype};
+}
+
+bool content_type_reader::read_parameter(parameter& found) {
+    for (;;) {
+        m_text.skip_to_semicolon();
+        if (!m_text.take(';')) return false;
+        m_text.skip_white_space_and_comments();
+        found.m_name = m_text.take_token();
+        m_text.skip_white_space_and_comments();
+        if (found.m_name.empty() || !m_text.take('=')) continue;
+        m_text.skip_white_space_and_comments();
+        found.m_value = read_value();
+        return true;
+    }
+}
+
+std::string_view content_type_reader::read_value() {
+    if (!m_text.is_at('"')) return read_unquoted_value();
+    m_room.clear();
+    m_text.take_quoted_string(m_room);
+    return m_room;
+}
+
+/// All up to the next semicolon. A comment behind white space is no part of it.
+std::string_view content_type_reader::read_unquoted_value() {
+    std::string_view value = m_text.take_to_semicolon_or_white_space();
+    if (m_text.at_end() || m_text.is_at(';')) return value; // nearly always
+    m_room.assign(value);
+    while (!m_text.at_end() && !m_text.is_at(';')) {
+        const std::string_view white_space = m_text.take_white_space();
+        m_room.append(white_space);
+        if (!white_space.empty() && m_text.is_at('('))
+            m_text.skip_comment();
+        else
+            m_room.append(m_text.take_to_semicolon_or_white_space());
+    }
+    value = m_room;
+    return trimmed_at_end(value);
+}
+
+std::string_view value_before_parameters(std::string_view text) noexcept {
+    field_text at(text);
+    at.skip_to_semicolon_outside_comments();
+    return trimmed(text.substr(0, at.place()));
+}
+
+std::string_view transfer_encoding(std::string_view text) noexcept {
+    field_text at(text);
+    at.skip_white_space_and_comments();
+    const std::string_view encoding = at.take_token();
+    return encoding.empty() ? "7bit" : encoding;
+}
+
+} // namespace mail_structure_detail::standard

@@ -1,0 +1,87 @@
+#include "delimiters.h"
+
+#include "../lines/character_class.h"
+#include "keyed_hash.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+namespace mail_structure_detail::standard {
+
+namespace {
+
+constexpr std::size_t length_bits = 64;
+
+std::uint64_t length_bit(std::size_t bytes) noexcept {
+    return std::uint64_t{1} << bytes % length_bits;
+}
+
+} // namespace
+
+void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
+    if (2 * (m_delimiters.size() + 1) > m_slots.size()) grow_table();
+    const std::uint64_t hash = keyed_hash(boundary);
+    std::size_t& slot = m_slots[slot_of(boundary, hash)];
+    m_delimiters.push_back({std::string(boundary), hash, depth, slot});
+    slot = m_delimiters.size() - 1;
+    m_lengths |= length_bit(boundary.size());
+}
+
+void delimiters_in_force::pop_from(std::size_t index) noexcept {
+    while (m_delimiters.size() > index) {
+        const delimiter& last = m_delimiters.back();
+        std::size_t& slot = m_slots[slot_of(last.m_boundary, last.m_hash)];
+        assert(slot == m_delimiters.size() - 1);
+        slot = last.m_hidden;
+        m_delimiters.pop_back();
+    }
+    if (m_delimiters.empty()) m_lengths = 0;
+}
+
+std::optional<delimiter_match>
+delimiters_in_force::match(std::string_view line_text) const noexcept {
+    if (!line_text.starts_with("--")) return std::nullopt;
+    while (is_blank(line_text.back()) || line_text.back() == '\r') line_text.remove_suffix(1);
+    std::string_view boundary = line_text.substr(2);
+    const std::size_t separated = find(boundary);
+    std::size_t closed = none;
+    if (boundary.ends_with("--")) {
+        boundary.remove_suffix(2);
+        closed = find(boundary);
+    }
+    if (separated == none && closed == none) return std::nullopt;
+    if (closed == none || (separated != none && separated > closed))
+        return delimiter_match{separated, delimiter_kind::separator};
+    return delimiter_match{closed, delimiter_kind::closing};
+}
+
+/// The index of the innermost delimiter with the boundary, or none.
+std::size_t delimiters_in_force::find(std::string_view boundary) const noexcept {
+    if ((m_lengths & length_bit(boundary.size())) == 0) return none;
+    return m_slots[slot_of(boundary, keyed_hash(boundary))];
+}
+
+/// The slot that leads to the boundary, or the empty one where it would be put.
+std::size_t delimiters_in_force::slot_of(std::string_view boundary,
+                                         std::uint64_t hash) const noexcept {
+    const std::size_t mask = m_slots.size() - 1; // the size is a power of 2
+    for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask) {
+        if (m_slots[at] == none) return at;
+        const delimiter& found = m_delimiters[m_slots[at]];
+        if (found.m_hash == hash && found.m_boundary == boundary) return at;
+    }
+}
+
+/// Doubles the table and puts every delimiter in, in the order in which they came.
+void delimiters_in_force::grow_table() {
+    constexpr std::size_t fewest = 16;
+    std::vector<std::size_t> slots(std::max(fewest, 2 * m_slots.size()), none);
+    m_slots.swap(slots);
+    for (std::size_t index = 0; index < m_delimiters.size(); ++index) {
+        const delimiter& known = m_delimiters[index];
+        m_slots[slot_of(known.m_boundary, known.m_hash)] = index;
+    }
+}
+
+} // namespace mail_structure_detail::standard

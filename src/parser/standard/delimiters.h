@@ -1,0 +1,68 @@
+// The delimiters in force: those of the open multiparts whose closing line has not come (RFC 2046
+// section 5.1.1).
+//
+// A line that may be a delimiter line costs one or two look-ups in a table, whatever the number of
+// delimiters. The table leads from a boundary to the innermost multipart that has it; a multipart
+// that hides another one with the same boundary knows which one that is.
+
+#ifndef MAIL_STRUCTURE_PARSER_STANDARD_DELIMITERS_H
+#define MAIL_STRUCTURE_PARSER_STANDARD_DELIMITERS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mail_structure_detail::standard {
+
+enum class delimiter_kind : std::uint8_t { separator, closing };
+
+/// The multipart that a delimiter line belongs to.
+struct delimiter_match {
+    std::size_t m_index; // of its delimiter; 0 is the outermost
+    delimiter_kind m_kind;
+};
+
+class delimiters_in_force {
+public:
+    /// Brings a delimiter into force, innermost.
+    /// @param depth  the number of open entities, of which the innermost is the multipart
+    /// @throws std::bad_alloc, and then nothing has changed
+    void push(std::string_view boundary, std::size_t depth);
+    /// Takes the delimiters from the index on out of force. Allocates nothing.
+    void pop_from(std::size_t index) noexcept;
+
+    bool empty() const noexcept { return m_delimiters.empty(); }
+    /// The number of open entities, the multipart of the delimiter innermost.
+    std::size_t depth_of(std::size_t index) const noexcept { return m_delimiters[index].m_depth; }
+
+    /// Whether a line is a delimiter line: "--", a boundary, "--" or nothing, and then blanks and
+    /// CRs. Where a line is one to several multiparts, the innermost has it. Linear in the text.
+    std::optional<delimiter_match> match(std::string_view line_text) const noexcept;
+
+private:
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    struct delimiter {
+        std::string m_boundary;
+        std::uint64_t m_hash;
+        std::size_t m_depth;
+        std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
+    };
+
+    std::size_t find(std::string_view boundary) const noexcept;
+    std::size_t slot_of(std::string_view boundary, std::uint64_t hash) const noexcept;
+    void grow_table();
+
+    std::vector<delimiter> m_delimiters; // the outermost first
+    // Open addressing. A slot is `none` or the index of the innermost delimiter of a boundary. What
+    // is taken out was put in last, so no other boundary's way leads over its slot.
+    std::vector<std::size_t> m_slots;
+    std::uint64_t m_lengths = 0; // bit n: a boundary of n, n + 64, ... bytes has come into force
+};
+
+} // namespace mail_structure_detail::standard
+
+#endif

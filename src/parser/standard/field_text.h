@@ -1,0 +1,63 @@
+// Reads the value of a structured field from left to right: white space, comments, tokens and quoted
+// strings (RFC 5322 section 3.2, RFC 2045 section 5.1).
+
+#ifndef MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
+#define MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace mail_structure_detail::standard {
+
+/// A byte that a token may hold: any above 32 but DEL and the special characters of RFC 2045.
+bool is_token_character(char c) noexcept;
+
+/// Without white space at both ends.
+std::string_view trimmed(std::string_view text) noexcept;
+/// Without white space at its end.
+std::string_view trimmed_at_end(std::string_view text) noexcept;
+
+/// Whether the texts are equal, ASCII case ignored.
+bool same_word(std::string_view a, std::string_view b) noexcept;
+
+/// A text and a place in it. Every function moves on from the place, and none goes back.
+class field_text {
+public:
+    explicit field_text(std::string_view text) noexcept : m_text(text) {}
+
+    bool at_end() const noexcept { return m_at == m_text.size(); }
+    bool is_at(char c) const noexcept { return !at_end() && m_text[m_at] == c; }
+    std::size_t place() const noexcept { return m_at; }
+
+    /// Passes over the byte if it is the one there. Returns whether it was.
+    bool take(char c) noexcept;
+    /// The longest run of token characters.
+    std::string_view take_token() noexcept;
+    /// The text up to the semicolon or white space that comes next, or up to the end.
+    std::string_view take_to_semicolon_or_white_space() noexcept;
+    /// The white space that stands there.
+    std::string_view take_white_space() noexcept;
+
+    void skip_white_space_and_comments() noexcept;
+    /// A comment, which begins there. Comments nest, and "\\" quotes the byte behind it. A comment
+    /// that is not finished ends with the text.
+    void skip_comment() noexcept;
+    /// A quoted string, which begins there. Appends its value to `value`: quotes and "\\" gone. A
+    /// quoted string that is not finished ends with the text. @throws std::bad_alloc
+    void take_quoted_string(std::string& value);
+    /// To the next semicolon outside quoted strings and comments, or to the end.
+    void skip_to_semicolon() noexcept;
+    /// To the next semicolon outside comments, or to the end.
+    void skip_to_semicolon_outside_comments() noexcept;
+
+private:
+    void skip_quoted_string() noexcept;
+
+    std::string_view m_text;
+    std::size_t m_at = 0;
+};
+
+} // namespace mail_structure_detail::standard
+
+#endif

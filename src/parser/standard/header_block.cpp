@@ -1,0 +1,175 @@
+#include "header_block.h"
+
+#include "../lines/character_class.h"
+#include "boundary.h"
+#include "content_type.h"
+#include "field_text.h"
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+namespace mail_structure_detail::standard {
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+constexpr std::size_t no_colon = std::string_view::npos;
+
+/// The place of the colon behind the field name and blanks; no_colon where the line begins no field.
+std::size_t colon_of(const input_line& line) noexcept {
+    if (line.m_name_bytes == 0) return no_colon;
+    std::size_t at = line.m_name_bytes;
+    while (at < line.m_text.size() && is_blank(line.m_text[at])) ++at;
+    return at < line.m_text.size() && line.m_text[at] == ':' ? at : no_colon;
+}
+
+field_kind kind_of(std::string_view name) noexcept {
+    if (same_word(name, "content-type")) return field_kind::content_type;
+    if (same_word(name, "content-transfer-encoding")) return field_kind::transfer_encoding;
+    return field_kind::other;
+}
+
+/// Appends a line's text to a value, which has no white space at its front.
+void append_text(std::string& value, std::string_view text) {
+    if (value.empty())
+        while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+    value += text;
+}
+
+/// Adds the text of one line of the field.
+void add_text(standard_state& state, std::string_view text) {
+    const header_block_state& block = state.m_block;
+    const bool is_structured =
+        block.m_kind == field_kind::content_type || block.m_kind == field_kind::transfer_encoding;
+    if (is_structured) state.m_field_text += text;
+    if (block.m_record != nullptr && block.m_kind != field_kind::content_type)
+        append_text(block.m_record->m_value, text);
+}
+
+/// The first Content-Type field says what the entity is.
+void set_type(standard_state& state, const media_type& type) {
+    MimeObj& entity = state.m_open.innermost();
+    state.m_block.m_has_content_type = true;
+    if (type.m_type.empty()) return; // malformed: text/plain, as the entity is by now
+    entity.m_type = type.m_type;
+    entity.m_subtype = type.m_subtype;
+}
+
+/// A parameter counts, and has a place in the record, as long as the memory limit leaves room.
+void record_parameter(standard_state& state, const parameter& found) {
+    header_memory& memory = state.m_tree.m_memory;
+    if (!memory.has_room()) return;
+    memory.add(static_cast<std::uint32_t>(found.m_name.size() + found.m_value.size()));
+    if (state.m_block.m_record != nullptr) state.m_open.add_parameter(found.m_name, found.m_value);
+}
+
+void end_content_type(standard_state& state) {
+    header_block_state& block = state.m_block;
+    const std::string_view text = state.m_field_text;
+    if (block.m_record != nullptr) block.m_record->m_value = value_before_parameters(text);
+    content_type_reader reader(text);
+    const media_type type = reader.read_type();
+    const bool has_boundary = !block.m_has_content_type && same_word(type.m_type, "multipart");
+    if (!block.m_has_content_type) set_type(state, type);
+
+    boundary_parameter boundary;
+    parameter found;
+    while (reader.read_parameter(found)) {
+        record_parameter(state, found);
+        if (has_boundary) boundary.take(found.m_name, found.m_value);
+    }
+    if (has_boundary) block.m_boundary = boundary.value();
+}
+
+void end_transfer_encoding(standard_state& state) {
+    if (std::exchange(state.m_block.m_has_encoding, true)) return; // the first one counts
+    state.m_open.innermost().m_encoding = transfer_encoding(state.m_field_text);
+}
+
+/// Ends the field that the block is at, if it is at one.
+void end_field(standard_state& state) {
+    header_block_state& block = state.m_block;
+    const field_kind kind = std::exchange(block.m_kind, field_kind::none);
+    if (kind == field_kind::content_type) end_content_type(state);
+    if (kind == field_kind::transfer_encoding) end_transfer_encoding(state);
+    if (block.m_record != nullptr && kind != field_kind::content_type) {
+        std::string& value = block.m_record->m_value;
+        value.resize(trimmed_at_end(value).size());
+    }
+    block.m_record = nullptr;
+}
+
+void begin_field(standard_state& state, const input_line& line, std::size_t colon) {
+    header_block_state& block = state.m_block;
+    const std::string_view name = line.m_text.substr(0, line.m_name_bytes);
+    block.m_record = state.m_tree.add_field(line.m_end - line.m_start);
+    if (block.m_record != nullptr) {
+        block.m_record->m_name = name;
+        block.m_record->m_beg = line.m_start;
+        block.m_record->m_end = line.m_end;
+    }
+    state.m_field_text.clear();
+    block.m_kind = kind_of(name);
+    add_text(state, line.m_text.substr(colon + 1));
+}
+
+/// A line that begins with a blank. It continues the line before it, whatever that was.
+void on_folded_line(standard_state& state, const input_line& line) {
+    add_text(state, line.m_text);
+    if (state.m_block.m_record != nullptr) state.m_block.m_record->m_end = line.m_end;
+}
+
+bool is_digest(const MimeObj* entity) noexcept {
+    return entity != nullptr && entity->m_multipart && same_word(entity->m_subtype, "digest");
+}
+
+/// Whether the body is a message as it stands. An encoded one is not there in bytes, so nothing of it
+/// has a place in the input: the host decodes it and fills another tree.
+bool holds_message(const MimeObj& entity) noexcept {
+    if (!same_word(entity.m_type, "message")) return false;
+    const auto is_among = [](std::string_view word, const auto& words) {
+        for (const std::string_view known : words)
+            if (same_word(word, known)) return true;
+        return false;
+    };
+    constexpr std::string_view messages[] = {"rfc822", "rfc2822", "global", "news"};
+    constexpr std::string_view encodings[] = {"base64", "quoted-printable", "x-uuencode",
+                                              "uuencode", "x-uue"};
+    return is_among(entity.m_subtype, messages) && !is_among(entity.m_encoding, encodings);
+}
+
+} // namespace
+
+void on_header_line(standard_state& state, const input_line& line) {
+    state.m_open.add_header_line(line.m_start, line.m_end);
+    if (line.m_text.empty()) {
+        end_header_block(state);
+    } else if (is_blank(line.m_text.front())) {
+        on_folded_line(state, line);
+    } else {
+        end_field(state);
+        const std::size_t colon = colon_of(line);
+        if (colon != no_colon) begin_field(state, line, colon); // any other line is passed over
+    }
+}
+
+void end_header_block(standard_state& state) {
+    end_field(state);
+    MimeObj& entity = state.m_open.innermost();
+    if (!state.m_block.m_has_content_type && is_digest(state.m_open.parent_of_innermost())) {
+        entity.m_type = "message";
+        entity.m_subtype = "rfc822";
+    }
+    state.m_phase = phase::body;
+    if (state.m_block.m_boundary) {
+        state.m_delimiters.push(*state.m_block.m_boundary, state.m_open.depth());
+        entity.m_multipart = true;
+    } else if (holds_message(entity)) {
+        entity.m_message = true;
+        state.open_entity();
+    }
+}
+
+} // namespace mail_structure_detail::standard

@@ -1,0 +1,115 @@
+#include "standard_grammar.h"
+
+#include "header_block.h"
+
+#include <string_view>
+
+namespace mail_structure_detail::standard {
+
+namespace {
+
+/// The epilogue of an entity is its own alone.
+constexpr kept_text epilogue_text{&MailStructure::MimeObj::m_epilogue_text, keepers::innermost};
+
+line_run as_run(const input_line& line) noexcept {
+    return one_line(line.m_start, line.m_end, line.m_text.empty());
+}
+
+/// The line with its end taken off as these rules have it: all CRs before the LF.
+input_line without_crs(input_line line) noexcept {
+    while (line.m_text.ends_with('\r')) line.m_text.remove_suffix(1);
+    return line;
+}
+
+void add_body_lines(standard_state& state, const line_run& lines) {
+    state.m_open.add_contents_lines(lines);
+    state.m_open.add_body_lines(lines);
+}
+
+void add_epilogue_lines(standard_state& state, const line_run& lines) {
+    state.m_open.add_contents_lines_to_ancestors(lines);
+    state.m_open.add_own_epilogue_lines(lines);
+}
+
+void on_body_line(standard_state& state, const input_line& line) {
+    add_body_lines(state, as_run(line));
+    state.m_tree.keep_line(body_text, line.m_text);
+}
+
+void on_epilogue_line(standard_state& state, const input_line& line) {
+    add_epilogue_lines(state, as_run(line));
+    state.m_tree.keep_line(epilogue_text, line.m_text);
+}
+
+} // namespace
+
+standard_grammar::standard_grammar(growing_tree& tree) : m_state(tree) {
+    MailStructure::MimeObj& root = m_state.m_open.innermost();
+    root.m_type = "text";
+    root.m_subtype = "plain";
+    root.m_encoding = "7bit";
+}
+
+void standard_grammar::take_line(const input_line& line) {
+    const input_line whole = without_crs(line);
+    if (!m_state.m_delimiters.empty()) {
+        if (const auto match = m_state.m_delimiters.match(whole.m_text)) {
+            on_delimiter_line(whole, *match);
+            return;
+        }
+    }
+    switch (m_state.m_phase) {
+    case phase::header: on_header_line(m_state, whole); break;
+    case phase::body: on_body_line(m_state, whole); break;
+    case phase::epilogue: on_epilogue_line(m_state, whole); break;
+    }
+}
+
+/// A delimiter line ends all that is open within its multipart. A separator then opens a part; a
+/// closing line is the last body line of the multipart, and what follows is the epilogue.
+void standard_grammar::on_delimiter_line(const input_line& line, const delimiter_match& match) {
+    end_header_blocks();
+    m_state.m_delimiters.pop_from(match.m_index + 1);
+    while (m_state.m_open.depth() > m_state.m_delimiters.depth_of(match.m_index))
+        m_state.m_open.close();
+    if (match.m_kind == delimiter_kind::separator) {
+        m_state.m_open.add_contents_lines(as_run(line));
+        m_state.open_entity();
+    } else {
+        m_state.m_phase = phase::epilogue;
+        m_state.m_delimiters.pop_from(match.m_index);
+        on_body_line(m_state, line);
+    }
+}
+
+/// Ends the header block that is being read, if there is one, and that of an encapsulated message,
+/// which begins and ends with it.
+void standard_grammar::end_header_blocks() {
+    while (m_state.m_phase == phase::header) end_header_block(m_state);
+}
+
+std::optional<run_limits> standard_grammar::may_take_run() const noexcept {
+    if (m_state.m_phase == phase::header) return std::nullopt;
+    const bool freely = m_state.m_phase == phase::body
+                            ? m_state.m_open.takes_body_lines_freely()
+                            : m_state.m_open.takes_own_epilogue_lines_freely();
+    if (!freely) return std::nullopt;
+    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
+                                                   : dashed_lines::end_the_run,
+                      stray_bytes::are_text};
+}
+
+void standard_grammar::take_run(const line_run& lines) {
+    const bool is_body = m_state.m_phase == phase::body;
+    const kept_text& kept = is_body ? body_text : epilogue_text;
+    const std::string_view text = m_state.m_tree.make_room(kept, lines);
+    if (is_body)
+        add_body_lines(m_state, lines);
+    else
+        add_epilogue_lines(m_state, lines);
+    m_state.m_tree.keep_run(kept, text);
+}
+
+void standard_grammar::end_input() { end_header_blocks(); }
+
+} // namespace mail_structure_detail::standard
