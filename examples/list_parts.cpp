@@ -19,7 +19,7 @@ int main(int count, char** arguments) try {
                   << part.m_body_len << " bytes from byte " << part.m_body_beg << '\n';
     }
     return 0;
-} catch (const std::exception& error) { // a stray CR, LF or NUL, or no memory left
+} catch (const std::exception& error) { // bad bytes, a bad header line, or no memory left
     std::cerr << error.what() << '\n';
     return 1;
 }
