@@ -1,4 +1,4 @@
-// Times what a parse is measured against: the least that reading the bytes costs.
+// Times the least that reading the bytes costs, which a parse is compared with.
 
 #include "benches.h"
 #include "sources.h"
@@ -7,7 +7,7 @@
 #include <fstream>
 #include <istream>
 #include <memory>
-#include <parser/scanners.h>
+#include <parser/lines/scanners.h>
 #include <string>
 #include <string_view>
 
@@ -67,8 +67,8 @@ void copy_messages(benchmark::State& state, const workload& mail) {
     report_size(state, mail);
 }
 
-/// The scan alone, over header lines as over body lines. Where a line ends a run, the next run
-/// begins after it.
+/// The scan alone, which takes header lines for body lines. Where a line ends a run, the next run
+/// begins after that line.
 std::size_t count_by_scan(std::string_view message, body_scanner scan) {
     std::size_t lines = 0;
     while (!message.empty()) {
@@ -83,7 +83,7 @@ std::size_t count_by_scan(std::string_view message, body_scanner scan) {
     return lines;
 }
 
-/// The file through the same kind of stream, and nothing done with its bytes.
+/// Reads the file through the same kind of stream as a parse does, and does nothing with the bytes.
 void read_file(benchmark::State& state, const workload& mail) {
     const std::string& path = file_of(mail);
     constexpr std::streamsize room = 8192;
