@@ -10,14 +10,18 @@
 
 namespace bench {
 
-void register_parse(workload_source& source);          // memory stream
-void register_parse_of_large(workload_source& source); // text kept; other streams
-void register_floors(workload_source& source);         // what bounds a parse from memory
-void register_floors_of_large(
-    workload_source& source);                 // and one from a file; the library's scan alone
-void register_peers(workload_source& source); // other libraries, those that the build found
+/// A parse from a memory stream.
+void register_parse(workload_source& source);
+/// A parse with the text kept, and from other streams.
+void register_parse_of_large(workload_source& source);
+/// What bounds a parse from memory.
+void register_floors(workload_source& source);
+/// What bounds a parse from a file, and the library's scan alone.
+void register_floors_of_large(workload_source& source);
+/// Other libraries, those that the build found.
+void register_peers(workload_source& source);
 
-/// What the report computes rates from. To be called once, after the timed loop.
+/// Sets the counters from which the report computes rates. To be called once, after the timed loop.
 inline void report_size(benchmark::State& state, const workload& mail) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(mail.bytes()));
     state.counters["bytes"] = static_cast<double>(mail.bytes());

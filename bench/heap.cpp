@@ -1,5 +1,5 @@
-// Counts what a tree takes of the heap: bytes as malloc hands them out, by entity, by header field
-// and by message. Prints one line "what<TAB>number" for each figure.
+// Measures the heap that a tree takes, for each entity and each header field: bytes as malloc hands
+// them out, and allocations. Prints one line "what<TAB>number" for each figure.
 
 #include <mail_structure.h>
 
@@ -44,9 +44,9 @@ void print(const std::string& what, std::size_t number, std::size_t divisor) {
                 static_cast<double>(number) / static_cast<double>(divisor));
 }
 
-/// Parses the message once with a new parser, and prints what the tree takes by each of its `count`
-/// things. Parses it once more with the same parser, as a server would, and prints what is then
-/// still allocated anew.
+/// Parses the message with a new parser, and prints what the tree takes for each of the `count`
+/// things in it. Parses the message once more with the same parser, as a server would, and prints
+/// how many allocations that takes.
 void measure(const std::string& thing, const std::string& message, std::size_t count) {
     std::istringstream in(message);
     MailStructure parser;

@@ -1,4 +1,4 @@
-// Times MailStructure::Fill, with one parser object for all messages, as a server would have it.
+// Times MailStructure::Fill, with one parser object for all messages, as in a server.
 
 #include <mail_structure.h>
 
@@ -37,7 +37,7 @@ void parse_all(MailStructure& parser, Buffer& buffer, std::istream& in, const wo
     }
 }
 
-/// A figure for a wrong parse would be worth nothing.
+/// Whether the messages are parsed as they should be; the speed of a wrong parse means nothing.
 template <class Buffer>
 bool parses_right(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail) {
     std::size_t entities = 0;
@@ -73,7 +73,7 @@ void parse_file(benchmark::State& state, const workload& mail) {
     report_size(state, mail);
 }
 
-/// Maps the file anew each time, as whoever parses it once has to.
+/// Maps the file anew each time, as a program does that parses it once.
 void parse_mapped_file(benchmark::State& state, const workload& mail) {
     const std::string& path = file_of(mail);
     MailStructure parser;

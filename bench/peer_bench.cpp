@@ -11,7 +11,7 @@ namespace {
 struct peer {
     const char* m_name;
     size_t (*m_parse)(const char* message, size_t bytes, int count_parts);
-    const char* m_left_out; // workloads that it is not asked for
+    const char* m_left_out; // workloads that it does not parse
 };
 
 constexpr peer no_peer{nullptr, nullptr, ""}; // so that the array is never empty
@@ -23,8 +23,8 @@ constexpr peer peers[] = {
     {"gmime", peer_gmime_parse, ""},
 #endif
 #ifdef MAILSTRUCTURE_BENCH_MIMETIC
-    // It recurses on the depth of the message, without a limit, and skips unread what no boundary
-    // can end.
+    // mimetic recurses on the depth of the message, without a limit, and skips text unread where no
+    // boundary can end it.
     {"mimetic", peer_mimetic_parse, "levels text_lf"},
 #endif
     no_peer};

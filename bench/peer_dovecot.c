@@ -1,9 +1,9 @@
-/* The message parser of the Dovecot libraries. It keeps offsets and sizes of parts, and no header
- * fields. */
+/* The message parser of the Dovecot libraries. Its tree has offsets and sizes of parts, and no
+ * header fields. */
 
 #include "peers.h"
 
-/* The others need lib.h before them. */
+/* lib.h must be included before the others. */
 /* clang-format off */
 #include <lib.h>
 #include <istream.h>
@@ -21,8 +21,8 @@ static void start_once(void) {
 size_t peer_dovecot_parse(const char* message, size_t bytes, int count_parts) {
     const struct message_parser_settings settings = {
         .flags = MESSAGE_PARSER_FLAG_SKIP_BODY_BLOCK,
-        .max_nested_mime_parts =
-            UINT_MAX, /* the defaults would leave the larger workloads unparsed */
+        /* With the defaults the larger workloads would stay unparsed. */
+        .max_nested_mime_parts = UINT_MAX,
         .max_total_mime_parts = UINT_MAX,
         .all_headers_max_size = SIZE_MAX,
     };

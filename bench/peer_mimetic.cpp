@@ -1,4 +1,4 @@
-// mimetic's parser, told to build parts and header fields and to leave out the text.
+// mimetic's parser. It is told to build parts and header fields and to leave out the text.
 
 #include "peers.h"
 

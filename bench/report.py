@@ -1,4 +1,6 @@
-"""Writes the figures of a benchmark run as a table (results.md) and as a picture (results.svg). See bench/run."""
+"""Writes the figures of a benchmark run as tables (results.md) and as a picture (results.svg).
+
+bench/run calls it."""
 
 import argparse
 import datetime
@@ -27,8 +29,13 @@ STREAMS = {
 }
 FLOORS = {"getline_floor": "`std::getline` loop", "memchr": "`memchr` loop", "memcpy": "`memcpy`"}
 PEERS = {"dovecot": "Dovecot", "gmime": "GMime", "mimetic": "mimetic"}
-SCANS = {"scan_avx512": "AVX-512", "scan_avx2": "AVX2", "scan_sse2": "SSE2", "scan_portable": "portable",
-         "scan_plain": "plain twin"}
+SCANS = {
+    "scan_avx512": "AVX-512",
+    "scan_avx2": "AVX2",
+    "scan_sse2": "SSE2",
+    "scan_portable": "portable",
+    "scan_plain": "plain twin",
+}
 
 
 class Figure:
@@ -48,12 +55,13 @@ class Figure:
 
 
 def read_figures(paths):
-    """The figures of all the files by name, "workload/what"."""
+    """The figures of all these files, by name ("workload/what")."""
     figures = {}
     for path in paths:
         with open(path, encoding="utf-8") as file:
             text = file.read()
-        for run in json.loads(text)["benchmarks"] if text else []: # an empty file: nothing was to be measured
+        # A file is empty where there was nothing to measure.
+        for run in json.loads(text)["benchmarks"] if text else []:
             figure = figures.setdefault(run["run_name"], Figure())
             if run.get("error_occurred"):
                 figure.error = run["error_message"]
@@ -72,7 +80,7 @@ def rate(figures, name):
 
 
 def ratio(figures, name, others, other):
-    """How many times as fast as the other the first one is."""
+    """The speed of the first, divided by that of the other."""
     if not (has_times(figures, name) and has_times(others, other)):
         return "–"
     times = figures[name].megabytes_per_second() / others[other].megabytes_per_second()
@@ -86,8 +94,9 @@ def table(heads, rows):
 
 def speed_row(figures, plain, name, title):
     figure = figures[name]
-    return [title, f"{figure.megabytes_per_second():,.0f}", f"{figure.best_megabytes_per_second():,.0f}",
-            f"{figure.nanoseconds_per_line():.1f}", ratio(figures, name, plain, name)]
+    return [title, f"{figure.megabytes_per_second():,.0f}",
+            f"{figure.best_megabytes_per_second():,.0f}", f"{figure.nanoseconds_per_line():.1f}",
+            ratio(figures, name, plain, name)]
 
 
 def memory_table(figures, plain):
@@ -95,8 +104,8 @@ def memory_table(figures, plain):
     for workload, title in WORKLOADS.items():
         name = workload + "/parse"
         if has_times(figures, name):
-            rows.append(speed_row(figures, plain, name, title)
-                        + [ratio(figures, name, figures, f"{workload}/{floor}") for floor in FLOORS])
+            floors = [ratio(figures, name, figures, f"{workload}/{floor}") for floor in FLOORS]
+            rows.append(speed_row(figures, plain, name, title) + floors)
     return table(["workload", "MB/s", "best MB/s", "ns per line", "× plain build"]
                  + [f"× {title}" for title in FLOORS.values()], rows)
 
@@ -116,8 +125,12 @@ def peer_table(figures):
 
 
 def peer_errors(figures):
-    return "".join(f"- {PEERS[name.split('/')[1]]} {figure.error} of “{WORKLOADS[name.split('/')[0]]}”.\n"
-                   for name, figure in figures.items() if figure.error and name.split("/")[1] in PEERS)
+    lines = []
+    for name, figure in figures.items():
+        workload, peer = name.split("/")
+        if figure.error and peer in PEERS:
+            lines.append(f"- {PEERS[peer]} {figure.error} of “{WORKLOADS[workload]}”.\n")
+    return "".join(lines)
 
 
 def stream_table(figures, plain):
@@ -126,8 +139,11 @@ def stream_table(figures, plain):
         for stream, title in STREAMS.items():
             name = f"{workload}/{stream}"
             if has_times(figures, name):
-                floor = ratio(figures, name, figures, workload + "/ifstream_floor") if stream == "ifstream" else ""
-                rows.append(speed_row(figures, plain, name, f"{WORKLOADS[workload]}: {title}") + [floor])
+                floor = ""
+                if stream == "ifstream":
+                    floor = ratio(figures, name, figures, workload + "/ifstream_floor")
+                title = f"{WORKLOADS[workload]}: {title}"
+                rows.append(speed_row(figures, plain, name, title) + [floor])
     return table(["workload and stream", "MB/s", "best MB/s", "ns per line", "× plain build",
                   "× 8 KiB `sgetn` loop"], rows)
 
@@ -149,14 +165,13 @@ def read_heap_figures(path):
 
 def heap_table(path):
     figures = read_heap_figures(path)
-    before = read_heap_figures(os.path.join(os.path.dirname(__file__), "heap_before.txt"))
     things = [what[len("bytes of "):] for what in figures if what.startswith("bytes of ")]
     kinds = ["bytes of ", "peak bytes of ", "allocations of ", "allocations when reused of "]
-    rows = [[thing] + [f"{figures[kind + thing]} ({before[kind + thing]})" for kind in kinds] for thing in things]
+    rows = [[thing] + [figures[kind + thing] for kind in kinds] for thing in things]
     entity, field = (float(figures["size of " + thing]) for thing in ("an entity", "a field"))
-    sizes = (f"An entity is {entity:.0f} bytes, a field {field:.0f}; their members are the interface's. In brackets the figures "
-             "of the first version, which made every record anew (`heap_before.txt`).\n\n")
-    return sizes + table(["of each", "bytes", "bytes at the peak", "allocations", "allocations when reused"], rows)
+    sizes = f"The record of an entity is {entity:.0f} bytes, that of a field {field:.0f}.\n\n"
+    heads = ["of each", "bytes", "bytes at the peak", "allocations", "allocations when reused"]
+    return sizes + table(heads, rows)
 
 
 def machine():
@@ -171,18 +186,20 @@ def machine():
 def package_versions(names):
     query = ["dpkg-query", "-W", "-f", "${Package} ${Version}\n"]
     try:
-        found = subprocess.run(query + names, capture_output=True, text=True, check=False).stdout.split("\n")
+        found = subprocess.run(query + names, capture_output=True, text=True, check=False)
     except FileNotFoundError: # not a Debian machine
         return "unknown"
-    return ", ".join(sorted({line for line in found if len(line.split()) == 2}))
+    lines = found.stdout.split("\n")
+    return ", ".join(sorted({line for line in lines if len(line.split()) == 2}))
 
 
 INTRODUCTION = """# Figures of the last accepted run
 
-Written by `bench/run`; not to be edited. MB/s are millions of bytes per second of processor time, the median
-of {repeats} repeats that took turns; “best” is the fastest of them. “× thing” is how many times as fast as the
-thing the parse is, within this run. One parser object takes all messages of a workload, as it would in a server,
-so each parse also clears away the tree of the one before. Its result was checked outside the timing.
+Written by `bench/run`; not to be edited. MB/s are millions of bytes per second of processor time:
+the median of {repeats} repeats, in which the programs took turns; “best” is the fastest repeat. “×
+another” says how many times as fast as the other the parse is in this run. One parser object takes
+all messages of a workload, as in a server, so each parse also clears away the tree of the message
+before. The result of the parse was checked outside the timing.
 
 - machine: {machine}
 - compiler: {compiler}
@@ -191,9 +208,11 @@ so each parse also clears away the tree of the one before. Its result was checke
 
 """
 
-PEER_NOTES = """Each of them parses from memory, and is told to keep or copy no text. Dovecot's tree has offsets and
-no header fields; GMime's has both; mimetic's has fields and no offsets. mimetic is not asked for the plain text,
-which it skips unread where no boundary can come, nor for the levels, on which it recurses.
+PEER_NOTES = """\
+Each library parses from memory, and is told to keep or copy no text. Dovecot's tree has offsets and
+no header fields; GMime's has both; mimetic's has fields and no offsets. mimetic is left out for the
+plain text, which it skips unread where no boundary can come, and for the levels, on which it
+recurses.
 
 """
 
@@ -203,9 +222,12 @@ def write_table(path, options, figures, plain):
     text = INTRODUCTION.format(repeats=repeats, machine=machine(), compiler=options.compiler,
                                packages=package_versions(options.packages.split()),
                                date=datetime.date.today().isoformat())
-    text += "## From memory, against the least that reading costs\n\n" + memory_table(figures, plain)
-    text += "The plain build (`MAILSTRUCTURE_PLAIN`) reads by `std::getline`, and looks at byte after byte.\n\n"
-    text += "## Against other libraries\n\n" + peer_table(figures) + PEER_NOTES + peer_errors(figures)
+    text += "## From memory, against the least that reading costs\n\n"
+    text += memory_table(figures, plain)
+    text += ("The plain build (`MAILSTRUCTURE_PLAIN`) reads by `std::getline`, and looks at one "
+             "byte after another.\n\n")
+    text += "## Against other libraries\n\n"
+    text += peer_table(figures) + PEER_NOTES + peer_errors(figures)
     text += "\n## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
     text += "## The scan of bodies alone\n\n" + scan_table(figures)
     text += "## Heap\n\n" + heap_table(options.figures + "/heap.txt")
@@ -213,9 +235,14 @@ def write_table(path, options, figures, plain):
         file.write(text.rstrip("\n") + "\n")
 
 
-# The picture: a panel for each workload, a bar for each program, as long as it is fast.
-BARS = {"parse": ("mailstructure", "#1f6feb"), "dovecot": ("Dovecot", "#8b949e"), "gmime": ("GMime", "#8b949e"),
-        "mimetic": ("mimetic", "#8b949e"), "getline_floor": ("empty getline loop", "#d0d7de")}
+# The picture: a panel for each workload, with a bar for each program whose length is the speed.
+BARS = {
+    "parse": ("mailstructure", "#1f6feb"),
+    "dovecot": ("Dovecot", "#8b949e"),
+    "gmime": ("GMime", "#8b949e"),
+    "mimetic": ("mimetic", "#8b949e"),
+    "getline_floor": ("empty getline loop", "#d0d7de"),
+}
 PANEL_WIDTH, BAR_HEIGHT, LABEL_WIDTH, NUMBER_WIDTH = 430, 20, 125, 85
 
 
@@ -233,8 +260,8 @@ def panel(figures, workload, left, top):
         y = top + 22 + row * BAR_HEIGHT
         width = max(1, (PANEL_WIDTH - LABEL_WIDTH - NUMBER_WIDTH) * value / longest)
         drawn += svg_text(left + LABEL_WIDTH - 6, y + 12, title, 'text-anchor="end"')
-        drawn += (f'<rect x="{left + LABEL_WIDTH}" y="{y}" width="{width:.1f}" height="{BAR_HEIGHT - 5}" '
-                  f'fill="{colour}"/>\n')
+        drawn += (f'<rect x="{left + LABEL_WIDTH}" y="{y}" width="{width:.1f}" '
+                  f'height="{BAR_HEIGHT - 5}" fill="{colour}"/>\n')
         number = f"{value / 1e3:.1f} GB/s" if value >= 1e3 else f"{value:.0f} MB/s"
         drawn += svg_text(left + LABEL_WIDTH + width + 5, y + 12, number)
     return drawn
@@ -247,11 +274,13 @@ def write_picture(path, figures):
     width = 2 * PANEL_WIDTH + 30
     with open(path, "w", encoding="utf-8") as file:
         file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
-                   f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12" fill="#1f2328">\n'
+                   f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12" '
+                   'fill="#1f2328">\n'
                    '<title>Speed of parsing mail from memory</title>\n'
                    f'<rect width="{width}" height="{height}" fill="#ffffff"/>\n')
         for index, workload in enumerate(workloads):
-            file.write(panel(figures, workload, 10 + index % 2 * (PANEL_WIDTH + 10), 10 + index // 2 * panel_height))
+            left, top = index % 2 * (PANEL_WIDTH + 10), index // 2 * panel_height
+            file.write(panel(figures, workload, 10 + left, 10 + top))
         file.write("</svg>\n")
 
 
@@ -265,7 +294,8 @@ def main():
     wrong = [name for all_figures in (figures, plain) for name, figure in all_figures.items()
              if figure.error and name.split("/")[1] not in PEERS]
     if wrong or not figures:
-        raise SystemExit("No report: " + (", ".join(wrong) + ": a wrong result" if wrong else "nothing was measured"))
+        reason = ", ".join(wrong) + ": a wrong result" if wrong else "nothing was measured"
+        raise SystemExit("No report: " + reason)
     write_table(options.output + ".md", options, figures, plain)
     write_picture(options.output + ".svg", figures)
 

@@ -18,7 +18,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// Deleted when this goes.
+/// A file that is deleted when this object is destroyed.
 class temporary_file {
 public:
     explicit temporary_file(std::string_view bytes) : m_path("/tmp/mailstructure-bench-XXXXXX") {

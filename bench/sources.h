@@ -1,4 +1,4 @@
-// The ways by which the bytes of a message reach the parser.
+// The streams and files from which the parser reads the bytes of a message.
 
 #ifndef MAILSTRUCTURE_BENCH_SOURCES_H
 #define MAILSTRUCTURE_BENCH_SOURCES_H
@@ -12,8 +12,8 @@
 
 namespace bench {
 
-/// Hands out bytes in place, at most so many at a time. The bytes are the caller's and must outlive
-/// this.
+/// Hands out bytes in place, at most AtATime at a time. The bytes belong to the caller and must
+/// outlive this buffer.
 template <std::size_t AtATime>
 class memory_buffer : public std::streambuf {
 public:
@@ -41,7 +41,8 @@ private:
 using whole_memory = memory_buffer<static_cast<std::size_t>(-1)>;
 using memory_by_4096 = memory_buffer<4096>;
 
-/// The path of a file that holds the workload's one message. It is there until the program ends.
+/// The path of a file that holds the workload's one message. The file exists until the program
+/// ends.
 const std::string& file_of(const workload& mail);
 
 /// A whole file mapped into memory.

@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 
-/// The standard's engine, without its distributions: those differ from one standard library to
-/// another.
+/// The engine of the standard library without its distributions, since these differ from one
+/// standard library to another.
 class random_source {
 public:
     explicit random_source(std::uint64_t seed) : m_engine(seed) {}
@@ -40,7 +40,7 @@ public:
             m_pool.append(words[random.from_to(0, std::size(words) - 1)]).append(" ");
     }
 
-    /// So many characters; neither the first nor the last is a blank.
+    /// A text of this length; neither its first nor its last character is a blank.
     std::string_view piece(random_source& random, std::size_t length) const {
         for (;;) {
             const std::string_view found =
@@ -59,7 +59,7 @@ std::string base64_line(random_source& random, std::size_t length) {
     std::string line;
     std::uint64_t bits = 0;
     for (std::size_t at = 0; at < length; ++at) {
-        if (at % 10 == 0) bits = random.bits(); // has ten times six of them
+        if (at % 10 == 0) bits = random.bits(); // enough for ten characters of 6 bits
         line += alphabet[bits & 63];
         bits >>= 6;
     }
@@ -107,7 +107,7 @@ void write_base64(writer& out, random_source& random, std::size_t bytes) {
         out.body_line(base64_line(random, 76));
 }
 
-/// Fields as servers and list managers pile them up: one in three is folded.
+/// Fields as servers and list managers add them; one in three is folded.
 void write_fields(writer& out, random_source& random, const text_source& text, std::size_t count) {
     constexpr std::string_view names[] = {"Received",
                                           "Return-Path",
@@ -141,7 +141,7 @@ void write_fields(writer& out, random_source& random, const text_source& text, s
     }
 }
 
-/// The fields that make an entity a multipart, the boundary on a line of its own.
+/// The field that makes an entity a multipart, with the boundary on a line of its own.
 void write_multipart_fields(writer& out, std::string_view subtype, std::string_view boundary) {
     out.field(std::string("Content-Type: multipart/").append(subtype).append(";"));
     out.line(std::string("\tboundary=\"").append(boundary).append("\""));
@@ -240,7 +240,7 @@ workload small_messages() {
     workload mail;
     random_source random(3);
     const text_source text(random);
-    mail.m_messages.reserve(5000); // the writer holds on to the one it writes
+    mail.m_messages.reserve(5000); // the writer has a reference to the message that it writes
     while (mail.m_messages.size() < 5000) write_small_message(mail, random, text);
     return mail;
 }

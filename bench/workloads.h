@@ -10,19 +10,19 @@
 
 namespace bench {
 
-/// Messages that are parsed one after another, and what a right parse of them finds in all.
+/// Messages that are parsed one after another, and the totals that a right parse of them finds.
 struct workload {
     std::vector<std::string> m_messages;
     std::size_t m_entities = 0;
     std::size_t m_fields = 0;
-    std::size_t m_body_lines =
-        0; // as the root counts them: its closing lines in, separators and epilogues out
-    std::size_t m_lines = 0; // all lines
+    /// Body lines as the root counts them: with closing lines, without separators and epilogues.
+    std::size_t m_body_lines = 0;
+    std::size_t m_lines = 0; ///< All lines.
 
     std::size_t bytes() const;
 };
 
-/// Makes its workload when it is first asked for it.
+/// Makes its workload when `get` is first called.
 class workload_source {
 public:
     workload_source(const char* name, workload (*make)()) : m_name(name), m_make(make) {}
@@ -41,8 +41,8 @@ private:
 /// - text_lf: one part, lines of 0 to 100 bytes
 extern workload_source large_workloads[2];
 
-/// - small_messages: 5,000 of 3 to 20 KB: folded fields, alternatives within mixed, forwards; half
-/// with CRLF
+/// - small_messages: 5,000 messages of 3 to 20 KB with folded fields, alternatives within mixed,
+///   and forwarded messages; half of them with CRLF
 /// - tiny_parts: one multipart of 1,000,000 parts
 /// - levels: 100,000 messages, each the body of the one before
 /// - fields: one header block of 1,000,000 fields
