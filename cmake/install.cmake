@@ -1,9 +1,9 @@
-# What `cmake --install` lays down: the header, both libraries, the files by which a host's build finds
-# them, the tool with its completion, manual pages and documentation. Nothing installed names the folder it was installed into,
-# so the whole prefix can be moved.
+# What `cmake --install` installs: the header, both libraries, the files by which a host's build
+# finds them, the tool with its completion, manual pages and documentation. No installed file names
+# the folder that it was installed into, so the whole prefix can be moved.
 #
-# The components are the packages that a distribution makes of it: `runtime` (the shared library), `development`
-# (what a host is built with) and `tool`.
+# Each component is a package of a distribution: `runtime` (the shared library), `development` (what
+# a host is built with) and `tool`.
 
 include(CMakePackageConfigHelpers)
 
@@ -27,24 +27,26 @@ install(
   DESTINATION ${package_dir}
   COMPONENT development)
 
-configure_package_config_file(cmake/mailstructureConfig.cmake.in ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake
-                              INSTALL_DESTINATION ${package_dir})
+configure_package_config_file(
+  cmake/mailstructureConfig.cmake.in ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
   VERSION ${PROJECT_VERSION}
   COMPATIBILITY SameMajorVersion)
 install(
-  FILES ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
+  FILES ${PROJECT_BINARY_DIR}/mailstructureConfig.cmake
+        ${PROJECT_BINARY_DIR}/mailstructureConfigVersion.cmake
   DESTINATION ${package_dir}
   COMPONENT development)
 
-# The .pc file gives its folders relative to its own place.
+# The .pc file names its folders relative to its own.
 cmake_path(SET pkgconfig_place NORMALIZE "/prefix/${pkgconfig_dir}")
 cmake_path(RELATIVE_PATH pkgconfig_place BASE_DIRECTORY /prefix OUTPUT_VARIABLE pkgconfig_depth)
 string(REGEX REPLACE "[^/]+" ".." pkgconfig_to_prefix "${pkgconfig_depth}")
 
-# The static library takes the C++ runtime with it, which a host that is not linked by a C++ compiler has to name.
-# Where there is no shared library, every host needs it.
+# A host of the static library that is not linked by a C++ compiler has to name the C++ runtime.
+# Where there is no shared library, this holds for every host.
 set(runtime_libraries ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
 list(FILTER runtime_libraries INCLUDE REGEX "^(stdc\\+\\+|c\\+\\+|c\\+\\+abi|m)$")
 list(REMOVE_DUPLICATES runtime_libraries)
@@ -62,7 +64,8 @@ install(
   DESTINATION ${pkgconfig_dir}
   COMPONENT development)
 
-# A page is named after what it describes; a colon in a file name is more than some file systems take.
+# A page is installed under the name of what it describes. The sources have a dot for the colons,
+# which some file systems do not allow in names.
 foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::header)
   string(REPLACE "::" "." file ${page})
   install(
@@ -74,7 +77,8 @@ endforeach()
 
 set(document_dir ${CMAKE_INSTALL_DOCDIR})
 if(NOT PROJECT_IS_TOP_LEVEL)
-  set(document_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/mailstructure) # the other one is the host's
+  # CMAKE_INSTALL_DOCDIR is the folder of the host's documents.
+  set(document_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/mailstructure)
 endif()
 install(
   FILES CHANGELOG.md LICENSE
@@ -89,7 +93,8 @@ install(
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
-  FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp examples/index_folder.cpp
+  FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp
+        examples/index_folder.cpp
   DESTINATION ${document_dir}/examples
   COMPONENT development)
 

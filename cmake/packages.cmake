@@ -1,10 +1,12 @@
-# What `cpack` makes: the Debian packages libmailstructure1, libmailstructure-dev and mailstructure, one for each
-# component of cmake/install.cmake. It wants the places of a Debian system, which the preset `package` gives:
+# The Debian packages that `cpack` builds: libmailstructure1, libmailstructure-dev and
+# mailstructure, one for each component of cmake/install.cmake. The folders must be those of a
+# Debian system, which the preset `package` sets:
 #
 #     cmake --preset package && cmake --build --preset package && cpack --preset package
 #
-# cmake/debian/stage.cmake brings each package's files into the form that Debian expects; cmake/debian/settings.cmake
-# takes the time stamp of everything from the changelog, so that the same sources always give the same packages.
+# cmake/debian/stage.cmake brings each package's files into the form that Debian expects.
+# cmake/debian/settings.cmake takes the time stamp of everything from the changelog, so that the
+# same sources always give the same packages.
 
 set(debian_files ${PROJECT_SOURCE_DIR}/cmake/debian)
 set(MAILSTRUCTURE_MAINTAINER
@@ -28,7 +30,7 @@ set(CPACK_PROJECT_CONFIG_FILE ${debian_files}/settings.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${debian_files}/stage.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${debian_files}/finish.cmake)
 
-# Both read these.
+# The scripts in cmake/debian read these.
 set(CPACK_MAILSTRUCTURE_DEBIAN_FILES ${debian_files})
 set(CPACK_MAILSTRUCTURE_LIBDIR ${CMAKE_INSTALL_LIBDIR})
 set(CPACK_MAILSTRUCTURE_STRIP ${CMAKE_STRIP})
@@ -51,7 +53,8 @@ string(CONCAT about "The library reads a message once and leaves a tree of its p
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
-    "library that finds the structure of Internet mail\n${about}.\nThis package holds the shared library.")
+    "library that finds the structure of Internet mail\n${about}.\n\
+This package holds the shared library.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libmailstructure-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -1,4 +1,5 @@
-# What the scripts share: the packages that each job takes, and the places of things. To be sourced.
+# What the scripts share: the packages that each job needs, and functions that install packages,
+# build and run tests. To be sourced.
 # shellcheck shell=bash
 
 set -euo pipefail
@@ -6,10 +7,12 @@ set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake g++ libcli11-dev ninja-build nettle-dev rapidjson-dev)
-# What the packages are made and checked with, and hosts that use them: the last lines of tests/package/CMakeLists.txt.
+# What our Debian packages, and hosts that use them, are built and checked with; see the end of
+# tests/package/CMakeLists.txt.
 packaging_packages=(abigail-tools clang doxygen dpkg-dev libsqlite3-dev lintian mandoc pkg-config)
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
-test_packages=("${build_packages[@]}" libgtest-dev "${arm_packages[@]}" "${packaging_packages[@]}" python3-jsonschema valgrind)
+test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" libgtest-dev
+    python3-jsonschema valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
 # shellcheck disable=SC2034 # for those who source this
 check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 shellcheck)
@@ -18,9 +21,9 @@ is_installed() {
     [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2> /dev/null) == installed ]]
 }
 
-# install_missing PACKAGE...: installs those that are not there. Says nothing when all are.
+# install_missing PACKAGE...: installs those that are missing. Prints nothing if none is.
 install_missing() {
-    command -v dpkg-query > /dev/null || return 0 # another system: what is missing, the build will tell
+    command -v dpkg-query > /dev/null || return 0 # not Debian: the build tells what is missing
     local package missing=()
     for package in "$@"; do
         is_installed "$package" || missing+=("$package")
@@ -39,7 +42,7 @@ install_missing() {
     fi
 }
 
-# quietly COMMAND...: prints what the command says only when it fails.
+# quietly COMMAND...: prints the output of the command only if it fails.
 quietly() {
     local log status=0
     log=$(mktemp)
@@ -54,14 +57,16 @@ build() {
     local preset=$1 targets=()
     shift
     (($# == 0)) || targets=(--target "$@")
-    (cd "$top" && quietly cmake --preset "$preset" && quietly cmake --build --preset "$preset" "${targets[@]}")
+    (cd "$top" && quietly cmake --preset "$preset" \
+        && quietly cmake --build --preset "$preset" "${targets[@]}")
 }
 
-# run_tests PRESET [CTEST_OPTION...]: runs what has been built, to ctest's summary.
+# run_tests PRESET [CTEST_OPTION...]: runs the tests that have been built. Ends with ctest's
+# summary.
 run_tests() {
     local preset=$1
     shift
-    # Real mail to run against, where somebody has laid it beside the checkout.
+    # Some tests run against real mail, if there is a folder of it beside the checkout.
     if [[ -z ${MAILSTRUCTURE_CORPUS-} && -d $top/../shared/corpus ]]; then
         MAILSTRUCTURE_CORPUS=$(cd "$top/../shared/corpus" && pwd)
         export MAILSTRUCTURE_CORPUS

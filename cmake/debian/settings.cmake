@@ -1,5 +1,5 @@
-# Read by cpack before anything else. SOURCE_DATE_EPOCH, where nobody has set it, is the time of the newest entry in
-# the changelog; cpack and all that it calls take their time stamps from there.
+# cpack reads this before anything else. If SOURCE_DATE_EPOCH is not set, it becomes the time of the
+# newest entry in the changelog; cpack and all that it calls take their time stamps from it.
 
 set(changelog ${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/changelog)
 
@@ -9,7 +9,8 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   file(STRINGS ${changelog} newest LIMIT_COUNT 1)
   set(version ${CPACK_DEBIAN_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
   if(NOT newest MATCHES "^mailstructure \\((.*)\\) " OR NOT CMAKE_MATCH_1 STREQUAL version)
-    message(FATAL_ERROR "${changelog} begins with another version than ${version}, which is being packaged")
+    message(FATAL_ERROR "${changelog} begins with another version than that of the packages, "
+                        "${version}")
   endif()
   if(NOT DEFINED ENV{SOURCE_DATE_EPOCH})
     execute_process(

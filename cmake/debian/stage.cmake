@@ -1,5 +1,5 @@
-# Read by cpack when the files of each package lie in a folder of their own, and before it packs them. Does what
-# a Debian package wants beyond a plain installation:
+# cpack reads this when the files of each package are in a folder of their own, before it packs
+# them. Does what a Debian package needs beyond a plain installation:
 #
 #   - files and folders with the permissions that they have in every package, whatever the umask
 #   - binaries without run-time search path and without symbols that only a debugger reads
@@ -8,7 +8,7 @@
 #   - the control files symbols, shlibs and triggers of the library, from its list of symbols
 #   - what each package depends on, from the libraries that its programs are linked with
 #
-# A list of symbols that does not match the library ends the packaging.
+# A list of symbols that does not match the library is an error.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -31,16 +31,17 @@ execute_process(
   OUTPUT_VARIABLE triplet
   OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT CPACK_MAILSTRUCTURE_LIBDIR STREQUAL "lib/${triplet}")
-  message(FATAL_ERROR "Debian has its libraries in lib/${triplet}, and this build in ${CPACK_MAILSTRUCTURE_LIBDIR}. "
-                      "Configure with the preset `package`.")
+  message(FATAL_ERROR "Debian has its libraries in lib/${triplet}, and this build in "
+                      "${CPACK_MAILSTRUCTURE_LIBDIR}. Configure with the preset `package`.")
 endif()
 
-# stage_binaries(ROOT): strips what is there, and lets the system find libraries.
+# stage_binaries(ROOT): strips programs and libraries, and removes their search paths.
 function(stage_binaries root)
   file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*)
   foreach(binary IN LISTS binaries)
     file(RPATH_REMOVE FILE ${binary})
-    run(${CPACK_MAILSTRUCTURE_STRIP} --remove-section=.comment --remove-section=.note --strip-unneeded ${binary})
+    run(${CPACK_MAILSTRUCTURE_STRIP} --remove-section=.comment --remove-section=.note
+        --strip-unneeded ${binary})
   endforeach()
   file(GLOB archives ${root}/usr/lib/${triplet}/*.a)
   foreach(archive IN LISTS archives)
@@ -49,7 +50,8 @@ function(stage_binaries root)
   endforeach()
 endfunction()
 
-# stage_documents(ROOT PACKAGE): the package's own folder of documents, and everything long in it compressed.
+# stage_documents(ROOT PACKAGE): gives the package its own folder of documents, and compresses the
+# long ones.
 function(stage_documents root package)
   set(documents ${root}/usr/share/doc/${package})
   if(NOT package STREQUAL "mailstructure" AND EXISTS ${root}/usr/share/doc/mailstructure)
@@ -58,7 +60,8 @@ function(stage_documents root package)
   file(MAKE_DIRECTORY ${documents})
   file(REMOVE ${documents}/LICENSE) # the file copyright has the same text
   configure_file(${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/copyright ${documents}/copyright COPYONLY)
-  configure_file(${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/changelog ${documents}/changelog.Debian COPYONLY)
+  configure_file(${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/changelog ${documents}/changelog.Debian
+                 COPYONLY)
   if(EXISTS ${documents}/CHANGELOG.md)
     file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
   endif()
@@ -88,7 +91,8 @@ function(stage_permissions root)
   endforeach()
 endfunction()
 
-# The list of symbols is written with names as the source has them; the control file has them as the linker does.
+# make_library_control(ROOT): writes the control files of the library. Names in our list of symbols
+# are those of the source; in the control file they are those of the linker.
 function(make_library_control root)
   file(GLOB library ${root}/usr/lib/${triplet}/*.so.*.*.*)
   set(control ${work}/${library_package}/DEBIAN)
@@ -102,7 +106,8 @@ function(make_library_control root)
     ERROR_VARIABLE differences
     RESULT_VARIABLE result)
   if(NOT result EQUAL 0)
-    message(FATAL_ERROR "The library does not have the symbols listed in ${library_package}.symbols\n${differences}")
+    message(FATAL_ERROR "The library does not have the symbols listed in "
+                        "${library_package}.symbols\n${differences}")
   endif()
   string(REGEX MATCH "[0-9]+$" soversion ${library_package})
   file(WRITE ${control}/shlibs
@@ -112,7 +117,7 @@ function(make_library_control root)
   file(COPY ${root}/usr DESTINATION ${work}/${library_package})
 endfunction()
 
-# find_dependencies(ROOT VARIABLE): what the package in that folder needs of others.
+# find_dependencies(ROOT VARIABLE): sets the variable to the packages that this one depends on.
 function(find_dependencies root variable)
   file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*)
   list(TRANSFORM binaries PREPEND "-e")
@@ -126,7 +131,8 @@ function(find_dependencies root variable)
   set(${variable} "${found}" PARENT_SCOPE)
 endfunction()
 
-file(WRITE ${work}/debian/control "Source: mailstructure\n\nPackage: ${library_package}\nArchitecture: any\n")
+file(WRITE ${work}/debian/control
+     "Source: mailstructure\n\nPackage: ${library_package}\nArchitecture: any\n")
 
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(root_of_${component} ${CPACK_TEMPORARY_DIRECTORY}/${component})
