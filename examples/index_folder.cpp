@@ -6,7 +6,7 @@
 //     index_folder mail.db fetch 17           writes the body of that part
 //
 // The index holds offsets and lengths; the bytes stay in the files. A file that has changed since
-// is refused.
+// it was indexed is refused.
 
 #include <mail_structure.h>
 
@@ -43,7 +43,7 @@ public:
     explicit database(const char* file) {
         sqlite3* opened = nullptr;
         const int status = sqlite3_open(file, &opened);
-        m_handle.reset(opened); // also when it failed, for the reason is in there
+        m_handle.reset(opened); // after a failure too, because the handle has the reason
         if (status != SQLITE_OK) fail();
     }
     void run(const char* text) {
@@ -60,8 +60,7 @@ private:
     std::unique_ptr<sqlite3, closer> m_handle;
 };
 
-/// A prepared statement. What comes from a message goes in as a value, never into the text of the
-/// statement.
+/// A prepared statement. Texts from a message are values of it, never part of its text.
 class statement {
 public:
     statement(database& where, const char* text) : m_database(where) {
@@ -70,7 +69,7 @@ public:
             where.fail();
         m_handle.reset(prepared);
     }
-    /// Starts anew with these values; a text has to live until the next start.
+    /// Starts anew with these values. A text must exist until the next start.
     template <class... Values>
     statement& start(const Values&... values) {
         sqlite3_reset(m_handle.get());
@@ -113,8 +112,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its
-/// own; that of a multipart is all of its parts with the lines between them.
+/// The place of the body. A part that holds a forwarded message has that message as its body, with
+/// the header block of that message. A multipart has all of its parts and the lines between them.
 range body_of(const MailStructure::MimeObj& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -122,7 +121,7 @@ range body_of(const MailStructure::MimeObj& part) {
     return {part.m_body_beg, part.m_body_len};
 }
 
-/// Tells one state of a file from another.
+/// The time of the last change, to recognise that a file has changed.
 std::int64_t time_of(const fs::path& file) {
     return fs::last_write_time(file).time_since_epoch().count();
 }
@@ -146,8 +145,9 @@ void add_message(database& index, statement& add_part, const fs::path& file) {
         .next_row();
     const std::int64_t id = index.last_id();
 
-    std::vector<const MailStructure::MimeObj*> pending{
-        &message.m_root}; // not recursion: mail nests without limit
+    // This is a loop with its own stack, since mail may be nested deeper than a program can
+    // recurse.
+    std::vector<const MailStructure::MimeObj*> pending{&message.m_root};
     while (!pending.empty()) {
         const MailStructure::MimeObj& part = *pending.back();
         pending.pop_back();
@@ -162,8 +162,8 @@ void add_message(database& index, statement& add_part, const fs::path& file) {
     }
 }
 
-/// Each message is added whole or not at all; one that cannot be parsed does not keep the others
-/// out.
+/// Adds each message whole or not at all. A message that cannot be parsed does not keep out the
+/// others.
 int add_folder(database& index, const fs::path& folder) {
     std::vector<fs::path> files;
     for (const fs::directory_entry& entry : fs::directory_iterator(fs::absolute(folder)))

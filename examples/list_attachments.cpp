@@ -1,9 +1,8 @@
-// Lists the attachments of a message: media type, where the body lies in the file, and the file
-// name.
+// Lists the attachments of a message: media type, place of the body in the file, and file name.
 //
-// An attachment is a part that says so in its Content-Disposition field, or that gives a file name
-// there or in its Content-Type. What a forwarded message holds belongs to that attachment and is
-// not listed again.
+// A part is an attachment if its Content-Disposition field says so, or if there is a file name in
+// that field or in its Content-Type field. A forwarded message is one attachment; its own
+// attachments are not listed again.
 
 #include <mail_structure.h>
 
@@ -19,8 +18,8 @@ namespace {
 
 using entity = MailStructure::MimeObj;
 
-/// Field and parameter names are compared whole, while find_header would also find
-/// "Content-Disposition-X".
+/// Compares whole names of fields and parameters. find_header takes a prefix of a name, so that it
+/// would find "Content-Disposition-X" too.
 bool same_name(const std::string& name, const std::string& wanted) {
     return name.size() == wanted.size() && strncasecmp(name, wanted.c_str(), 0xFFFFFFFF);
 }
@@ -31,10 +30,10 @@ const std::string* field_value(const entity& part, const char* name) {
     return nullptr;
 }
 
-/// The file name in a field such as `attachment; filename="a; b.pdf"`, or "". Encoded names are
-/// left as they are.
+/// The file name in a field such as `attachment; filename="a; b.pdf"`, or an empty text. Encoded
+/// names are not decoded.
 std::string disposition_file_name(const std::string& disposition) {
-    std::string parameter; // without quotes, and without blanks that stand outside of them
+    std::string parameter; // without quotes, and without blanks outside of quotes
     bool quoted = false;
     for (std::size_t at = 0; at < disposition.size(); ++at) {
         const char byte = disposition[at];
@@ -66,8 +65,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its
-/// own; that of a multipart is all of its parts with the lines between them.
+/// The place of the body. A part that holds a forwarded message has that message as its body, with
+/// the header block of that message. A multipart has all of its parts and the lines between them.
 range body_of(const entity& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -75,8 +74,8 @@ range body_of(const entity& part) {
     return {part.m_body_beg, part.m_body_len};
 }
 
-/// For a terminal: whatever is not printable ASCII becomes a question mark, or a name could steer
-/// the terminal.
+/// The text with a question mark for each byte that is not printable ASCII, because a name from a
+/// message must not control the terminal.
 std::string printable(std::string text) {
     for (char& byte : text)
         if (byte < ' ' || byte > '~') byte = '?';
@@ -84,7 +83,8 @@ std::string printable(std::string text) {
 }
 
 void list(const entity& message) {
-    // A stack of our own: mail may be nested deeper than a program can recurse.
+    // This is a loop with its own stack, since mail may be nested deeper than a program can
+    // recurse.
     std::vector<const entity*> pending{&message};
     while (!pending.empty()) {
         const entity& part = *pending.back();
@@ -111,15 +111,14 @@ int main(int count, char** arguments) try {
     std::ifstream file(arguments[1], std::ios::binary);
     MailStructure message;
     if (file) message.Fill(file);
-    // Fill takes a failing disk for the end of the message; the stream knows better.
+    // Fill takes a read error for the end of the message; the stream tells the difference.
     if (!message.m_done || file.bad()) return std::cerr << arguments[1] << ": cannot be read\n", 1;
     file.clear();
     if (file.tellg() > std::streamoff(0xFFFFFFFF))
         return std::cerr << arguments[1] << ": 4 GiB or more\n", 1;
     list(message.m_root);
     return std::cout.flush() ? 0 : 1;
-} catch (
-    const std::exception& error) { // a stray CR, LF or NUL, a bad header line, or no memory left
+} catch (const std::exception& error) { // bad bytes, a bad header line, or no memory left
     std::cerr << arguments[1] << ": " << error.what() << '\n';
     return 1;
 }

@@ -1,11 +1,11 @@
 // Writes the body of one part of a message: serve_section MESSAGE 1.2 > part
 //
-// Numbers count as in IMAP: those below a multipart are its parts, those below a forwarded message
-// are the parts of that message, and the body of a message that is no multipart is its part 1.
+// The numbers are those of IMAP. In a multipart they count its parts; in a forwarded message, the
+// parts of that message; and the body of a message that is not a multipart is its part 1.
 //
-// The file is mapped, and parsed where it lies: Fill scans the buffer of the stream, which is the
-// mapping. Nobody may shorten the file meanwhile; a host that cannot be sure of that reads it into
-// memory instead.
+// The file is mapped and parsed in place: the buffer of the stream is the mapping, and Fill scans
+// it. No other program may shorten the file meanwhile; a host that cannot be sure of that reads the
+// file into memory instead.
 
 #include <mail_structure.h>
 
@@ -39,8 +39,8 @@ public:
             throw std::runtime_error("not a file that can be mapped");
         }
         m_size = static_cast<std::uint64_t>(status.st_size);
-        // An empty file cannot be mapped; from 4 GiB on, ranges no longer tell one place from
-        // another.
+        // An empty file cannot be mapped. In a file of 4 GiB or more, a range would not say which
+        // of several places it means.
         if (m_size > 0 && m_size <= 0xFFFFFFFF)
             m_bytes = mmap(nullptr, m_size, PROT_READ, MAP_PRIVATE, file, 0);
         close(file); // the mapping stays
@@ -61,7 +61,7 @@ private:
     std::size_t m_size = 0;
 };
 
-/// Lets a stream read bytes where they are. They are never written to: there is no put area.
+/// Lets a stream read bytes in place. It never writes to them, since there is no put area.
 class view_buffer : public std::streambuf {
 public:
     explicit view_buffer(std::string_view bytes) {
@@ -75,8 +75,8 @@ struct range {
     std::uint32_t m_len;
 };
 
-/// Where the body lies. That of a forwarded message is the message, which has a header block of its
-/// own; that of a multipart is all of its parts with the lines between them.
+/// The place of the body. A part that holds a forwarded message has that message as its body, with
+/// the header block of that message. A multipart has all of its parts and the lines between them.
 range body_of(const MailStructure::MimeObj& part) {
     if (part.m_message && !part.m_children.empty())
         return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
@@ -84,11 +84,11 @@ range body_of(const MailStructure::MimeObj& part) {
     return {part.m_body_beg, part.m_body_len};
 }
 
-/// The part that a path such as "1.2" names, or null where the message has none of that number.
+/// The part that a path such as "1.2" names, or null if the message has no such part.
 const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
                                         std::string_view path) {
     const MailStructure::MimeObj* part = &message;
-    bool is_message = true; // its own parts are counted next, or itself as part 1
+    bool is_message = true; // then the next number counts its parts, or is 1 for its body
     while (!path.empty()) {
         const std::size_t digits = path.find('.');
         if (digits + 1 == path.size()) return nullptr; // "1."
