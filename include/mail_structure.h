@@ -95,13 +95,13 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// One MIME entity: the message itself, a body part, or an encapsulated message.
     ///
     /// Entities own their children and fields by value. A pointer or reference to a child or a
-    /// field is valid until another one is added beside it, or until an entity that contains it is
-    /// cleared, assigned to, filled or destroyed.
+    /// field is valid until another one is added beside it, or until the tree that contains it is
+    /// cleared, assigned to, filled again or destroyed.
     ///
     /// Do not follow m_parent in a finished tree: walk from the root down through m_children. An
-    /// m_parent is valid only until the next child is added to the parent of that entity. Copies
-    /// are deep and memberwise, so the m_parent of a copy, and of every entity inside it, is the
-    /// one that its original had: the children inside a copy still point at the original.
+    /// m_parent is valid only until another entity is added beside the one that it points to.
+    /// Copies are deep and memberwise: every m_parent in a copy is the one that its original had,
+    /// so the children inside a copy still point at the original.
     ///
     /// No operation recurses on the depth of the tree: an entity nested a million deep is copied,
     /// assigned, cleared, dumped and destroyed on a small stack. Destruction, clear and moves
