@@ -13,15 +13,15 @@ void classic_grammar::take_line(const input_line& line) {
     // passes.
     if (line.m_stray_byte) throw std::runtime_error("error in io input data");
     // Kept: the empty line after a separator is dropped from every range, and so is an empty line
-    // after the first header line of an encapsulated message. The phase stays, so a part that begins
-    // with an empty line has its next line looked at as a header line.
+    // after the first header line of an encapsulated message. The phase stays, so a part that
+    // begins with an empty line has its next line looked at as a header line.
     const bool just_opened = std::exchange(m_state.m_just_opened, false);
     if (!just_opened || !line.m_text.empty()) route(line);
 }
 
 /// Takes the line down the path of the phase. A line that ends a header block goes on as a body
-/// line, and one that finds an encapsulated message innermost opens the message within, as the first
-/// line of that message's header block.
+/// line, and one that finds an encapsulated message innermost opens the message within, as the
+/// first line of that message's header block.
 void classic_grammar::route(const input_line& line) {
     for (;;) { // at most four turns: end a block, open a message, end its block, be a body line
         if (m_state.m_phase != phase::header && m_state.m_open.innermost().m_message)

@@ -14,8 +14,8 @@ bool is_boundary_name(std::string_view name) {
     return strncasecmp(std::string(name), "boundary", whole_name);
 }
 
-/// Stores a parameter in the record of the field, if the field has one in the tree. Only when that is
-/// done may the parameter register a boundary.
+/// Stores a parameter in the record of the field, if the field has one in the tree. Only when that
+/// is done may the parameter register a boundary.
 void store_parameter(classic_state& state, const parameter& found) {
     const field_in_progress& field = state.m_field;
     state.m_tree.m_memory.add(

@@ -53,7 +53,8 @@ public:
     padded_block& operator=(const padded_block&) = delete;
 
     block_masks masks() const noexcept { return Make::masks(m_begin); }
-    /// The bytes that a field name may hold, from the first to the last that has only such before it.
+    /// The bytes that a field name may hold, from the first to the last that has only such before
+    /// it.
     template <field_names Names>
     std::uint64_t name() const noexcept {
         return Make::template name<Names>(m_begin);

@@ -45,9 +45,9 @@ public:
     /// @throws std::bad_alloc, and what std::getline throws on the stream
     bool next(input_line& line);
 
-    /// Finds as many whole lines as need no look at their text. False when the stream's buffer begins
-    /// with a line that ends the run. Reads nothing; the lines stay in the buffer until they are
-    /// taken.
+    /// Finds as many whole lines as need no look at their text. False when the stream's buffer
+    /// begins with a line that ends the run. Reads nothing; the lines stay in the buffer until they
+    /// are taken.
     bool find_run(line_run& run, run_limits limits) const noexcept;
     /// Moves past the run found last.
     void take(const line_run& run) noexcept;

@@ -86,7 +86,8 @@ std::optional<std::string> boundary_parameter::value() {
     return found;
 }
 
-/// In the order of their numbers, which may leave gaps. Of sections with one number the first counts.
+/// In the order of their numbers, which may leave gaps. Of sections with one number the first
+/// counts.
 std::string boundary_parameter::joined_sections() {
     const auto is_before = [](const section& a, const section& b) {
         if (a.m_number.size() != b.m_number.size()) return a.m_number.size() < b.m_number.size();

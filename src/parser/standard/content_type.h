@@ -11,7 +11,8 @@
 
 namespace mail_structure_detail::standard {
 
-/// Type and subtype as written, without comments. Both are empty where the field does not have both.
+/// Type and subtype as written, without comments. Both are empty where the field does not have
+/// both.
 struct media_type {
     std::string_view m_type;
     std::string_view m_subtype;

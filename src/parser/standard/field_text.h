@@ -1,5 +1,5 @@
-// Reads the value of a structured field from left to right: white space, comments, tokens and quoted
-// strings (RFC 5322 section 3.2, RFC 2045 section 5.1).
+// Reads the value of a structured field from left to right: white space, comments, tokens and
+// quoted strings (RFC 5322 section 3.2, RFC 2045 section 5.1).
 
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H

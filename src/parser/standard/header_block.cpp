@@ -17,7 +17,8 @@ using MimeObj = MailStructure::MimeObj;
 
 constexpr std::size_t no_colon = std::string_view::npos;
 
-/// The place of the colon behind the field name and blanks; no_colon where the line begins no field.
+/// The place of the colon behind the field name and blanks; no_colon where the line begins no
+/// field.
 std::size_t colon_of(const input_line& line) noexcept {
     if (line.m_name_bytes == 0) return no_colon;
     std::size_t at = line.m_name_bytes;
@@ -125,8 +126,8 @@ bool is_digest(const MimeObj* entity) noexcept {
     return entity != nullptr && entity->m_multipart && same_word(entity->m_subtype, "digest");
 }
 
-/// Whether the body is a message as it stands. An encoded one is not there in bytes, so nothing of it
-/// has a place in the input: the host decodes it and fills another tree.
+/// Whether the body is a message as it stands. An encoded one is not there in bytes, so nothing of
+/// it has a place in the input: the host decodes it and fills another tree.
 bool holds_message(const MimeObj& entity) noexcept {
     if (!same_word(entity.m_type, "message")) return false;
     const auto is_among = [](std::string_view word, const auto& words) {

@@ -1,6 +1,6 @@
-// A hash of bytes that an attacker cannot foresee: SipHash-1-3 with a secret key of the process. The
-// senders of messages choose the boundaries, so a hash without a key would let them choose which of
-// the boundaries collide.
+// A hash of bytes that an attacker cannot foresee: SipHash-1-3 with a secret key of the process.
+// The senders of messages choose the boundaries, so a hash without a key would let them choose
+// which of the boundaries collide.
 
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_KEYED_HASH_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_KEYED_HASH_H

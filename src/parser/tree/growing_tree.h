@@ -1,6 +1,6 @@
-// What every set of rules needs while a message is read: the open entities, the limit on what header
-// fields may take, and the text that is kept. Built when Fill starts, gone when Fill returns or
-// throws.
+// What every set of rules needs while a message is read: the open entities, the limit on what
+// header fields may take, and the text that is kept. Built when Fill starts, gone when Fill returns
+// or throws.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_GROWING_TREE_H
 #define MAIL_STRUCTURE_PARSER_TREE_GROWING_TREE_H

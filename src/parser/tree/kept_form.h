@@ -9,9 +9,9 @@
 
 namespace mail_structure_detail {
 
-/// The kept form of lines that each end with an LF, or with CRs and an LF. All CRs there belong to the
-/// end of the line. Lines that are all ended by one CR and LF are their own kept form; others are
-/// written to `room`. The result is valid as long as both are unchanged.
+/// The kept form of lines that each end with an LF, or with CRs and an LF. All CRs there belong to
+/// the end of the line. Lines that are all ended by one CR and LF are their own kept form; others
+/// are written to `room`. The result is valid as long as both are unchanged.
 /// @throws std::bad_alloc
 std::string_view kept_form(std::string_view lines, std::string& room);
 

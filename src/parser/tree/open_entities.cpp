@@ -125,8 +125,8 @@ void open_entities::watch_for_lapses() {
     m_contents.watch_for_lapses(m_entities);
 }
 
-/// Reserves room for a chain of that depth. The accounts come first, so that they have room wherever
-/// the entities have.
+/// Reserves room for a chain of that depth. The accounts come first, so that they have room
+/// wherever the entities have.
 void open_entities::reserve_depth(std::size_t depth) {
     m_accounts.reserve(depth);
     m_entities.reserve(depth);

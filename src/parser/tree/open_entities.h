@@ -97,8 +97,8 @@ public:
     void add_body_lines(const line_run& lines);
     /// Epilogue lines of the innermost entity and of all its ancestors.
     void add_epilogue_lines(const line_run& lines);
-    /// Epilogue lines of the innermost entity alone. An entity is given either these or the lines of
-    /// add_epilogue_lines.
+    /// Epilogue lines of the innermost entity alone. An entity is given either these or the lines
+    /// of add_epilogue_lines.
     void add_own_epilogue_lines(const line_run& lines) noexcept;
     /// Whether adding lines will allocate nothing. Adding lines never allocates before
     /// watch_for_lapses, and after it only for the first lines of an entity.

@@ -9,8 +9,9 @@
 // cut off.
 //
 // Storage that is handed on from message to message must not pile up. So a record other than the
-// root gives back what exceeds `kept_always` and of which the last message used less than a quarter,
-// and anything beyond `kept_at_most`. The root gives nothing back, as MimeObj::clear promises.
+// root gives back what exceeds `kept_always` and of which the last message used less than a
+// quarter, and anything beyond `kept_at_most`. The root gives nothing back, as MimeObj::clear
+// promises.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
 #define MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
@@ -31,12 +32,12 @@ constexpr std::size_t kept_at_most = std::size_t{16} << 10U;
 /// Empties a field and returns it. Its parameters stay, as old records.
 MailStructure::header& reset_field(MailStructure::header& field) noexcept;
 
-/// Makes the entity's child at the index as good as new and returns it. The child's own children and
-/// fields stay, as old records.
+/// Makes the entity's child at the index as good as new and returns it. The child's own children
+/// and fields stay, as old records.
 MailStructure::MimeObj& reused_child(MailStructure::MimeObj& entity, std::size_t index);
 
-/// Destroys the records from index `in_use` on, the last one first: what is allocated next then lies
-/// in rising order.
+/// Destroys the records from index `in_use` on, the last one first: what is allocated next then
+/// lies in rising order.
 template <class Record>
 void cut_off(std::vector<Record>& records, std::size_t in_use) noexcept {
     while (records.size() > in_use) records.pop_back();

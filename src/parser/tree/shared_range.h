@@ -1,11 +1,11 @@
 // One byte range of every open entity, grown in all of them at once at a cost that does not depend
 // on their number.
 //
-// A line that extends a range extends it in all open entities, from the root to the innermost one or
-// to its parent. After an entity's first such line its range differs from the others' only in where
-// it begins: all of them end at the line given last. So the first line is written into an entity at
-// once; from then on the entity is merely "followed", and its length is written when it closes. The
-// followed entities are always the outermost ones:
+// A line that extends a range extends it in all open entities, from the root to the innermost one
+// or to its parent. After an entity's first such line its range differs from the others' only in
+// where it begins: all of them end at the line given last. So the first line is written into an
+// entity at once; from then on the entity is merely "followed", and its length is written when it
+// closes. The followed entities are always the outermost ones:
 //
 //     root        followed      beg = 0      }
 //     multipart   followed      beg = 120    }  len = m_last_end - beg, owed
@@ -13,7 +13,8 @@
 //
 // Past 4 GiB an entity can come to be exactly 2^32 bytes long. Its length is then 0, its range
 // counts as unset, and the next line sets its beginning anew. From there on the followed ranges are
-// also kept sorted by their beginning, so that such a lapse is found without a look at every entity.
+// also kept sorted by their beginning, so that such a lapse is found without a look at every
+// entity.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
 #define MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
