@@ -13,6 +13,12 @@ namespace bench {
 
 namespace {
 
+/// How a workload is parsed.
+struct how {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
+    bool m_keep_text = false;
+};
+
 std::size_t count_entities(const MailStructure::MimeObj& root) {
     std::size_t count = 0;
     std::vector<const MailStructure::MimeObj*> to_visit{&root};
@@ -28,21 +34,22 @@ std::size_t count_entities(const MailStructure::MimeObj& root) {
 /// Fills the parser from each message, and calls act(parser) after each.
 template <class Buffer, class Act>
 void parse_all(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail,
-               Act act) {
+               MailStructure::rules by, Act act) {
     for (const std::string& message : mail.m_messages) {
         buffer.reset(message);
         in.clear();
-        parser.Fill(in);
+        parser.Fill(in, by);
         act(parser);
     }
 }
 
 /// Whether the messages are parsed as they should be; the speed of a wrong parse means nothing.
 template <class Buffer>
-bool parses_right(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail) {
+bool parses_right(MailStructure& parser, Buffer& buffer, std::istream& in, const workload& mail,
+                  MailStructure::rules by) {
     std::size_t entities = 0;
     std::size_t body_lines = 0;
-    parse_all(parser, buffer, in, mail, [&](const MailStructure& parsed) {
+    parse_all(parser, buffer, in, mail, by, [&](const MailStructure& parsed) {
         entities += count_entities(parsed.m_root);
         body_lines += parsed.m_root.m_lines;
     });
@@ -50,14 +57,15 @@ bool parses_right(MailStructure& parser, Buffer& buffer, std::istream& in, const
 }
 
 template <class Buffer>
-void parse_from(benchmark::State& state, const workload& mail, bool keep_text) {
+void parse_from(benchmark::State& state, const workload& mail, const how& wanted) {
     MailStructure parser;
-    parser.m_keep_text = keep_text;
+    parser.m_keep_text = wanted.m_keep_text;
     Buffer buffer;
     std::istream in(&buffer);
-    if (!parses_right(parser, buffer, in, mail)) return state.SkipWithError("a wrong parse");
+    if (!parses_right(parser, buffer, in, mail, wanted.m_rules))
+        return state.SkipWithError("a wrong parse");
     for ([[maybe_unused]] auto turn : state)
-        parse_all(parser, buffer, in, mail,
+        parse_all(parser, buffer, in, mail, wanted.m_rules,
                   [](MailStructure& parsed) { benchmark::DoNotOptimize(parsed); });
     report_size(state, mail);
 }
@@ -93,16 +101,19 @@ void parse_mapped_file(benchmark::State& state, const workload& mail) {
 
 void register_parse(workload_source& source) {
     register_one(source, "parse", [](benchmark::State& state, const workload& mail) {
-        parse_from<whole_memory>(state, mail, false);
+        parse_from<whole_memory>(state, mail, {});
+    });
+    register_one(source, "parse_standard", [](benchmark::State& state, const workload& mail) {
+        parse_from<whole_memory>(state, mail, {MailStructure::rules::standard, false});
     });
 }
 
 void register_parse_of_large(workload_source& source) {
     register_one(source, "keep_text", [](benchmark::State& state, const workload& mail) {
-        parse_from<whole_memory>(state, mail, true);
+        parse_from<whole_memory>(state, mail, {MailStructure::rules::classic, true});
     });
     register_one(source, "by_4096", [](benchmark::State& state, const workload& mail) {
-        parse_from<memory_by_4096>(state, mail, false);
+        parse_from<memory_by_4096>(state, mail, {});
     });
     register_one(source, "ifstream", parse_file);
     register_one(source, "mapped", parse_mapped_file);

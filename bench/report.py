@@ -15,6 +15,7 @@ import subprocess
 WORKLOADS = {
     "base64_crlf": "base64 attachments, CRLF, 64 MiB",
     "text_lf": "plain text, LF, 64 MiB",
+    "dashed_lf": "text full of lines that begin with `--`, 64 MiB",
     "small_messages": "5,000 small messages",
     "tiny_parts": "1,000,000 parts",
     "levels": "100,000 levels",
@@ -124,6 +125,23 @@ def peer_table(figures):
     return table(heads, rows)
 
 
+def rules_table(figures):
+    """Both sets of rules, and the fastest other library."""
+    rows = []
+    for workload, title in WORKLOADS.items():
+        name = workload + "/parse_standard"
+        if not has_times(figures, name):
+            continue
+        peers = [peer for peer in PEERS if has_times(figures, f"{workload}/{peer}")]
+        fastest = max(peers, default=None,
+                      key=lambda peer, w=workload: figures[f"{w}/{peer}"].megabytes_per_second())
+        against = ratio(figures, name, figures, f"{workload}/{fastest}") if fastest else "–"
+        rows.append([title, rate(figures, workload + "/parse"), rate(figures, name),
+                     ratio(figures, name, figures, workload + "/parse"), against])
+    return table(["workload", "classic MB/s", "standard MB/s", "standard × classic",
+                  "standard × next fastest library"], rows)
+
+
 def peer_errors(figures):
     lines = []
     for name, figure in figures.items():
@@ -228,7 +246,8 @@ def write_table(path, options, figures, plain):
              "byte after another.\n\n")
     text += "## Against other libraries\n\n"
     text += peer_table(figures) + PEER_NOTES + peer_errors(figures)
-    text += "\n## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
+    text += "\n## Both sets of rules, from memory\n\n" + rules_table(figures)
+    text += "## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
     text += "## The scan of bodies alone\n\n" + scan_table(figures)
     text += "## Heap\n\n" + heap_table(options.figures + "/heap.txt")
     with open(path, "w", encoding="utf-8") as file:

@@ -236,6 +236,32 @@ workload text_lf() {
     return mail;
 }
 
+workload dashed_lf() {
+    workload mail;
+    random_source random(5);
+    const text_source text(random);
+    writer out(mail, "\n");
+    write_fields(out, random, text, 20);
+    write_multipart_fields(out, "mixed", outer_boundary);
+    out.end_header_block();
+    begin_part(out, outer_boundary, "text/plain", "8bit");
+    constexpr std::string_view dashed[] = {"-- ",
+                                           "--- a/src/some/file.cpp",
+                                           "-----BEGIN PGP SIGNATURE-----",
+                                           "-----END PGP SIGNATURE-----",
+                                           "--",
+                                           "----------------------------------------"};
+    while (out.bytes() < 64 * mebibyte) {
+        if (random.one_in(6))
+            out.body_line(dashed[random.from_to(0, std::size(dashed) - 1)]);
+        else
+            out.body_line(text.piece(random, random.from_to(0, 76)));
+    }
+    write_attachment(out, random, 2000);
+    end_multipart(out, outer_boundary);
+    return mail;
+}
+
 workload small_messages() {
     workload mail;
     random_source random(3);
@@ -304,7 +330,8 @@ const workload& workload_source::get() {
     return m_made;
 }
 
-workload_source large_workloads[2] = {{"base64_crlf", base64_crlf}, {"text_lf", text_lf}};
+workload_source large_workloads[3] = {
+    {"base64_crlf", base64_crlf}, {"dashed_lf", dashed_lf}, {"text_lf", text_lf}};
 workload_source other_workloads[4] = {{"small_messages", small_messages},
                                       {"tiny_parts", tiny_parts},
                                       {"levels", levels},

@@ -53,7 +53,7 @@ bool is_number(std::string_view text) noexcept {
 } // namespace
 
 void boundary_parameter::take(std::string_view name, std::string_view value) {
-    if (m_plain || !same_word(name.substr(0, boundary_name.size()), boundary_name)) return;
+    if (m_plain || !is_word(name.substr(0, boundary_name.size()), boundary_name)) return;
     name.remove_prefix(boundary_name.size());
     if (name.empty())
         m_plain = value;

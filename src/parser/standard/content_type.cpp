@@ -52,9 +52,13 @@ std::string_view content_type_reader::read_unquoted_value() {
 }
 
 std::string_view value_before_parameters(std::string_view text) noexcept {
-    field_text at(text);
-    at.skip_to_semicolon_outside_comments();
-    return trimmed(text.substr(0, at.place()));
+    std::size_t end = text.find(';');
+    if (text.substr(0, end).find('(') != std::string_view::npos) { // a comment, perhaps with a ';'
+        field_text at(text);
+        at.skip_to_semicolon_outside_comments();
+        end = at.place();
+    }
+    return trimmed(text.substr(0, end));
 }
 
 std::string_view transfer_encoding(std::string_view text) noexcept {

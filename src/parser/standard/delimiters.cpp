@@ -40,10 +40,10 @@ void delimiters_in_force::pop_from(std::size_t index) noexcept {
 }
 
 std::optional<delimiter_match>
-delimiters_in_force::match(std::string_view line_text) const noexcept {
-    if (!line_text.starts_with("--")) return std::nullopt;
+delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
     while (is_blank(line_text.back()) || line_text.back() == '\r') line_text.remove_suffix(1);
     std::string_view boundary = line_text.substr(2);
+    if (const auto match = match_innermost(boundary)) return match; // nearly always
     const std::size_t separated = find(boundary);
     std::size_t closed = none;
     if (boundary.ends_with("--")) {
@@ -54,6 +54,18 @@ delimiters_in_force::match(std::string_view line_text) const noexcept {
     if (closed == none || (separated != none && separated > closed))
         return delimiter_match{separated, delimiter_kind::separator};
     return delimiter_match{closed, delimiter_kind::closing};
+}
+
+/// Whether the innermost multipart has the line, which ends with the boundary or with "--" behind it.
+std::optional<delimiter_match>
+delimiters_in_force::match_innermost(std::string_view boundary) const noexcept {
+    const std::string_view innermost = m_delimiters.back().m_boundary;
+    if (!boundary.starts_with(innermost)) return std::nullopt;
+    boundary.remove_prefix(innermost.size());
+    const std::size_t index = m_delimiters.size() - 1;
+    if (boundary.empty()) return delimiter_match{index, delimiter_kind::separator};
+    if (boundary == "--") return delimiter_match{index, delimiter_kind::closing};
+    return std::nullopt;
 }
 
 /// The index of the innermost delimiter with the boundary, or none.

@@ -40,7 +40,10 @@ public:
 
     /// Whether a line is a delimiter line: "--", a boundary, "--" or nothing, and then blanks and
     /// CRs. Where a line is one to several multiparts, the innermost has it. Linear in the text.
-    std::optional<delimiter_match> match(std::string_view line_text) const noexcept;
+    std::optional<delimiter_match> match(std::string_view line_text) const noexcept {
+        if (!line_text.starts_with("--")) return std::nullopt;
+        return match_dashed(line_text);
+    }
 
 private:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -52,6 +55,8 @@ private:
         std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
     };
 
+    std::optional<delimiter_match> match_dashed(std::string_view line_text) const noexcept;
+    std::optional<delimiter_match> match_innermost(std::string_view boundary) const noexcept;
     std::size_t find(std::string_view boundary) const noexcept;
     std::size_t slot_of(std::string_view boundary, std::uint64_t hash) const noexcept;
     void grow_table();

@@ -1,15 +1,27 @@
 #include "field_text.h"
 
-#include "../lines/character_class.h"
+#include <array>
 
 namespace mail_structure_detail::standard {
 
-bool is_token_character(char c) noexcept {
-    constexpr std::string_view specials = "()<>@,;:\\\"/[]?=";
-    const auto byte = static_cast<unsigned char>(c);
-    constexpr unsigned char del = 127;
-    return byte > ' ' && byte != del && specials.find(c) == std::string_view::npos;
+namespace {
+
+/// For each byte, whether a token may hold it: any above 32 but DEL and the special characters of
+/// RFC 2045.
+constexpr std::array<bool, 256> make_token_characters() noexcept {
+    std::array<bool, 256> held{};
+    for (std::size_t byte = ' ' + 1; byte < held.size(); ++byte) held[byte] = byte != 127;
+    for (const char special : std::string_view("()<>@,;:\\\"/[]?="))
+        held[static_cast<unsigned char>(special)] = false;
+    return held;
 }
+
+bool is_token_character(char c) noexcept {
+    static constexpr std::array<bool, 256> held = make_token_characters();
+    return held[static_cast<unsigned char>(c)];
+}
+
+} // namespace
 
 std::string_view trimmed_at_end(std::string_view text) noexcept {
     while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
@@ -21,13 +33,12 @@ std::string_view trimmed(std::string_view text) noexcept {
     return trimmed_at_end(text);
 }
 
-bool same_word(std::string_view a, std::string_view b) noexcept {
-    const auto lower = [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
-    };
-    if (a.size() != b.size()) return false;
-    for (std::size_t at = 0; at < a.size(); ++at)
-        if (lower(a[at]) != lower(b[at])) return false;
+bool has_letters_of(std::string_view text, std::string_view word) noexcept {
+    // Such letters, digits and hyphens have the bit that tells lower case from upper case, or differ
+    // in it from no byte that the text may hold.
+    constexpr int lower_case = 0x20;
+    for (std::size_t at = 0; at < word.size(); ++at)
+        if ((text[at] | lower_case) != word[at]) return false;
     return true;
 }
 
@@ -53,14 +64,6 @@ std::string_view field_text::take_white_space() noexcept {
     const std::size_t begin = m_at;
     while (!at_end() && is_space(m_text[m_at])) ++m_at;
     return m_text.substr(begin, m_at - begin);
-}
-
-void field_text::skip_white_space_and_comments() noexcept {
-    for (;;) {
-        take_white_space();
-        if (!is_at('(')) return;
-        skip_comment();
-    }
 }
 
 void field_text::skip_comment() noexcept {

@@ -4,22 +4,27 @@
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
 
+#include "../lines/character_class.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace mail_structure_detail::standard {
 
-/// A byte that a token may hold: any above 32 but DEL and the special characters of RFC 2045.
-bool is_token_character(char c) noexcept;
-
 /// Without white space at both ends.
 std::string_view trimmed(std::string_view text) noexcept;
 /// Without white space at its end.
 std::string_view trimmed_at_end(std::string_view text) noexcept;
 
-/// Whether the texts are equal, ASCII case ignored.
-bool same_word(std::string_view a, std::string_view b) noexcept;
+/// As is_word, for a text as long as the word.
+bool has_letters_of(std::string_view text, std::string_view word) noexcept;
+/// Whether the text is the word, ASCII case ignored.
+/// @param text  holds no byte below 33
+/// @param word  of lower-case letters, digits and hyphens
+inline bool is_word(std::string_view text, std::string_view word) noexcept {
+    return text.size() == word.size() && has_letters_of(text, word);
+}
 
 /// A text and a place in it. Every function moves on from the place, and none goes back.
 class field_text {
@@ -39,7 +44,14 @@ public:
     /// The white space that stands there.
     std::string_view take_white_space() noexcept;
 
-    void skip_white_space_and_comments() noexcept;
+    void skip_white_space_and_comments() noexcept {
+        while (!at_end() && (is_space(m_text[m_at]) || m_text[m_at] == '(')) {
+            if (m_text[m_at] == '(')
+                skip_comment();
+            else
+                ++m_at;
+        }
+    }
     /// A comment, which begins there. Comments nest, and "\\" quotes the byte behind it. A comment
     /// that is not finished ends with the text.
     void skip_comment() noexcept;

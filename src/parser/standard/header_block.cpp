@@ -27,16 +27,19 @@ std::size_t colon_of(const input_line& line) noexcept {
 }
 
 field_kind kind_of(std::string_view name) noexcept {
-    if (same_word(name, "content-type")) return field_kind::content_type;
-    if (same_word(name, "content-transfer-encoding")) return field_kind::transfer_encoding;
+    if (is_word(name, "content-type")) return field_kind::content_type;
+    if (is_word(name, "content-transfer-encoding")) return field_kind::transfer_encoding;
     return field_kind::other;
 }
 
 /// Appends a line's text to a value, which has no white space at its front.
 void append_text(std::string& value, std::string_view text) {
-    if (value.empty())
-        while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
-    value += text;
+    if (!value.empty()) {
+        value += text;
+        return;
+    }
+    while (!text.empty() && is_space(text.front())) text.remove_prefix(1);
+    value = text;
 }
 
 /// Adds the text of one line of the field.
@@ -72,16 +75,20 @@ void end_content_type(standard_state& state) {
     if (block.m_record != nullptr) block.m_record->m_value = value_before_parameters(text);
     content_type_reader reader(text);
     const media_type type = reader.read_type();
-    const bool has_boundary = !block.m_has_content_type && same_word(type.m_type, "multipart");
+    const bool has_boundary = !block.m_has_content_type && is_word(type.m_type, "multipart");
     if (!block.m_has_content_type) set_type(state, type);
 
-    boundary_parameter boundary;
     parameter found;
+    if (!has_boundary) {
+        while (reader.read_parameter(found)) record_parameter(state, found);
+        return;
+    }
+    boundary_parameter boundary;
     while (reader.read_parameter(found)) {
         record_parameter(state, found);
-        if (has_boundary) boundary.take(found.m_name, found.m_value);
+        boundary.take(found.m_name, found.m_value);
     }
-    if (has_boundary) block.m_boundary = boundary.value();
+    block.m_boundary = boundary.value();
 }
 
 void end_transfer_encoding(standard_state& state) {
@@ -123,16 +130,16 @@ void on_folded_line(standard_state& state, const input_line& line) {
 }
 
 bool is_digest(const MimeObj* entity) noexcept {
-    return entity != nullptr && entity->m_multipart && same_word(entity->m_subtype, "digest");
+    return entity != nullptr && entity->m_multipart && is_word(entity->m_subtype, "digest");
 }
 
 /// Whether the body is a message as it stands. An encoded one is not there in bytes, so nothing of
 /// it has a place in the input: the host decodes it and fills another tree.
 bool holds_message(const MimeObj& entity) noexcept {
-    if (!same_word(entity.m_type, "message")) return false;
+    if (!is_word(entity.m_type, "message")) return false;
     const auto is_among = [](std::string_view word, const auto& words) {
         for (const std::string_view known : words)
-            if (same_word(word, known)) return true;
+            if (is_word(word, known)) return true;
         return false;
     };
     constexpr std::string_view messages[] = {"rfc822", "rfc2822", "global", "news"};

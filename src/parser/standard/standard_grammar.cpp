@@ -51,17 +51,24 @@ standard_grammar::standard_grammar(growing_tree& tree) : m_state(tree) {
 }
 
 void standard_grammar::take_line(const input_line& line) {
-    const input_line whole = without_crs(line);
+    if (line.m_text.ends_with('\r'))
+        route(without_crs(line));
+    else
+        route(line);
+}
+
+/// Takes the line where it belongs: every line may be a delimiter line, whatever is open.
+void standard_grammar::route(const input_line& line) {
     if (!m_state.m_delimiters.empty()) {
-        if (const auto match = m_state.m_delimiters.match(whole.m_text)) {
-            on_delimiter_line(whole, *match);
+        if (const auto match = m_state.m_delimiters.match(line.m_text)) {
+            on_delimiter_line(line, *match);
             return;
         }
     }
     switch (m_state.m_phase) {
-    case phase::header: on_header_line(m_state, whole); break;
-    case phase::body: on_body_line(m_state, whole); break;
-    case phase::epilogue: on_epilogue_line(m_state, whole); break;
+    case phase::header: on_header_line(m_state, line); break;
+    case phase::body: on_body_line(m_state, line); break;
+    case phase::epilogue: on_epilogue_line(m_state, line); break;
     }
 }
 

@@ -39,6 +39,7 @@ public:
     void end_input();
 
 private:
+    void route(const input_line& line);
     void end_header_blocks();
     void on_delimiter_line(const input_line& line, const delimiter_match& match);
 
