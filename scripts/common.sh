@@ -14,8 +14,11 @@ arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
 test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" libgtest-dev
     python3-jsonschema valgrind)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
+# Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
+peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev)
 # shellcheck disable=SC2034 # for those who source this
-check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" clang-format-14 shellcheck)
+check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" "${peer_packages[@]}" clang-format-14
+    shellcheck)
 
 is_installed() {
     [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2> /dev/null) == installed ]]
