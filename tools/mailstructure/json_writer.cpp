@@ -49,18 +49,18 @@ private:
         std::string m_quoted_base64;
     };
 
-    void key(std::string_view name);
-    void string(std::string_view name, const std::string& value);
-    void string_or_null(std::string_view name, const std::string& value);
-    void number(std::string_view name, std::uint64_t value);
-    void flag(std::string_view name, bool value);
-    void range(std::string_view name, std::uint32_t offset, std::uint32_t length);
-    void line_members(const numbered_entity& visited, std::size_t index);
-    void members(const numbered_entity& visited);
-    void ranges(const MailStructure::MimeObj& entity);
-    void fields(const MailStructure::MimeObj& entity);
-    void field(const MailStructure::header& field);
-    void odd_values();
+    void write_key(std::string_view name);
+    void write_string(std::string_view name, const std::string& value);
+    void write_string_or_null(std::string_view name, const std::string& value);
+    void write_number(std::string_view name, std::uint64_t value);
+    void write_flag(std::string_view name, bool value);
+    void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
+    void write_line_members(const numbered_entity& visited, std::size_t index);
+    void write_members(const numbered_entity& visited);
+    void write_ranges(const MailStructure::MimeObj& entity);
+    void write_fields(const MailStructure::MimeObj& entity);
+    void write_field(const MailStructure::header& field);
+    void write_odd_values();
     void close_entities(std::size_t count);
     void end_line();
 
@@ -78,19 +78,19 @@ private:
 template <class writer>
 void tree_writer<writer>::write_document() {
     m_writer.StartObject();
-    string("file", m_message.m_file_name);
-    number("size", m_message.m_bytes.size());
-    number("message_start", m_message.m_message_start);
-    odd_values();
-    key("root");
+    write_string("file", m_message.m_file_name);
+    write_number("size", m_message.m_bytes.size());
+    write_number("message_start", m_message.m_message_start);
+    write_odd_values();
+    write_key("root");
     std::size_t open = 0; // entities begun and not ended
     entity_walk walk(m_message.m_root);
     for (const numbered_entity* visited = walk.next(); visited != nullptr; visited = walk.next()) {
         close_entities(open - visited->m_depth);
         m_writer.StartObject();
-        members(*visited);
-        odd_values();
-        key("children");
+        write_members(*visited);
+        write_odd_values();
+        write_key("children");
         m_writer.StartArray();
         open = visited->m_depth + 1;
         if (m_output.is_refused()) return;
@@ -108,10 +108,10 @@ void tree_writer<writer>::write_lines() {
          visited = walk.next(), ++index) {
         m_writer.Reset(m_output);
         m_writer.StartObject();
-        line_members(*visited, index);
-        members(*visited);
-        number("child_count", visited->m_entity->m_children.size());
-        odd_values();
+        write_line_members(*visited, index);
+        write_members(*visited);
+        write_number("child_count", visited->m_entity->m_children.size());
+        write_odd_values();
         m_writer.EndObject();
         end_line();
         if (m_output.is_refused()) return;
@@ -120,76 +120,76 @@ void tree_writer<writer>::write_lines() {
 
 /// What the nesting tells in the other forms.
 template <class writer>
-void tree_writer<writer>::line_members(const numbered_entity& visited, std::size_t index) {
-    string("file", m_message.m_file_name);
-    number("index", index);
+void tree_writer<writer>::write_line_members(const numbered_entity& visited, std::size_t index) {
+    write_string("file", m_message.m_file_name);
+    write_number("index", index);
     m_path.resize(visited.m_depth);
-    key("parent");
+    write_key("parent");
     if (m_path.empty()) {
         m_writer.Null();
     } else {
         m_writer.Uint64(m_path.back());
     }
     m_path.push_back(index);
-    number("depth", visited.m_depth);
+    write_number("depth", visited.m_depth);
 }
 
 template <class writer>
-void tree_writer<writer>::members(const numbered_entity& visited) {
+void tree_writer<writer>::write_members(const numbered_entity& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
-    string_or_null("section", std::string(visited.m_section));
-    string("type", entity.m_type);
-    string("subtype", entity.m_subtype);
-    string("encoding", entity.m_encoding);
-    string_or_null("transfer_encoding", transfer_encoding_of(entity));
-    string_or_null("charset", charset_of(entity, m_message.m_bytes));
-    string_or_null("filename", file_name_of(entity, m_message.m_bytes));
-    flag("multipart", entity.m_multipart);
-    flag("message", entity.m_message);
-    ranges(entity);
-    number("lines", entity.m_lines);
-    flag("body_last_empty", entity.m_body_last_empty);
-    flag("epilogue_last_empty", entity.m_epilogue_last_empty);
-    fields(entity);
+    write_string_or_null("section", std::string(visited.m_section));
+    write_string("type", entity.m_type);
+    write_string("subtype", entity.m_subtype);
+    write_string("encoding", entity.m_encoding);
+    write_string_or_null("transfer_encoding", transfer_encoding_of(entity));
+    write_string_or_null("charset", charset_of(entity, m_message.m_bytes));
+    write_string_or_null("filename", file_name_of(entity, m_message.m_bytes));
+    write_flag("multipart", entity.m_multipart);
+    write_flag("message", entity.m_message);
+    write_ranges(entity);
+    write_number("lines", entity.m_lines);
+    write_flag("body_last_empty", entity.m_body_last_empty);
+    write_flag("epilogue_last_empty", entity.m_epilogue_last_empty);
+    write_fields(entity);
 }
 
 template <class writer>
-void tree_writer<writer>::ranges(const MailStructure::MimeObj& entity) {
-    range("header", entity.m_header_beg, entity.m_header_len);
-    range("mime", entity.m_mime_beg, entity.m_mime_len);
-    range("body", entity.m_body_beg, entity.m_body_len);
-    range("contents", entity.m_contents_beg, entity.m_contents_len);
-    range("epilogue", entity.m_epilogue_beg, entity.m_epilogue_len);
+void tree_writer<writer>::write_ranges(const MailStructure::MimeObj& entity) {
+    write_range("header", entity.m_header_beg, entity.m_header_len);
+    write_range("mime", entity.m_mime_beg, entity.m_mime_len);
+    write_range("body", entity.m_body_beg, entity.m_body_len);
+    write_range("contents", entity.m_contents_beg, entity.m_contents_len);
+    write_range("epilogue", entity.m_epilogue_beg, entity.m_epilogue_len);
 }
 
 template <class writer>
-void tree_writer<writer>::fields(const MailStructure::MimeObj& entity) {
-    key("fields");
+void tree_writer<writer>::write_fields(const MailStructure::MimeObj& entity) {
+    write_key("fields");
     m_writer.StartArray();
     std::size_t index = 0;
     for (const MailStructure::header& each : entity.m_headers) {
         m_place = "/fields/" + std::to_string(index++);
-        field(each);
+        write_field(each);
     }
     m_writer.EndArray();
     m_place.clear();
 }
 
 template <class writer>
-void tree_writer<writer>::field(const MailStructure::header& field) {
+void tree_writer<writer>::write_field(const MailStructure::header& field) {
     m_writer.StartObject();
-    string("name", field.m_name);
-    string("value", field.m_value);
-    range("range", field.m_beg, field.m_end - field.m_beg);
-    key("params");
+    write_string("name", field.m_name);
+    write_string("value", field.m_value);
+    write_range("range", field.m_beg, field.m_end - field.m_beg);
+    write_key("params");
     m_writer.StartArray();
     const std::size_t place_of_field = m_place.size();
     std::size_t index = 0;
     for (const auto& [name, value] : field.m_params) {
         m_place += "/params/" + std::to_string(index++);
         m_writer.StartObject();
-        string("name", name);
-        string("value", value);
+        write_string("name", name);
+        write_string("value", value);
         m_writer.EndObject();
         m_place.resize(place_of_field);
     }
@@ -199,13 +199,13 @@ void tree_writer<writer>::field(const MailStructure::header& field) {
 
 /// The values of the record, up to here, that are not UTF-8.
 template <class writer>
-void tree_writer<writer>::odd_values() {
-    key("not_utf8");
+void tree_writer<writer>::write_odd_values() {
+    write_key("not_utf8");
     m_writer.StartArray();
     for (const odd_value& odd : m_odd_values) {
         m_writer.StartObject();
-        string("member", odd.m_place);
-        key("base64");
+        write_string("member", odd.m_place);
+        write_key("base64");
         m_writer.RawValue(odd.m_quoted_base64.data(), odd.m_quoted_base64.size(),
                           rapidjson::kStringType);
         m_writer.EndObject();
@@ -228,45 +228,46 @@ void tree_writer<writer>::end_line() {
 }
 
 template <class writer>
-void tree_writer<writer>::key(std::string_view name) {
+void tree_writer<writer>::write_key(std::string_view name) {
     m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
 }
 
 template <class writer>
-void tree_writer<writer>::string(std::string_view name, const std::string& value) {
+void tree_writer<writer>::write_string(std::string_view name, const std::string& value) {
     // A file of 4 GiB is refused, but what is decoded can be longer than it was.
     if (value.size() > std::numeric_limits<rapidjson::SizeType>::max()) throw std::bad_alloc();
     if (!is_utf8(value))
         m_odd_values.push_back({m_place + '/' + std::string(name), quoted_base64(value)});
-    key(name);
+    write_key(name);
     m_writer.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
 template <class writer>
-void tree_writer<writer>::string_or_null(std::string_view name, const std::string& value) {
-    if (!value.empty()) return string(name, value);
-    key(name);
+void tree_writer<writer>::write_string_or_null(std::string_view name, const std::string& value) {
+    if (!value.empty()) return write_string(name, value);
+    write_key(name);
     m_writer.Null();
 }
 
 template <class writer>
-void tree_writer<writer>::number(std::string_view name, std::uint64_t value) {
-    key(name);
+void tree_writer<writer>::write_number(std::string_view name, std::uint64_t value) {
+    write_key(name);
     m_writer.Uint64(value);
 }
 
 template <class writer>
-void tree_writer<writer>::flag(std::string_view name, bool value) {
-    key(name);
+void tree_writer<writer>::write_flag(std::string_view name, bool value) {
+    write_key(name);
     m_writer.Bool(value);
 }
 
 /// A range stays on one line in every form.
 template <class writer>
-void tree_writer<writer>::range(std::string_view name, std::uint32_t offset, std::uint32_t length) {
+void tree_writer<writer>::write_range(std::string_view name, std::uint32_t offset,
+                                      std::uint32_t length) {
     const std::string text = "{\"offset\":" + m_gap + std::to_string(offset) + ',' + m_gap
                              + "\"length\":" + m_gap + std::to_string(length) + '}';
-    key(name);
+    write_key(name);
     m_writer.RawValue(text.data(), text.size(), rapidjson::kObjectType);
 }
 
