@@ -3,15 +3,11 @@
 #include "common/complaint.h"
 #include "common/file_bytes.h"
 #include "mailstructure/command_line.h"
-#include "mailstructure/dump_command.h"
-#include "mailstructure/json_command.h"
+#include "mailstructure/commands.h"
 #include "mailstructure/misspelling.h"
-#include "mailstructure/part_command.h"
-#include "mailstructure/tree_command.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <exception>
 #include <iostream>
@@ -23,40 +19,11 @@
 
 namespace {
 
-/// A command reads what stands after its name, last word first, and does its work.
-struct command {
-    const char* m_name;
-    const char* m_description;
-    exit_status (*m_run)(CLI::App& line, std::vector<std::string>& arguments_reversed);
-};
-
 /// The option parser would take "--flag=2" and "--flag=off".
 void let_flags_take_no_value(CLI::App& line) {
     for (CLI::Option* const option : line.get_options())
         if (option->get_items_expected_max() == 0) option->disable_flag_override();
 }
-
-template <typename options, void (*describe)(CLI::App&, options&),
-          exit_status (*run)(const options&)>
-exit_status run_command(CLI::App& line, std::vector<std::string>& arguments_reversed) {
-    options chosen;
-    describe(line, chosen);
-    let_flags_take_no_value(line);
-    line.parse(arguments_reversed);
-    return run(chosen);
-}
-
-/// The first one is meant where no command is named.
-constexpr std::array commands = {
-    command{"tree", "Draw the tree of each message: parts, types, sizes, places",
-            run_command<tree_options, describe_tree, run_tree>},
-    command{"json", "Print the tree of each message as JSON, with all that is recorded",
-            run_command<json_options, describe_json, run_json>},
-    command{"part", "Write a piece of a message as it stands there, or decoded; or list the pieces",
-            run_command<part_options, describe_part, run_part>},
-    command{"dump", "Print the library's own dump of each message: entities, ranges and fields",
-            run_command<dump_options, describe_dump, run_dump>},
-};
 
 /// The option parser's help, but for the line that gives the usage.
 class program_help final : public CLI::Formatter {
@@ -66,20 +33,19 @@ public:
     }
 };
 
-/// What the program does with no command and an option of its own: it prints its help or its
-/// version.
-exit_status run_program(CLI::App& line, std::vector<std::string>& arguments_reversed) {
+/// The program itself, where no command is wanted but its help or its version. The option parser
+/// prints both.
+command_work declare_program(CLI::App& line) {
     line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
     line.formatter(std::make_shared<program_help>());
-    for (const command& each : commands)
+    for (const command& each : all_commands)
         line.add_subcommand(each.m_name, each.m_description)->group("Commands");
     line.footer("Without a command, the files are drawn as trees.\n"
                 "Run `mailstructure COMMAND --help` for a command's options.");
-    line.parse(arguments_reversed);
-    return all_well;
+    return [] { return all_well; };
 }
 
-constexpr command program = {"", "Shows the structure of Internet mail.", run_program};
+constexpr command program = {"", "Shows the structure of Internet mail.", declare_program};
 
 /// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an
 /// empty one; as "./++" and so on they are the files they name.
@@ -88,18 +54,13 @@ std::string protected_argument(const std::string& argument) {
     return list || argument == "++" || argument == "{}" ? "./" + argument : argument;
 }
 
-const command* find_command(const std::string& name) {
-    return std::find_if(commands.begin(), commands.end(),
-                        [&name](const command& each) { return name == each.m_name; });
-}
-
 /// The command that the first word names, which is then taken away.
 const command& take_command(std::vector<std::string>& arguments) {
-    if (arguments.empty()) return commands.front();
+    if (arguments.empty()) return all_commands.front();
     const std::string first = arguments.front();
     if (first == "--help" || first == "-h" || first == "--version") return program;
     const command* const named = find_command(first);
-    if (named == commands.end()) return commands.front();
+    if (named == nullptr) return all_commands.front();
     arguments.erase(arguments.begin());
     return *named;
 }
@@ -107,7 +68,7 @@ const command& take_command(std::vector<std::string>& arguments) {
 /// The command that was meant by the first word; "" if that is a command, an option or the name of
 /// a file that there is, or is like no command.
 std::string_view mistyped_command(const std::vector<std::string>& arguments) {
-    if (arguments.empty() || find_command(arguments.front()) != commands.end()) return "";
+    if (arguments.empty() || find_command(arguments.front()) != nullptr) return "";
     const std::string& first = arguments.front();
     return first.substr(0, 1) == "-" || names_a_file(first) ? "" : command_meant_by(first);
 }
@@ -139,8 +100,11 @@ exit_status run(int count, char** values) {
     CLI::App line(chosen.m_description, "mailstructure" + (name.empty() ? "" : ' ' + name));
     std::reverse(arguments.begin(), arguments.end());
     std::transform(arguments.begin(), arguments.end(), arguments.begin(), protected_argument);
+    const command_work work = chosen.m_declare(line);
+    let_flags_take_no_value(line);
     try {
-        return chosen.m_run(line, arguments);
+        line.parse(arguments); // wants them last word first
+        return work();
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) return wrong_usage_of(words_of(error), line.get_name());
         errno = 0;

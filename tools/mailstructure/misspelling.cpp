@@ -3,21 +3,22 @@
 #include "mailstructure/misspelling.h"
 
 #include "common/ascii_case.h"
+#include "mailstructure/commands.h"
 
-#include <algorithm>
 #include <array>
 
 namespace {
 
-struct meaning {
+/// A word that people take for a command, and what does what they want.
+struct other_word {
     std::string_view m_word;
     std::string_view m_meant;
 };
 
-constexpr std::array meanings = {
-    meaning{"tree", "tree"},         meaning{"json", "json"},        meaning{"part", "part"},
-    meaning{"dump", "dump"},         meaning{"list", "part --list"}, meaning{"help", "--help"},
-    meaning{"version", "--version"},
+constexpr std::array other_words = {
+    other_word{"list", "part --list"},
+    other_word{"help", "--help"},
+    other_word{"version", "--version"},
 };
 
 bool same_letter(char one, char other) { return equal_ignoring_case({&one, 1}, {&other, 1}); }
@@ -40,8 +41,9 @@ bool is_close_to(std::string_view word, std::string_view name) {
 }
 
 std::string_view command_meant_by(std::string_view word) {
-    const auto* const found =
-        std::find_if(meanings.begin(), meanings.end(),
-                     [word](const meaning& each) { return is_close_to(word, each.m_word); });
-    return found == meanings.end() ? "" : found->m_meant;
+    for (const command& each : all_commands)
+        if (is_close_to(word, each.m_name)) return each.m_name;
+    for (const other_word& each : other_words)
+        if (is_close_to(word, each.m_word)) return each.m_meant;
+    return "";
 }

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Holds what bash offers against what the tool's help says: completion_matches_help.sh TOOL
+# Every command, every option and every word that an option takes is offered, and nothing else. Of
+# an option that has a short and a long name, the long one is.
+set -u
+here=$(cd "$(dirname "$0")/.." && pwd)
+tool=$(realpath "$1")
+# shellcheck source=../../tools/completion/mailstructure
+. "$here/../tools/completion/mailstructure"
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit # it is empty, so that no file is offered
+status=0
+
+# offered WORD...: what is offered for the last of the words, a line each.
+offered() {
+    COMP_WORDS=("$tool" "$@")
+    COMP_CWORD=$#
+    _mailstructure "$tool"
+    printf '%s\n' "${COMPREPLY[@]-}"
+}
+
+# section_of_help NAME [COMMAND]: the lines of that section of the help.
+section_of_help() {
+    "$tool" "${@:2}" --help | sed -n "/^$1:/,/^\$/p" | grep '^  '
+}
+
+# options_of [COMMAND]: the long names of the options in the help.
+options_of() {
+    section_of_help Options "$@" | grep -oE '^ +-[^ ]*' | grep -oE -e '--[a-z-]+'
+}
+
+# words_for COMMAND OPTION: the words that the option takes, as the tool lists them when it gets
+# another; nothing where it takes any word.
+words_for() {
+    local section=()
+    [[ $1 != part ]] || section=(1)
+    "$tool" "$1" "$2=no-such-word" "${section[@]}" nothing 2>&1 |
+        sed -n 's/.*: not one of \(.*\): no-such-word$/\1/p' | tr -s ', ' '\n'
+}
+
+# compare WHAT EXPECTED OFFERED: in any order.
+compare() {
+    local difference
+    difference=$(diff <(sort -u <<< "$2") <(sort -u <<< "$3")) && return
+    printf '%s: < is in the help, > is offered\n%s\n' "$1" "$difference" >&2
+    status=1
+}
+
+commands=$(section_of_help Commands | awk '{ print $1 }')
+if [[ -z $commands ]]; then
+    echo 'the help names no command' >&2
+    status=1
+fi
+compare commands "$commands" "$(offered '')"
+for command in $commands; do
+    options=$(options_of "$command")
+    compare "options of $command" "$options" "$(offered "$command" --)"
+    for option in $options; do
+        compare "$command $option" "$(words_for "$command" "$option")" \
+            "$(_mailstructure_values "$option" | tr ' ' '\n')"
+    done
+done
+# The first command is the one that is meant where none is named.
+first=${commands%%$'\n'*}
+compare 'options without a command' "$(options_of && options_of "$first")" "$(offered --)"
+exit "$status"

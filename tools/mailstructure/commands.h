@@ -1,0 +1,32 @@
+// The table of the commands, from which the command line, the help and the check for misspelt
+// commands are made.
+
+#ifndef TOOLS_MAILSTRUCTURE_COMMANDS_H
+#define TOOLS_MAILSTRUCTURE_COMMANDS_H
+
+#include "common/complaint.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <functional>
+#include <string_view>
+
+/// What a command does once its options have been read.
+using command_work = std::function<exit_status()>;
+
+struct command {
+    const char* m_name;
+    const char* m_description; // one line
+    /// Declares the options of the command. The work that it returns owns them: it must live as
+    /// long as the option parser is in use.
+    command_work (*m_declare)(CLI::App& line);
+};
+
+/// All commands in the order in which the help lists them. The first one is meant where no command
+/// is named.
+extern const std::array<command, 4> all_commands;
+
+/// The command of exactly that name, or null.
+const command* find_command(std::string_view name);
+
+#endif
