@@ -2,29 +2,20 @@
 
 #include "mailstructure/dump_command.h"
 
-#include <mail_structure.h>
-
-#include "common/message_file.h"
+#include "common/message_reader.h"
 #include "mailstructure/command_line.h"
 
 #include <cerrno>
 #include <fstream>
 #include <iostream>
-#include <optional>
 #include <string>
 
 namespace {
 
-bool dump_file(const dump_options& options, const std::string& file_name) {
-    message_file file(file_name);
-    MailStructure message;
-    message.m_keep_text = options.m_keep_text;
-    if (const std::optional<input_fault> fault = file.parse(message)) {
-        complain_about_input(file_name, fault->m_what, fault->m_offset);
-        return false;
-    }
+bool dump_file(message_reader& reader, const std::string& file_name) {
+    if (!reader.read(file_name)) return false;
     std::ifstream not_read;
-    message.Dump(not_read);
+    reader.message().Dump(not_read);
     return true;
 }
 
@@ -47,10 +38,11 @@ void describe_dump(CLI::App& command, dump_options& options) {
 
 exit_status run_dump(const dump_options& options) {
     MailStructure::m_memlimit = options.m_memlimit;
+    message_reader reader(options.m_keep_text);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;
-        if (!dump_file(options, file_name)) status = some_input_failed;
+        if (!dump_file(reader, file_name)) status = some_input_failed;
         if (!output_got_out() || !std::cerr) return some_input_failed;
     }
     return status;

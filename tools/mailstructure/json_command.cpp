@@ -2,9 +2,7 @@
 
 #include "mailstructure/json_command.h"
 
-#include <mail_structure.h>
-
-#include "common/message_file.h"
+#include "common/message_reader.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/json_output.h"
 #include "mailstructure/json_writer.h"
@@ -13,7 +11,6 @@
 #include <cstdint>
 #include <iostream>
 #include <new>
-#include <optional>
 
 namespace {
 
@@ -39,14 +36,11 @@ outcome print_tree(const json_message& message, json_form form) {
     }
 }
 
-outcome print_file(const std::string& file_name, json_form form) {
-    message_file file(file_name);
-    MailStructure message;
-    if (const std::optional<input_fault> fault = file.parse(message)) {
-        complain_about_input(file_name, fault->m_what, fault->m_offset);
-        return outcome::not_printed;
-    }
-    return print_tree({file_name, file.bytes(), file.message_start(), message.m_root}, form);
+outcome print_file(message_reader& reader, const std::string& file_name, json_form form) {
+    if (!reader.read(file_name)) return outcome::not_printed;
+    const message_file& file = reader.file();
+    return print_tree({file_name, file.bytes(), file.message_start(), reader.message().m_root},
+                      form);
 }
 
 } // namespace
@@ -62,10 +56,11 @@ void describe_json(CLI::App& command, json_options& options) {
 }
 
 exit_status run_json(const json_options& options) {
+    message_reader reader;
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;
-        const outcome done = print_file(file_name, form_of(options));
+        const outcome done = print_file(reader, file_name, form_of(options));
         if (done != outcome::printed) status = some_input_failed;
         if (!output_got_out() || done == outcome::torn) return some_input_failed;
     }

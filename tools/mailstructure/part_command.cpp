@@ -2,10 +2,8 @@
 
 #include "mailstructure/part_command.h"
 
-#include <mail_structure.h>
-
 #include "common/field_lookup.h"
-#include "common/message_file.h"
+#include "common/message_reader.h"
 #include "common/output_file.h"
 #include "common/section_ranges.h"
 #include "common/terminal.h"
@@ -204,17 +202,13 @@ void describe_part(CLI::App& command, part_options& options) {
 }
 
 exit_status run_part(const part_options& options) {
-    message_file file(options.m_file);
-    MailStructure message;
-    if (const std::optional<input_fault> fault = file.parse(message)) {
-        complain_about_input(options.m_file, fault->m_what, fault->m_offset);
-        return some_input_failed;
-    }
-    if (!options.m_list)
-        return write_piece(options, file, message.m_root) ? all_well : some_input_failed;
+    message_reader reader;
+    if (!reader.read(options.m_file)) return some_input_failed;
+    const message_file& file = reader.file();
+    const MimeObj& root = reader.message().m_root;
+    if (!options.m_list) return write_piece(options, file, root) ? all_well : some_input_failed;
     errno = 0;
-    const std::size_t left_out =
-        list_sections(std::cout, message.m_root, file.bytes(), file.message_start());
+    const std::size_t left_out = list_sections(std::cout, root, file.bytes(), file.message_start());
     if (!output_got_out()) return some_input_failed;
     if (left_out != 0)
         complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)

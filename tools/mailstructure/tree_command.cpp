@@ -2,10 +2,8 @@
 
 #include "mailstructure/tree_command.h"
 
-#include <mail_structure.h>
-
 #include "common/field_lookup.h"
-#include "common/message_file.h"
+#include "common/message_reader.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/tree_drawing.h"
 
@@ -13,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <iostream>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -180,14 +177,9 @@ public:
 
     /// False, and nothing printed, if the file is no message.
     bool print(const std::string& file_name) {
-        message_file file(file_name);
-        MailStructure message;
-        if (const std::optional<input_fault> fault = file.parse(message)) {
-            complain_about_input(file_name, fault->m_what, fault->m_offset);
-            return false;
-        }
+        if (!m_reader.read(file_name)) return false;
         if (m_several) add_name(file_name);
-        print_tree(message.m_root, file.bytes(), m_style, m_page);
+        print_tree(m_reader.message().m_root, m_reader.file().bytes(), m_style, m_page);
         m_page.print();
         return true;
     }
@@ -203,6 +195,7 @@ private:
         m_page.end_line();
     }
 
+    message_reader m_reader;
     row_style m_style;
     page m_page;
     bool m_several;

@@ -1,0 +1,34 @@
+// Reads and parses the files of one call of a tool, one after the other, and complains about those
+// that are no message.
+
+#ifndef TOOLS_COMMON_MESSAGE_READER_H
+#define TOOLS_COMMON_MESSAGE_READER_H
+
+#include "common/message_file.h"
+
+#include <optional>
+#include <string>
+
+/// Holds one file and its tree at a time. One parser object serves all files, so that a file uses
+/// the records of the last one's tree again. The library bounds what such an object keeps; here
+/// the tree of a large file is freed before the next file is parsed, so that two of these are
+/// never held together.
+class message_reader {
+public:
+    explicit message_reader(bool keep_text = false) { m_message.m_keep_text = keep_text; }
+
+    /// Opens and parses the named file; "-" is standard input. What read() gave before is gone.
+    /// @return false if the file cannot be read or is no message. One line on standard error says
+    ///         so, and neither file() nor message() may be used then.
+    bool read(const std::string& file_name);
+
+    /// The file that was read last, and its message. Both hold until the next call of read().
+    const message_file& file() const { return m_file.value(); }
+    const MailStructure& message() const { return m_message; }
+
+private:
+    std::optional<message_file> m_file;
+    MailStructure m_message;
+};
+
+#endif
