@@ -53,25 +53,22 @@ byte_range section_ranges::of(const section_place& place) {
 
 byte_range section_ranges::header_block_of(const section_place& place) {
     const MimeObj& entity = *place.m_entity;
-    if (entity.m_header_len == 0) {
-        if (&entity == &m_root) return {m_message_start, 0};
-        const std::uint32_t begin = recorded_lines_of(entity).m_begin;
-        // Of a part the line before is the separator, which is never empty, or the empty line that
-        // was dropped.
-        const std::uint32_t dropped = place.m_is_message ? 0 : line_terminator_before(begin);
-        const bool is_empty_line = dropped != 0 && line_terminator_before(begin - dropped) != 0;
-        return is_empty_line ? byte_range{begin - dropped, dropped} : byte_range{begin, 0};
-    }
+    if (entity.m_header_len == 0) return unrecorded_header_block_of(place);
     const std::uint32_t begin = entity.m_header_beg;
     std::uint32_t end = begin + entity.m_header_len;
-    const std::uint32_t last_terminator = line_terminator_before(end);
-    const std::uint32_t last_line_text_end = end - last_terminator;
-    const bool ended =
-        last_terminator != 0 && // by its empty line
-        (last_line_text_end == begin || line_terminator_before(last_line_text_end) != 0);
-    if (!ended) end += empty_line_at(end);
+    if (!ends_with_empty_line(begin, end)) end += dropped_line_at(end);
     // A message within ends where the part does that holds it.
     return between(begin, place.m_is_message ? std::min(end, end_of(entity)) : end);
+}
+
+/// Of an entity that has no header block recorded: empty, or the empty line that was dropped.
+byte_range section_ranges::unrecorded_header_block_of(const section_place& place) const {
+    const MimeObj& entity = *place.m_entity;
+    if (&entity == &m_root) return {m_message_start, 0};
+    const std::uint32_t begin = recorded_lines_of(entity).m_begin;
+    // The message within begins with its first line, before which nothing is dropped.
+    const std::uint32_t dropped = place.m_is_message ? 0 : dropped_line_before(begin);
+    return {begin - dropped, dropped};
 }
 
 byte_range section_ranges::body_of(const section_place& place) {
@@ -79,8 +76,8 @@ byte_range section_ranges::body_of(const section_place& place) {
     return between(block.m_offset + block.m_length, end_of(*place.m_entity));
 }
 
-/// Where the entity ends: at the end of the file, or where the line terminator of a boundary line
-/// begins.
+/// Where the entity ends: at the end of the file, or where the line terminator before a delimiter
+/// line begins.
 std::uint32_t section_ranges::end_of(const MimeObj& entity) {
     if (&entity == &m_root) return file_end();
     const MimeObj& last = last_holding_lines(entity);
@@ -88,9 +85,9 @@ std::uint32_t section_ranges::end_of(const MimeObj& entity) {
     if (!lines.m_any) return 0;
     if (message_within(last) != nullptr)
         lines.m_end = last.m_header_beg + last.m_header_len; // its message has no lines
-    const std::uint32_t next_line = lines.m_end + empty_line_at(lines.m_end); // which was dropped
+    const std::uint32_t next_line = lines.m_end + dropped_line_at(lines.m_end);
     if (next_line >= file_end()) return file_end();
-    // Nothing but a boundary line ends an entity before the file does.
+    // Nothing but a delimiter line ends an entity before the file does.
     return std::max(lines.m_begin, next_line - line_terminator_before(next_line));
 }
 
@@ -111,13 +108,28 @@ const MimeObj& section_ranges::last_holding_lines(const MimeObj& entity) {
     return *m_innermost;
 }
 
-/// The length of the line that begins there, terminator included, if it is empty; else 0.
-std::uint32_t section_ranges::empty_line_at(std::uint32_t offset) const {
+/// The length of the empty line, terminator included, that begins where recorded lines end; 0 if
+/// another line begins there.
+std::uint32_t section_ranges::dropped_line_at(std::uint32_t offset) const {
     const std::string_view rest = m_bytes.substr(std::min<std::size_t>(offset, m_bytes.size()));
     if (rest.substr(0, 1) == "\n") return 1;
     return rest.substr(0, 2) == "\r\n" || rest == "\r"
                ? static_cast<std::uint32_t>(rest.substr(0, 2).size())
                : 0;
+}
+
+/// The length of the empty line that ends where the recorded lines of a part begin; 0 if the line
+/// before is the separator, which is never empty.
+std::uint32_t section_ranges::dropped_line_before(std::uint32_t offset) const {
+    const std::uint32_t terminator = line_terminator_before(offset);
+    return terminator != 0 && line_terminator_before(offset - terminator) != 0 ? terminator : 0;
+}
+
+/// Whether the last of the lines between the two offsets is empty.
+bool section_ranges::ends_with_empty_line(std::uint32_t begin, std::uint32_t end) const {
+    const std::uint32_t terminator = line_terminator_before(end);
+    const std::uint32_t text_end = end - terminator;
+    return terminator != 0 && (text_end == begin || line_terminator_before(text_end) != 0);
 }
 
 /// The length of the line terminator that ends there; 0 if none does.

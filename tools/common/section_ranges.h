@@ -1,13 +1,13 @@
-// Which bytes a section is. The tree has recorded ranges of whole lines; a section, as IMAP and RFC
-// 2046 section 5.1.1 have it, differs from them in two ways:
+// Which bytes a section is. The tree has recorded ranges of whole lines. A section, as IMAP and
+// RFC 2046 section 5.1.1 define it, differs from them in two ways:
 //
-// - The line terminator before a boundary line belongs to that line, and not to the part that ends
+// - The line terminator before a delimiter line belongs to that line, and not to the part that ends
 //   there.
-// - Every line belongs to something. The empty line that the parser drops behind a separator or
-//   behind the first line of a message within is in no recorded range; here it ends the
-//   header block, as it looks to anybody else.
+// - Every line belongs to a section. The parser drops the empty line after a separator, and the one
+//   after the first line of a message within: that line is in no recorded range. Here it ends the
+//   header block, as it does for any other reader of the message.
 //
-//     --XY                                       of no section but those around it
+//     --XY                                       of no section but those of the enclosing entities
 //     Content-Type: message/rfc822    1.MIME
 //                                     1.MIME
 //     Subject: hello                             1    1.HEADER
@@ -15,10 +15,13 @@
 //     It is I.                                   1    1.TEXT      (without the line terminator)
 //     --XY--
 //
-// A part that holds a message ends where the message does. Its recorded ranges can go on, for one
-// boundary line does not close all that another parser would have it close (see doc/behaviour.md).
+// So 1.HEADER and 1.TEXT together are 1, and HEADER and TEXT together are the whole message.
 //
-// So 1.HEADER and 1.TEXT together are 1, and HEADER and TEXT together the whole message.
+// Dropped lines are looked for by dropped_line_at and dropped_line_before alone. They find nothing
+// in a tree that records every line, whose sections then follow from its ranges.
+//
+// A part that holds a message ends where the message does. Its recorded ranges can go on, for one
+// delimiter line does not close all that it would close for another parser (see doc/behaviour.md).
 
 #ifndef TOOLS_COMMON_SECTION_RANGES_H
 #define TOOLS_COMMON_SECTION_RANGES_H
@@ -47,10 +50,13 @@ public:
 
 private:
     byte_range header_block_of(const section_place& place);
+    byte_range unrecorded_header_block_of(const section_place& place) const;
     byte_range body_of(const section_place& place);
     std::uint32_t end_of(const MailStructure::MimeObj& entity);
     const MailStructure::MimeObj& last_holding_lines(const MailStructure::MimeObj& entity);
-    std::uint32_t empty_line_at(std::uint32_t offset) const;
+    std::uint32_t dropped_line_at(std::uint32_t offset) const;
+    std::uint32_t dropped_line_before(std::uint32_t offset) const;
+    bool ends_with_empty_line(std::uint32_t begin, std::uint32_t end) const;
     std::uint32_t line_terminator_before(std::uint32_t offset) const;
     std::uint32_t file_end() const { return static_cast<std::uint32_t>(m_bytes.size()); }
 
