@@ -1,10 +1,15 @@
 // The text before the first part of a multipart and after its last.
 
 #include "common/outer_text.h"
+#include "support/message_generator.h"
 #include "support/parse.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -33,6 +38,12 @@ const outer_case cases[] = {
     {"no_parts_but_a_closing_line", "before\n--b--\nafter\n", "before\n", "after\n"},
     {"nothing_at_all", "", "", ""},
     {"closing_line_again", "--b\n\nx\n--b--\n--b--\n", "", "--b--\n"},
+    {"closing_line_after_parts_without_a_line", "before\n--b\n--b\n\n--b--\nafter\n", "before\n",
+     "after\n"},
+    {"empty_lines_dropped_between_parts_without_a_line", "before\n--b\n\n--b\n\n--b\nA: b\n",
+     "before\n", ""},
+    {"part_after_the_closing_line", "before\n--b--\n--b\nA: b\n", "before\n", ""},
+    {"part_after_the_epilogue", "before\n--b--\nafter\n--b\nA: b\n", "before\n", "after\n"},
     {"no_final_newline", "before\n--b\n\nx\n--b--\nafter", "before\n", "after"},
 };
 
@@ -86,6 +97,13 @@ TEST(outer_text, begins_with_the_last_boundary_of_several) {
     EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--b\n");
 }
 
+TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
+    const std::string input = "Content-Type: multipart/mixed; boundary=b\n"
+                              "Content-Type: text/plain; boundary=c\n\n--c\n--b\n\nx\n";
+    const MailStructure message = parse(input);
+    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--c\n");
+}
+
 TEST(outer_text, is_none_of_what_is_no_multipart) {
     const std::string input = "Content-Type: message/rfc822\n\nA: b\n\nx\n";
     const MailStructure message = parse(input);
@@ -97,6 +115,57 @@ TEST(outer_text, is_looked_for_in_no_bytes_beyond_the_end) {
     const std::string input = header + "before\n--b\n\nx\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(preamble_of(message.m_root, std::string_view(input).substr(0, 3)).m_length, 0U);
+}
+
+using child_path = std::vector<std::size_t>; // indices from the root on
+
+/// The entity there, or null.
+const MailStructure::MimeObj* entity_at(const MailStructure::MimeObj& root,
+                                        const child_path& path) {
+    const MailStructure::MimeObj* entity = &root;
+    for (const std::size_t index : path) {
+        if (index >= entity->m_children.size()) return nullptr;
+        entity = &entity->m_children[index];
+    }
+    return entity;
+}
+
+/// The contents that the entity has in the longest beginning of the input, cut at a line, in which
+/// it has no part and no epilogue.
+std::string contents_before_parts(const std::string& input, const child_path& path) {
+    std::string contents;
+    for (std::size_t end = 0; end < input.size();) {
+        end = std::min(input.find('\n', end), input.size() - 1) + 1;
+        const MailStructure message = parse(input.substr(0, end));
+        const MailStructure::MimeObj* const entity = entity_at(message.m_root, path);
+        if (entity == nullptr) continue;
+        if (!entity->m_children.empty() || entity->m_epilogue_len != 0) break;
+        contents = input.substr(entity->m_contents_beg, entity->m_contents_len);
+    }
+    return contents;
+}
+
+TEST(outer_text, of_random_messages_is_what_they_have_before_the_first_part) {
+    std::uint64_t preambles = 0;
+    for (std::uint64_t seed = 1; seed <= 3000 && !testing::Test::HasFailure(); ++seed) {
+        const std::string input = test_support::generate_message(seed).m_input;
+        const test_support::parse_outcome parsed = test_support::parse(input);
+        if (!parsed.m_error.empty()) continue;
+        std::vector<child_path> waiting = {{}};
+        while (!waiting.empty()) {
+            child_path path = std::move(waiting.back());
+            waiting.pop_back();
+            const MailStructure::MimeObj& entity = *entity_at(parsed.m_message.m_root, path);
+            const std::string preamble = cut(input, preamble_of(entity, input));
+            if (entity.m_multipart && !entity.m_message) {
+                EXPECT_EQ(preamble, contents_before_parts(input, path)) << "seed " << seed;
+            }
+            preambles += preamble.empty() ? 0 : 1;
+            path.push_back(0);
+            for (; path.back() < entity.m_children.size(); ++path.back()) waiting.push_back(path);
+        }
+    }
+    EXPECT_GT(preambles, 100U);
 }
 
 } // namespace

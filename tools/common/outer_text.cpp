@@ -1,4 +1,4 @@
-// Finds preambles and epilogues; see the header.
+// Finds preambles and epilogues from the recorded ranges; see the header.
 
 #include "common/outer_text.h"
 
@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 #include <string>
 
 namespace {
@@ -17,41 +16,71 @@ std::uint64_t end_of(std::uint32_t offset, std::uint32_t length) {
     return std::uint64_t{offset} + length;
 }
 
-/// The delimiter that is in force when the entity's body begins: the last that a parameter of its
-/// own registers, which any beginning of "boundary" does.
-const std::string* delimiter_of(const MimeObj& entity) {
-    constexpr std::string_view boundary = "boundary";
-    const std::string* delimiter = nullptr;
-    for (const MailStructure::header& field : entity.m_headers) {
-        for (const auto& [name, value] : field.m_params) {
-            if (equal_ignoring_case(name, boundary.substr(0, name.size()))) delimiter = &value;
-        }
-    }
-    return delimiter;
-}
-
-/// What stands behind the delimiter on a line that begins with it: nothing on a separator line,
-/// "--" on a closing line.
-std::optional<std::string_view> behind_delimiter(std::string_view line,
-                                                 std::string_view delimiter) {
+std::string_view without_terminator(std::string_view line) {
     if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (line.substr(0, 2) != "--" || line.substr(2, delimiter.size()) != delimiter)
-        return std::nullopt;
-    return line.substr(2 + delimiter.size());
+    return line;
 }
 
-bool closes(std::string_view line, std::string_view delimiter) {
-    return behind_delimiter(line, delimiter) == "--";
+std::string_view first_line_of(std::string_view lines) {
+    const std::size_t line_feed = lines.find('\n');
+    return line_feed == std::string_view::npos ? lines : lines.substr(0, line_feed + 1);
 }
 
-bool is_boundary_line(std::string_view line, std::string_view delimiter) {
-    return behind_delimiter(line, delimiter) == "" || closes(line, delimiter);
+std::string_view last_line_of(std::string_view lines) {
+    if (lines.empty()) return lines;
+    const std::size_t line_feed_before = lines.substr(0, lines.size() - 1).rfind('\n');
+    return line_feed_before == std::string_view::npos ? lines : lines.substr(line_feed_before + 1);
 }
 
-std::size_t end_of_line(std::string_view bytes, std::size_t begin) {
-    const std::size_t line_feed = bytes.find('\n', begin);
-    return line_feed == std::string_view::npos ? bytes.size() : line_feed + 1;
+/// Whether the line closes the multipart. This is all that the tools know of delimiter lines: where
+/// a separator is follows from the part that it opens, but the library records a closing line as it
+/// records the text around it.
+bool is_closing_line_of(const MimeObj& multipart, std::string_view line) {
+    constexpr std::string_view type = "multipart/";
+    constexpr std::string_view parameter = "boundary"; // any beginning of it registers a boundary
+    const std::string* boundary = nullptr;
+    for (const MailStructure::header& field : multipart.m_headers) {
+        if (!equal_ignoring_case(field.m_value.substr(0, type.size()), type)) continue;
+        for (const auto& [name, value] : field.m_params) {
+            if (equal_ignoring_case(name, parameter.substr(0, name.size()))) boundary = &value;
+        }
+    }
+    return boundary != nullptr && without_terminator(line) == "--" + *boundary + "--";
+}
+
+/// The lines without the last one if that closes the multipart.
+std::string_view without_closing_line(const MimeObj& multipart, std::string_view lines) {
+    const std::string_view last = last_line_of(lines);
+    if (is_closing_line_of(multipart, last)) lines.remove_suffix(last.size());
+    return lines;
+}
+
+/// The lines without the separator that comes last, and without the empty line behind it that the
+/// library may have dropped.
+std::string_view without_separator(std::string_view lines) {
+    if (without_terminator(last_line_of(lines)).empty())
+        lines.remove_suffix(last_line_of(lines).size());
+    lines.remove_suffix(last_line_of(lines).size());
+    return lines;
+}
+
+/// The lines of a multipart up to its first part that has any, or all of them. They end with one
+/// separator for each part so far, behind which a closing line may stand.
+struct first_lines {
+    std::string_view m_lines;
+    std::size_t m_separators;
+};
+
+first_lines first_lines_of(const MimeObj& multipart, std::string_view bytes) {
+    const std::vector<MimeObj>& parts = multipart.m_children;
+    const auto part = std::find_if(parts.begin(), parts.end(),
+                                   [](const MimeObj& each) { return each.m_mime_len != 0; });
+    const auto before = static_cast<std::size_t>(part - parts.begin());
+    const std::string_view contents =
+        bytes.substr(multipart.m_contents_beg, multipart.m_contents_len);
+    if (part == parts.end()) return {contents, before};
+    return {contents.substr(0, part->m_mime_beg - multipart.m_contents_beg), before + 1};
 }
 
 /// Where the epilogue of the last part ends; 0 if it has none.
@@ -60,31 +89,19 @@ std::uint64_t end_of_epilogue_within(const MimeObj& entity) {
     return end_of(entity.m_children.back().m_epilogue_beg, entity.m_children.back().m_epilogue_len);
 }
 
-/// Where the first part begins that has any bytes, or where the contents end.
-std::uint64_t end_of_search(const MimeObj& entity) {
-    for (const MimeObj& child : entity.m_children) {
-        if (child.m_mime_len != 0) return child.m_mime_beg;
-    }
-    return end_of(entity.m_contents_beg, entity.m_contents_len);
-}
-
 } // namespace
 
 byte_range preamble_of(const MimeObj& entity, std::string_view bytes) {
-    const std::string* const delimiter =
-        entity.m_multipart && !entity.m_message ? delimiter_of(entity) : nullptr;
-    if (delimiter == nullptr || entity.m_contents_len == 0) return {};
-    const std::size_t begin = entity.m_contents_beg;
-    const std::size_t end = std::min<std::uint64_t>(end_of_search(entity), bytes.size());
-    for (std::size_t at = begin; at < end;) {
-        const std::size_t line_end = end_of_line(bytes, at);
-        if (is_boundary_line(bytes.substr(at, line_end - at), *delimiter)) {
-            return {entity.m_contents_beg, static_cast<std::uint32_t>(at - begin)};
-        }
-        at = line_end;
-    }
-    if (!entity.m_children.empty()) return {};
-    return {entity.m_contents_beg, entity.m_contents_len};
+    const bool has_one = entity.m_multipart && !entity.m_message && entity.m_contents_len != 0;
+    if (!has_one || entity.m_contents_beg >= bytes.size()) return {};
+    auto [lines, separators] = first_lines_of(entity, bytes);
+    for (; separators != 0; --separators)
+        lines = without_separator(without_closing_line(entity, lines));
+    // The root is never closed: parts can follow its closing line and its epilogue.
+    if (entity.m_epilogue_len != 0 && entity.m_epilogue_beg > entity.m_contents_beg)
+        lines = lines.substr(0, entity.m_epilogue_beg - entity.m_contents_beg);
+    lines = without_closing_line(entity, lines);
+    return {entity.m_contents_beg, static_cast<std::uint32_t>(lines.size())};
 }
 
 byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
@@ -96,9 +113,8 @@ byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
     const std::uint64_t within = end_of_epilogue_within(entity);
     if (within > begin) {
         begin = std::min<std::uint64_t>(within, bytes.size());
-        const std::string_view line = bytes.substr(begin, end_of_line(bytes, begin) - begin);
-        const std::string* const delimiter = delimiter_of(entity);
-        if (delimiter != nullptr && closes(line, *delimiter)) begin += line.size();
+        const std::string_view line = first_line_of(bytes.substr(begin));
+        if (is_closing_line_of(entity, line)) begin += line.size();
     }
     if (begin >= end) return {};
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end - begin)};
