@@ -178,9 +178,9 @@ void read_a_lost_page(const temporary_file& file) {
 TEST(file_bytes, that_lose_their_file_end_the_program_with_words) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     const temporary_file file(std::string(16384, 'x'));
-    EXPECT_EXIT(
-        read_a_lost_page(file), testing::ExitedWithCode(1),
-        "mailstructure: .*: cannot read: the file was cut short, or failed, while it was in use at byte 8192");
+    EXPECT_EXIT(read_a_lost_page(file), testing::ExitedWithCode(1),
+                "mailstructure: .*: cannot read: the file was cut short, or failed, "
+                "while it was in use at byte 8192");
 }
 
 void fault_elsewhere() {

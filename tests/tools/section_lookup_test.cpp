@@ -95,17 +95,22 @@ const lookup_case lookup_cases[] = {
     {"zero", forwarded, "0",
      "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"0\""},
     {"leading_zero", forwarded, "1.02",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected at \"02\""},
+     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
+     "at \"02\""},
     {"dot_at_the_end", forwarded, "1.",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected at the end"},
+     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
+     "at the end"},
     {"dot_at_the_beginning", forwarded, ".1",
      "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \".1\""},
     {"two_dots", forwarded, "1..2",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected at \".2\""},
+     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
+     "at \".2\""},
     {"mime_of_nothing", forwarded, "MIME",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"MIME\""},
+     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected "
+     "at \"MIME\""},
     {"number_behind_a_word", forwarded, "TEXT.1",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"TEXT.1\""},
+     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected "
+     "at \"TEXT.1\""},
     {"sign", forwarded, "-1",
      "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"-1\""},
     {"blank", forwarded, " 1",

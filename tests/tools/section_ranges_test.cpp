@@ -107,27 +107,34 @@ const bytes_case bytes_cases[] = {
      "a: b\n\n"},
 
     {"multipart_with_its_epilogue",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: multipart/mixed; boundary=Y\n\n"
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: multipart/mixed; boundary=Y\n\n"
      "--Y\na: b\n\nhi\n--Y--\nend\n\n--X--\n",
      "1", "--Y\na: b\n\nhi\n--Y--\nend\n"},
     {"last_part_of_it",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: multipart/mixed; boundary=Y\n\n"
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: multipart/mixed; boundary=Y\n\n"
      "--Y\na: b\n\nhi\n--Y--\nend\n\n--X--\n",
      "1.1", "hi"},
     {"message_that_ends_with_its_header",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\nc: d\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: message/rfc822\n\na: b\nc: d\n--X--\n",
      "1.HEADER", "a: b\nc: d"},
     {"message_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
      "1", "a: b\n"},
     {"header_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
      "1.HEADER", "a: b\n"},
     {"text_behind_a_dropped_line_that_is_the_last",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
      "1.TEXT", ""},
     {"dropped_line_in_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\nHi there\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
+     "Content-Type: message/rfc822\n\nHi there\n\n--X--\n",
      "1", "Hi there\n"},
     {"dropped_line_at_the_end_of_the_file", "Content-Type: message/rfc822\n\nHi there\n\n",
      "1.TEXT", "Hi there\n\n"},
@@ -135,12 +142,12 @@ const bytes_case bytes_cases[] = {
      "Content-Type: multipart/mixed; boundary=X1\n\n--X1\nContent-Type: message/rfc822\n\n--X1--\n",
      "1", ""},
     {"parts_beside_a_message_within",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: "
-     "d\n\nhi\n--X\n\n(ho)\n--X--\n",
+     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
+     "a: b\nc: d\n\nhi\n--X\n\n(ho)\n--X--\n",
      "1.2", "(ho)"},
     {"message_beside_parts_ends_at_the_boundary_line",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\na: b\nc: "
-     "d\n\nhi\n--X\n\n(ho)\n--X--\n",
+     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
+     "a: b\nc: d\n\nhi\n--X\n\n(ho)\n--X--\n",
      "1.TEXT", "hi"},
 };
 

@@ -16,9 +16,9 @@
 /// @param bytes  the whole file, of which only the lines around the separators are looked at
 byte_range preamble_of(const MailStructure::MimeObj& entity, std::string_view bytes);
 
-/// The lines after the closing line of a multipart. The library's epilogue range holds them too, but
-/// it begins with the first epilogue line of any descendant, and then spans the parts that follow
-/// that line; and it holds the closing line where that ends both a part's epilogue and the
+/// The lines after the closing line of a multipart. The library's epilogue range holds them too,
+/// but it begins with the first epilogue line of any descendant, and then spans the parts that
+/// follow that line; and it holds the closing line where that ends both a part's epilogue and the
 /// multipart.
 /// @param bytes  the whole file, of which no more than one line is looked at
 byte_range epilogue_of(const MailStructure::MimeObj& entity, std::string_view bytes);

@@ -139,9 +139,9 @@ std::string complaint_about(const part_options& options) {
     const bool is_body = options.m_range ? options.m_range == recorded_range::body
                                                || options.m_range == recorded_range::contents
                                          : !is_block && !options.m_section_text.empty();
-    return is_body
-               ? ""
-               : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or --range contents";
+    return is_body ? ""
+                   : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or "
+                     "--range contents";
 }
 
 /// Sorts out the arguments: SECTION [FILE], or with --list [FILE].
@@ -181,15 +181,16 @@ void describe_part(CLI::App& command, part_options& options) {
     describe_choice(
         command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },
-        "Write a range that the library has recorded for the entity: header, mime, body, contents or epilogue");
+        "Write a range that the library has recorded for the entity: header, mime, body, contents "
+        "or epilogue");
     command.add_flag("--list", options.m_list,
                      "List all sections: offset, length, type and name of each");
     const CLI::Option* const first =
         command
             .add_option(
                 "SECTION", options.m_section_text,
-                "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, or \"\" for the "
-                "whole message")
+                "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, "
+                "or \"\" for the whole message")
             ->type_name("");
     const CLI::Option* const second =
         command
