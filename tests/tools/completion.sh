@@ -16,7 +16,8 @@ touch 'a b.eml' -- -dash.eml
 mkdir folder
 status=0
 
-# offers EXPECTED WORD...: compares what is offered, sorted, with blanks between.
+# offers EXPECTED WORD...: compares what is offered with the expected words, which are sorted and
+# have blanks between them.
 offers() {
     local expected=$1 at offered
     shift

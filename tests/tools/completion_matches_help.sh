@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Holds what bash offers against what the tool's help says: completion_matches_help.sh TOOL
+# Compares what bash offers with what the tool's help says: completion_matches_help.sh TOOL
 # Every command, every option and every word that an option takes is offered, and nothing else. Of
-# an option that has a short and a long name, the long one is.
+# an option that has a short and a long name, the long one is offered.
 set -u
 here=$(cd "$(dirname "$0")/.." && pwd)
 tool=$(realpath "$1")
@@ -13,7 +13,7 @@ trap 'rm -rf "$work"' EXIT
 cd "$work" || exit # it is empty, so that no file is offered
 status=0
 
-# offered WORD...: what is offered for the last of the words, a line each.
+# offered WORD...: prints what is offered for the last of the words, one offer a line.
 offered() {
     COMP_WORDS=("$tool" "$@")
     COMP_CWORD=$#
@@ -21,18 +21,18 @@ offered() {
     printf '%s\n' "${COMPREPLY[@]-}"
 }
 
-# section_of_help NAME [COMMAND]: the lines of that section of the help.
+# section_of_help NAME [COMMAND]: prints the lines of that section of the help.
 section_of_help() {
     "$tool" "${@:2}" --help | sed -n "/^$1:/,/^\$/p" | grep '^  '
 }
 
-# options_of [COMMAND]: the long names of the options in the help.
+# options_of [COMMAND]: prints the long names of the options in the help.
 options_of() {
     section_of_help Options "$@" | grep -oE '^ +-[^ ]*' | grep -oE -e '--[a-z-]+'
 }
 
-# words_for COMMAND OPTION: the words that the option takes, as the tool lists them when it gets
-# another; nothing where it takes any word.
+# words_for COMMAND OPTION: prints the words that the option takes, which the tool lists in its
+# complaint about any other word. Prints nothing for an option that does not choose between words.
 words_for() {
     local section=()
     [[ $1 != part ]] || section=(1)
@@ -40,7 +40,7 @@ words_for() {
         sed -n 's/.*: not one of \(.*\): no-such-word$/\1/p' | tr -s ', ' '\n'
 }
 
-# compare WHAT EXPECTED OFFERED: in any order.
+# compare WHAT EXPECTED OFFERED: compares two lists of lines, whatever their order.
 compare() {
     local difference
     difference=$(diff <(sort -u <<< "$2") <(sort -u <<< "$3")) && return
@@ -62,7 +62,7 @@ for command in $commands; do
             "$(_mailstructure_values "$option" | tr ' ' '\n')"
     done
 done
-# The first command is the one that is meant where none is named.
+# Without a command on the command line, the first one is meant.
 first=${commands%%$'\n'*}
 compare 'options without a command' "$(options_of && options_of "$first")" "$(offered --)"
 exit "$status"

@@ -1,4 +1,4 @@
-// Encoded words, percent signs and charsets, as mail has them and as it should not.
+// Encoded words, percent signs and charsets, correct ones and malformed ones.
 
 #include "common/encoded_text.h"
 
@@ -55,7 +55,7 @@ TEST(encoded_words, are_decoded_or_stay_as_written) {
 }
 
 TEST(encoded_words, cost_no_more_than_their_length) {
-    // Quadratic, each of these would take hours.
+    // Each of these would take hours if the cost were quadratic.
     std::string beginnings;
     std::string words;
     for (int count = 0; count < 300000; ++count) {

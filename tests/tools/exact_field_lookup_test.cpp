@@ -1,4 +1,4 @@
-// Fields by their exact names, and what is read out of those that describe a body.
+// Fields by their exact names, and what is read from fields that describe a body.
 
 #include "common/ascii_case.h"
 #include "common/field_lookup.h"

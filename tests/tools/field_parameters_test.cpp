@@ -1,4 +1,4 @@
-// Parameters of header fields, well formed and not, and those that come in pieces.
+// Parameters of header fields: well-formed ones, malformed ones, and ones that come in pieces.
 
 #include "common/field_parameters.h"
 
@@ -121,7 +121,7 @@ TEST(comments, are_left_out) {
 }
 
 TEST(parameters, cost_no_more_than_their_length) {
-    // Quadratic, each of these would take hours.
+    // Each of these would take hours if the cost were quadratic.
     std::string pieces = "a";
     for (int piece = 300000; piece-- > 0;) pieces += ";n*" + std::to_string(piece) + "=x";
     EXPECT_EQ(decoded_parameter(parameters_in(pieces), "n"), std::string(300000, 'x'));

@@ -1,4 +1,4 @@
-// How the tools take in a file: mapped or read, whole or not at all.
+// How the tool gets the bytes of a file: mapped or read, all of them or none.
 
 #include "common/file_bytes.h"
 
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// A file that goes away with this object.
+/// A file that is removed when this object ends.
 class temporary_file {
 public:
     explicit temporary_file(const std::string& contents) {
@@ -114,7 +114,7 @@ TEST(file_bytes, cannot_read_a_folder) {
 }
 
 TEST(file_bytes, tells_after_how_many_bytes_reading_failed) {
-    // A pseudo-terminal whose other side is gone gives what was written to it and then fails.
+    // A pseudo-terminal whose other end is closed yields what was written to it, and then fails.
     const int master = ::posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_GE(master, 0);
     ASSERT_EQ(::grantpt(master), 0);
@@ -144,7 +144,7 @@ TEST(file_bytes, refuses_a_file_of_4_gib_and_maps_one_byte_less) {
 
 TEST(file_bytes, goes_on_when_a_signal_interrupts_a_read) {
     struct sigaction wake_up = {};
-    wake_up.sa_handler = [](int) {}; // without SA_RESTART: a read that waits returns with EINTR
+    wake_up.sa_handler = [](int) {}; // without SA_RESTART, so a read that waits returns with EINTR
     struct sigaction before = {};
     ASSERT_EQ(::sigaction(SIGUSR1, &wake_up, &before), 0);
     std::array<int, 2> ends{};
@@ -165,7 +165,7 @@ TEST(file_bytes, goes_on_when_a_signal_interrupts_a_read) {
     ::sigaction(SIGUSR1, &before, nullptr);
 }
 
-/// Loses the second page of a mapped file and reads there.
+/// Shortens a mapped file to one page and reads from its second page.
 void read_a_lost_page(const temporary_file& file) {
     end_on_lost_pages();
     const file_bytes taken(file.name());

@@ -1,5 +1,5 @@
 // What the JSON writer prints, read back with a JSON reader: no value loses a byte, whatever it
-// holds, and no depth is too much.
+// holds, and a tree may have any depth.
 
 #include "mailstructure/json_writer.h"
 #include "support/case_name.h"
@@ -78,8 +78,7 @@ MailStructure::MimeObj entity_with_field(const std::string& value) {
 struct text_case {
     const char* m_name;
     std::string_view m_bytes;
-    std::string_view
-        m_shown; // what the value is to be; the bytes are to be listed where it differs
+    std::string_view m_shown; // the expected value; where it differs, the bytes must be listed
 };
 
 using namespace std::string_view_literals;
@@ -127,8 +126,8 @@ TEST_P(value, is_shown_and_can_be_had_back) {
 INSTANTIATE_TEST_SUITE_P(json, value, testing::ValuesIn(text_cases),
                          test_support::case_name<text_case>);
 
-/// Every text of two bytes, and every beginning of a longer character with a following byte that
-/// fits or does not.
+/// Every text of two bytes, and every first byte of a longer character with a next byte that
+/// continues the character and with one that does not.
 TEST(json_values, of_any_bytes_can_be_had_back) {
     MailStructure::MimeObj root;
     std::vector<std::string> texts;
@@ -273,7 +272,7 @@ MailStructure::MimeObj deep_tree(std::size_t levels) {
     return root;
 }
 
-/// Counts what it is told of, and how deep it goes.
+/// Counts the values that the reader reports, and how deep they are nested.
 struct counting_handler : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, counting_handler> {
     std::size_t m_open = 0;
     std::size_t m_deepest = 0;
@@ -325,7 +324,7 @@ INSTANTIATE_TEST_SUITE_P(json, depth,
 
 // ---- output that fails
 
-/// Takes so many bytes and no more.
+/// Accepts the given number of bytes and no more.
 class full_buffer : public std::streambuf {
 public:
     explicit full_buffer(std::size_t room) : m_room(room) {}

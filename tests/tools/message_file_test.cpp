@@ -1,4 +1,4 @@
-// A parsed file: where its message begins, where its faults are, and what its offsets count from.
+// A parsed file: where its message begins, where its faults are, and where its offsets count from.
 
 #include "common/message_file.h"
 #include "support/parse.h"
@@ -15,7 +15,7 @@ namespace {
 MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
 using test_support::tree_text;
 
-/// The name of a file with these contents, which stays for the time of the test.
+/// A file with these contents that is removed when this object ends.
 class temporary_file {
 public:
     explicit temporary_file(const std::string& contents) {
@@ -117,7 +117,7 @@ TEST(message_file, cuts_nothing_past_its_end) {
 struct fault_case {
     const char* m_name;
     std::string m_contents;
-    const char* m_what; // "" if none
+    const char* m_what; // "" if nothing is wrong
     std::uint64_t m_offset;
 };
 

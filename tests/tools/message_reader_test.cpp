@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A file of some name that is written anew for each message.
+/// A file that is written anew for each message, and removed when this object ends.
 class rewritten_file {
 public:
     rewritten_file() { ::close(::mkstemp(m_name.data())); }

@@ -1,4 +1,4 @@
-// The text before the first part of a multipart and after its last.
+// The text before the first part of a multipart and the text after its last part.
 
 #include "common/outer_text.h"
 #include "support/message_generator.h"
@@ -70,7 +70,7 @@ TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
     EXPECT_EQ(cut(input, preamble_of(inner, input)), "one\n");
     EXPECT_EQ(cut(input, epilogue_of(inner, input)), "two\n");
     EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
-    EXPECT_NE(message.m_root.m_epilogue_len, 0U); // the library's range has the inner one's line
+    EXPECT_NE(message.m_root.m_epilogue_len, 0U); // the library's range holds the inner epilogue
     EXPECT_EQ(epilogue_of(message.m_root, input).m_length, 0U);
 }
 

@@ -1,4 +1,4 @@
-// The output file: there whole or not at all, and what happens to a file that is there already.
+// The output file: it exists complete or not at all; and what happens to an existing file.
 
 #include "common/file_bytes.h"
 #include "common/output_file.h"

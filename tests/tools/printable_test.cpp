@@ -1,4 +1,4 @@
-// What the tools make visible of hostile text, and what they leave as it is.
+// What the tool spells out of hostile text, and what it leaves as it is.
 
 #include "common/printable.h"
 

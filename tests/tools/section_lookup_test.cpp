@@ -1,4 +1,4 @@
-// What is a section, which entity it names, and what is said where there is none.
+// Which texts are sections, which entity a section names, and what is reported if there is none.
 
 #include "common/section_lookup.h"
 #include "support/parse.h"
@@ -18,7 +18,7 @@ constexpr const char* forwarded =
     "--Y\n\nb\n--Y\n\nc\n--Y--\n"
     "--X--\n";
 
-/// The indexes of the children on the way to the entity, as "/1/0"; "" for the root.
+/// The indices of the children on the path to the entity, such as "/1/0"; "" for the root.
 std::string place_below(const MimeObj& from, const MimeObj* wanted) {
     if (&from == wanted) return "";
     for (std::size_t index = 0; index < from.m_children.size(); ++index) {

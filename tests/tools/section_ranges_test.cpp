@@ -1,5 +1,5 @@
-// Which bytes a section is: in small messages with LF and CR LF, and rules that hold in random
-// ones.
+// Which bytes a section is: exact ones in small messages with LF and with CR LF, and rules that
+// hold in random messages.
 
 #include "common/section_ranges.h"
 #include "common/sections.h"
@@ -180,13 +180,13 @@ TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     EXPECT_EQ(ranges.of({&root, piece::body, true}).m_offset, 19U);
 }
 
-/// Without the line terminator that a text may begin with.
+/// The text without the line terminator that it may begin with.
 std::string_view without_line_end(std::string_view text) {
     if (text.substr(0, 2) == "\r\n") return text.substr(2);
     return text.substr(0, 1) == "\n" ? text.substr(1) : text;
 }
 
-/// Holds the sections of one message against rules.
+/// Checks that the sections of one message obey rules.
 class rules {
 public:
     rules(const std::string& input, const MimeObj& root)
@@ -211,7 +211,7 @@ public:
 private:
     std::uint32_t end_of(byte_range range) const { return range.m_offset + range.m_length; }
 
-    /// A header block and a text are all that there is of a message, without a gap.
+    /// A message is its header block and its text, without a gap.
     void check_message(const std::string& name, const section_place& around,
                        const MimeObj& message) {
         const byte_range all = m_ranges.of(around);
@@ -223,8 +223,8 @@ private:
         EXPECT_EQ(end_of(text), end_of(all)) << name;
     }
 
-    /// A part ends with the file, or right before a line terminator and a line of dashes; it begins
-    /// behind such a line.
+    /// A part ends with the file, or right before a line terminator and a line that begins with two
+    /// dashes. Its header block and its body lie end to end.
     void check_part(const MimeObj& part, const std::string& name) {
         const byte_range block = m_ranges.of({&part, piece::header_block, false});
         const byte_range body = m_ranges.of({&part, piece::body, false});

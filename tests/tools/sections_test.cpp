@@ -1,4 +1,4 @@
-// How entities are numbered, in usual trees and in odd ones, and how deep.
+// How entities are numbered in usual trees, in odd ones and in deep ones.
 
 #include "common/sections.h"
 #include "support/parse.h"
@@ -13,7 +13,7 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-/// A line for each entity: its depth as blanks, its section, and "message" for a message within.
+/// A line for each entity: a blank for each level, its section, and "message" for a message within.
 std::string walk_text(const MimeObj& root) {
     std::string text;
     entity_walk walk(root);
@@ -106,7 +106,7 @@ TEST(section_names_of_odd_trees, message_marked_as_a_multipart_holds_a_message) 
     EXPECT_EQ(walk_text(root), "1\n 1.1 message\n");
 }
 
-/// Multiparts within multiparts, so many, around a text.
+/// A text within the given number of nested multiparts.
 MimeObj nested(std::size_t multiparts) {
     MimeObj root;
     MimeObj* innermost = &root;

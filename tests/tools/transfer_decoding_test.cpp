@@ -1,4 +1,4 @@
-// Base64 and quoted-printable undone: what comes out, and where damage is found.
+// Decoding of base64 and quoted-printable: the decoded bytes, and where damage is found.
 
 #include "common/transfer_decoding.h"
 

@@ -1,4 +1,5 @@
-// Comparison of names that are the same in either case: of fields, parameters, encodings, charsets.
+// Comparison of names in which the case of letters does not matter: those of fields, parameters,
+// encodings and charsets.
 
 #ifndef TOOLS_COMMON_ASCII_CASE_H
 #define TOOLS_COMMON_ASCII_CASE_H

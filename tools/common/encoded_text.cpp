@@ -21,7 +21,7 @@ struct charset_name {
     const char* m_of_converter;
 };
 
-/// The charsets of mail. US-ASCII and UTF-8 need no converter.
+/// The charsets in common use in mail. US-ASCII and UTF-8 need no converter.
 constexpr std::array known_charsets = {
     charset_name{"iso-8859-1", "ISO-8859-1"},
     charset_name{"iso-8859-2", "ISO-8859-2"},
@@ -80,14 +80,14 @@ public:
     converter& operator=(const converter&) = delete;
 
     bool is_open() const {
-        return m_handle != reinterpret_cast<iconv_t>(-1); // NOLINT: how the system says no
+        return m_handle != reinterpret_cast<iconv_t>(-1); // NOLINT: the system's value for failure
     }
 
     std::optional<std::string> convert(std::string_view text) {
         std::string result;
         char* from = const_cast<char*>(text.data()); // NOLINT: it is only read
         std::size_t from_bytes = text.size();
-        // The call that has nothing left to take lets out what the converter still holds.
+        // The last call has no input left; it writes what the converter still holds.
         for (bool last = false; !last;) {
             last = from_bytes == 0;
             std::array<char, 1024> block{};
@@ -105,8 +105,8 @@ private:
     iconv_t m_handle;
 };
 
-/// Replaces each mark with two hexadecimal digits behind it by the byte that they stand for; other
-/// marks stay.
+/// Replaces each mark that two hexadecimal digits follow, and the digits, by the byte that they
+/// stand for. Other marks stay.
 std::string decode_hex_pairs(std::string_view text, char mark) {
     std::string result;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -118,7 +118,7 @@ std::string decode_hex_pairs(std::string_view text, char mark) {
     return result;
 }
 
-/// Some senders leave out the padding, so its want is no fault.
+/// Some senders leave out the padding, so missing padding is not an error.
 std::optional<std::string> decode_base64(std::string_view text) {
     base64_decode_ctx context;
     ::base64_decode_init(&context);
@@ -144,8 +144,8 @@ struct encoded_word {
     std::size_t m_bytes = 0; // of the whole word
 };
 
-/// The word at the beginning of the text, which begins with "=?". Looks no further than to the
-/// fourth question mark.
+/// The encoded word at the beginning of the text, which begins with "=?". Nothing past the fourth
+/// question mark is looked at.
 std::optional<encoded_word> parse_word(std::string_view text) {
     const std::size_t charset_end = text.find('?', 2);
     if (charset_end == std::string_view::npos || charset_end == 2 || charset_end + 2 >= text.size())
@@ -172,7 +172,7 @@ std::optional<std::string> decode_word(const encoded_word& word) {
                                                             : decode_q(word.m_text);
 }
 
-/// Words of one charset with nothing but blanks between them, until something else ends the run.
+/// Consecutive words of one charset with nothing but white space between them.
 class word_run {
 public:
     bool is_open() const { return m_end != 0; }
@@ -180,7 +180,7 @@ public:
         return is_open() && equal_ignoring_case(m_charset, word.m_charset);
     }
 
-    /// Adds a word that stands in the text from begin on.
+    /// Adds a word that begins at that place in the text.
     void add(const encoded_word& word, std::string_view decoded, std::size_t begin) {
         if (!is_open()) {
             m_charset = word.m_charset;
@@ -191,8 +191,8 @@ public:
     }
     std::size_t end() const { return m_end; }
 
-    /// What the run stands for, or its own text where that is not known; the run is then empty
-    /// again.
+    /// The decoded run, or its text as written where it cannot be converted to UTF-8. The run is
+    /// empty afterwards.
     std::string close(std::string_view text) {
         if (!is_open()) return "";
         const std::optional<std::string> utf8 = to_utf8(m_decoded, m_charset);
@@ -231,7 +231,7 @@ std::optional<std::string> to_utf8(std::string_view text, std::string_view chars
 std::string decode_encoded_words(std::string_view text) {
     std::string result;
     word_run run;
-    std::size_t done = 0; // all before is in the result or in the run
+    std::size_t done = 0; // text before this is in the result or in the run
     std::size_t at = text.find("=?");
     while (at != std::string_view::npos) {
         const std::optional<encoded_word> word = parse_word(text.substr(at));

@@ -1,4 +1,4 @@
-// Reads parameters, and puts those together that come in pieces; see the header.
+// Reads parameters, and joins those that are sent in pieces; see the header.
 
 #include "common/field_parameters.h"
 
@@ -32,7 +32,7 @@ public:
     std::size_t place() const { return m_at; }
     std::string_view since(std::size_t place) const { return m_text.substr(place, m_at - place); }
 
-    /// Past the comment that begins here.
+    /// Skips the comment that begins here.
     void skip_comment() {
         std::size_t open = 0;
         do {
@@ -43,7 +43,7 @@ public:
         } while (open > 0 && !at_end());
     }
 
-    /// The text in the quotes that begin here, folds undone.
+    /// The text in the quotes that begin here, without the line ends of folds.
     std::string take_quoted() {
         std::string value;
         for (skip(); !at_end() && peek() != '"'; skip()) {
@@ -72,7 +72,7 @@ public:
         }
     }
 
-    /// To the next semicolon that is in no quotes and no comment.
+    /// Goes on to the next semicolon outside quotes and comments.
     void skip_to_semicolon() {
         while (!at_end() && peek() != ';') {
             if (peek() == '"') {
@@ -85,8 +85,8 @@ public:
         }
     }
 
-    /// A value without quotes: to the next semicolon, or to a comment after a blank. Folds become
-    /// blanks.
+    /// A value without quotes. It ends before the next semicolon, or before a comment that white
+    /// space precedes. The line ends of folds are left out.
     std::string take_unquoted() {
         const std::size_t begin = m_at;
         while (!at_end() && peek() != ';'
@@ -100,14 +100,14 @@ public:
     }
 
 private:
-    /// A backslash may be the last byte there is.
+    /// Skips the byte and, if it is a backslash, the one after it, unless the text ends there.
     void skip_pair(char byte) { m_at = std::min(m_at + (byte == '\\' ? 2 : 1), m_text.size()); }
 
     std::string_view m_text;
     std::size_t m_at = 0;
 };
 
-/// The parameter that begins here; one without a "=" has no value.
+/// The parameter that begins here; if it has no "=", its value is empty.
 field_parameter take_parameter(field_reader& reader) {
     reader.skip_blanks_and_comments();
     const std::size_t begin = reader.place();
@@ -132,7 +132,7 @@ struct piece_name {
     bool m_encoded = false;
 };
 
-/// What stands behind the parameter's own name: "*", "*0" or "*0*".
+/// Reads what follows the parameter's own name: "*", "*0" or "*0*".
 std::optional<piece_name> parse_piece_name(std::string_view suffix) {
     if (suffix == "*") return piece_name{0, true};
     if (suffix.size() < 2 || suffix.front() != '*') return std::nullopt;
@@ -146,7 +146,7 @@ std::optional<piece_name> parse_piece_name(std::string_view suffix) {
     return name;
 }
 
-/// By their numbers; of two with the same number, the first.
+/// The pieces in the order of their numbers. Of two with the same number, the first one counts.
 using pieces_by_number = std::map<std::uint32_t, parameter_piece>;
 
 pieces_by_number pieces_of(const std::vector<field_parameter>& parameters, std::string_view name) {
@@ -160,8 +160,8 @@ pieces_by_number pieces_of(const std::vector<field_parameter>& parameters, std::
     return pieces;
 }
 
-/// The pieces from number 0 on, as far as they go without a gap. The first one, if encoded, begins
-/// with charset and language, each ended by an apostrophe.
+/// Joins the pieces from number 0 up to the first gap. If the first piece is encoded, it begins
+/// with charset and language, each followed by an apostrophe.
 std::string joined(const pieces_by_number& pieces) {
     std::string as_written;
     std::string decoded;

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-/// The text without its comments, which are in parentheses and may hold others, and without the
-/// blanks around what is left. Quoted parentheses open no comment. A comment without an end reaches
-/// to the end.
+/// The text without its comments, and without white space around the rest. Comments are in
+/// parentheses and can be nested. Quoted parentheses open no comment. A comment that is not closed
+/// reaches to the end of the text.
 std::string without_comments(std::string_view text);
 
 struct field_parameter {
@@ -17,19 +17,19 @@ struct field_parameter {
     std::string m_value;     // without quotes and folds
 };
 
-/// The parameters in the order in which they stand. Linear, whatever the text.
-/// @param body  what stands after the field's colon, the ends of folded lines included. It must
-/// outlive the result.
+/// The parameters in the order of the text. Linear for every text.
+/// @param body  the text after the field's colon, the line ends of its folded lines included. It
+///              must outlive the result.
 ///
-/// More is taken than the standard allows: a value without quotes may hold blanks and goes to the
-/// next semicolon, or to a comment after a blank; in quotes a backslash stays unless a quote or
-/// another backslash follows, for it is the backslash of a path more often than not.
+/// More is accepted than the standard allows. A value without quotes may hold white space; it ends
+/// before the next semicolon, or before a comment that white space precedes. Within quotes a
+/// backslash stays unless a quote or another backslash follows, since it is usually part of a path.
 std::vector<field_parameter> parameters_in(std::string_view body);
 
-/// The value of the parameter as its sender meant it, in UTF-8 where its charset is told and known;
-/// "" where there is no such parameter. RFC 2231: "name*=UTF-8''%e2%82%ac" and pieces "name*0*=",
-/// "name*1=", which come before a plain "name=". RFC 2047: encoded words in a plain one. What
-/// cannot be decoded stays as written.
+/// The decoded value of the parameter, in UTF-8 where its charset is given and known; "" if there
+/// is no such parameter. RFC 2231 forms, "name*=UTF-8''%e2%82%ac" and the pieces "name*0*=" and
+/// "name*1=", take precedence over a plain "name=", in which RFC 2047 encoded words are decoded.
+/// What cannot be decoded stays as written.
 std::string decoded_parameter(const std::vector<field_parameter>& parameters,
                               std::string_view name);
 

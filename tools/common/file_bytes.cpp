@@ -25,12 +25,12 @@ int open_file(const std::string& file_name) {
     }
 }
 
-/// The mapped file in use, for the handler of SIGBUS, which may allocate nothing. There is one at a
+/// The mapped file in use, for the handler of SIGBUS, which must not allocate. There is one at a
 /// time.
 struct mapping_in_use {
     const char* m_begin = nullptr;
     const char* m_end = nullptr;
-    std::array<char, 8192> m_name{}; // as complaints call the file, cut off where it is longer
+    std::array<char, 8192> m_name{}; // the file's name in complaints, cut where it is longer
     std::size_t m_name_bytes = 0;
 };
 mapping_in_use in_use; // NOLINT: the handler gets no other argument
@@ -47,13 +47,13 @@ void forget_mapping(const char* begin) {
     if (in_use.m_begin == begin) in_use.m_begin = in_use.m_end = nullptr;
 }
 
-/// Writes in a signal handler: whether it gets out cannot be told to anybody.
+/// Writes in a signal handler, where a failure to write can be reported to nobody.
 void write_error(const char* text, std::size_t bytes) {
     if (::write(STDERR_FILENO, text, bytes) < 0) return;
 }
 
-/// Of a fault elsewhere it just returns; the same instruction then faults again, and the signal has
-/// its way.
+/// After a fault outside the mapped file this just returns: the same instruction faults again, and
+/// the signal, whose default action is restored by then, ends the program.
 void on_lost_page(int /*signal*/, siginfo_t* info, void* /*context*/) {
     const char* const place = static_cast<const char*>(info->si_addr);
     if (in_use.m_begin == nullptr || place < in_use.m_begin || place >= in_use.m_end) return;
@@ -111,7 +111,8 @@ void file_bytes::take(int descriptor, const std::string& file_name) {
     if (!map(descriptor, file_name) && m_failed == failure::none) read_all(descriptor);
 }
 
-/// Maps a file that stands at its beginning. False where it has to be read, or has failed.
+/// Maps a file whose descriptor is at the file's beginning. False if it has to be read instead, or
+/// if it is too big.
 bool file_bytes::map(int descriptor, const std::string& file_name) {
     struct stat file = {};
     if (::fstat(descriptor, &file) != 0 || !S_ISREG(file.st_mode) || file.st_size <= 0)
@@ -146,7 +147,7 @@ void file_bytes::read_all(int descriptor) {
     }
 }
 
-/// Makes room, doubling what there is. False if memory has run out.
+/// Doubles the room for bytes. False if memory has run out.
 bool file_bytes::grow(std::size_t& capacity) {
     constexpr std::size_t first_capacity = 65536;
     const std::size_t wanted = capacity == 0 ? first_capacity : 2 * capacity;

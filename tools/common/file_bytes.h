@@ -1,4 +1,4 @@
-// The bytes of a file in memory: mapped where the system can map it, read where not.
+// The bytes of a file in memory: mapped where the system can map the file, else read.
 
 #ifndef TOOLS_COMMON_FILE_BYTES_H
 #define TOOLS_COMMON_FILE_BYTES_H
@@ -8,32 +8,32 @@
 #include <string>
 #include <string_view>
 
-/// All that a file holds, or why it cannot be had. A file that another program makes shorter while
-/// it is mapped ends this program: it says so and exits with status 1, once end_on_lost_pages() has
-/// been called.
+/// All bytes of a file, or the reason why they cannot be read. If another program shortens a mapped
+/// file, this program complains and ends with status 1, provided that end_on_lost_pages() has been
+/// called.
 class file_bytes {
 public:
-    /// Inputs of this size and more are refused, for the library's offsets are 32 bits wide.
+    /// Inputs of this size and more are refused, since the library's offsets are 32 bits wide.
     static constexpr std::uint64_t size_limit = std::uint64_t{1} << 32;
 
-    /// What kept the bytes from being had.
+    /// What went wrong.
     enum class failure : std::uint8_t { none, cannot_open, cannot_read, too_big, no_memory };
 
-    /// Takes the bytes of the named file; "-" is standard input, of which what is left is taken.
+    /// Takes the bytes of the named file. "-" is standard input, from its present position on.
     explicit file_bytes(const std::string& file_name);
-    /// Takes what is left in a descriptor and closes it.
+    /// Takes the bytes of a descriptor from its present position on, and closes it.
     explicit file_bytes(int descriptor);
     ~file_bytes();
     file_bytes(const file_bytes&) = delete;
     file_bytes& operator=(const file_bytes&) = delete;
 
     std::string_view bytes() const { return {m_data, m_size}; }
-    /// Whether the bytes are mapped, and not a copy.
+    /// Whether the bytes are mapped and not copied.
     bool is_mapped() const { return m_mapped_bytes != 0; }
     failure failed() const { return m_failed; }
     /// The system's number for a failure to open or to read.
     int error() const { return m_error; }
-    /// How many bytes there were before the failure.
+    /// How many bytes had been read when the failure came.
     std::uint64_t bytes_before_failure() const { return m_bytes_before_failure; }
 
 private:
@@ -51,8 +51,8 @@ private:
     std::uint64_t m_bytes_before_failure = 0;
 };
 
-/// From now on a mapped file that loses pages, because it was cut short or cannot be read any more,
-/// ends the program with a line on standard error and status 1 instead of a signal.
+/// From now on, if a page of a mapped file is lost because the file was shortened or can no longer
+/// be read, the program ends with a line on standard error and status 1 instead of a signal.
 void end_on_lost_pages();
 
 #endif

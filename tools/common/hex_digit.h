@@ -6,7 +6,8 @@
 #include <optional>
 #include <string_view>
 
-/// The value of a hexadecimal digit, large or small; nothing for any other character.
+/// The value of a hexadecimal digit, of which lower-case ones are allowed; nothing for any other
+/// character.
 constexpr std::optional<unsigned> hex_digit_value(char c) {
     if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
     if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
@@ -14,8 +15,8 @@ constexpr std::optional<unsigned> hex_digit_value(char c) {
     return std::nullopt;
 }
 
-/// The byte that the two hexadecimal digits at the beginning of the text stand for; nothing if
-/// there are none.
+/// The byte that the two hexadecimal digits at the beginning of the text stand for; nothing if the
+/// text does not begin with two.
 constexpr std::optional<char> hex_byte(std::string_view text) {
     if (text.size() < 2) return std::nullopt;
     const std::optional<unsigned> high = hex_digit_value(text[0]);

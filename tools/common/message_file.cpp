@@ -16,7 +16,8 @@ constexpr std::uint32_t no_place = 0xFFFFFFFF; // of a header field
 constexpr const char* too_big_text =
     "too big: no more than 4294967295 bytes can be read, and the input goes on";
 
-/// Reads from bytes that are there already. It only lends them; nothing is written through it.
+/// A stream buffer over bytes that are in memory already. It does not own them, and nothing is
+/// written through it.
 class memory_stream_buffer final : public std::streambuf {
 public:
     explicit memory_stream_buffer(std::string_view bytes) {
@@ -25,24 +26,25 @@ public:
         setg(begin, begin, begin + bytes.size());
     }
 
-    /// Where the line begins that was taken out last; 0 before the first.
+    /// Where the line begins that was read last; 0 before the first.
     std::size_t last_line_start() const {
         const std::string_view taken(eback(), static_cast<std::size_t>(gptr() - eback()));
         if (taken.empty()) return 0;
-        // The last byte taken out is, as a rule, the LF that ends the line in question.
+        // The last byte read is usually the LF that ends this line.
         const std::size_t line_end_before = taken.substr(0, taken.size() - 1).rfind('\n');
         return line_end_before == std::string_view::npos ? 0 : line_end_before + 1;
     }
 };
 
-std::uint32_t separator_line_bytes(std::string_view bytes) {
+/// The length of the From line of an mbox, if the bytes begin with one; else 0.
+std::uint32_t from_line_bytes(std::string_view bytes) {
     if (bytes.substr(0, 5) != "From ") return 0;
     const std::size_t line_end = bytes.find('\n');
     return static_cast<std::uint32_t>(line_end == std::string_view::npos ? bytes.size()
                                                                          : line_end + 1);
 }
 
-/// The first CR or NUL with something behind it other than an LF or the end of the input.
+/// The first CR or NUL that neither an LF nor the end of the input follows.
 std::size_t first_stray_byte(std::string_view bytes) {
     constexpr std::string_view suspects("\r\0", 2);
     std::size_t at = bytes.find_first_of(suspects);
@@ -85,8 +87,9 @@ void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
     }
 }
 
-/// Fills the message and moves its ranges by the distance; what is wrong with it, at an offset that
-/// counts from the first of these bytes.
+/// Fills the message and adds the distance to its ranges.
+/// @return what is wrong with the message, if anything; its offset counts from the first of these
+///         bytes
 std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
                                 std::uint32_t distance) {
     memory_stream_buffer buffer(bytes);
@@ -111,7 +114,7 @@ std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
 } // namespace
 
 message_file::message_file(const std::string& file_name)
-    : m_file(file_name), m_message_start(separator_line_bytes(m_file.bytes())) {}
+    : m_file(file_name), m_message_start(from_line_bytes(m_file.bytes())) {}
 
 std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) const {
     if (offset >= bytes().size()) return {};
@@ -127,7 +130,8 @@ std::optional<input_fault> message_file::parse(MailStructure& message) {
 }
 
 void move_ranges(MailStructure::MimeObj& root, std::uint32_t distance) {
-    // Any order will do. Holds no more than the entities of one path and their brothers.
+    // The order does not matter. This holds no more than the entities of one path and their
+    // siblings.
     std::vector<MailStructure::MimeObj*> waiting = {&root};
     while (!waiting.empty()) {
         MailStructure::MimeObj& entity = *waiting.back();

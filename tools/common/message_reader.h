@@ -9,10 +9,9 @@
 #include <optional>
 #include <string>
 
-/// Holds one file and its tree at a time. One parser object serves all files, so that a file uses
-/// the records of the last one's tree again. The library bounds what such an object keeps; here
-/// the tree of a large file is freed before the next file is parsed, so that two of these are
-/// never held together.
+/// Holds one file and its tree at a time. One parser object parses all files, and uses the records
+/// of the last tree again. The library bounds what such an object keeps from file to file. Since a
+/// parse can hold the last tree beside the new one, the tree of a large file is freed first.
 class message_reader {
 public:
     explicit message_reader(bool keep_text = false) { m_message.m_keep_text = keep_text; }

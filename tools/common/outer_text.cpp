@@ -56,8 +56,8 @@ std::string_view without_closing_line(const MimeObj& multipart, std::string_view
     return lines;
 }
 
-/// The lines without the separator that comes last, and without the empty line behind it that the
-/// library may have dropped.
+/// The lines without their last separator, and without the empty line after it that the library may
+/// have dropped.
 std::string_view without_separator(std::string_view lines) {
     if (without_terminator(last_line_of(lines)).empty())
         lines.remove_suffix(last_line_of(lines).size());
@@ -65,8 +65,8 @@ std::string_view without_separator(std::string_view lines) {
     return lines;
 }
 
-/// The lines of a multipart up to its first part that has any, or all of them. They end with one
-/// separator for each part so far, behind which a closing line may stand.
+/// The contents of a multipart up to its first part that has lines, or all its contents. They end
+/// with the separators of the parts so far, and perhaps a closing line.
 struct first_lines {
     std::string_view m_lines;
     std::size_t m_separators;

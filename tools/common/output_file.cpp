@@ -15,8 +15,8 @@
 
 namespace {
 
-/// Where symbolic links lead to, so that the file is replaced and not the link; the name itself
-/// where that fails.
+/// The name of the file that symbolic links lead to, so that the file is replaced and not the link;
+/// the given name if it cannot be resolved.
 std::string real_name(const std::string& file_name) {
     struct free_memory {
         void operator()(char* memory) const { std::free(memory); }
@@ -25,26 +25,26 @@ std::string real_name(const std::string& file_name) {
     return real ? std::string(real.get()) : file_name;
 }
 
-/// What open() would give a new file.
+/// The permissions that open() would give a new file.
 mode_t mode_of_new_files() {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666 & ~mask;
 }
 
-/// A new name in the same folder, once its end is replaced.
+/// The pattern of a temporary name in the same folder: mkstemp replaces its end.
 std::string name_beside(const std::string& file_name) {
     return file_name.substr(0, file_name.rfind('/') + 1) + ".mailstructure-XXXXXX";
 }
 
-/// Fails with EEXIST where there is anything of the new name.
+/// Fails with EEXIST if anything has the new name already.
 bool rename_to_new_name(const std::string& from, const std::string& to) {
 #ifdef RENAME_NOREPLACE
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return true;
     if (errno != EINVAL && errno != ENOSYS) return false;
 #endif
-    // The file system cannot do so in one step; for a moment the file has both names.
+    // The file system cannot do this in one step; for a moment the file has both names.
     if (::link(from.c_str(), to.c_str()) != 0) return false;
     ::unlink(from.c_str());
     return true;
@@ -78,7 +78,8 @@ output_file::~output_file() {
 }
 
 bool output_file::write(std::string_view bytes) {
-    constexpr std::size_t most_at_once = std::size_t{1} << 30; // no system writes more in one go
+    constexpr std::size_t most_at_once = std::size_t{1}
+                                         << 30; // Linux writes no more than 2 GiB a call
     while (m_error == 0 && !bytes.empty()) {
         const ssize_t count =
             ::write(m_descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
@@ -118,7 +119,7 @@ void output_file::create_beside(const std::string& file_name) {
     if (m_descriptor < 0) return;
     m_writing = name;
     m_target = file_name;
-    // The new file may be read by whoever could read the old one.
+    // Whoever could read the old file can read the new one.
     if (::fchmod(m_descriptor, replaces ? there.st_mode & 0777 : mode_of_new_files()) != 0) fail();
 }
 

@@ -13,8 +13,8 @@ struct code_point_range {
     char32_t m_last;
 };
 
-/// What is spelled out even where the output is UTF-8, in rising order: controls, format
-/// characters, line and paragraph separators, everything that Unicode has displays ignore, and
+/// What is spelled out even if the output is UTF-8, in rising order: controls, format characters,
+/// line and paragraph separators, everything that Unicode wants displays to ignore, and the
 /// noncharacters of the first plane.
 constexpr std::array spelled_out = {
     code_point_range{0x00, 0x1F},       code_point_range{0x7F, 0x9F},
@@ -74,7 +74,7 @@ void append_printable(std::string& to, std::string_view text, const utf8_charact
     }
 }
 
-/// How many bytes a character takes that begins with this one; 0 for a byte that begins none.
+/// How many bytes a character has that begins with this byte; 0 if no character begins so.
 std::size_t expected_bytes(unsigned char first) {
     if (first < 0x80) return 1;
     if (first >= 0xC2 && first <= 0xDF) return 2;
@@ -82,7 +82,7 @@ std::size_t expected_bytes(unsigned char first) {
     return first >= 0xF0 && first <= 0xF4 ? 4 : 0;
 }
 
-/// Whether a code point written in so many bytes is one that UTF-8 writes so.
+/// Whether UTF-8 writes the code point in that number of bytes.
 bool is_shortest_form(char32_t code_point, std::size_t bytes) {
     constexpr std::array<char32_t, 5> smallest = {0, 0, 0x80, 0x800, 0x10000};
     const bool surrogate = code_point >= 0xD800 && code_point <= 0xDFFF;

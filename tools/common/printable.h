@@ -1,5 +1,5 @@
-// Makes text from a message, or a file's name, fit for a terminal: whatever a terminal would act
-// on, or would not show, is spelled out.
+// Makes text from a message, or a file's name, safe to print on a terminal: whatever a terminal
+// would act on, or would not show, is spelled out.
 
 #ifndef TOOLS_COMMON_PRINTABLE_H
 #define TOOLS_COMMON_PRINTABLE_H
@@ -9,38 +9,37 @@
 #include <string>
 #include <string_view>
 
-/// What the output may be made of.
+/// The characters that the output may hold.
 enum class character_set : std::uint8_t { ascii, utf8 };
 
 /// The text with these replaced:
-/// - a backslash by two of them;
+/// - a backslash by two backslashes;
 /// - an ASCII control character, and each byte that is not part of valid UTF-8, by \xNN (two
 ///   hexadecimal digits);
-/// - a character that has no shape of its own or that changes the order or the lines of the text
-///   around it, by
-///   \u{N} (its number in hexadecimal): the controls U+0080 to U+009F, marks and overrides of
-///   direction, line and paragraph separators, zero-width and other characters that are not shown,
-///   and code points that are no characters;
+/// - a character that is not shown, or that changes the order or the lines of the text around it,
+///   by \u{N} (its code point in hexadecimal): the controls U+0080 to U+009F, direction marks and
+///   overrides, line and paragraph separators, zero-width and other invisible characters, and code
+///   points that are no characters;
 /// - with character_set::ascii, every other character outside ASCII by \u{N} too.
-/// The result is valid UTF-8 and one line, and the text can be had back from it. Linear.
+/// The result is valid UTF-8 and one line, and the text can be reconstructed from it. Linear.
 std::string printable(std::string_view text, character_set set);
 
-/// As printable(), but ends with "..." (an ellipsis in UTF-8) where the text is longer than that
-/// many bytes. A character is not cut in two.
+/// As printable(), but a text of more than that many bytes is cut and ends with "..." (an ellipsis
+/// in UTF-8). No character is cut in two.
 std::string printable_beginning(std::string_view text, character_set set, std::size_t most_bytes);
 
-/// Whether the character is spelled out even where the output is UTF-8.
+/// Whether the character is spelled out even if the output is UTF-8.
 bool is_spelled_out(char32_t code_point);
 
-/// A character and the bytes that it takes. A byte that is not part of valid UTF-8 counts as one of
-/// its own, not valid.
+/// A character and the number of its bytes. A byte that is not part of valid UTF-8 counts as a
+/// character of its own, which is not valid.
 struct utf8_character {
-    char32_t m_code_point = 0; // the byte itself where not valid
+    char32_t m_code_point = 0; // the byte itself if not valid
     std::size_t m_bytes = 1;
     bool m_valid = false;
 };
-/// The first character of a text that is not empty. Valid as RFC 3629 has it: shortest form, no
-/// surrogates, at most U+10FFFF.
+/// The first character of a text that is not empty. Valid is what RFC 3629 allows: the shortest
+/// form, no surrogates, at most U+10FFFF.
 utf8_character first_character(std::string_view text);
 
 /// Whether all of the text is valid UTF-8.

@@ -1,5 +1,5 @@
-// From the text of a SECTION to a place in the tree; see the header. How entities are numbered is
-// told in sections.h.
+// From the text of a SECTION to a place in the tree; see the header. sections.h says how entities
+// are numbered.
 
 #include "common/section_lookup.h"
 
@@ -15,8 +15,8 @@ namespace {
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-/// "12" as 12; 0 for what is no number or begins with 0. A number too great for any message is the
-/// greatest there is.
+/// "12" as 12; 0 for a text that is no number or begins with 0. A number too great for any message
+/// becomes the greatest that a std::size_t holds.
 std::size_t number_from(std::string_view text) {
     constexpr std::size_t greatest = std::numeric_limits<std::size_t>::max();
     if (text.empty() || text.front() == '0' || !std::all_of(text.begin(), text.end(), is_digit))
@@ -36,7 +36,7 @@ section::word word_from(std::string_view text) {
     return section::word::none;
 }
 
-/// What is wrong with a text that goes on like this where a number or a word should stand.
+/// What is wrong with a SECTION whose rest is neither a number nor a word where one is expected.
 std::string complaint_about(std::string_view rest, bool after_a_number) {
     if (equal_ignoring_case(rest.substr(0, 13), "HEADER.FIELDS"))
         return "HEADER.FIELDS is not supported; HEADER gives the whole header block";
@@ -45,18 +45,19 @@ std::string complaint_about(std::string_view rest, bool after_a_number) {
            + (rest.empty() ? "at the end" : "at \"" + std::string(rest) + '"');
 }
 
-/// An entity, as what it was come upon.
+/// An entity, and whether it was found as a message or as a part.
 struct found_entity {
     const MimeObj* m_entity = nullptr;
     bool m_is_message = false;
 };
 
-/// The parts that stand below a number, or at the top of the message.
-class numbered_below {
+/// The entities that have one number more than a given part, or one number in all.
+class numbered_parts {
 public:
-    /// @param message  whose parts come first, or null
-    /// @param others   in which further parts follow from that index on
-    numbered_below(const MimeObj* message, const MimeObj* others, std::size_t first_other)
+    /// @param message      the message whose parts come first, or null
+    /// @param others       the entity whose other children follow, or null
+    /// @param first_other  index of the first of those children
+    numbered_parts(const MimeObj* message, const MimeObj* others, std::size_t first_other)
         : m_message(message), m_others(others), m_first_other(first_other) {}
 
     std::size_t count() const { return count_in_message() + count_of_others(); }
@@ -82,12 +83,12 @@ private:
     std::size_t m_first_other;
 };
 
-numbered_below below_part(const MimeObj& part) {
+numbered_parts parts_of(const MimeObj& part) {
     const MimeObj* const message = message_within(part);
     return {message, &part, message == nullptr ? std::size_t{0} : std::size_t{1}};
 }
 
-/// The first of the numbers, so many of them, and then one more.
+/// The given count of numbers from the first on, and then the last one, with dots between them.
 std::string joined(const std::vector<std::size_t>& numbers, std::size_t first_ones,
                    std::size_t last) {
     std::string text;
@@ -96,7 +97,8 @@ std::string joined(const std::vector<std::size_t>& numbers, std::size_t first_on
     return text + std::to_string(last);
 }
 
-/// The nearest to the numbers where the one at `index` is greater than any there is.
+/// The section nearest to the numbers, of which the one at `index` exceeds the greatest that exists
+/// there.
 std::string nearest_to(const std::vector<std::size_t>& numbers, std::size_t index,
                        std::size_t greatest) {
     if (greatest != 0) return joined(numbers, index, greatest);
@@ -116,7 +118,7 @@ std::variant<section_place, no_section> find_at_top(const MimeObj& root, section
     return no_section{"HEADER"};
 }
 
-/// A section of the part that has the numbers.
+/// A section of the part that the numbers of the wanted section name.
 std::variant<section_place, no_section> find_in_part(const found_entity& part,
                                                      const section& wanted) {
     const std::vector<std::size_t>& numbers = wanted.m_numbers;
@@ -166,12 +168,12 @@ std::variant<section_place, no_section> find_section(const MimeObj& root, const 
     const std::vector<std::size_t>& numbers = wanted.m_numbers;
     if (numbers.empty()) return find_at_top(root, wanted.m_word);
     found_entity part;
-    numbered_below parts(&root, nullptr, 0);
+    numbered_parts parts(&root, nullptr, 0);
     for (std::size_t index = 0; index < numbers.size(); ++index) {
         if (numbers[index] > parts.count())
             return no_section{nearest_to(numbers, index, parts.count())};
         part = parts.at(numbers[index]);
-        parts = below_part(*part.m_entity);
+        parts = parts_of(*part.m_entity);
     }
     return find_in_part(part, wanted);
 }

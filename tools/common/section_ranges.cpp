@@ -11,7 +11,8 @@ using MimeObj = MailStructure::MimeObj;
 
 namespace {
 
-/// Of the entity and all below it, as far as it is recorded. A part may have no lines at all.
+/// Where the lines begin and end that are recorded for an entity and its descendants. A part may
+/// have no lines at all.
 struct recorded_lines {
     bool m_any = false;
     std::uint32_t m_begin = 0;
@@ -25,13 +26,13 @@ struct recorded_lines {
     }
 };
 
-/// Of what holds a message these can reach too far; see last_holding_lines.
+/// Those of an entity that holds a message can reach too far; see last_holding_lines.
 recorded_lines recorded_lines_of(const MimeObj& entity) {
     recorded_lines lines;
     lines.add(entity.m_header_beg, entity.m_header_len);
     lines.add(entity.m_contents_beg, entity.m_contents_len);
-    lines.add(entity.m_body_beg,
-              entity.m_body_len); // has the closing line of a multipart that could not be closed
+    // The body alone holds the closing line of a multipart without parts.
+    lines.add(entity.m_body_beg, entity.m_body_len);
     lines.add(entity.m_epilogue_beg, entity.m_epilogue_len);
     return lines;
 }
@@ -57,11 +58,12 @@ byte_range section_ranges::header_block_of(const section_place& place) {
     const std::uint32_t begin = entity.m_header_beg;
     std::uint32_t end = begin + entity.m_header_len;
     if (!ends_with_empty_line(begin, end)) end += dropped_line_at(end);
-    // A message within ends where the part does that holds it.
+    // A message within ends where the part that holds it ends.
     return between(begin, place.m_is_message ? std::min(end, end_of(entity)) : end);
 }
 
-/// Of an entity that has no header block recorded: empty, or the empty line that was dropped.
+/// The header block of an entity for which none is recorded: the empty line that was dropped, or
+/// nothing.
 byte_range section_ranges::unrecorded_header_block_of(const section_place& place) const {
     const MimeObj& entity = *place.m_entity;
     if (&entity == &m_root) return {m_message_start, 0};
@@ -91,11 +93,11 @@ std::uint32_t section_ranges::end_of(const MimeObj& entity) {
     return std::max(lines.m_begin, next_line - line_terminator_before(next_line));
 }
 
-/// What holds a message ends where that does: its own ranges can go on, for a boundary line does
-/// not close all that it should. This is the innermost of the messages within messages, if it has
-/// lines.
+/// The innermost of the messages within messages that has lines. An entity that holds a message
+/// ends where that message ends, but its own ranges can go on: a delimiter line does not close all
+/// the entities that it should.
 const MimeObj& section_ranges::last_holding_lines(const MimeObj& entity) {
-    // A walk asks for one after the other of them, and a chain of messages can be long.
+    // A walk asks for each message of a chain in turn, and the chain can be long.
     const bool known = m_asked_last == &entity
                        || (m_asked_last != m_innermost && message_within(*m_asked_last) == &entity);
     m_asked_last = &entity;

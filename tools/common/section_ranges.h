@@ -44,8 +44,8 @@ public:
                    std::uint32_t message_start)
         : m_root(root), m_bytes(bytes), m_message_start(message_start) {}
 
-    /// Linear in the number of messages within messages from the entity down; constant time, all in
-    /// all, in the order of a walk.
+    /// Linear in the number of messages within one another that the entity holds. In the order of a
+    /// walk, constant on average.
     byte_range of(const section_place& place);
 
 private:
@@ -63,7 +63,7 @@ private:
     const MailStructure::MimeObj& m_root;
     std::string_view m_bytes;
     std::uint32_t m_message_start;
-    // For last_holding_lines: the entity asked for last, and the answer.
+    // For last_holding_lines: the entity that it was asked for last, and its answer.
     const MailStructure::MimeObj* m_asked_last = nullptr;
     const MailStructure::MimeObj* m_innermost = nullptr;
 };

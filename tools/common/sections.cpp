@@ -38,19 +38,20 @@ const numbered_entity* entity_walk::next() {
            && m_levels.back().m_next_child == m_levels.back().m_entity->m_children.size())
         m_levels.pop_back();
     if (m_levels.empty()) return nullptr;
-    level& above = m_levels.back();
-    const std::size_t child = above.m_next_child++;
-    const MimeObj& parent = *above.m_entity;
-    m_path.resize(above.m_path_bytes);
-    m_numbers = above.m_numbers;
+    level& parent_level = m_levels.back();
+    const std::size_t child = parent_level.m_next_child++;
+    const MimeObj& parent = *parent_level.m_entity;
+    m_path.resize(parent_level.m_path_bytes);
+    m_numbers = parent_level.m_numbers;
     const bool is_message = child == 0 && message_within(parent) != nullptr;
     enter(parent.m_children[child], is_message, is_message ? 0 : number_of_child(parent, child));
     return &m_current;
 }
 
-/// Names the entity and goes down into it.
-/// @param is_message  it is the message, or a message within: m_path is the number of what holds it
-/// @param number      of a part below m_path
+/// Names the entity and makes it the innermost level of the walk.
+/// @param is_message  the entity is the message, or a message within; m_path is then the number of
+///                    the entity that holds it
+/// @param number      the number that a part has after those in m_path
 void entity_walk::enter(const MimeObj& entity, bool is_message, std::size_t number) {
     const bool has_no_number = is_message && is_multipart(entity);
     if (!has_no_number) append_number(is_message ? 1 : number);

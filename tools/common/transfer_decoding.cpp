@@ -1,4 +1,4 @@
-// Base64 by way of nettle, quoted-printable by hand; see the header.
+// Decodes base64 with nettle, and quoted-printable with code of its own; see the header.
 
 #include "common/transfer_decoding.h"
 
@@ -42,7 +42,7 @@ private:
         return count == 0 || m_sink({reinterpret_cast<const char*>(m_decoded.data()), count});
     }
 
-    /// Byte by byte, to find the one at which it fails.
+    /// Decodes byte by byte, to find the one that is wrong.
     std::optional<decoding_damage> decode_as_far_as_it_goes(std::size_t begin,
                                                             std::string_view block) {
         std::size_t decoded = 0;
@@ -55,7 +55,7 @@ private:
             }
             decoded += static_cast<std::size_t>(count);
         }
-        return std::nullopt; // cannot be: the block has failed as a whole
+        return std::nullopt; // cannot happen: the block as a whole has failed
     }
 
     std::string what_is_wrong_with(char c) const {
@@ -71,7 +71,7 @@ private:
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
-/// Decodes quoted-printable, and gathers what it decodes into blocks.
+/// Decodes quoted-printable, and gathers the decoded bytes in blocks.
 class quoted_printable_decoder {
 public:
     quoted_printable_decoder(std::string_view text, const byte_sink& sink)
@@ -96,8 +96,8 @@ public:
     }
 
 private:
-    /// The length of the line end at that place, 0 if there is none. The end of the text is no line
-    /// end.
+    /// The length of the line end at that offset; 0 if there is none. The end of the text does not
+    /// count as one.
     std::size_t line_end_at(std::size_t at) const {
         if (m_text.substr(at, 1) == "\n") return 1;
         return m_text.substr(at, 2) == "\r\n" ? 2 : 0;

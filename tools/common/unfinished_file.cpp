@@ -1,4 +1,4 @@
-// Remembers a file's name where the handler of a signal can read it; see the header.
+// Keeps a file's name where a signal handler can read it; see the header.
 
 #include "common/unfinished_file.h"
 
@@ -13,14 +13,14 @@
 
 namespace {
 
-/// What ends a program by default, but for faults. A signal that is ignored stays so.
+/// The signals, other than faults, that end a program by default. One that is ignored stays
+/// ignored.
 constexpr std::array ending_signals = {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ};
 
-/// The name, ended by a NUL; empty if there is no file. The system takes no longer one.
+/// The name, ended by a NUL; empty if there is no file. The system accepts no longer name.
 std::array<char, PATH_MAX> unfinished{}; // NOLINT: a handler gets no argument
 
-/// By now the signal has its default action again, and does what it would have done as soon as this
-/// returns.
+/// The signal has its default action again by now, and takes it as soon as this returns.
 void on_ending_signal(int signal) {
     remove_unfinished_file();
     static_cast<void>(::raise(signal));
@@ -37,7 +37,7 @@ void handle_ending_signals() {
     }
 }
 
-/// Keeps all signals waiting while it lives.
+/// Blocks all signals as long as it exists.
 class signals_held {
 public:
     signals_held() {

@@ -1,4 +1,4 @@
-// Files, choices and numbers on a command line; see the header.
+// Reads files, choices and numbers from a command line; see the header.
 
 #include "mailstructure/command_line.h"
 

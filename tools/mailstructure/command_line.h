@@ -1,4 +1,4 @@
-// What the commands' command lines have in common: the files to read, and numbers.
+// What the command lines of the commands share: files to read, choices between words, numbers.
 
 #ifndef TOOLS_MAILSTRUCTURE_COMMAND_LINE_H
 #define TOOLS_MAILSTRUCTURE_COMMAND_LINE_H
@@ -11,29 +11,29 @@
 #include <string_view>
 #include <vector>
 
-/// Adds the argument FILE..., any number of files. Where none is named it becomes "-", standard
-/// input, unless that is a terminal, which is wrong usage.
+/// Adds the argument FILE..., any number of files. If none is named, it becomes what
+/// standard_input() returns.
 void describe_files(CLI::App& command, std::vector<std::string>& files);
 
-/// Whether there is anything of that name, or the system does not tell.
+/// Whether something of that name exists, or the system cannot tell.
 bool names_a_file(const std::string& name);
 
-/// What stands for the file where none is named: "-", standard input.
-/// @throws CLI::ValidationError  where that is a terminal, and somebody would have to type the
-/// message
+/// The file to read if none is named: "-", which is standard input.
+/// @throws CLI::ValidationError  if standard input is a terminal, where the user would have to type
+///                               the message
 std::string standard_input();
 
-/// Adds an option that takes one of the given words, and says so where it gets another.
-/// @param placeholder  what the help calls the word
-/// @param take         is given the number of the word
+/// Adds an option that takes one of the given words; any other word is wrong usage.
+/// @param placeholder  stands for the word in the help
+/// @param take         receives the index of the word
 void describe_choice(CLI::App& command, const std::string& option,
                      const std::vector<std::string>& words, const std::string& placeholder,
                      const std::function<void(std::size_t)>& take, const std::string& description);
 
-/// "4096" or "0x1000"; nothing for any other text or for what does not fit in 32 bits.
+/// The value of "4096" or "0x1000"; nothing for any other text, or if it does not fit in 32 bits.
 std::optional<std::uint32_t> parse_number(std::string_view text);
 
-/// For CLI::Option::check: "" for what parse_number takes, else what is wrong with it.
+/// For CLI::Option::check: "" if parse_number accepts the text, else what is wrong with it.
 std::string number_complaint(const std::string& text);
 
 #endif

@@ -1,4 +1,4 @@
-// Names the commands and ties the options of each to the functions that declare and use them.
+// Lists the commands, each with the functions that declare its options and run it.
 
 #include "mailstructure/commands.h"
 

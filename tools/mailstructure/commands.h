@@ -1,5 +1,5 @@
-// The table of the commands, from which the command line, the help and the check for misspelt
-// commands are made.
+// The table of the commands. The command line, the help and the check for misspelt commands are
+// based on it.
 
 #ifndef TOOLS_MAILSTRUCTURE_COMMANDS_H
 #define TOOLS_MAILSTRUCTURE_COMMANDS_H
@@ -17,8 +17,8 @@ using command_work = std::function<exit_status()>;
 struct command {
     const char* m_name;
     const char* m_description; // one line
-    /// Declares the options of the command. The work that it returns owns them: it must live as
-    /// long as the option parser is in use.
+    /// Declares the options of the command. The work that this returns owns the options, so it must
+    /// exist as long as the option parser is in use.
     command_work (*m_declare)(CLI::App& line);
 };
 

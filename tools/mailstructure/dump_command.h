@@ -18,9 +18,9 @@ struct dump_options {
 
 void describe_dump(CLI::App& command, dump_options& options);
 
-/// Prints the dump of each file in turn. A file that cannot be read or that is no message gets one
-/// line of complaint instead, and the next one is taken up. Stops early only when standard output
-/// takes no more.
+/// Prints the dump of each file in turn. For a file that cannot be read or that is no message it
+/// prints one line of complaint instead, and goes on. Stops early only if standard output or
+/// standard error can no longer be written.
 exit_status run_dump(const dump_options& options);
 
 #endif

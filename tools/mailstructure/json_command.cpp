@@ -16,8 +16,8 @@ namespace {
 
 enum class outcome : std::uint8_t {
     printed,
-    not_printed, // nothing of the message
-    torn         // part of it, so that nothing sensible can follow
+    not_printed, // nothing of the message has been printed
+    torn         // part of the message has been printed, so nothing can follow
 };
 
 json_form form_of(const json_options& options) {

@@ -17,9 +17,9 @@ struct json_options {
 
 void describe_json(CLI::App& command, json_options& options);
 
-/// Prints each file in turn. A file that cannot be read or that is no message gets one line of
-/// complaint instead, and the next one is taken up. Stops early when standard output takes no more,
-/// or when memory runs out after part of a message has been printed.
+/// Prints each file in turn. For a file that cannot be read or that is no message it prints one
+/// line of complaint instead, and goes on. Stops early if standard output can no longer be written,
+/// or if memory runs out after part of a message has been printed.
 exit_status run_json(const json_options& options);
 
 #endif

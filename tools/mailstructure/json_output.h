@@ -1,6 +1,6 @@
-// What rapidjson's writer needs to print text from a message: where its characters go, how it reads
-// bytes that may be anything, how it writes characters that a terminal would act on, and where its
-// stack lies.
+// What rapidjson's writer needs to print text from a message: an output for its characters, an
+// encoding to read any bytes, an encoding that escapes characters that a terminal would act on, and
+// memory for its stack.
 
 #ifndef TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
 #define TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
@@ -15,9 +15,9 @@
 #include <ostream>
 #include <string_view>
 
-/// Gathers characters in a block and hands full blocks on. What the block holds when the object
-/// ends is dropped, so that a document which cannot be finished is not begun either, unless it is
-/// longer than a block.
+/// Gathers characters in a block and passes full blocks on to a stream. What the block holds when
+/// the object ends is dropped: of a document that cannot be finished nothing is printed, unless it
+/// is longer than a block.
 class json_output {
 public:
     using Ch = char;
@@ -30,10 +30,10 @@ public:
         if (m_used == block_size) hand_on();
         m_block[m_used++] = character;
     }
-    /// rapidjson calls this at the end of each value at the top. Blocks go on when they are full.
+    /// rapidjson calls this at the end of each document. Blocks are passed on when they are full.
     void Flush() {}
 
-    /// Hands on what there is in the block. Whether all of it so far was taken shows in the stream.
+    /// Passes on what the block holds. The state of the stream tells whether all of it was written.
     void hand_on() {
         m_to.write(m_block.data(), static_cast<std::streamsize>(m_used));
         m_handed_on = m_handed_on || m_used != 0;
@@ -49,15 +49,15 @@ private:
     bool m_handed_on = false;
 };
 
-/// rapidjson's indentation. It ends at 64 blanks: with a step for each level, what is printed would
-/// grow with the square of the depth.
+/// rapidjson's indentation, limited to 64 blanks: with a step for each level the output would grow
+/// with the square of the depth.
 inline void PutN(json_output& output, char character, std::size_t count) {
     for (std::size_t left = std::min<std::size_t>(count, 64); left != 0; --left)
         output.Put(character);
 }
 
-/// How the writer reads: UTF-8, where a byte that is not part of valid UTF-8 stands for U+FFFD. The
-/// text must have a NUL behind it, as that of a std::string has.
+/// The encoding that the writer reads: UTF-8, in which a byte that is not part of valid UTF-8
+/// stands for U+FFFD. A NUL must follow the text, as in a std::string.
 struct lenient_utf8 {
     using Ch = char;
 
@@ -76,8 +76,8 @@ struct lenient_utf8 {
     }
 };
 
-/// How the writer writes: UTF-8, but what printable() spells out comes as \uNNNN. (The writer
-/// itself sees to characters below U+0020, to the quote and to the backslash.)
+/// The encoding that the writer writes: UTF-8, but characters that printable() spells out become
+/// \uNNNN. (The writer itself escapes characters below U+0020, the quote and the backslash.)
 struct harmless_utf8 {
     using Ch = char;
     enum { supportUnicode = 1 };
@@ -136,8 +136,8 @@ private:
     }
 };
 
-/// Memory for the writer's stack, one record for each level. rapidjson's own does not notice when
-/// there is none left.
+/// Memory for the writer's stack, which has one record for each level. rapidjson's own allocator
+/// does not notice that memory has run out.
 class throwing_allocator {
 public:
     static constexpr bool kNeedFree = true;

@@ -1,5 +1,5 @@
-// Walks the tree and calls rapidjson's writer for all that is recorded. That keeps its open objects
-// and arrays on a stack of its own, so neither it nor the walk recurses.
+// Walks the tree and calls rapidjson's writer for all that is recorded. The writer keeps its open
+// objects and arrays on a stack of its own, so neither the writer nor the walk recurses.
 
 #include "mailstructure/json_writer.h"
 
@@ -29,12 +29,12 @@ std::string quoted_base64(std::string_view bytes) {
     return text;
 }
 
-/// Writes documents of either kind. "Record" is what ends with a list of its values that are not
-/// UTF-8: the message, an entity, or a line of the flat form.
+/// Writes documents of every form. A "record" is an object with a list of those of its values that
+/// are not UTF-8: the message, an entity, or a line of the flat form.
 template <class writer>
 class tree_writer {
 public:
-    /// @param gap  what stands behind the colons and commas of a range
+    /// @param gap  is written after each colon and comma of a range
     tree_writer(json_output& output, const json_message& message, std::string gap)
         : m_output(output), m_writer(output), m_message(message), m_gap(std::move(gap)) {}
 
@@ -68,11 +68,10 @@ private:
     writer m_writer;
     const json_message& m_message;
     const std::string m_gap;
-    // About the record being written:
+    // These describe the record that is being written:
     std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
     std::vector<odd_value> m_odd_values;
-    std::vector<std::size_t>
-        m_path; // flat form: the index of each entity from the root to the current one
+    std::vector<std::size_t> m_path; // flat form: the indices of the entities from the root on
 };
 
 template <class writer>
@@ -118,7 +117,7 @@ void tree_writer<writer>::write_lines() {
     }
 }
 
-/// What the nesting tells in the other forms.
+/// The members that stand for the nesting of the other forms.
 template <class writer>
 void tree_writer<writer>::write_line_members(const numbered_entity& visited, std::size_t index) {
     write_string("file", m_message.m_file_name);
@@ -197,7 +196,7 @@ void tree_writer<writer>::write_field(const MailStructure::header& field) {
     m_writer.EndObject();
 }
 
-/// The values of the record, up to here, that are not UTF-8.
+/// Lists the values of the record so far that are not UTF-8.
 template <class writer>
 void tree_writer<writer>::write_odd_values() {
     write_key("not_utf8");

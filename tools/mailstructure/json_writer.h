@@ -1,4 +1,4 @@
-// A message's tree as JSON; doc/json.md describes what comes out.
+// Writes a message's tree as JSON; doc/json.md describes the output.
 
 #ifndef TOOLS_MAILSTRUCTURE_JSON_WRITER_H
 #define TOOLS_MAILSTRUCTURE_JSON_WRITER_H
@@ -12,7 +12,7 @@
 #include <string_view>
 
 enum class json_form : std::uint8_t {
-    line,   // one line for the message, its entities inside one another
+    line,   // one line for the message, its entities nested
     pretty, // the same document on many lines
     flat    // one line for each entity, in the order of the input
 };
@@ -25,10 +25,10 @@ struct json_message {
     const MailStructure::MimeObj& m_root;
 };
 
-/// Writes the message in the given form, each line with its line feed, and hands all of it on.
-/// Stops early once the output takes no more. Linear in the tree and in the text of its fields;
+/// Writes the message in the given form, a line feed after each line, and passes all of it on.
+/// Stops early once the output refuses bytes. Linear in the tree and in the text of its fields;
 /// does not recurse.
-/// @throws std::bad_alloc  what the output has not handed on by then is to be dropped
+/// @throws std::bad_alloc  the caller must then drop what the output has not passed on
 void write_json(json_output& output, const json_message& message, json_form form);
 
 #endif

@@ -19,13 +19,13 @@
 
 namespace {
 
-/// The option parser would take "--flag=2" and "--flag=off".
+/// By default the option parser accepts "--flag=2" and "--flag=off".
 void let_flags_take_no_value(CLI::App& line) {
     for (CLI::Option* const option : line.get_options())
         if (option->get_items_expected_max() == 0) option->disable_flag_override();
 }
 
-/// The option parser's help, but for the line that gives the usage.
+/// The option parser's help with a usage line of our own.
 class program_help final : public CLI::Formatter {
 public:
     std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
@@ -33,8 +33,8 @@ public:
     }
 };
 
-/// The program itself, where no command is wanted but its help or its version. The option parser
-/// prints both.
+/// Declares the options of the program itself, which stand in place of a command: its help and its
+/// version. The option parser prints both.
 command_work declare_program(CLI::App& line) {
     line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
     line.formatter(std::make_shared<program_help>());
@@ -48,13 +48,13 @@ command_work declare_program(CLI::App& line) {
 constexpr command program = {"", "Shows the structure of Internet mail.", declare_program};
 
 /// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an
-/// empty one; as "./++" and so on they are the files they name.
+/// empty list. Written as "./++", "./[a,b]" and "./{}" they name files.
 std::string protected_argument(const std::string& argument) {
     const bool list = !argument.empty() && argument.front() == '[' && argument.back() == ']';
     return list || argument == "++" || argument == "{}" ? "./" + argument : argument;
 }
 
-/// The command that the first word names, which is then taken away.
+/// The command that the first word names, which is then removed from the arguments.
 const command& take_command(std::vector<std::string>& arguments) {
     if (arguments.empty()) return all_commands.front();
     const std::string first = arguments.front();
@@ -65,15 +65,15 @@ const command& take_command(std::vector<std::string>& arguments) {
     return *named;
 }
 
-/// The command that was meant by the first word; "" if that is a command, an option or the name of
-/// a file that there is, or is like no command.
+/// The command that the first word probably means; "" if the word is a command, an option or the
+/// name of an existing file, or resembles no command.
 std::string_view mistyped_command(const std::vector<std::string>& arguments) {
     if (arguments.empty() || find_command(arguments.front()) != nullptr) return "";
     const std::string& first = arguments.front();
     return first.substr(0, 1) == "-" || names_a_file(first) ? "" : command_meant_by(first);
 }
 
-/// The option parser's words for what is wrong, or better ones.
+/// What the option parser says is wrong, in clearer words where it has none.
 std::string words_of(const CLI::ParseError& error) {
     std::string what = error.what();
     if (error.get_name() != "ArgumentMismatch") return what;
@@ -103,7 +103,7 @@ exit_status run(int count, char** values) {
     const command_work work = chosen.m_declare(line);
     let_flags_take_no_value(line);
     try {
-        line.parse(arguments); // wants them last word first
+        line.parse(arguments); // in reverse order, as this function wants them
         return work();
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) return wrong_usage_of(words_of(error), line.get_name());
@@ -121,7 +121,7 @@ int main(int count, char** values) {
         end_on_lost_pages();
         return run(count, values);
     } catch (const std::bad_alloc&) {
-        std::cerr << "mailstructure: out of memory\n"; // complain() would take memory
+        std::cerr << "mailstructure: out of memory\n"; // complain() would allocate
         return some_input_failed;
     } catch (const std::exception& error) {
         complain(escaped(error.what()));

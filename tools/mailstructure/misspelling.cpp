@@ -9,7 +9,7 @@
 
 namespace {
 
-/// A word that people take for a command, and what does what they want.
+/// A word that people take for a command, and what they should write instead.
 struct other_word {
     std::string_view m_word;
     std::string_view m_meant;

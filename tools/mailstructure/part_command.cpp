@@ -20,9 +20,9 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-constexpr std::size_t longest_encoding_shown = 100; // bytes; the name is the sender's
+constexpr std::size_t longest_encoding_shown = 100; // bytes; the sender chose the name
 
-/// The bytes that were asked for, and what they are a piece of.
+/// The bytes that were asked for, and the entity that they belong to.
 struct chosen_piece {
     const MimeObj* m_entity = nullptr;
     byte_range m_bytes;
@@ -39,7 +39,7 @@ byte_range range_of(const MimeObj& entity, recorded_range range) {
     return {entity.m_epilogue_beg, entity.m_epilogue_len};
 }
 
-/// Nothing where there is no such section, which has then been said.
+/// The piece that the options name. If there is none, this complains and returns nothing.
 std::optional<chosen_piece> choose(const part_options& options, const message_file& file,
                                    const MimeObj& root) {
     const auto found = find_section(root, options.m_section);
@@ -57,7 +57,7 @@ std::optional<chosen_piece> choose(const part_options& options, const message_fi
 }
 
 /// Hands the bytes of the piece to the sink, decoded if that is wanted.
-/// @return false if something was wrong with them, which has then been said
+/// @return false if they cannot be decoded; this has then complained
 bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
                 transfer_encoding encoding, const byte_sink& sink) {
     const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
@@ -113,7 +113,7 @@ bool write_piece(const part_options& options, const message_file& file, const Mi
                             : write_to_standard_output(options, file, *piece, encoding);
 }
 
-/// The option parser's help, but for the lines that give the usage.
+/// The option parser's help with usage lines of our own.
 class part_help : public CLI::Formatter {
 public:
     std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
@@ -122,7 +122,7 @@ public:
     }
 };
 
-/// What is wrong with the options together; "" if nothing is.
+/// What is wrong with the combination of options; "" if nothing is.
 std::string complaint_about(const part_options& options) {
     if (options.m_list) {
         if (options.m_range || options.m_decode)
@@ -144,7 +144,7 @@ std::string complaint_about(const part_options& options) {
                      "--range contents";
 }
 
-/// Sorts out the arguments: SECTION [FILE], or with --list [FILE].
+/// Assigns the arguments: SECTION [FILE], or [FILE] with --list.
 void take_arguments(part_options& options, bool has_first, bool has_second) {
     bool has_file = has_second;
     if (options.m_list) {

@@ -1,5 +1,4 @@
-// The command `mailstructure part`: writes the bytes of a piece of a message, or lists the pieces
-// there are.
+// The command `mailstructure part`: writes the bytes of a piece of a message, or lists all pieces.
 
 #ifndef TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_PART_COMMAND_H
@@ -28,8 +27,8 @@ struct part_options {
 
 void describe_part(CLI::App& command, part_options& options);
 
-/// Writes the section to the output file, or to standard output; or lists all sections. Nothing is
-/// written where the input cannot be read or has no such section.
+/// Writes the section to the output file or to standard output, or lists all sections. Writes
+/// nothing if the input cannot be read or has no such section.
 exit_status run_part(const part_options& options);
 
 #endif

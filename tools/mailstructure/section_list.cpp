@@ -16,7 +16,8 @@ using piece = section_place::piece;
 
 constexpr std::string_view type_of_header_blocks = "text/rfc822-headers";
 
-/// The entity's type as the library has it, where it is filled in only when the body begins.
+/// The entity's type. The library fills in the defaults only when the body begins, so an entity
+/// without a body gets them here.
 std::string type_of(const MimeObj& entity) {
     const std::string& type = entity.m_type.empty() ? "text" : entity.m_type;
     const std::string& subtype = entity.m_subtype.empty() ? "plain" : entity.m_subtype;
@@ -40,9 +41,8 @@ private:
     section_ranges& m_ranges;
 };
 
-/// The name of the part that holds the message whose name is "N.1" or "N.TEXT"; "" for "1" and
-/// "TEXT".
-std::string_view name_around(std::string_view name) {
+/// The name of the part that holds the message named "N.1" or "N.TEXT"; "" for "1" and "TEXT".
+std::string_view name_of_holder(std::string_view name) {
     const std::size_t dot = name.rfind('.');
     return dot == std::string_view::npos ? "" : name.substr(0, dot);
 }
@@ -55,9 +55,9 @@ void print_sections_of(const numbered_entity& numbered, section_printer& printer
     if (numbered.m_depth == 0)
         printer.print({entity, piece::whole, true}, "message/rfc822", "", "");
     if (is_message) {
-        printer.print({entity, piece::header_block, true}, type_of_header_blocks, name_around(name),
-                      "HEADER");
-        printer.print({entity, piece::body, true}, type, name_around(name), "TEXT");
+        printer.print({entity, piece::header_block, true}, type_of_header_blocks,
+                      name_of_holder(name), "HEADER");
+        printer.print({entity, piece::body, true}, type, name_of_holder(name), "TEXT");
         if (is_multipart(*entity)) return; // it has no number of its own
     }
     printer.print({entity, piece::header_block, is_message}, type_of_header_blocks, name, "MIME");

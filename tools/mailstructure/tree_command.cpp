@@ -16,7 +16,7 @@
 
 namespace {
 
-/// What colours a text: the number that a terminal knows the look by.
+/// How a text looks. The values are the numbers by which terminals know the looks.
 enum class look : std::uint8_t {
     plain = 0,
     bold = 1,
@@ -26,11 +26,11 @@ enum class look : std::uint8_t {
     cyan = 36
 };
 
-/// The widest that each column gets before longer texts push what follows to the right.
+/// The greatest width of a column. A longer text pushes the rest of its line to the right.
 constexpr std::size_t widest_left = 60;
 constexpr std::size_t widest_column = 24;
 
-/// Columns of a terminal, as far as each character takes one.
+/// How many columns of a terminal the text takes, counting one for each character.
 std::size_t width_of(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80;
@@ -56,7 +56,7 @@ std::size_t left_width(const tree_line& line) {
     return width_of(line.m_strokes) + section + width_of(line.m_row.m_type);
 }
 
-/// A column in which no line has anything but a dash stays away.
+/// A column that would hold nothing but dashes is left out.
 void widen_for_value(std::size_t& width, const std::string& text) {
     if (text != "-") widen(width, width_of(text), widest_column);
 }
@@ -70,7 +70,7 @@ void widen_for(column_widths& widths, const tree_line& line) {
     widen(widths.m_place, width_of(line.m_row.m_place), widest_column);
 }
 
-/// Puts coloured and aligned texts together and hands them to standard output in large pieces.
+/// Gathers coloured and aligned texts and writes them to standard output in large pieces.
 class page {
 public:
     explicit page(bool color) : m_color(color) {}
@@ -167,7 +167,7 @@ void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, cons
     draw_tree(root, bytes, style, [&](const tree_line& line) { add_line(to, line, widths); });
 }
 
-/// Draws one file after the other and sets several apart by their names.
+/// Draws one file after the other; if there are several, each one's name stands before its tree.
 class tree_printer {
 public:
     explicit tree_printer(const tree_options& options)

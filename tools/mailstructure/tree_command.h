@@ -1,4 +1,4 @@
-// The command `mailstructure tree`: draws the tree of each message, one line an entity.
+// The command `mailstructure tree`: draws the tree of each message, one line for each entity.
 
 #ifndef TOOLS_MAILSTRUCTURE_TREE_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_TREE_COMMAND_H
@@ -19,9 +19,8 @@ struct tree_options {
 
 void describe_tree(CLI::App& command, tree_options& options);
 
-/// Draws each file in turn. A file that cannot be read or that is no message gets one line of
-/// complaint instead, and the next one is taken up. Stops early only when standard output takes no
-/// more.
+/// Draws each file in turn. For a file that cannot be read or that is no message it prints one line
+/// of complaint instead, and goes on. Stops early only if standard output can no longer be written.
 exit_status run_tree(const tree_options& options);
 
 #endif

@@ -1,4 +1,4 @@
-// Walks over a tree and leads strokes to each line; see the header.
+// Walks over a tree and finds the strokes of each line; see the header.
 
 #include "mailstructure/tree_drawing.h"
 
@@ -10,9 +10,9 @@ using MimeObj = MailStructure::MimeObj;
 
 /// The strokes before a line; each takes three columns.
 struct stroke_set {
-    const char* m_past;   // past the line, to later brothers of an entity around it
-    const char* m_branch; // to the line, and on
-    const char* m_last;   // to the line
+    const char* m_past;   // past the line, to a later sibling of an ancestor
+    const char* m_branch; // to the line, and on to a later sibling
+    const char* m_last;   // to the line, the last of its siblings
     const char* m_blank;
 };
 
@@ -22,11 +22,11 @@ const stroke_set& strokes_in(character_set characters) {
     return characters == character_set::utf8 ? boxes : plain;
 }
 
-/// An entity whose line is drawn, and perhaps not yet all below it.
+/// An entity whose line is drawn while the lines of its descendants are not all drawn yet.
 struct open_entity {
     const MimeObj* m_entity = nullptr;
     byte_range m_epilogue;
-    bool m_last = true; // nothing else is drawn below the entity around it
+    bool m_last = true; // nothing of its parent is drawn after it
 };
 
 class drawer {
@@ -56,7 +56,7 @@ private:
         m_take({strokes_to(alone), row_of("(preamble)", preamble, m_style)});
     }
 
-    /// Ends the innermost entities, until so many are open.
+    /// Ends the innermost entities until the number of open ones is the given depth.
     void close_down_to(std::size_t depth) {
         while (m_open.size() > depth) {
             const byte_range epilogue = m_open.back().m_epilogue;
@@ -72,7 +72,7 @@ private:
         return &entity == &parent.m_entity->m_children.back() && parent.m_epilogue.m_length == 0;
     }
 
-    /// The strokes to a line right below the innermost open entity.
+    /// The strokes to a line that belongs to the innermost open entity.
     std::string strokes_to(bool last) const {
         const std::size_t depth = m_open.size();
         std::string strokes;

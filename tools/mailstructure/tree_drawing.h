@@ -1,4 +1,4 @@
-// The lines of a drawn tree in their order, each with the strokes that lead to it.
+// The lines of a drawn tree in order, each with the strokes that lead to it.
 
 #ifndef TOOLS_MAILSTRUCTURE_TREE_DRAWING_H
 #define TOOLS_MAILSTRUCTURE_TREE_DRAWING_H
@@ -10,8 +10,9 @@
 #include <string>
 #include <string_view>
 
-/// Levels for which strokes are drawn. Deeper lines stand below each other, each with its depth as
-/// a number, or the strokes of a deep tree would take the square of its depth.
+/// The number of levels for which strokes are drawn. Deeper lines are not indented further but give
+/// their depth as a number: otherwise the strokes of a deep tree would take the square of its
+/// depth.
 constexpr std::size_t deepest_level_drawn = 24;
 
 struct tree_line {
@@ -19,8 +20,8 @@ struct tree_line {
     tree_row m_row;
 };
 
-/// Gives all lines of a tree to a function, one after the other: each entity, then its preamble,
-/// what lies in it, and its epilogue. Does not recurse; linear in the tree and the bytes.
+/// Calls a function for each line of the drawing in order: for an entity, then for its preamble,
+/// its descendants and its epilogue. Does not recurse; linear in the tree.
 /// @param bytes  the whole file
 void draw_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style,
                const std::function<void(const tree_line&)>& take);

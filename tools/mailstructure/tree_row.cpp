@@ -22,7 +22,8 @@ std::string shown(std::string_view text, const row_style& style) {
 
 std::string or_dash(const std::string& text) { return text.empty() ? "-" : text; }
 
-/// With a backslash before each quote within; other backslashes are doubled already.
+/// The text in quotes, with a backslash before each quote in it. Its backslashes are doubled
+/// already.
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char byte : text) {
@@ -37,12 +38,12 @@ std::string type_text(const MimeObj& entity, const row_style& style) {
     return shown(entity.m_type, style) + '/' + shown(entity.m_subtype, style);
 }
 
-/// "1 line ", so that numbers stand below each other when the texts are set to the right.
+/// "1 line " has a blank at its end so that the numbers line up in a column aligned to the right.
 std::string lines_text(std::uint32_t lines) {
     return std::to_string(lines) + (lines == 1 ? " line " : " lines");
 }
 
-/// The first byte and the one past the last.
+/// The offsets of the first byte and of the byte past the last; "-" for an empty range.
 std::string place_text(std::uint32_t offset, std::uint32_t length) {
     if (length == 0) return "-";
     const std::uint64_t end = std::uint64_t{offset} + length;
@@ -62,7 +63,7 @@ std::string size_text(std::uint64_t bytes, const row_style& style) {
     constexpr std::array<const char*, 3> units = {" KiB", " MiB", " GiB"};
     std::uint64_t unit = 1024;
     std::size_t at = 0;
-    // In tenths, to the nearest; 1023.95 KiB and more would be read as 1024.0.
+    // Rounded to tenths: 1023.95 KiB and more would show as 1024.0 KiB, and get the next unit.
     const auto tenths = [&] { return (bytes * 10 + unit / 2) / unit; };
     for (; tenths() >= 10240 && at + 1 < units.size(); ++at) unit *= 1024;
     return std::to_string(tenths() / 10) + '.' + std::to_string(tenths() % 10) + units.at(at);

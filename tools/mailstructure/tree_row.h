@@ -1,4 +1,4 @@
-// What a line of the drawn tree says, as texts that are fit for a terminal.
+// What a line of the drawn tree says, in texts that are safe to print on a terminal.
 
 #ifndef TOOLS_MAILSTRUCTURE_TREE_ROW_H
 #define TOOLS_MAILSTRUCTURE_TREE_ROW_H
@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-/// Values from the message that are longer are cut there; `json` has all of them.
+/// Longer values from the message are cut to that many bytes; `json` prints them whole.
 constexpr std::size_t longest_value_shown = 500;
 
 struct row_style {
@@ -21,7 +21,7 @@ struct row_style {
     bool m_exact_sizes = false;
 };
 
-/// The texts of a line from left to right. All come from printable() or from us.
+/// The texts of a line from left to right. Those from the message have passed through printable().
 struct tree_row {
     std::string m_section;
     std::string m_type;
@@ -31,21 +31,21 @@ struct tree_row {
     std::string m_lines;
     std::string m_place;
     std::string m_file_name;  // in quotes
-    std::string m_subject;    // of a message within
-    bool m_container = false; // of parts or of a message
+    std::string m_subject;    // only for a message within
+    bool m_container = false; // the entity holds parts or a message
 };
 
 /// @param bytes  the whole file
 tree_row row_of(const numbered_entity& numbered, std::string_view bytes, const row_style& style);
 
-/// A preamble's or an epilogue's row, which has a size and a place, and its name for a type.
+/// The row of a preamble or an epilogue: it has a name in place of a type, a size and a place.
 tree_row row_of(std::string_view name, const byte_range& range, const row_style& style);
 
-/// The value of a field as a person reads it: encoded words decoded, tabs (of folds, as a rule) as
-/// blanks, and cut where it is long.
+/// The value of a field for people to read: encoded words are decoded, tabs, which mostly come from
+/// folds, become spaces, and a long value is cut.
 std::string shown_value(std::string_view value, const row_style& style);
 
-/// "512 B", "1.5 KiB", "2.0 MiB"; always in bytes where the style wants exact sizes.
+/// "512 B", "1.5 KiB", "2.0 MiB"; always in bytes if the style wants exact sizes.
 std::string size_text(std::uint64_t bytes, const row_style& style);
 
 #endif
