@@ -117,6 +117,18 @@ TEST(outer_text, is_looked_for_in_no_bytes_beyond_the_end) {
     EXPECT_EQ(preamble_of(message.m_root, std::string_view(input).substr(0, 3)).m_length, 0U);
 }
 
+TEST(outer_text, costs_no_more_than_the_length_of_the_message) {
+    // This would take minutes if the parameters were searched for each part.
+    constexpr std::size_t count = 200000;
+    std::string input = "Content-Type: multipart/mixed; boundary=c";
+    for (std::size_t parameter = 0; parameter < count; ++parameter) input += ";b=b";
+    input += "\n\nbefore\n";
+    for (std::size_t part = 0; part < count; ++part) input += "--b\n";
+    const MailStructure message = parse(input);
+    ASSERT_EQ(message.m_root.m_children.size(), count);
+    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "before\n");
+}
+
 using child_path = std::vector<std::size_t>; // indices from the root on
 
 /// The entity there, or null.

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -33,28 +35,41 @@ std::string_view last_line_of(std::string_view lines) {
     return line_feed_before == std::string_view::npos ? lines : lines.substr(line_feed_before + 1);
 }
 
-/// Whether the line closes the multipart. This is all that the tools know of delimiter lines: where
+/// Knows the closing line of a multipart. This is all that the tools know of delimiter lines: where
 /// a separator is follows from the part that it opens, but the library records a closing line as it
 /// records the text around it.
-bool is_closing_line_of(const MimeObj& multipart, std::string_view line) {
-    constexpr std::string_view type = "multipart/";
-    constexpr std::string_view parameter = "boundary"; // any beginning of it registers a boundary
-    const std::string* boundary = nullptr;
-    for (const MailStructure::header& field : multipart.m_headers) {
-        if (!equal_ignoring_case(field.m_value.substr(0, type.size()), type)) continue;
-        for (const auto& [name, value] : field.m_params) {
-            if (equal_ignoring_case(name, parameter.substr(0, name.size()))) boundary = &value;
+class closing_line {
+public:
+    /// The multipart must outlive the object.
+    explicit closing_line(const MimeObj& multipart) {
+        constexpr std::string_view type = "multipart/";
+        constexpr std::string_view parameter = "boundary"; // any beginning registers a boundary
+        for (const MailStructure::header& field : multipart.m_headers) {
+            if (!equal_ignoring_case(field.m_value.substr(0, type.size()), type)) continue;
+            for (const auto& [name, value] : field.m_params) {
+                if (equal_ignoring_case(name, parameter.substr(0, name.size()))) m_boundary = value;
+            }
         }
     }
-    return boundary != nullptr && without_terminator(line) == "--" + *boundary + "--";
-}
 
-/// The lines without the last one if that closes the multipart.
-std::string_view without_closing_line(const MimeObj& multipart, std::string_view lines) {
-    const std::string_view last = last_line_of(lines);
-    if (is_closing_line_of(multipart, last)) lines.remove_suffix(last.size());
-    return lines;
-}
+    /// Whether the line closes the multipart.
+    bool is(std::string_view line) const {
+        const std::string_view text = without_terminator(line);
+        return m_boundary && text.size() == m_boundary->size() + 4 && text.substr(0, 2) == "--"
+               && text.substr(2, m_boundary->size()) == *m_boundary
+               && text.substr(text.size() - 2) == "--";
+    }
+
+    /// The lines without the last one if that closes the multipart.
+    std::string_view cut_from(std::string_view lines) const {
+        const std::string_view last = last_line_of(lines);
+        if (is(last)) lines.remove_suffix(last.size());
+        return lines;
+    }
+
+private:
+    std::optional<std::string_view> m_boundary; // the last that is registered is in force first
+};
 
 /// The lines without their last separator, and without the empty line after it that the library may
 /// have dropped.
@@ -94,13 +109,13 @@ std::uint64_t end_of_epilogue_within(const MimeObj& entity) {
 byte_range preamble_of(const MimeObj& entity, std::string_view bytes) {
     const bool has_one = entity.m_multipart && !entity.m_message && entity.m_contents_len != 0;
     if (!has_one || entity.m_contents_beg >= bytes.size()) return {};
+    const closing_line closing(entity);
     auto [lines, separators] = first_lines_of(entity, bytes);
-    for (; separators != 0; --separators)
-        lines = without_separator(without_closing_line(entity, lines));
+    for (; separators != 0; --separators) lines = without_separator(closing.cut_from(lines));
     // The root is never closed: parts can follow its closing line and its epilogue.
     if (entity.m_epilogue_len != 0 && entity.m_epilogue_beg > entity.m_contents_beg)
         lines = lines.substr(0, entity.m_epilogue_beg - entity.m_contents_beg);
-    lines = without_closing_line(entity, lines);
+    lines = closing.cut_from(lines);
     return {entity.m_contents_beg, static_cast<std::uint32_t>(lines.size())};
 }
 
@@ -114,7 +129,7 @@ byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
     if (within > begin) {
         begin = std::min<std::uint64_t>(within, bytes.size());
         const std::string_view line = first_line_of(bytes.substr(begin));
-        if (is_closing_line_of(entity, line)) begin += line.size();
+        if (closing_line(entity).is(line)) begin += line.size();
     }
     if (begin >= end) return {};
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end - begin)};
