@@ -1,0 +1,22 @@
+// How a random message is to be parsed: choices that the message itself makes worth trying.
+
+#ifndef TESTS_SUPPORT_PARSE_CHOICES_H
+#define TESTS_SUPPORT_PARSE_CHOICES_H
+
+#include "support/seeded_random.h"
+
+#include <cstdint>
+#include <string>
+
+namespace test_support {
+
+/// None as a rule; else 0, a small one, or one near what the fields of the message come to.
+std::uint32_t some_memlimit(const std::string& input, seeded_random& random);
+
+/// Offset 0 falls to the first byte as a rule, now and then to a later one, and then most often to
+/// the start of a line: ranges that begin at offset 0 are where the arithmetic is odd.
+std::uint32_t some_first_offset(const std::string& input, seeded_random& random);
+
+} // namespace test_support
+
+#endif
