@@ -18,40 +18,42 @@ bool g_full_run = false;
 
 } // namespace
 
-void parse_with_library(library_result& result, const std::string& input,
+void parse_with_library(const rule_set& by, library_result& result, const std::string& input,
                         const reference::options& wanted, const test_support::delivery& way) {
     MailStructure::m_memlimit = wanted.m_memlimit;
     result.m_message.m_keep_text = wanted.m_keep_text;
     result.m_message.m_done = false;
     test_support::delivered_stream in(input, way);
-    result.m_error = test_support::fill(result.m_message, in, wanted.m_first_offset);
+    result.m_error = test_support::fill(result.m_message, in, wanted.m_first_offset, by.m_rules);
     MailStructure::m_memlimit = 0xFFFFFFFF;
 }
 
-reference::message parse_with_reference(const std::string& input,
+reference::message parse_with_reference(const rule_set& by, const std::string& input,
                                         const reference::options& wanted) {
     std::istringstream in(input);
-    return reference::parse(in, wanted);
+    return by.m_parse(in, wanted);
 }
 
-std::string library_difference(library_result& result, const std::string& input,
+std::string library_difference(const rule_set& by, library_result& result, const std::string& input,
                                const reference::options& wanted, const test_support::delivery& way,
                                const reference::message& expected) {
-    parse_with_library(result, input, wanted, way);
+    parse_with_library(by, result, input, wanted, way);
     return test_support::first_difference(result.m_message, result.m_error, expected);
 }
 
-std::string failure_report(const std::string& input, const reference::options& wanted,
-                           const test_support::delivery& way) {
+std::string failure_report(const rule_set& by, const std::string& input,
+                           const reference::options& wanted, const test_support::delivery& way) {
     const auto difference_of = [&](const std::string& text) {
         library_result fresh;
-        return library_difference(fresh, text, wanted, way, parse_with_reference(text, wanted));
+        return library_difference(by, fresh, text, wanted, way,
+                                  parse_with_reference(by, text, wanted));
     };
     std::ostringstream report;
     const std::string difference = difference_of(input);
     if (difference.empty()) report << "none in a parser object that was not filled before; ";
-    report << difference << "\n  stream " << way.m_name << ", keep_text " << wanted.m_keep_text
-           << ", memlimit " << wanted.m_memlimit << ", first offset " << wanted.m_first_offset;
+    report << difference << "\n  rules " << by.m_name << ", stream " << way.m_name << ", keep_text "
+           << wanted.m_keep_text << ", memlimit " << wanted.m_memlimit << ", first offset "
+           << wanted.m_first_offset;
     if (difference.empty()) return report.str();
     const std::string small = test_support::shrunk(
         input, [&](const std::string& text) { return !difference_of(text).empty(); });

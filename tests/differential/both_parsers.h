@@ -1,10 +1,12 @@
-// Runs the library and the reference parser over the same bytes and tells how their results differ.
+// Runs the library and the reference parser of a rule set over the same bytes and tells how their
+// results differ.
 
 #ifndef TESTS_DIFFERENTIAL_BOTH_PARSERS_H
 #define TESTS_DIFFERENTIAL_BOTH_PARSERS_H
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
 #include "reference/reference_parser.h"
 #include "support/streams.h"
 
@@ -22,20 +24,21 @@ struct library_result {
 
 /// Parses the input with the library. The result is filled anew, whatever it holds: tests that hand
 /// in the same one again also see that nothing of one message stays behind for the next.
-void parse_with_library(library_result& result, const std::string& input,
+void parse_with_library(const rule_set& by, library_result& result, const std::string& input,
                         const reference::options& wanted, const test_support::delivery& way);
 
-reference::message parse_with_reference(const std::string& input, const reference::options& wanted);
+reference::message parse_with_reference(const rule_set& by, const std::string& input,
+                                        const reference::options& wanted);
 
 /// Parses with the library and compares. Empty when the results are equal.
-std::string library_difference(library_result& result, const std::string& input,
+std::string library_difference(const rule_set& by, library_result& result, const std::string& input,
                                const reference::options& wanted, const test_support::delivery& way,
                                const reference::message& expected);
 
 /// For a failure: the difference, and how to see it again with as small a message as still shows
 /// one.
-std::string failure_report(const std::string& input, const reference::options& wanted,
-                           const test_support::delivery& way);
+std::string failure_report(const rule_set& by, const std::string& input,
+                           const reference::options& wanted, const test_support::delivery& way);
 
 /// True when the long form of the tests is wanted: the environment variable MAILSTRUCTURE_FULL is
 /// set to anything but 0, or the program was started with --full.

@@ -110,9 +110,11 @@ class comparison : public testing::TestWithParam<change_case> {};
 TEST_P(comparison, reports_the_change) {
     reference::options wanted;
     wanted.m_keep_text = true;
-    const reference::message expected = parse_with_reference(message_with_everything, wanted);
+    const reference::message expected =
+        parse_with_reference(classic, message_with_everything, wanted);
     library_result result;
-    parse_with_library(result, message_with_everything, wanted, test_support::all_deliveries[0]);
+    parse_with_library(classic, result, message_with_everything, wanted,
+                       test_support::all_deliveries[0]);
     ASSERT_EQ(test_support::first_difference(result.m_message, result.m_error, expected), "");
     GetParam().m_change(result);
     const std::string report =

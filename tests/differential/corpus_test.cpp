@@ -1,4 +1,4 @@
-// Real mail, whole, cut short and damaged, held against the reference parser. The messages are not
+// Real mail, whole, cut short and damaged, held against the reference parsers. The messages are not
 // part of the project: the environment variable MAILSTRUCTURE_CORPUS names a folder of them.
 
 #include "differential/both_parsers.h"
@@ -41,7 +41,7 @@ std::size_t rounds(std::size_t wanted, std::size_t bytes) {
     return std::clamp<std::size_t>(200000 / (bytes + 1), 1, wanted);
 }
 
-class corpus : public testing::Test {
+class corpus : public testing::TestWithParam<const rule_set*> {
 protected:
     void SetUp() override {
         const char* const folder = std::getenv("MAILSTRUCTURE_CORPUS");
@@ -64,14 +64,15 @@ protected:
     bool agree(const std::filesystem::path& file, const std::string& input,
                const reference::options& wanted,
                const std::vector<test_support::delivery>& deliveries) {
-        const reference::message expected = parse_with_reference(input, wanted);
+        const reference::message expected = parse_with_reference(*GetParam(), input, wanted);
         ++m_inputs;
         m_bytes += input.size();
         m_errors += expected.m_error.empty() ? 0 : 1;
         for (const test_support::delivery& way : deliveries) {
             ++m_parses;
-            if (library_difference(m_result, input, wanted, way, expected).empty()) continue;
-            ADD_FAILURE() << file << ": " << failure_report(input, wanted, way);
+            if (library_difference(*GetParam(), m_result, input, wanted, way, expected).empty())
+                continue;
+            ADD_FAILURE() << file << ": " << failure_report(*GetParam(), input, wanted, way);
             return false;
         }
         return true;
@@ -91,7 +92,7 @@ private:
     std::uint64_t m_parses = 0;
 };
 
-TEST_F(corpus, whole_files_give_the_reference_tree) {
+TEST_P(corpus, whole_files_give_the_reference_tree) {
     const std::vector<test_support::delivery> each(test_support::all_deliveries.begin(),
                                                    test_support::all_deliveries.end());
     for (const auto& file : m_files) {
@@ -109,7 +110,7 @@ TEST_F(corpus, whole_files_give_the_reference_tree) {
     }
 }
 
-TEST_F(corpus, files_cut_short_give_the_reference_tree) {
+TEST_P(corpus, files_cut_short_give_the_reference_tree) {
     for (const auto& file : m_files) {
         const std::string input = contents_of(file);
         seeded_random random(input.size());
@@ -122,7 +123,7 @@ TEST_F(corpus, files_cut_short_give_the_reference_tree) {
     }
 }
 
-TEST_F(corpus, damaged_files_give_the_reference_tree) {
+TEST_P(corpus, damaged_files_give_the_reference_tree) {
     for (const auto& file : m_files) {
         const std::string input = contents_of(file);
         seeded_random random(~input.size());
@@ -138,6 +139,8 @@ TEST_F(corpus, damaged_files_give_the_reference_tree) {
         }
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(real_mail, corpus, testing::ValuesIn(all_rule_sets), rule_set_name);
 
 } // namespace
 } // namespace differential

@@ -18,10 +18,23 @@ namespace {
 
 using test_support::seeded_random;
 
+/// How a message of a rule set goes one level down, and how it may come up.
+struct nesting_words {
+    const char* m_message_type;   // the line that makes an entity a message
+    const char* m_multipart_type; // the line that makes it a multipart, up to the boundary
+    const char* m_end_of_block;   // what must come before the first separator
+    bool m_delimiters_of_all;     // those of all open multiparts count, not only the innermost
+};
+
+constexpr nesting_words classic_words = {"C:\n", "c:multipart/;b=", "", false};
+constexpr nesting_words standard_words = {"Content-Type: message/rfc822\n",
+                                          "Content-Type: multipart/digest;boundary=", "\n", true};
+
 /// Goes down and up again in one message.
 class descent {
 public:
-    explicit descent(seeded_random& random) : m_random(random), m_text("a: b\n") {}
+    descent(const nesting_words& words, seeded_random& random)
+        : m_words(words), m_random(random), m_text("a: b\n") {}
 
     std::string written() {
         for (std::size_t turns = 1 + m_random.below(4); turns > 0; --turns) {
@@ -41,13 +54,16 @@ private:
     /// block of the entity around it.
     void open() {
         if (m_random.one_in(3)) {
-            m_text += m_random.one_in(2) ? "C:\n\n" : "C:\na: b\n\n";
+            m_text += m_words.m_message_type;
+            m_text += m_random.one_in(2) ? "\n" : "a: b\n\n";
             m_text += m_random.one_in(2) ? "a: b\n" : "";
             return;
         }
         const std::size_t length = 1 + m_random.below(2);
         m_boundaries.emplace_back(length, "XYZ"[m_random.below(3)]);
-        m_text += "c:multipart/;b=" + m_boundaries.back() + '\n';
+        if (m_words.m_delimiters_of_all && m_random.one_in(3))
+            m_boundaries.back() += std::to_string(m_boundaries.size()); // like no other
+        m_text += m_words.m_multipart_type + m_boundaries.back() + '\n' + m_words.m_end_of_block;
         if (m_random.one_in(6)) some_lines(1);
         m_text += "--" + m_boundaries.back() + '\n';
     }
@@ -56,6 +72,9 @@ private:
     /// may follow it.
     void come_up() {
         if (m_boundaries.empty()) return;
+        if (m_words.m_delimiters_of_all && m_random.one_in(10)) // some levels at once
+            m_boundaries.resize(m_boundaries.size()
+                                - m_random.below(std::min<std::size_t>(m_boundaries.size(), 20)));
         if (m_random.one_in(4)) {
             m_text += "--" + m_boundaries.back() + '\n';
             if (m_random.one_in(3)) open();
@@ -74,27 +93,32 @@ private:
         m_text += m_random.one_of(texts);
     }
 
+    const nesting_words& m_words;
     seeded_random& m_random;
     std::string m_text;
     std::vector<std::string> m_boundaries;
 };
 
-TEST(deep_messages, give_the_reference_tree) {
+class deep_messages : public testing::TestWithParam<const rule_set*> {};
+
+TEST_P(deep_messages, give_the_reference_tree) {
+    const rule_set& by = *GetParam();
+    const nesting_words& words = &by == &classic ? classic_words : standard_words;
     const std::uint64_t messages = full_run() ? 4000 : 500;
     library_result result;
     std::uint64_t entities = 0;
     std::size_t most_entities = 0;
     for (std::uint64_t seed = 0; seed < messages; ++seed) {
         seeded_random random(seed);
-        const std::string input = descent(random).written();
+        const std::string input = descent(words, random).written();
         reference::options wanted;
         wanted.m_keep_text = random.one_in(2);
         if (random.one_in(4))
             wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
-        const reference::message expected = parse_with_reference(input, wanted);
+        const reference::message expected = parse_with_reference(by, input, wanted);
         const auto& way = test_support::all_deliveries[seed % test_support::all_deliveries.size()];
-        if (!library_difference(result, input, wanted, way, expected).empty())
-            FAIL() << "seed " << seed << ": " << failure_report(input, wanted, way);
+        if (!library_difference(by, result, input, wanted, way, expected).empty())
+            FAIL() << "seed " << seed << ": " << failure_report(by, input, wanted, way);
         entities += expected.m_entities.size();
         most_entities = std::max(most_entities, expected.m_entities.size());
     }
@@ -102,6 +126,8 @@ TEST(deep_messages, give_the_reference_tree) {
     record_count("entities", entities);
     EXPECT_GT(most_entities, 200U);
 }
+
+INSTANTIATE_TEST_SUITE_P(rules, deep_messages, testing::ValuesIn(all_rule_sets), rule_set_name);
 
 } // namespace
 } // namespace differential

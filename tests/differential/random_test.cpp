@@ -1,7 +1,8 @@
-// Seeded random messages, held against the reference parser through every kind of stream.
+// Seeded random messages, held against the reference parser of each rule set through every kind of
+// stream.
 //
-// A failure names its seed. MAILSTRUCTURE_SEED=n in the environment makes the first of these tests
-// begin at that seed.
+// A failure names its seed. MAILSTRUCTURE_SEED=n in the environment makes the first share of each
+// rule set begin at that seed.
 
 #include "differential/both_parsers.h"
 #include "support/message_generator.h"
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 
 namespace differential {
 namespace {
@@ -32,21 +34,24 @@ reference::options options_of(const test_support::generated_message& made) {
     return wanted;
 }
 
-class random_messages : public testing::TestWithParam<std::uint64_t> {};
+class random_messages : public testing::TestWithParam<std::tuple<const rule_set*, std::uint64_t>> {
+};
 
 TEST_P(random_messages, give_the_reference_tree) {
+    const auto& [by, share] = GetParam();
     library_result result;
     std::uint64_t bytes = 0;
     std::uint64_t errors = 0;
-    const std::uint64_t first = first_seed(GetParam());
+    const std::uint64_t first = first_seed(share);
     const std::uint64_t last = first + messages_in_a_share();
     for (std::uint64_t seed = first; seed < last; ++seed) {
-        const test_support::generated_message made = test_support::generate_message(seed);
+        const test_support::generated_message made = by->m_random_message(seed);
         const reference::options wanted = options_of(made);
-        const reference::message expected = parse_with_reference(made.m_input, wanted);
+        const reference::message expected = parse_with_reference(*by, made.m_input, wanted);
         for (const test_support::delivery& way : test_support::all_deliveries) {
-            if (library_difference(result, made.m_input, wanted, way, expected).empty()) continue;
-            FAIL() << "seed " << seed << ": " << failure_report(made.m_input, wanted, way);
+            if (library_difference(*by, result, made.m_input, wanted, way, expected).empty())
+                continue;
+            FAIL() << "seed " << seed << ": " << failure_report(*by, made.m_input, wanted, way);
         }
         bytes += made.m_input.size();
         errors += expected.m_error.empty() ? 0 : 1;
@@ -57,11 +62,14 @@ TEST_P(random_messages, give_the_reference_tree) {
     record_count("messages_that_end_in_an_error", errors);
 }
 
-std::string share_name(const testing::TestParamInfo<std::uint64_t>& share) {
-    return "share_" + std::to_string(share.param);
+std::string share_name(const testing::TestParamInfo<random_messages::ParamType>& info) {
+    const auto& [by, share] = info.param;
+    return by->m_name + ("_share_" + std::to_string(share));
 }
 
-INSTANTIATE_TEST_SUITE_P(seeds, random_messages, testing::Range<std::uint64_t>(0, shares),
+INSTANTIATE_TEST_SUITE_P(seeds, random_messages,
+                         testing::Combine(testing::ValuesIn(all_rule_sets),
+                                          testing::Range<std::uint64_t>(0, shares)),
                          share_name);
 
 } // namespace

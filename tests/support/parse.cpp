@@ -19,12 +19,15 @@ std::string with_error(std::string text, const std::string& error) {
 
 } // namespace
 
-std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
+std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset,
+                 MailStructure::rules by) {
     try {
-        if (first_offset == 0)
+        if (first_offset != 0)
+            mail_structure_detail::fill_from(message, in, first_offset, by);
+        else if (by == MailStructure::rules::classic)
             message.Fill(in);
         else
-            mail_structure_detail::fill_from(message, in, first_offset);
+            message.Fill(in, by);
         return {};
     } catch (const std::ios_base::failure&) { // before runtime_error, which it derives from
         return "ios_failure";

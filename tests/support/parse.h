@@ -41,7 +41,9 @@ private:
 
 /// Fills the object from the stream. Returns what left Fill, in the words above.
 /// @param first_offset  offset of the first byte, for tests of the wrap
-std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset = 0);
+/// @param by            the rules that the message is taken apart by
+std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset = 0,
+                 MailStructure::rules by = MailStructure::rules::classic);
 
 parse_outcome parse(std::istream& in, const parse_options& options = {});
 /// The text as one stream that hands out all bytes at once.
