@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure dump messages/mixed-with-attachment.eml

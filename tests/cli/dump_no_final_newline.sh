@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure dump --keep-text messages/no-final-newline.eml

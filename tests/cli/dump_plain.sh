@@ -1,3 +1,0 @@
-#!/bin/sh
-# One part, a folded field, parameters on two lines.
-mailstructure dump messages/plain.eml

@@ -1,3 +1,0 @@
-#!/bin/sh
-cp messages/no-final-newline.eml ./--keep-text
-mailstructure dump -- --keep-text

@@ -1,3 +1,0 @@
-#!/bin/sh
-mkdir folder
-mailstructure dump folder

@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure json messages/mixed-with-attachment-crlf.eml

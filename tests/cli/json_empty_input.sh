@@ -1,3 +1,0 @@
-#!/bin/sh
-mailstructure json < /dev/null
-mailstructure json --flat -

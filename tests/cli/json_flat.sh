@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure json --flat messages/mixed-with-attachment.eml messages/forwarded.eml

@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure json --flat messages/broken.eml

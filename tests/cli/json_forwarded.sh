@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure json messages/forwarded.eml

@@ -1,2 +1,0 @@
-#!/bin/sh
-mailstructure tree messages/mixed-with-attachment-crlf.eml
