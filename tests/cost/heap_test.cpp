@@ -75,8 +75,8 @@ std::size_t longest_line(const std::string& text) {
 
 TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
     std::cout
-        << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and of each "
-           "entity, field and parameter together:\n";
+        << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, "
+           "and of each entity, field and parameter together:\n";
     for (const shape& wanted : cost::shapes()) {
         std::string text = wanted.m_message(wanted.m_n);
         if (wanted.m_keeps_text) continue; // bounded by its own size

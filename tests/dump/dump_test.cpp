@@ -108,8 +108,15 @@ TEST(dump, prints_structure_and_text_to_streams_of_their_own) {
 }
 
 TEST(dump, lists_a_single_entity) {
-    const test_support::parse_outcome outcome = test_support::parse(
-        "Subject: x\nContent-Type: text/html; a=b;\n c=\"d\"\n\nhi\n\nho\n", {.m_keep_text = true});
+    const test_support::parse_outcome outcome =
+        test_support::parse("Subject: x\n"
+                            "Content-Type: text/html; a=b;\n"
+                            " c=\"d\"\n"
+                            "\n"
+                            "hi\n"
+                            "\n"
+                            "ho\n",
+                            {.m_keep_text = true});
     EXPECT_EQ(dump_log(outcome.m_message), "e| *** Dumping email structure ***\n"
                                            "e|    MIME OBJECT 1 text/html lines=3 size=7\n"
                                            "e|    Headers (0-49) 2\n"

@@ -37,10 +37,35 @@ constexpr std::array<shape, 3> shapes = {{
     // Each "C:" is a Content-Type field without a value, which makes its entity a message. The
     // blank line
     // right after it is dropped, the next one ends its header block; only the root needs no second.
-    {"messages", "C:\n\n", "C:\n\n\n", 1, "a:\n\n\n1\n"},
-    {"multiparts", "c:multipart/;b=X\n--X\n", "c:multipart/;b=X\n--X\n", 1, "a:\n\n1\n"},
-    {"messages_in_multiparts", "c:multipart/;b=X\n--X\n", "C:\n\nc:multipart/;b=X\n--X\n", 2,
-     "a:\n\n1\n"},
+    {"messages", "C:\n\n",
+     "C:\n"
+     "\n"
+     "\n",
+     1,
+     "a:\n"
+     "\n"
+     "\n"
+     "1\n"},
+    {"multiparts",
+     "c:multipart/;b=X\n"
+     "--X\n",
+     "c:multipart/;b=X\n"
+     "--X\n",
+     1,
+     "a:\n"
+     "\n"
+     "1\n"},
+    {"messages_in_multiparts",
+     "c:multipart/;b=X\n"
+     "--X\n",
+     "C:\n"
+     "\n"
+     "c:multipart/;b=X\n"
+     "--X\n",
+     2,
+     "a:\n"
+     "\n"
+     "1\n"},
 }};
 
 /// How the parse ends: with the input, or at a byte that cannot stand in a line, in the deepest

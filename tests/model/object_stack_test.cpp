@@ -37,8 +37,9 @@ TEST(object_stack, push_opens_a_new_last_child_of_the_top) {
     EXPECT_EQ(grandchild, &child->m_children.back());
     EXPECT_EQ(child->m_parent, &message.m_root);
     EXPECT_EQ(grandchild->m_parent, child);
-    EXPECT_EQ(tree_text(message.m_root),
-              "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n");
+    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit\n"
+                                         "1.1 text/plain enc=7bit\n"
+                                         "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(object_stack, push_takes_the_top_whosever_it_is) {
@@ -100,17 +101,29 @@ struct skip_case {
 
 const skip_case skip_cases[] = {
     {"skip_0_reaches_all", 0,
-     "1 text/plain enc=7bit c=5+4\n1.1 text/plain enc=7bit c=5+4\n1.1.1 text/plain enc=7bit c=5+4\n"},
+     "1 text/plain enc=7bit c=5+4\n"
+     "1.1 text/plain enc=7bit c=5+4\n"
+     "1.1.1 text/plain enc=7bit c=5+4\n"},
     {"skip_1_leaves_out_the_top", 1,
-     "1 text/plain enc=7bit c=5+4\n1.1 text/plain enc=7bit c=5+4\n1.1.1 text/plain enc=7bit\n"},
+     "1 text/plain enc=7bit c=5+4\n"
+     "1.1 text/plain enc=7bit c=5+4\n"
+     "1.1.1 text/plain enc=7bit\n"},
     {"skip_2_reaches_the_root_only", 2,
-     "1 text/plain enc=7bit c=5+4\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n"},
+     "1 text/plain enc=7bit c=5+4\n"
+     "1.1 text/plain enc=7bit\n"
+     "1.1.1 text/plain enc=7bit\n"},
     {"skip_of_the_whole_stack_reaches_nobody", 3,
-     "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n"},
+     "1 text/plain enc=7bit\n"
+     "1.1 text/plain enc=7bit\n"
+     "1.1.1 text/plain enc=7bit\n"},
     {"skip_of_more_than_the_stack_reaches_nobody", 4,
-     "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n"},
+     "1 text/plain enc=7bit\n"
+     "1.1 text/plain enc=7bit\n"
+     "1.1.1 text/plain enc=7bit\n"},
     {"greatest_skip_reaches_nobody", 0xFFFFFFFF,
-     "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.1.1 text/plain enc=7bit\n"},
+     "1 text/plain enc=7bit\n"
+     "1.1 text/plain enc=7bit\n"
+     "1.1.1 text/plain enc=7bit\n"},
 };
 
 class contents_line_to_all : public testing::TestWithParam<skip_case> {};
@@ -141,8 +154,8 @@ TEST(contents_lines, every_entity_grows_by_its_own_range) {
     message.add_contents_line_to_all(stack, 5, 9, 0);
     message.push(stack);
     message.add_contents_line_to_all(stack, 9, 12, 0);
-    EXPECT_EQ(tree_text(message.m_root),
-              "1 text/plain enc=7bit c=5+7\n1.1 text/plain enc=7bit c=9+3\n");
+    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit c=5+7\n"
+                                         "1.1 text/plain enc=7bit c=9+3\n");
 }
 
 } // namespace

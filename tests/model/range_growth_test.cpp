@@ -290,8 +290,9 @@ TEST(elements, children_are_appended_with_their_parent_set) {
     ASSERT_EQ(entity.m_children.size(), 2U);
     EXPECT_EQ(entity.m_children[0].m_parent, &entity);
     EXPECT_EQ(entity.m_children[1].m_parent, &entity);
-    EXPECT_EQ(full_tree_text(entity),
-              "1 text/plain enc=7bit\n1.1 text/plain enc=7bit\n1.2 text/plain enc=7bit\n");
+    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n"
+                                      "1.1 text/plain enc=7bit\n"
+                                      "1.2 text/plain enc=7bit\n");
 }
 
 TEST(elements, keeps_defaults_in_the_children_of_a_cleared_entity) {
@@ -299,7 +300,9 @@ TEST(elements, keeps_defaults_in_the_children_of_a_cleared_entity) {
     entity.clear();
     entity.get_obj();
     entity.get_obj();
-    EXPECT_EQ(full_tree_text(entity), "1 /\n1.1 text/plain enc=7bit\n1.2 text/plain enc=7bit\n");
+    EXPECT_EQ(full_tree_text(entity), "1 /\n"
+                                      "1.1 text/plain enc=7bit\n"
+                                      "1.2 text/plain enc=7bit\n");
 }
 
 TEST(elements, many_children_keep_their_order_and_contents) {
@@ -326,8 +329,9 @@ TEST(elements, fields_are_appended_unset) {
     first->m_name = "A";
     MailStructure::header* second = entity.get_header();
     EXPECT_EQ(second, &entity.m_headers[1]);
-    EXPECT_EQ(full_tree_text(entity),
-              "1 text/plain enc=7bit\n  unset-0 \"A\" \"\"\n  unset-0 \"\" \"\"\n");
+    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n"
+                                      "  unset-0 \"A\" \"\"\n"
+                                      "  unset-0 \"\" \"\"\n");
 }
 
 TEST(elements, keeps_finalize_without_effect) {

@@ -61,7 +61,8 @@ std::string nested_messages(std::size_t depth) {
 std::string full_parts(std::size_t count) {
     std::string result = multipart("a long boundary for parts");
     for (std::size_t i = 0; i < count; ++i)
-        result += "--a long boundary for parts\nContent-Type: application/octet-stream; name="
+        result += "--a long boundary for parts\n"
+                  "Content-Type: application/octet-stream; name="
                   + letters(40) + "\nContent-Description: " + letters(50) + "\n\n" + letters(20)
                   + "\n";
     return result + "--a long boundary for parts--\n" + letters(20) + "\n";
@@ -69,7 +70,9 @@ std::string full_parts(std::size_t count) {
 
 void add_header_messages(std::vector<allocating_message>& all) {
     all.push_back({"empty_input", ""});
-    all.push_back({"one_short_field", "a: b\n\nhi\n"});
+    all.push_back({"one_short_field", "a: b\n"
+                                      "\n"
+                                      "hi\n"});
     all.push_back({"long_field_name", letters(40) + ": b\n\nhi\n"});
     all.push_back({"long_field_value", "a: " + letters(60) + "\n\nhi\n"});
     all.push_back(

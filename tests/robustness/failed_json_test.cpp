@@ -39,12 +39,16 @@ constexpr int levels = 20;
 std::string message_text() {
     std::string text;
     for (int level = 1; level < levels; ++level)
-        text += "MIME-Version: 1.0\nContent-Type: message/rfc822\n\n";
+        text += "MIME-Version: 1.0\n"
+                "Content-Type: message/rfc822\n"
+                "\n";
     return text
            + "Subject: long enough to be kept outside the string, gr\xFCn\n"
-             "Content-Type: text/plain; charset=\"a-character-set-with-a-long-name\"; name=\"\xE4 file with a long "
-             "name\"\n"
-             "Content-Transfer-Encoding: a-transfer-encoding-with-a-long-name\n\nx\n";
+             "Content-Type: text/plain; charset=\"a-character-set-with-a-long-name\";"
+             " name=\"\xE4 file with a long name\"\n"
+             "Content-Transfer-Encoding: a-transfer-encoding-with-a-long-name\n"
+             "\n"
+             "x\n";
 }
 
 class failed_json : public testing::TestWithParam<json_form> {};

@@ -16,7 +16,9 @@ using test_support::live_allocations;
 using test_support::memory;
 
 TEST(failed_message_file, tells_that_memory_is_out) {
-    std::string contents = "From a\nContent-Type: multipart/mixed; boundary=b\n\n";
+    std::string contents = "From a\n"
+                           "Content-Type: multipart/mixed; boundary=b\n"
+                           "\n";
     for (int part = 0; part < 40; ++part) contents += "--b\nA: b\n\nx\n";
     std::string name = testing::TempDir() + "failed_message_file_XXXXXX";
     const int descriptor = ::mkstemp(name.data());

@@ -110,10 +110,16 @@ private:
     reference::message m_wanted;
 };
 
-const allocating_message small_message{"small", "a: b\n\nhi\n"};
-const allocating_message larger_message{
-    "larger",
-    "C: multipart/mixed; b=X\n\n--X\nSubject: a value too long for a string object\n\nhi\n--X--\n"};
+const allocating_message small_message{"small", "a: b\n"
+                                                "\n"
+                                                "hi\n"};
+const allocating_message larger_message{"larger", "C: multipart/mixed; b=X\n"
+                                                  "\n"
+                                                  "--X\n"
+                                                  "Subject: a value too long for a string object\n"
+                                                  "\n"
+                                                  "hi\n"
+                                                  "--X--\n"};
 
 MimeObj& innermost_last(MimeObj& root) {
     MimeObj* at = &root;

@@ -62,8 +62,14 @@ struct content {
 };
 
 const content contents[] = {
-    {"text", "a: b\n\n", "some words of a body\n"},
-    {"crlf", "a: b\r\n\r\n", "some words\r\n"},
+    {"text",
+     "a: b\n"
+     "\n",
+     "some words of a body\n"},
+    {"crlf",
+     "a: b\r\n"
+     "\r\n",
+     "some words\r\n"},
     {"one_line", "", "x"},
     {"one_body_line", "\n", "1"},
     {"empty_lines", "", "\n"},
@@ -71,17 +77,49 @@ const content contents[] = {
     {"carriage_returns", "\n", "\r"},
     {"nuls", "\n", std::string(1, '\0')},
     {"carriage_return_last", "\n", std::string("x\r", 2)},
-    {"dashes", "C: multipart/x; b=-\n\n", "-"},
-    {"dash_lines", "C: multipart/x; b=-\n\n", "---\n---\n-----\n--\n-\n"},
-    {"separators", "C: multipart/x; b=XY\n\n", "--XY\n"},
-    {"separators_with_crlf", "C: multipart/x; b=XY\r\n\r\n", "--XY\r\n"},
-    {"closing_lines", "C: multipart/x; b=XY\n\n", "--XY\n\n1\n--XY--\nepilogue\n"},
-    {"almost_separators", "C: multipart/x; b=XYXYXYXY\n\n",
-     "--XYXYXYX\n--XYXYXYXZ\n--XYXYXYXY-\n--XYXYXYXY\n"},
-    {"messages", "", "C: message/rfc822\n\n"},
+    {"dashes",
+     "C: multipart/x; b=-\n"
+     "\n",
+     "-"},
+    {"dash_lines",
+     "C: multipart/x; b=-\n"
+     "\n",
+     "---\n"
+     "---\n"
+     "-----\n"
+     "--\n"
+     "-\n"},
+    {"separators",
+     "C: multipart/x; b=XY\n"
+     "\n",
+     "--XY\n"},
+    {"separators_with_crlf",
+     "C: multipart/x; b=XY\r\n"
+     "\r\n",
+     "--XY\r\n"},
+    {"closing_lines",
+     "C: multipart/x; b=XY\n"
+     "\n",
+     "--XY\n"
+     "\n"
+     "1\n"
+     "--XY--\n"
+     "epilogue\n"},
+    {"almost_separators",
+     "C: multipart/x; b=XYXYXYXY\n"
+     "\n",
+     "--XYXYXYX\n"
+     "--XYXYXYXZ\n"
+     "--XYXYXYXY-\n"
+     "--XYXYXYXY\n"},
+    {"messages", "",
+     "C: message/rfc822\n"
+     "\n"},
     {"field_names", "", "Abc-def"},
     {"fields", "", "Abc: def\n"},
-    {"folds", "a: b\n", " c\td\n  \te\n"},
+    {"folds", "a: b\n",
+     " c\td\n"
+     "  \te\n"},
     {"blanks", "a: b\n", " \t"},
     {"parameters", "C: a/b", "; name=\"value\""},
     {"parameter_folds", "C: multipart/b;\n", "\t b = \"Y\" ;\n"},

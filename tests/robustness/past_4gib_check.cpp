@@ -26,8 +26,10 @@ using test_support::scripted_stream;
 
 constexpr std::uint64_t wrap = std::uint64_t{1} << 32U;
 
-const std::string outer_block = "Content-Type: multipart/mixed; boundary=X\n\n";
-const std::string inner_block = "Content-Type: multipart/mixed; boundary=Y\n\n";
+const std::string outer_block = "Content-Type: multipart/mixed; boundary=X\n"
+                                "\n";
+const std::string inner_block = "Content-Type: multipart/mixed; boundary=Y\n"
+                                "\n";
 
 struct long_case {
     const char* m_name;
@@ -46,21 +48,40 @@ long_message one_body() {
 long_message one_header_block() {
     long_message message;
     message.add("Subject: a\n").add("Content-Type: text/html; charset=x\n").fill_to(wrap - 1, " (");
-    return message.add("To: b\n cd\nFrom: d\n\nhi\nho\n"); // the field To begins at 0xFFFFFFFF
+    return message.add("To: b\n"
+                       " cd\n"
+                       "From: d\n"
+                       "\n"
+                       "hi\n"
+                       "ho\n"); // the field To begins at 0xFFFFFFFF
 }
 
 /// The whole-entity range of the root is 2^32 bytes long at a separator, which is not in it.
 long_message lapsed_entity() {
     long_message message;
     message.add(outer_block + "preamble\n").fill_to(wrap);
-    return message.add("--X\nSubject: a\n\nhi\n--X\n\n1\n--X--\nepilogue\n");
+    return message.add("--X\n"
+                       "Subject: a\n"
+                       "\n"
+                       "hi\n"
+                       "--X\n"
+                       "\n"
+                       "1\n"
+                       "--X--\n"
+                       "epilogue\n");
 }
 
 /// The contents range of the root is 2^32 bytes long when the epilogue begins, which is not in it.
 long_message lapsed_contents() {
     long_message message;
     message.add(outer_block).fill_to(wrap + outer_block.size()).add("--X--\nepilogue\n");
-    return message.add("--X\nSubject: a\n\nhi\n--X\n\n1\n");
+    return message.add("--X\n"
+                       "Subject: a\n"
+                       "\n"
+                       "hi\n"
+                       "--X\n"
+                       "\n"
+                       "1\n");
 }
 
 /// The same with the middle one of three multiparts. The outer one begins earlier and the inner one
@@ -71,8 +92,18 @@ long_message lapsed_contents_in_the_middle() {
     const std::uint64_t contents_begin = message.bytes();
     message.add("preamble\n--X\n" + inner_block + "--Y\nSubject: a\n\n")
         .fill_to(contents_begin + wrap - 6);
-    return message.add(
-        "--Y--\nepilogue\nof the inner multipart\n--X\n\n1\n--X--\nepilogue\n--W\n\n1\n--W--\n");
+    return message.add("--Y--\n"
+                       "epilogue\n"
+                       "of the inner multipart\n"
+                       "--X\n"
+                       "\n"
+                       "1\n"
+                       "--X--\n"
+                       "epilogue\n"
+                       "--W\n"
+                       "\n"
+                       "1\n"
+                       "--W--\n");
 }
 
 /// The epilogue of the root is 2^32 bytes long when one more part comes.
@@ -81,7 +112,14 @@ long_message lapsed_epilogue() {
     message.add(outer_block + "--X\n\n1\n--X\n" + inner_block + "--Y\n\n1\n--Y--\n");
     const std::uint64_t epilogue_begin = message.bytes();
     message.fill_to(epilogue_begin + wrap);
-    return message.add("--X\nSubject: a\n\nhi\n--X--\nepilogue\n\nlogue\n");
+    return message.add("--X\n"
+                       "Subject: a\n"
+                       "\n"
+                       "hi\n"
+                       "--X--\n"
+                       "epilogue\n"
+                       "\n"
+                       "logue\n");
 }
 
 /// The bodies of three entities begin at offset 0 for the second time.
@@ -89,17 +127,40 @@ long_message bodies_at_the_wrap() {
     long_message message;
     message.add(outer_block + "--X\n" + inner_block + "--Y\nContent-Type: text/x-folded;\n")
         .fill_to(wrap - 1, " (");
-    return message.add("\n").add("first\nsecond\nthird\n--Y--\nepilogue\n--X--\nepilogue\n");
+    return message.add("\n").add("first\n"
+                                 "second\n"
+                                 "third\n"
+                                 "--Y--\n"
+                                 "epilogue\n"
+                                 "--X--\n"
+                                 "epilogue\n");
 }
 
 /// A message in a message in a part, and parts within parts, all open at the wrap.
 long_message deep_at_the_wrap() {
     long_message message;
     message.add(outer_block + "--X\n")
-        .add("Content-Type: message/rfc822\nSubject: a\n\n", 3)
+        .add("Content-Type: message/rfc822\n"
+             "Subject: a\n"
+             "\n",
+             3)
         .add(inner_block);
-    message.add("preamble\n--Y\nSubject: b\n\n").fill_to(wrap + 50);
-    return message.add("--Y\n\nhi\n--Y--\nepilogue\n--X\n\nhi\n--X--\nepilogue");
+    message
+        .add("preamble\n"
+             "--Y\n"
+             "Subject: b\n"
+             "\n")
+        .fill_to(wrap + 50);
+    return message.add("--Y\n"
+                       "\n"
+                       "hi\n"
+                       "--Y--\n"
+                       "epilogue\n"
+                       "--X\n"
+                       "\n"
+                       "hi\n"
+                       "--X--\n"
+                       "epilogue");
 }
 
 /// Each entity of a chain comes to 2^32 bytes in its turn, a separator follows, and a line that

@@ -119,7 +119,12 @@ TEST(filled_again, needs_no_memory_but_for_the_call) {
 TEST(filled_again, clears_the_root_where_the_first_allocation_fails) {
     for (std::size_t failing = 0; failing < for_one_fill; ++failing) {
         MailStructure message;
-        const std::string input = "C: multipart/mixed; b=b\n\n--b\nA: b\n\nhi\n";
+        const std::string input = "C: multipart/mixed; b=b\n"
+                                  "\n"
+                                  "--b\n"
+                                  "A: b\n"
+                                  "\n"
+                                  "hi\n";
         allocations(message, input);
         text_stream in(input);
         const allocation_trap trap(failing);

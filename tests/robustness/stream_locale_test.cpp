@@ -75,16 +75,18 @@ TEST(stream_locale, lines_end_where_its_line_feed_is) {
 }
 
 TEST(stream_locale, line_feeds_inside_lines_are_stray_bytes) {
-    EXPECT_EQ(tree_of("|1\nhi|", '|'),
-              "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
-    EXPECT_EQ(tree_of("|\nhi|", '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
-    EXPECT_EQ(tree_of("|hi\n\r|", '|'),
-              "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|1\nhi|", '|'), "1 / h=0+1 m=0+1\n"
+                                       "! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|\nhi|", '|'), "1 / h=0+1 m=0+1\n"
+                                      "! runtime_error: error in io input data\n");
+    EXPECT_EQ(tree_of("|hi\n\r|", '|'), "1 / h=0+1 m=0+1\n"
+                                        "! runtime_error: error in io input data\n");
     std::string long_line = '|' + std::string(200, 'x') + '|';
     for (std::size_t at = 1; at < 200; ++at) {
         std::string text = long_line;
         text[at] = '\n';
-        EXPECT_EQ(tree_of(text, '|'), "1 / h=0+1 m=0+1\n! runtime_error: error in io input data\n");
+        EXPECT_EQ(tree_of(text, '|'), "1 / h=0+1 m=0+1\n"
+                                      "! runtime_error: error in io input data\n");
     }
 }
 
@@ -215,7 +217,10 @@ TEST(global_locale, tells_what_is_trimmed_off_values_and_nothing_else) {
         EXPECT_EQ(difference(text, std::locale::classic(), test_support::all_deliveries[0]), "")
             << "seed " << seed;
     }
-    const auto outcome = test_support::parse("a: xx\xA0 v x\r\nxx: x\n\nhi\n");
+    const auto outcome = test_support::parse("a: xx\xA0 v x\r\n"
+                                             "xx: x\n"
+                                             "\n"
+                                             "hi\n");
     std::locale::global(before);
     ASSERT_EQ(outcome.m_message.m_root.m_headers.size(), 2U);
     EXPECT_EQ(outcome.m_message.m_root.m_headers[0].m_value, "v");

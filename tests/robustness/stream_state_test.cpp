@@ -42,13 +42,48 @@ void PrintTo(const named_message& message, std::ostream* out) { *out << message.
 
 constexpr named_message messages[] = {
     {"empty", ""},
-    {"plain", "Subject: a\n b\n\nhi\n\nho\n"},
-    {"plain_with_crlf", "Subject: a\r\n b\r\n\r\nhi\r\n\r\nho\r\n"},
-    {"without_final_newline", "a: b\n\nhi\nho"},
-    {"multipart", "C:multipart/x;b=X\n\npre\n--X\nC:m\n\na:b\n\nhi\n--X\n\n1\n--X--\nepi\n"},
-    {"stray_byte", "a: b\n\nhi\nh\ro\nhi\n"},
-    {"stray_nul_at_the_start", "\0: b\n\nhi\n"sv},
-    {"name_without_colon", "a: b\nab\r\n\r\nhi\n"},
+    {"plain", "Subject: a\n"
+              " b\n"
+              "\n"
+              "hi\n"
+              "\n"
+              "ho\n"},
+    {"plain_with_crlf", "Subject: a\r\n"
+                        " b\r\n"
+                        "\r\n"
+                        "hi\r\n"
+                        "\r\n"
+                        "ho\r\n"},
+    {"without_final_newline", "a: b\n"
+                              "\n"
+                              "hi\n"
+                              "ho"},
+    {"multipart", "C:multipart/x;b=X\n"
+                  "\n"
+                  "pre\n"
+                  "--X\n"
+                  "C:m\n"
+                  "\n"
+                  "a:b\n"
+                  "\n"
+                  "hi\n"
+                  "--X\n"
+                  "\n"
+                  "1\n"
+                  "--X--\n"
+                  "epi\n"},
+    {"stray_byte", "a: b\n"
+                   "\n"
+                   "hi\n"
+                   "h\ro\n"
+                   "hi\n"},
+    {"stray_nul_at_the_start", "\0: b\n"
+                               "\n"
+                               "hi\n"sv},
+    {"name_without_colon", "a: b\n"
+                           "ab\r\n"
+                           "\r\n"
+                           "hi\n"},
 };
 
 constexpr std::ios_base::iostate state_bits[] = {std::ios_base::eofbit, std::ios_base::failbit,
@@ -263,7 +298,12 @@ TEST(stream_state, reading_begins_where_the_stream_stands) {
 }
 
 TEST(stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
-    const std::string_view text = "a: b\n\nh\ri\nc: d\n\nho\n";
+    const std::string_view text = "a: b\n"
+                                  "\n"
+                                  "h\ri\n"
+                                  "c: d\n"
+                                  "\n"
+                                  "ho\n";
     for (const delivery& way : test_support::all_deliveries) {
         test_support::delivered_stream in(text, way);
         MailStructure message;
@@ -279,7 +319,11 @@ TEST(stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
 TEST(stream_state, width_and_blank_skipping_mean_nothing) {
     for (const bool skips : {false, true}) {
         const auto make = [&] {
-            auto in = std::make_unique<std::istringstream>("a: b\n  folded\n\n\n   hi\n");
+            auto in = std::make_unique<std::istringstream>("a: b\n"
+                                                           "  folded\n"
+                                                           "\n"
+                                                           "\n"
+                                                           "   hi\n");
             in->width(2);
             if (skips)
                 in->setf(std::ios_base::skipws);

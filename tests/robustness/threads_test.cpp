@@ -84,9 +84,18 @@ TEST(threads, with_parsers_of_their_own_get_the_trees_of_one_thread) {
 }
 
 TEST(threads, may_read_one_tree_together) {
-    const auto outcome = test_support::parse(
-        "C: multipart/x; b=X\n\n--X\nSubject: a\n\nhi\n--X\n\n1\n--X--\nepilogue\n",
-        {.m_keep_text = true});
+    const auto outcome = test_support::parse("C: multipart/x; b=X\n"
+                                             "\n"
+                                             "--X\n"
+                                             "Subject: a\n"
+                                             "\n"
+                                             "hi\n"
+                                             "--X\n"
+                                             "\n"
+                                             "1\n"
+                                             "--X--\n"
+                                             "epilogue\n",
+                                             {.m_keep_text = true});
     const std::string wanted = test_support::full_outcome_text(outcome);
     const std::string name = "sub";
     std::array<std::size_t, thread_count> wrong{};

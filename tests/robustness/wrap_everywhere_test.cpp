@@ -44,14 +44,80 @@ std::uint32_t wrapping_after(std::size_t bytes) { return 0U - static_cast<std::u
 
 TEST(wrap, at_every_byte_gives_the_reference_tree) {
     const std::vector<std::string> messages{
-        "a: b\n c\n\nhi\n\nho\n",
-        "a: b\r\n c\r\n\r\nhi\r\n\r\nho",
-        "C:multipart/x;b=X\n\npre\n--X\nC:m\n\na:b\n\nhi\nho\n--X\n\n1\n2\n--X--\nepi\n\nlogue\n",
-        "C:multipart/x;b=X\n\n--X\nC:multipart/x;b=Y\n\n--Y\n\n\nhi\nho\n--Y--\nepi\n--X\n\n1\n--X--\nepi\n",
-        "C:m\n\n\nC:m\n\n\na:b\n\nhi\nho\n",
-        "C:multipart/x;b=X\n\n--X--\nepi\n--X\na: b\n\nhi\n--X--\n--X\nhu\n",
-        "hi\nho\nhu\n",
-        "\nhi\nho\n",
+        "a: b\n"
+        " c\n"
+        "\n"
+        "hi\n"
+        "\n"
+        "ho\n",
+        "a: b\r\n"
+        " c\r\n"
+        "\r\n"
+        "hi\r\n"
+        "\r\n"
+        "ho",
+        "C:multipart/x;b=X\n"
+        "\n"
+        "pre\n"
+        "--X\n"
+        "C:m\n"
+        "\n"
+        "a:b\n"
+        "\n"
+        "hi\n"
+        "ho\n"
+        "--X\n"
+        "\n"
+        "1\n"
+        "2\n"
+        "--X--\n"
+        "epi\n"
+        "\n"
+        "logue\n",
+        "C:multipart/x;b=X\n"
+        "\n"
+        "--X\n"
+        "C:multipart/x;b=Y\n"
+        "\n"
+        "--Y\n"
+        "\n"
+        "\n"
+        "hi\n"
+        "ho\n"
+        "--Y--\n"
+        "epi\n"
+        "--X\n"
+        "\n"
+        "1\n"
+        "--X--\n"
+        "epi\n",
+        "C:m\n"
+        "\n"
+        "\n"
+        "C:m\n"
+        "\n"
+        "\n"
+        "a:b\n"
+        "\n"
+        "hi\n"
+        "ho\n",
+        "C:multipart/x;b=X\n"
+        "\n"
+        "--X--\n"
+        "epi\n"
+        "--X\n"
+        "a: b\n"
+        "\n"
+        "hi\n"
+        "--X--\n"
+        "--X\n"
+        "hu\n",
+        "hi\n"
+        "ho\n"
+        "hu\n",
+        "\n"
+        "hi\n"
+        "ho\n",
     };
     for (const std::string& message : messages) {
         for (std::size_t bytes = 0; bytes <= message.size() + 1; ++bytes)

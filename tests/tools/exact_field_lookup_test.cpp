@@ -13,7 +13,11 @@ namespace {
 MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
 
 TEST(field, is_found_by_its_whole_name_alone) {
-    const MailStructure message = parse("Subject-Line: no\nsubJect: one\nSubject: two\n\nx\n");
+    const MailStructure message = parse("Subject-Line: no\n"
+                                        "subJect: one\n"
+                                        "Subject: two\n"
+                                        "\n"
+                                        "x\n");
     ASSERT_NE(first_field(message.m_root, "Subject"), nullptr);
     EXPECT_EQ(first_field(message.m_root, "Subject")->m_value, "one");
     EXPECT_EQ(last_field(message.m_root, "SUBJECT")->m_value, "two");
@@ -39,19 +43,35 @@ struct body_case {
 const body_case body_cases[] = {
     {"nothing", "", "", "", ""},
     {"usual",
-     "Content-Type: text/csv; charset=utf-8; name=a.csv\nContent-Transfer-Encoding: base64\n",
+     "Content-Type: text/csv; charset=utf-8; name=a.csv\n"
+     "Content-Transfer-Encoding: base64\n",
      "base64", "utf-8", "a.csv"},
     {"disposition_first",
-     "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=b\n", "", "", "b"},
-    {"empty_file_name", "Content-Type: x/y; name=a\nContent-Disposition: attachment; filename=\n",
+     "Content-Type: x/y; name=a\n"
+     "Content-Disposition: attachment; filename=b\n",
+     "", "", "b"},
+    {"empty_file_name",
+     "Content-Type: x/y; name=a\n"
+     "Content-Disposition: attachment; filename=\n",
      "", "", "a"},
     {"comment_and_blanks", "Content-Transfer-Encoding:  Base64 (see above)\n", "Base64", "", ""},
-    {"encoding_folded", "Content-Transfer-Encoding:\n base64\n", "base64", "", ""},
-    {"last_of_two", "Content-Type: a/b; charset=c\nContent-Type: d/e; charset=f\n", "", "f", ""},
+    {"encoding_folded",
+     "Content-Transfer-Encoding:\n"
+     " base64\n",
+     "base64", "", ""},
+    {"last_of_two",
+     "Content-Type: a/b; charset=c\n"
+     "Content-Type: d/e; charset=f\n",
+     "", "f", ""},
     {"longer_names_are_others",
-     "Content-Transfer-Encoding-X: base64\nContent-Type-X: a/b; charset=c\n", "", "", ""},
-    {"digit_in_a_name", "Content-Type: a/b; x1=y; charset=utf-8;\n name*0=\"c \";\n name*1=d\n", "",
-     "utf-8", "c d"},
+     "Content-Transfer-Encoding-X: base64\n"
+     "Content-Type-X: a/b; charset=c\n",
+     "", "", ""},
+    {"digit_in_a_name",
+     "Content-Type: a/b; x1=y; charset=utf-8;\n"
+     " name*0=\"c \";\n"
+     " name*1=d\n",
+     "", "utf-8", "c d"},
     {"semicolon_in_quotes", "Content-Type: a/b; name=\"c; d\"; charset=utf-8\n", "", "utf-8",
      "c; d"},
 };
@@ -68,7 +88,9 @@ TEST(field, tells_encoding_charset_and_file_name) {
 }
 
 TEST(field, that_lies_outside_the_bytes_gives_nothing) {
-    const std::string input = "Content-Type: a/b; charset=utf-8\n\nx\n";
+    const std::string input = "Content-Type: a/b; charset=utf-8\n"
+                              "\n"
+                              "x\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(charset_of(message.m_root, input.substr(0, 20)), "");
 }

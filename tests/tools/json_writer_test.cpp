@@ -257,7 +257,12 @@ TEST(json_members, of_the_flat_form_tell_the_tree) {
                 + std::to_string(line["depth"].GetUint()) + " c"
                 + std::to_string(line["child_count"].GetUint()) + '\n';
     }
-    EXPECT_EQ(told, "0<- d0 c2\n1<0 d1 c2\n2<1 d2 c1\n3<2 d3 c0\n4<1 d2 c0\n5<0 d1 c0\n");
+    EXPECT_EQ(told, "0<- d0 c2\n"
+                    "1<0 d1 c2\n"
+                    "2<1 d2 c1\n"
+                    "3<2 d3 c0\n"
+                    "4<1 d2 c0\n"
+                    "5<0 d1 c0\n");
 }
 
 // ---- depth

@@ -42,17 +42,45 @@ struct start_case {
 
 const start_case start_cases[] = {
     {"empty", "", 0},
-    {"no_separator", "From: a\n\nx\n", 0},
-    {"separator", "From a@b Mon Jan  1\nA: b\n\nx\n", 20},
-    {"separator_with_cr_lf", "From a\r\nA: b\r\n", 8},
+    {"no_separator",
+     "From: a\n"
+     "\n"
+     "x\n",
+     0},
+    {"separator",
+     "From a@b Mon Jan  1\n"
+     "A: b\n"
+     "\n"
+     "x\n",
+     20},
+    {"separator_with_cr_lf",
+     "From a\r\n"
+     "A: b\r\n",
+     8},
     {"separator_alone", "From a\n", 7},
     {"separator_without_an_end", "From a", 6},
-    {"shortest", "From \nA: b\n", 6},
+    {"shortest",
+     "From \n"
+     "A: b\n",
+     6},
     {"four_letters", "From", 0},
-    {"other_case", "from a\nA: b\n", 0},
-    {"quoted", ">From a\nA: b\n", 0},
-    {"tab", "From\ta\nA: b\n", 0},
-    {"on_the_second_line", "\nFrom a\nA: b\n", 0},
+    {"other_case",
+     "from a\n"
+     "A: b\n",
+     0},
+    {"quoted",
+     ">From a\n"
+     "A: b\n",
+     0},
+    {"tab",
+     "From\ta\n"
+     "A: b\n",
+     0},
+    {"on_the_second_line",
+     "\n"
+     "From a\n"
+     "A: b\n",
+     0},
 };
 
 TEST(message_file, begins_past_a_separator_line) {
@@ -68,9 +96,22 @@ TEST(message_file, begins_past_a_separator_line) {
     }
 }
 
-const std::string nested =
-    "Content-Type: multipart/mixed; boundary=b\n\npreamble\n--b\nA: b\n\nx\n--b\n"
-    "Content-Type: message/rfc822\n\nC: d\n ef\n\ny\n--b--\nepilogue\n";
+const std::string nested = "Content-Type: multipart/mixed; boundary=b\n"
+                           "\n"
+                           "preamble\n"
+                           "--b\n"
+                           "A: b\n"
+                           "\n"
+                           "x\n"
+                           "--b\n"
+                           "Content-Type: message/rfc822\n"
+                           "\n"
+                           "C: d\n"
+                           " ef\n"
+                           "\n"
+                           "y\n"
+                           "--b--\n"
+                           "epilogue\n";
 
 TEST(message_file, counts_all_offsets_from_the_start_of_the_file) {
     const std::string separator = "From a\n";
@@ -133,23 +174,80 @@ const char* const stray_nul = "stray byte: a NUL inside a line";
 const char* const no_colon = "bad header line: a name without a colon, ended by CR LF";
 
 const fault_case fault_cases[] = {
-    {"none", "a: b\r\n\r\nx\r\n", "", 0},
-    {"nul_before_lf_is_legal", std::string("a: b\n\nx\0\n", 9), "", 0},
-    {"cr_at_the_end_is_legal", "a: b\n\nx\r", "", 0},
-    {"nul_at_the_end_is_legal", std::string("a: b\n\nx\0", 8), "", 0},
-    {"cr_between_letters", "a: b\n\nx\ry\n", stray_cr, 7},
+    {"none",
+     "a: b\r\n"
+     "\r\n"
+     "x\r\n",
+     "", 0},
+    {"nul_before_lf_is_legal",
+     std::string("a: b\n"
+                 "\n"
+                 "x\0\n",
+                 9),
+     "", 0},
+    {"cr_at_the_end_is_legal",
+     "a: b\n"
+     "\n"
+     "x\r",
+     "", 0},
+    {"nul_at_the_end_is_legal",
+     std::string("a: b\n"
+                 "\n"
+                 "x\0",
+                 8),
+     "", 0},
+    {"cr_between_letters",
+     "a: b\n"
+     "\n"
+     "x\ry\n",
+     stray_cr, 7},
     {"first_byte", "\rc\n", stray_cr, 0},
     {"nul_between_letters", std::string("a\0b\n", 4), stray_nul, 1},
-    {"first_of_two_crs", "a: b\n\nx\r\r\n", stray_cr, 7},
-    {"nul_before_the_cr_of_a_line_end", std::string("a: b\n\nx\0\r\n", 10), stray_nul, 7},
-    {"first_of_several", "a: b\n\nx\ry\rz\n", stray_cr, 7},
+    {"first_of_two_crs",
+     "a: b\n"
+     "\n"
+     "x\r\r\n",
+     stray_cr, 7},
+    {"nul_before_the_cr_of_a_line_end",
+     std::string("a: b\n"
+                 "\n"
+                 "x\0\r\n",
+                 10),
+     stray_nul, 7},
+    {"first_of_several",
+     "a: b\n"
+     "\n"
+     "x\ry\rz\n",
+     stray_cr, 7},
     {"far_into_the_file", filler(200000) + "\rabc\n", stray_cr, 200000},
-    {"behind_a_separator", "From a\na: b\n\nx\ry\n", stray_cr, 14},
-    {"within_the_separator_is_nothing", "From a\rb\na: b\n\nx\n", "", 0},
-    {"name_without_colon", "a: b\r\nSubject\r\n\r\n", no_colon, 6},
+    {"behind_a_separator",
+     "From a\n"
+     "a: b\n"
+     "\n"
+     "x\ry\n",
+     stray_cr, 14},
+    {"within_the_separator_is_nothing",
+     "From a\rb\n"
+     "a: b\n"
+     "\n"
+     "x\n",
+     "", 0},
+    {"name_without_colon",
+     "a: b\r\n"
+     "Subject\r\n"
+     "\r\n",
+     no_colon, 6},
     {"name_without_colon_first", "Subject\r\n", no_colon, 0},
-    {"name_without_colon_behind_a_separator", "From a\na: b\r\nSubject\r\n", no_colon, 13},
-    {"name_without_colon_before_a_stray_byte", "a: b\r\nSubject\r\nx\ry\r\n", no_colon, 6},
+    {"name_without_colon_behind_a_separator",
+     "From a\n"
+     "a: b\r\n"
+     "Subject\r\n",
+     no_colon, 13},
+    {"name_without_colon_before_a_stray_byte",
+     "a: b\r\n"
+     "Subject\r\n"
+     "x\ry\r\n",
+     no_colon, 6},
 };
 
 TEST(message_file, tells_what_is_wrong_and_where) {

@@ -38,7 +38,8 @@ std::string repeated(const std::string& text, std::size_t count) {
     return result;
 }
 
-const std::string multipart = "Content-Type: multipart/mixed; boundary=b\n\n";
+const std::string multipart = "Content-Type: multipart/mixed; boundary=b\n"
+                              "\n";
 const std::string small = "A: b\n\nx\n";
 const std::string parts = multipart + "--b\nC: d\n\ny\n--b\n\nz\n--b--\nend\n";
 const std::string large = multipart + repeated("--b\nA: b\n\nx\n", 100000); // more than 1 MiB

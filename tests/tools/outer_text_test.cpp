@@ -22,29 +22,124 @@ struct outer_case {
     const char* m_epilogue;
 };
 
-const std::string header = "Content-Type: multipart/mixed; boundary=\"b\"\n\n";
+const std::string header = "Content-Type: multipart/mixed; boundary=\"b\"\n"
+                           "\n";
 
 const outer_case cases[] = {
-    {"neither", "--b\n\nx\n--b--\n", "", ""},
-    {"both", "before\n--b\n\nx\n--b--\nafter\n", "before\n", "after\n"},
-    {"blank_lines", "\n--b\n\nx\n--b--\n\n", "\n", "\n"},
-    {"lines_that_are_no_separators", "--bb\n--B\n --b\n--b\n\nx\n", "--bb\n--B\n --b\n", ""},
-    {"with_cr_lf", "before\r\n--b\r\nA: b\r\n\r\nx\r\n--b--\r\nafter\r\n", "before\r\n",
-     "after\r\n"},
-    {"empty_line_after_the_separator_is_dropped", "before\n--b\n\nA: b\n\nx\n", "before\n", ""},
-    {"parts_without_a_line", "before\n--b\n--b\n--b\nA: b\n", "before\n", ""},
-    {"only_parts_without_a_line", "before\n--b\n--b\n", "before\n", ""},
-    {"no_parts", "before\n", "before\n", ""},
-    {"no_parts_but_a_closing_line", "before\n--b--\nafter\n", "before\n", "after\n"},
-    {"nothing_at_all", "", "", ""},
-    {"closing_line_again", "--b\n\nx\n--b--\n--b--\n", "", "--b--\n"},
-    {"closing_line_after_parts_without_a_line", "before\n--b\n--b\n\n--b--\nafter\n", "before\n",
-     "after\n"},
-    {"empty_lines_dropped_between_parts_without_a_line", "before\n--b\n\n--b\n\n--b\nA: b\n",
+    {"neither",
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n",
+     "", ""},
+    {"both",
+     "before\n"
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n"
+     "after\n",
+     "before\n", "after\n"},
+    {"blank_lines",
+     "\n"
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n"
+     "\n",
+     "\n", "\n"},
+    {"lines_that_are_no_separators",
+     "--bb\n"
+     "--B\n"
+     " --b\n"
+     "--b\n"
+     "\n"
+     "x\n",
+     "--bb\n"
+     "--B\n"
+     " --b\n",
+     ""},
+    {"with_cr_lf",
+     "before\r\n"
+     "--b\r\n"
+     "A: b\r\n"
+     "\r\n"
+     "x\r\n"
+     "--b--\r\n"
+     "after\r\n",
+     "before\r\n", "after\r\n"},
+    {"empty_line_after_the_separator_is_dropped",
+     "before\n"
+     "--b\n"
+     "\n"
+     "A: b\n"
+     "\n"
+     "x\n",
      "before\n", ""},
-    {"part_after_the_closing_line", "before\n--b--\n--b\nA: b\n", "before\n", ""},
-    {"part_after_the_epilogue", "before\n--b--\nafter\n--b\nA: b\n", "before\n", "after\n"},
-    {"no_final_newline", "before\n--b\n\nx\n--b--\nafter", "before\n", "after"},
+    {"parts_without_a_line",
+     "before\n"
+     "--b\n"
+     "--b\n"
+     "--b\n"
+     "A: b\n",
+     "before\n", ""},
+    {"only_parts_without_a_line",
+     "before\n"
+     "--b\n"
+     "--b\n",
+     "before\n", ""},
+    {"no_parts", "before\n", "before\n", ""},
+    {"no_parts_but_a_closing_line",
+     "before\n"
+     "--b--\n"
+     "after\n",
+     "before\n", "after\n"},
+    {"nothing_at_all", "", "", ""},
+    {"closing_line_again",
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n"
+     "--b--\n",
+     "", "--b--\n"},
+    {"closing_line_after_parts_without_a_line",
+     "before\n"
+     "--b\n"
+     "--b\n"
+     "\n"
+     "--b--\n"
+     "after\n",
+     "before\n", "after\n"},
+    {"empty_lines_dropped_between_parts_without_a_line",
+     "before\n"
+     "--b\n"
+     "\n"
+     "--b\n"
+     "\n"
+     "--b\n"
+     "A: b\n",
+     "before\n", ""},
+    {"part_after_the_closing_line",
+     "before\n"
+     "--b--\n"
+     "--b\n"
+     "A: b\n",
+     "before\n", ""},
+    {"part_after_the_epilogue",
+     "before\n"
+     "--b--\n"
+     "after\n"
+     "--b\n"
+     "A: b\n",
+     "before\n", "after\n"},
+    {"no_final_newline",
+     "before\n"
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n"
+     "after",
+     "before\n", "after"},
 };
 
 std::string cut(const std::string& input, const byte_range& range) {
@@ -62,9 +157,17 @@ TEST(outer_text, is_what_no_part_holds) {
 }
 
 TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
-    const std::string input =
-        header + "--b\nContent-Type: multipart/mixed; boundary=c\n\none\n--c\n\nx\n--c--\ntwo\n"
-        + "--b\n\ny\n--b--\n";
+    const std::string input = header
+                              + "--b\n"
+                                "Content-Type: multipart/mixed; boundary=c\n"
+                                "\n"
+                                "one\n"
+                                "--c\n"
+                                "\n"
+                                "x\n"
+                                "--c--\n"
+                                "two\n"
+                              + "--b\n\ny\n--b--\n";
     const MailStructure message = parse(input);
     const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
     EXPECT_EQ(cut(input, preamble_of(inner, input)), "one\n");
@@ -91,21 +194,34 @@ TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
 }
 
 TEST(outer_text, begins_with_the_last_boundary_of_several) {
-    const std::string input =
-        "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n--b\n--c\n\nx\n";
+    const std::string input = "Content-Type: multipart/mixed; boundary=b; boundary=c\n"
+                              "\n"
+                              "--b\n"
+                              "--c\n"
+                              "\n"
+                              "x\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--b\n");
 }
 
 TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
     const std::string input = "Content-Type: multipart/mixed; boundary=b\n"
-                              "Content-Type: text/plain; boundary=c\n\n--c\n--b\n\nx\n";
+                              "Content-Type: text/plain; boundary=c\n"
+                              "\n"
+                              "--c\n"
+                              "--b\n"
+                              "\n"
+                              "x\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--c\n");
 }
 
 TEST(outer_text, is_none_of_what_is_no_multipart) {
-    const std::string input = "Content-Type: message/rfc822\n\nA: b\n\nx\n";
+    const std::string input = "Content-Type: message/rfc822\n"
+                              "\n"
+                              "A: b\n"
+                              "\n"
+                              "x\n";
     const MailStructure message = parse(input);
     EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
     EXPECT_EQ(preamble_of(message.m_root.m_children.at(0), input).m_length, 0U);

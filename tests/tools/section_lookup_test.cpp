@@ -10,13 +10,32 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-constexpr const char* forwarded =
-    "Content-Type: multipart/mixed; boundary=X\n\n"
-    "--X\nContent-Type: text/plain\n\na\n"
-    "--X\nContent-Type: message/rfc822\n\na: b\nc: d\n\nhi\n"
-    "--X\nContent-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=Y\n\n"
-    "--Y\n\nb\n--Y\n\nc\n--Y--\n"
-    "--X--\n";
+constexpr const char* forwarded = "Content-Type: multipart/mixed; boundary=X\n"
+                                  "\n"
+                                  "--X\n"
+                                  "Content-Type: text/plain\n"
+                                  "\n"
+                                  "a\n"
+                                  "--X\n"
+                                  "Content-Type: message/rfc822\n"
+                                  "\n"
+                                  "a: b\n"
+                                  "c: d\n"
+                                  "\n"
+                                  "hi\n"
+                                  "--X\n"
+                                  "Content-Type: message/rfc822\n"
+                                  "\n"
+                                  "Content-Type: multipart/mixed; boundary=Y\n"
+                                  "\n"
+                                  "--Y\n"
+                                  "\n"
+                                  "b\n"
+                                  "--Y\n"
+                                  "\n"
+                                  "c\n"
+                                  "--Y--\n"
+                                  "--X--\n";
 
 /// The indices of the children on the path to the entity, such as "/1/0"; "" for the root.
 std::string place_below(const MimeObj& from, const MimeObj* wanted) {
@@ -72,8 +91,16 @@ const lookup_case lookup_cases[] = {
     {"multipart_within", forwarded, "3.TEXT", "body of /2/0 message"},
     {"its_part", forwarded, "3.2", "body of /2/0/1"},
     {"words_in_any_case", forwarded, "2.HeAdEr", "header of /1/0 message"},
-    {"only_part", "a: b\n\nhi\n", "1", "body of  message"},
-    {"header_of_the_only_part", "a: b\n\nhi\n", "1.MIME", "header of  message"},
+    {"only_part",
+     "a: b\n"
+     "\n"
+     "hi\n",
+     "1", "body of  message"},
+    {"header_of_the_only_part",
+     "a: b\n"
+     "\n"
+     "hi\n",
+     "1.MIME", "header of  message"},
     {"empty_input", "", "1", "body of  message"},
 
     {"number_too_great", forwarded, "4", "none, but 3"},
@@ -84,13 +111,20 @@ const lookup_case lookup_cases[] = {
     {"number_below_a_text_in_a_message", forwarded, "2.1.1", "none, but 2.1"},
     {"header_of_a_text", forwarded, "1.HEADER", "none, but 1.MIME"},
     {"text_of_a_text", forwarded, "1.TEXT", "none, but 1"},
-    {"header_of_a_message_that_holds_none", "Content-Type: message/rfc822\n\n", "1.HEADER",
-     "none, but 1.MIME"},
-    {"part_of_a_multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\n", "1",
-     "none, but TEXT"},
+    {"header_of_a_message_that_holds_none",
+     "Content-Type: message/rfc822\n"
+     "\n",
+     "1.HEADER", "none, but 1.MIME"},
+    {"part_of_a_multipart_without_parts",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n",
+     "1", "none, but TEXT"},
     {"part_of_a_multipart_without_parts_within",
-     "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=X\n\n", "1.1",
-     "none, but 1"},
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n",
+     "1.1", "none, but 1"},
 
     {"zero", forwarded, "0",
      "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"0\""},

@@ -46,108 +46,329 @@ struct bytes_case {
     const char* m_bytes;
 };
 
-constexpr const char* two_parts = "Content-Type: multipart/mixed; boundary=X\n\n"
+constexpr const char* two_parts = "Content-Type: multipart/mixed; boundary=X\n"
+                                  "\n"
                                   "preamble\n"
-                                  "--X\na: b\n\nhi\n\n"
-                                  "--X\n\n(ho)\n"
+                                  "--X\n"
+                                  "a: b\n"
+                                  "\n"
+                                  "hi\n"
+                                  "\n"
+                                  "--X\n"
+                                  "\n"
+                                  "(ho)\n"
                                   "--X--\n"
                                   "epilogue\n";
-constexpr const char* messages = "Content-Type: multipart/mixed; boundary=X\n\n"
-                                 "--X\nContent-Type: message/rfc822\n\na: b\nc: d\n\nhi\n"
-                                 "--X\nContent-Type: message/rfc822\n\na: b\n\n(hi)\n"
-                                 "--X\nContent-Type: message/rfc822\n\nHi there\n(ho)\n"
+constexpr const char* messages = "Content-Type: multipart/mixed; boundary=X\n"
+                                 "\n"
+                                 "--X\n"
+                                 "Content-Type: message/rfc822\n"
+                                 "\n"
+                                 "a: b\n"
+                                 "c: d\n"
+                                 "\n"
+                                 "hi\n"
+                                 "--X\n"
+                                 "Content-Type: message/rfc822\n"
+                                 "\n"
+                                 "a: b\n"
+                                 "\n"
+                                 "(hi)\n"
+                                 "--X\n"
+                                 "Content-Type: message/rfc822\n"
+                                 "\n"
+                                 "Hi there\n"
+                                 "(ho)\n"
                                  "--X--\n";
 
 const bytes_case bytes_cases[] = {
     {"whole", two_parts, "", two_parts},
-    {"header", two_parts, "HEADER", "Content-Type: multipart/mixed; boundary=X\n\n"},
+    {"header", two_parts, "HEADER",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"},
     {"text_with_the_epilogue", two_parts, "TEXT",
-     "preamble\n--X\na: b\n\nhi\n\n--X\n\n(ho)\n--X--\nepilogue\n"},
+     "preamble\n"
+     "--X\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "(ho)\n"
+     "--X--\n"
+     "epilogue\n"},
     {"part_without_the_line_end_of_the_boundary_line", two_parts, "1", "hi\n"},
-    {"mime_with_its_empty_line", two_parts, "1.MIME", "a: b\n\n"},
+    {"mime_with_its_empty_line", two_parts, "1.MIME",
+     "a: b\n"
+     "\n"},
     {"part_without_fields", two_parts, "2", "(ho)"},
     {"mime_that_is_an_empty_line", two_parts, "2.MIME", "\n"},
 
-    {"message_within", messages, "1", "a: b\nc: d\n\nhi"},
-    {"its_header", messages, "1.HEADER", "a: b\nc: d\n\n"},
+    {"message_within", messages, "1",
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi"},
+    {"its_header", messages, "1.HEADER",
+     "a: b\n"
+     "c: d\n"
+     "\n"},
     {"its_text", messages, "1.TEXT", "hi"},
-    {"message_of_one_field", messages, "2", "a: b\n\n(hi)"},
-    {"header_with_the_empty_line_that_was_dropped", messages, "2.HEADER", "a: b\n\n"},
+    {"message_of_one_field", messages, "2",
+     "a: b\n"
+     "\n"
+     "(hi)"},
+    {"header_with_the_empty_line_that_was_dropped", messages, "2.HEADER",
+     "a: b\n"
+     "\n"},
     {"text_behind_it", messages, "2.TEXT", "(hi)"},
     {"part_behind_it", messages, "2.1", "(hi)"},
-    {"message_without_a_header", messages, "3", "Hi there\n(ho)"},
+    {"message_without_a_header", messages, "3",
+     "Hi there\n"
+     "(ho)"},
     {"no_header", messages, "3.HEADER", ""},
-    {"text_without_a_header", messages, "3.TEXT", "Hi there\n(ho)"},
+    {"text_without_a_header", messages, "3.TEXT",
+     "Hi there\n"
+     "(ho)"},
 
-    {"no_header_at_all", "Hi there\n(ho)\n", "HEADER", ""},
-    {"text_from_the_first_byte", "Hi there\n(ho)\n", "TEXT", "Hi there\n(ho)\n"},
-    {"part_from_the_first_byte", "Hi there\n(ho)\n", "1", "Hi there\n(ho)\n"},
+    {"no_header_at_all",
+     "Hi there\n"
+     "(ho)\n",
+     "HEADER", ""},
+    {"text_from_the_first_byte",
+     "Hi there\n"
+     "(ho)\n",
+     "TEXT",
+     "Hi there\n"
+     "(ho)\n"},
+    {"part_from_the_first_byte",
+     "Hi there\n"
+     "(ho)\n",
+     "1",
+     "Hi there\n"
+     "(ho)\n"},
     {"empty_line_first", "\nhi\n", "HEADER", "\n"},
-    {"only_a_header", "a: b\nc: d\n", "TEXT", ""},
-    {"header_without_its_end", "a: b\nc: d\n", "HEADER", "a: b\nc: d\n"},
-    {"no_final_newline", "a: b\n\nhi", "TEXT", "hi"},
+    {"only_a_header",
+     "a: b\n"
+     "c: d\n",
+     "TEXT", ""},
+    {"header_without_its_end",
+     "a: b\n"
+     "c: d\n",
+     "HEADER",
+     "a: b\n"
+     "c: d\n"},
+    {"no_final_newline",
+     "a: b\n"
+     "\n"
+     "hi",
+     "TEXT", "hi"},
     {"empty_input", "", "1", ""},
 
-    {"unclosed_part_to_the_end", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\nhi\n",
+    {"unclosed_part_to_the_end",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "\n"
+     "hi\n",
      "1", "hi\n"},
     {"part_of_one_empty_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n\n--X--\n", "1", ""},
-    {"part_without_a_body", "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "\n"
+     "\n"
+     "--X--\n",
+     "1", ""},
+    {"part_without_a_body",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "\n"
+     "--X--\n",
      "1", ""},
     {"header_of_a_part_without_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n\n--X--\n", "1.MIME", "a: b\n\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "\n"
+     "--X--\n",
+     "1.MIME",
+     "a: b\n"
+     "\n"},
     {"header_up_to_the_boundary_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1.MIME", "a: b\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "--X--\n",
+     "1.MIME", "a: b\n"},
     {"no_body_up_to_the_boundary_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\na: b\n--X--\n", "1", ""},
-    {"part_of_no_lines", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X--\n", "1", ""},
-    {"mime_of_no_lines", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X--\n", "1.MIME", ""},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "a: b\n"
+     "--X--\n",
+     "1", ""},
+    {"part_of_no_lines",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "--X--\n",
+     "1", ""},
+    {"mime_of_no_lines",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "--X--\n",
+     "1.MIME", ""},
     {"fields_behind_the_empty_line_that_was_dropped",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na: b\n\nhi\n--X--\n", "1.MIME",
-     "a: b\n\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--X--\n",
+     "1.MIME",
+     "a: b\n"
+     "\n"},
 
     {"multipart_with_its_epilogue",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n"
-     "--Y\na: b\n\nhi\n--Y--\nend\n\n--X--\n",
-     "1", "--Y\na: b\n\nhi\n--Y--\nend\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--Y--\n"
+     "end\n"
+     "\n"
+     "--X--\n",
+     "1",
+     "--Y\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--Y--\n"
+     "end\n"},
     {"last_part_of_it",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n"
-     "--Y\na: b\n\nhi\n--Y--\nend\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--Y--\n"
+     "end\n"
+     "\n"
+     "--X--\n",
      "1.1", "hi"},
     {"message_that_ends_with_its_header",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: message/rfc822\n\na: b\nc: d\n--X--\n",
-     "1.HEADER", "a: b\nc: d"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "--X--\n",
+     "1.HEADER",
+     "a: b\n"
+     "c: d"},
     {"message_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "--X--\n",
      "1", "a: b\n"},
     {"header_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "--X--\n",
      "1.HEADER", "a: b\n"},
     {"text_behind_a_dropped_line_that_is_the_last",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: message/rfc822\n\na: b\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "--X--\n",
      "1.TEXT", ""},
     {"dropped_line_in_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: message/rfc822\n\nHi there\n\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Hi there\n"
+     "\n"
+     "--X--\n",
      "1", "Hi there\n"},
-    {"dropped_line_at_the_end_of_the_file", "Content-Type: message/rfc822\n\nHi there\n\n",
-     "1.TEXT", "Hi there\n\n"},
+    {"dropped_line_at_the_end_of_the_file",
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Hi there\n"
+     "\n",
+     "1.TEXT",
+     "Hi there\n"
+     "\n"},
     {"boundary_line_that_opens_a_message",
-     "Content-Type: multipart/mixed; boundary=X1\n\n--X1\nContent-Type: message/rfc822\n\n--X1--\n",
+     "Content-Type: multipart/mixed; boundary=X1\n"
+     "\n"
+     "--X1\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "--X1--\n",
      "1", ""},
     {"parts_beside_a_message_within",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
-     "a: b\nc: d\n\nhi\n--X\n\n(ho)\n--X--\n",
+     "Content-Type: message/rfc822\n"
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n"
+     "--X\n"
+     "\n"
+     "(ho)\n"
+     "--X--\n",
      "1.2", "(ho)"},
     {"message_beside_parts_ends_at_the_boundary_line",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
-     "a: b\nc: d\n\nhi\n--X\n\n(ho)\n--X--\n",
+     "Content-Type: message/rfc822\n"
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n"
+     "--X\n"
+     "\n"
+     "(ho)\n"
+     "--X--\n",
      "1.TEXT", "hi"},
 };
 
@@ -166,7 +387,10 @@ INSTANTIATE_TEST_SUITE_P(cases, section_bytes, testing::ValuesIn(bytes_cases),
                          [](const auto& row) { return std::string(row.param.m_name); });
 
 TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
-    const std::string file = "From ada Mon\na: b\n\nhi\n";
+    const std::string file = "From ada Mon\n"
+                             "a: b\n"
+                             "\n"
+                             "hi\n";
     const std::string message = file.substr(13);
     test_support::parse_outcome parsed = test_support::parse(message);
     MimeObj& root = parsed.m_message.m_root;

@@ -32,50 +32,192 @@ struct walk_case {
 
 const walk_case walk_cases[] = {
     {"empty_input", "", "1\n"},
-    {"text", "a: b\n\nhi\n", "1\n"},
+    {"text",
+     "a: b\n"
+     "\n"
+     "hi\n",
+     "1\n"},
     {"multipart_is_named_text",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\n\nb\n--X--\n", "TEXT\n 1\n 2\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a\n"
+     "--X\n"
+     "\n"
+     "b\n"
+     "--X--\n",
+     "TEXT\n"
+     " 1\n"
+     " 2\n"},
     {"multipart_within_multipart",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n"
-     "--Y\n\na\n--Y\n\nb\n--Y--\n--X\n\nc\n--X--\n",
-     "TEXT\n 1\n  1.1\n  1.2\n 2\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "\n"
+     "a\n"
+     "--Y\n"
+     "\n"
+     "b\n"
+     "--Y--\n"
+     "--X\n"
+     "\n"
+     "c\n"
+     "--X--\n",
+     "TEXT\n"
+     " 1\n"
+     "  1.1\n"
+     "  1.2\n"
+     " 2\n"},
     {"message_within_is_part_one_of_its_holder",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n\na\n--X\n"
-     "Content-Type: message/rfc822\n\n"
-     "a: b\nc: d\n\nhi\n--X--\n",
-     "TEXT\n 1\n 2\n  2.1 message\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n"
+     "--X--\n",
+     "TEXT\n"
+     " 1\n"
+     " 2\n"
+     "  2.1 message\n"},
     {"multipart_within_a_message_within",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: message/rfc822\n\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y\n\nb\n--Y--\n--X--\n",
-     "TEXT\n 1\n  1.TEXT message\n   1.1\n   1.2\n"},
-    {"message_as_the_whole_body", "Content-Type: message/rfc822\n\na: b\nc: d\n\nhi\n",
-     "1\n 1.1 message\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "\n"
+     "a\n"
+     "--Y\n"
+     "\n"
+     "b\n"
+     "--Y--\n"
+     "--X--\n",
+     "TEXT\n"
+     " 1\n"
+     "  1.TEXT message\n"
+     "   1.1\n"
+     "   1.2\n"},
+    {"message_as_the_whole_body",
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n",
+     "1\n"
+     " 1.1 message\n"},
     {"multipart_in_a_message_as_the_whole_body",
-     "Content-Type: message/rfc822\n\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y--\n",
-     "1\n 1.TEXT message\n  1.1\n"},
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "\n"
+     "a\n"
+     "--Y--\n",
+     "1\n"
+     " 1.TEXT message\n"
+     "  1.1\n"},
     {"message_within_a_message",
-     "Content-Type: message/rfc822\n\nContent-Type: message/rfc822\n\na: b\n\n\nhi\n",
-     "1\n 1.1 message\n  1.1.1 message\n"},
-    {"multipart_without_parts", "Content-Type: multipart/mixed; boundary=X\n\npreamble\n",
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "\n"
+     "hi\n",
+     "1\n"
+     " 1.1 message\n"
+     "  1.1.1 message\n"},
+    {"multipart_without_parts",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "preamble\n",
      "TEXT\n"},
-    {"multipart_without_a_boundary", "Content-Type: multipart/mixed\n\n--X\n", "1\n"},
-    {"message_that_holds_none", "Content-Type: message/rfc822\n\n", "1\n"},
-    {"part_with_nothing_in_it", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X\n--X--\n",
-     "TEXT\n 1\n 2\n"},
+    {"multipart_without_a_boundary",
+     "Content-Type: multipart/mixed\n"
+     "\n"
+     "--X\n",
+     "1\n"},
+    {"message_that_holds_none",
+     "Content-Type: message/rfc822\n"
+     "\n",
+     "1\n"},
+    {"part_with_nothing_in_it",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "--X\n"
+     "--X--\n",
+     "TEXT\n"
+     " 1\n"
+     " 2\n"},
     {"message_and_multipart_is_a_message",
      "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n\na: b\nc: d\n\nhi\n",
-     "1\n 1.1 message\n"},
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n",
+     "1\n"
+     " 1.1 message\n"},
     {"parts_beside_a_message_within_go_on_behind_its_own",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
-     "a: b\nc: d\n\nhi\n--X\n\na\n--X\n\nb\n--X--\n",
-     "1\n 1.1 message\n 1.2\n 1.3\n"},
+     "Content-Type: message/rfc822\n"
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "a: b\n"
+     "c: d\n"
+     "\n"
+     "hi\n"
+     "--X\n"
+     "\n"
+     "a\n"
+     "--X\n"
+     "\n"
+     "b\n"
+     "--X--\n",
+     "1\n"
+     " 1.1 message\n"
+     " 1.2\n"
+     " 1.3\n"},
     {"parts_beside_a_multipart_within_go_on_behind_its_parts",
-     "Content-Type: message/rfc822\nContent-Type: multipart/mixed; boundary=X\n\n"
-     "Content-Type: multipart/mixed; boundary=Y\n\n--Y\n\na\n--Y\n\nb\n--Y--\n--X\n\nc\n--X--\n",
-     "1\n 1.TEXT message\n  1.1\n  1.2\n 1.3\n"},
+     "Content-Type: message/rfc822\n"
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=Y\n"
+     "\n"
+     "--Y\n"
+     "\n"
+     "a\n"
+     "--Y\n"
+     "\n"
+     "b\n"
+     "--Y--\n"
+     "--X\n"
+     "\n"
+     "c\n"
+     "--X--\n",
+     "1\n"
+     " 1.TEXT message\n"
+     "  1.1\n"
+     "  1.2\n"
+     " 1.3\n"},
 };
 
 class section_names : public testing::TestWithParam<walk_case> {};

@@ -16,108 +16,261 @@ using test_support::tree_case;
 
 const tree_case match_cases[] = {
     {"two_parts_preamble_and_epilogue",
-     "Content-Type: multipart/mixed; boundary=XY\n\npre\n--XY\nX: 1\n\na\n--XY\nX: 2\n\nb\n--XY--\nepi\n",
+     "Content-Type: multipart/mixed; boundary=XY\n"
+     "\n"
+     "pre\n"
+     "--XY\n"
+     "X: 1\n"
+     "\n"
+     "a\n"
+     "--XY\n"
+     "X: 2\n"
+     "\n"
+     "b\n"
+     "--XY--\n"
+     "epi\n",
      "1 multipart/mixed multipart h=0+44 m=0+81 b=44+37 e=81+4 c=44+37 n=4\n"
      "1.1 text/plain enc=7bit h=53+6 m=53+8 b=59+2 c=59+2 n=1\n"
      "1.2 text/plain enc=7bit h=66+6 m=66+8 b=72+2 c=72+2 n=1\n"},
     {"two_parts_with_cr_lf",
-     "Content-Type: multipart/mixed; boundary=XY\r\n\r\npre\r\n--XY\r\nX: 1\r\n\r\na\r\n--XY\r\nX: "
-     "2\r\n\r\nb\r\n--XY--\r\nepi\r\n",
+     "Content-Type: multipart/mixed; boundary=XY\r\n"
+     "\r\n"
+     "pre\r\n"
+     "--XY\r\n"
+     "X: 1\r\n"
+     "\r\n"
+     "a\r\n"
+     "--XY\r\n"
+     "X: 2\r\n"
+     "\r\n"
+     "b\r\n"
+     "--XY--\r\n"
+     "epi\r\n",
      "1 multipart/mixed multipart h=0+46 m=0+93 b=46+47 e=93+5 c=46+47 n=4\n"
      "1.1 text/plain enc=7bit h=57+8 m=57+11 b=65+3 c=65+3 n=1\n"
      "1.2 text/plain enc=7bit h=74+8 m=74+11 b=82+3 c=82+3 n=1\n"},
     {"separators_with_a_trailing_blank",
-     "Content-Type: multipart/mixed; boundary=XY\n\npre\n--XY \nX: 1\n\na\n--XY \nX: 2\n\nb\n--XY--\nepi\n",
+     "Content-Type: multipart/mixed; boundary=XY\n"
+     "\n"
+     "pre\n"
+     "--XY \n"
+     "X: 1\n"
+     "\n"
+     "a\n"
+     "--XY \n"
+     "X: 2\n"
+     "\n"
+     "b\n"
+     "--XY--\n"
+     "epi\n",
      "1 multipart/mixed multipart h=0+44 m=0+83 b=44+39 e=83+4 c=44+32 n=10\n"},
     {"separators_in_lower_case",
-     "Content-Type: multipart/mixed; boundary=XY\n\npre\n--xy\nX: 1\n\na\n--xy\nX: 2\n\nb\n--XY--\nepi\n",
+     "Content-Type: multipart/mixed; boundary=XY\n"
+     "\n"
+     "pre\n"
+     "--xy\n"
+     "X: 1\n"
+     "\n"
+     "a\n"
+     "--xy\n"
+     "X: 2\n"
+     "\n"
+     "b\n"
+     "--XY--\n"
+     "epi\n",
      "1 multipart/mixed multipart h=0+44 m=0+81 b=44+37 e=81+4 c=44+30 n=10\n"},
-    {"one_byte_longer", "Content-Type: multipart/mixed; boundary=X\n\n--X-\n--XX\n",
+    {"one_byte_longer",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X-\n"
+     "--XX\n",
      "1 multipart/mixed multipart h=0+43 m=0+53 b=43+10 c=43+10 n=2\n"},
-    {"closing_line_with_three_hyphens", "Content-Type: multipart/mixed; boundary=X\n\n--X---\n",
+    {"closing_line_with_three_hyphens",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X---\n",
      "1 multipart/mixed multipart h=0+43 m=0+50 b=43+7 c=43+7 n=1\n"},
-    {"closing_line_with_a_trailing_blank", "Content-Type: multipart/mixed; boundary=X\n\n--X-- \n",
+    {"closing_line_with_a_trailing_blank",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X-- \n",
      "1 multipart/mixed multipart h=0+43 m=0+50 b=43+7 c=43+7 n=1\n"},
     {"closing_line_with_other_characters",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X-+\n--X+-\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X-+\n"
+     "--X+-\n",
      "1 multipart/mixed multipart h=0+43 m=0+55 b=43+12 c=43+12 n=2\n"},
-    {"two_bytes_longer_without_hyphens", "Content-Type: multipart/mixed; boundary=X\n\n--Xab\n",
+    {"two_bytes_longer_without_hyphens",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--Xab\n",
      "1 multipart/mixed multipart h=0+43 m=0+49 b=43+6 c=43+6 n=1\n"},
-    {"beginning_of_a_boundary", "Content-Type: multipart/mixed; boundary=XY\n\n--X\n",
+    {"beginning_of_a_boundary",
+     "Content-Type: multipart/mixed; boundary=XY\n"
+     "\n"
+     "--X\n",
      "1 multipart/mixed multipart h=0+44 m=0+48 b=44+4 c=44+4 n=1\n"},
-    {"without_hyphens", "Content-Type: multipart/mixed; boundary=X\n\nX\n-X\n",
+    {"without_hyphens",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "X\n"
+     "-X\n",
      "1 multipart/mixed multipart h=0+43 m=0+48 b=43+5 c=43+5 n=2\n"},
-    {"hyphen_before", "Content-Type: multipart/mixed; boundary=X\n\n---X\n",
+    {"hyphen_before",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "---X\n",
      "1 multipart/mixed multipart h=0+43 m=0+48 b=43+5 c=43+5 n=1\n"},
     {"boundary_that_ends_in_hyphens_closes_the_one_without",
-     "Content-Type: multipart/mixed; boundary=X--\n\n--X\n--X--\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=X--\n"
+     "\n"
+     "--X\n"
+     "--X--\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+45 m=0+49 b=45+4 c=45+15 n=1\n"
      "1.1 text/plain enc=7bit h=55+5 m=55+5\n"},
     {"separator_of_a_boundary_with_hyphens_closed",
-     "Content-Type: multipart/mixed; boundary=X--\n\n--X--\nA: b\n\nhi\n--X----\n",
+     "Content-Type: multipart/mixed; boundary=X--\n"
+     "\n"
+     "--X--\n"
+     "A: b\n"
+     "\n"
+     "hi\n"
+     "--X----\n",
      "1 multipart/mixed multipart h=0+45 m=0+68 b=57+11 c=45+23 n=2\n"
      "1.1 text/plain enc=7bit h=51+6 m=51+9 b=57+3 c=57+3 n=1\n"},
     {"boundary_of_blanks_inside",
-     "Content-Type: multipart/mixed; boundary=\"a b\"\n\n--a b\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=\"a b\"\n"
+     "\n"
+     "--a b\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+47 m=0+47 c=47+11\n"
      "1.1 text/plain enc=7bit h=53+5 m=53+5\n"},
     {"eight_bit_boundary",
-     "Content-Type: multipart/mixed; boundary=\"\xe9\xff\"\n\n--\xe9\xff\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=\"\xe9\xff\"\n"
+     "\n"
+     "--\xe9\xff\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+46 m=0+46 c=46+10\n"
      "1.1 text/plain enc=7bit h=51+5 m=51+5\n"},
-    {"separator_is_the_last_line_without_end", "Content-Type: multipart/mixed; boundary=X\n\n--X",
+    {"separator_is_the_last_line_without_end",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+3\n"
      "1.1 text/plain enc=7bit\n"},
     {"closing_line_is_the_last_line_without_end",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n--X--",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "\n"
+     "hi\n"
+     "--X--",
      "1 multipart/mixed multipart h=0+43 m=0+61 b=53+8 c=43+18 n=2\n"
      "1.1 text/plain enc=7bit h=47+6 m=47+9 b=53+3 c=53+3 n=1\n"},
     {"carriage_return_at_the_end_of_the_input",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\r",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\r",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+4\n"
      "1.1 text/plain enc=7bit\n"},
-    {"no_boundary_registered", "Content-Type: multipart/mixed\n\n--\n----\n",
+    {"no_boundary_registered",
+     "Content-Type: multipart/mixed\n"
+     "\n"
+     "--\n"
+     "----\n",
      "1 multipart/mixed h=0+31 m=0+39 b=31+8 c=31+8 n=2\n"},
     {"separator_ends_the_header_block_of_the_multipart",
-     "Content-Type: multipart/mixed; boundary=X\n--X\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "--X\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+42 m=0+42 c=42+9\n"
      "1.1 text/plain enc=7bit h=46+5 m=46+5\n"},
     {"separator_ends_the_header_block_of_a_part",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n--X\nD: e\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "--X\n"
+     "D: e\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+18\n"
      "1.1 text/plain enc=7bit h=47+5 m=47+5\n"
      "1.2 text/plain enc=7bit h=56+5 m=56+5\n"},
     {"closing_line_ends_the_header_block_of_a_part",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n--X--\nhi\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "--X--\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+58 b=52+6 e=58+3 c=43+15 n=1\n"
      "1.1 text/plain enc=7bit h=47+5 m=47+5\n"},
-    {"separators_in_a_row", "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X\n--X\n",
+    {"separators_in_a_row",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "--X\n"
+     "--X\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+12\n"
      "1.1 text/plain enc=7bit\n"
      "1.2 text/plain enc=7bit\n"
      "1.3 text/plain enc=7bit\n"},
     {"separator_and_closing_line_in_a_row",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "--X--\n",
      "1 multipart/mixed multipart h=0+43 m=0+53 b=47+6 c=43+10 n=1\n"
      "1.1 text/plain enc=7bit\n"},
-    {"part_of_body_only", "Content-Type: multipart/mixed; boundary=X\n\n--X\n\n1\n--X--\n",
+    {"part_of_body_only",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "1\n"
+     "--X--\n",
      "1 multipart/mixed multipart h=0+43 m=0+56 b=48+8 c=43+13 n=2\n"
      "1.1 text/plain enc=7bit m=48+2 b=48+2 c=48+2 n=1\n"},
-    {"input_ends_in_a_preamble", "Content-Type: multipart/mixed; boundary=X\n\npre\n",
+    {"input_ends_in_a_preamble",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "pre\n",
      "1 multipart/mixed multipart h=0+43 m=0+47 b=43+4 c=43+4 n=1\n"},
-    {"input_ends_in_a_part", "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n",
+    {"input_ends_in_a_part",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+56 b=53+3 c=43+13 n=1\n"
      "1.1 text/plain enc=7bit h=47+6 m=47+9 b=53+3 c=53+3 n=1\n"},
     {"input_ends_in_the_header_block_of_a_part",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+9\n"
      "1.1 text/plain enc=7bit h=47+5 m=47+5\n"},
     {"no_boundary_is_left_after_the_closing_line",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n--X--\n--X\n--X--\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "\n"
+     "hi\n"
+     "--X--\n"
+     "--X\n"
+     "--X--\n",
      "1 multipart/mixed multipart h=0+43 m=0+62 b=53+9 e=62+10 c=43+19 n=2\n"
      "1.1 text/plain enc=7bit h=47+6 m=47+9 b=53+3 c=53+3 n=1\n"},
     {"separator_with_a_carriage_return_counts_it",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\r\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\r\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+10\n"
      "1.1 text/plain enc=7bit h=48+5 m=48+5\n"},
 };
@@ -132,38 +285,59 @@ INSTANTIATE_TEST_SUITE_P(cases, boundary_match, testing::ValuesIn(match_cases),
                          case_name<tree_case>);
 
 TEST(boundary, two_parts_line_by_line_with_kept_text) {
-    expect_full_tree(
-        "From: a\r\nContent-Type: multipart/mixed; boundary=XX\r\n\r\npreamble\r\n--XX\r\nContent-Type: "
-        "text/plain\r\n\r\nhello\r\n"
-        "--XX\r\nContent-Type: text/plain\r\n\r\nworld\r\n--XX--\r\nbye\r\n",
-        "1 multipart/mixed multipart h=0+55 m=0+155 b=55+100 e=155+5 c=55+100 n=4\n"
-        "  0-9 \"From\" \"a\"\n"
-        "  9-53 \"Content-Type\" \"multipart/mixed\" (boundary \"XX\")\n"
-        "  body \"preamble\\r\\nhello\\r\\nworld\\r\\n--XX--\\r\\n\"\n"
-        "  epilogue \"bye\\r\\n\"\n"
-        "1.1 text/plain enc=7bit h=71+28 m=71+35 b=99+7 c=99+7 n=1\n"
-        "  71-97 \"Content-Type\" \"text/plain\"\n"
-        "  body \"hello\\r\\n\"\n"
-        "1.2 text/plain enc=7bit h=112+28 m=112+35 b=140+7 c=140+7 n=1\n"
-        "  112-138 \"Content-Type\" \"text/plain\"\n"
-        "  body \"world\\r\\n\"\n",
-        {.m_keep_text = true});
+    expect_full_tree("From: a\r\n"
+                     "Content-Type: multipart/mixed; boundary=XX\r\n"
+                     "\r\n"
+                     "preamble\r\n"
+                     "--XX\r\n"
+                     "Content-Type: text/plain\r\n"
+                     "\r\n"
+                     "hello\r\n"
+                     "--XX\r\n"
+                     "Content-Type: text/plain\r\n"
+                     "\r\n"
+                     "world\r\n"
+                     "--XX--\r\n"
+                     "bye\r\n",
+                     "1 multipart/mixed multipart h=0+55 m=0+155 b=55+100 e=155+5 c=55+100 n=4\n"
+                     "  0-9 \"From\" \"a\"\n"
+                     "  9-53 \"Content-Type\" \"multipart/mixed\" (boundary \"XX\")\n"
+                     "  body \"preamble\\r\\nhello\\r\\nworld\\r\\n--XX--\\r\\n\"\n"
+                     "  epilogue \"bye\\r\\n\"\n"
+                     "1.1 text/plain enc=7bit h=71+28 m=71+35 b=99+7 c=99+7 n=1\n"
+                     "  71-97 \"Content-Type\" \"text/plain\"\n"
+                     "  body \"hello\\r\\n\"\n"
+                     "1.2 text/plain enc=7bit h=112+28 m=112+35 b=140+7 c=140+7 n=1\n"
+                     "  112-138 \"Content-Type\" \"text/plain\"\n"
+                     "  body \"world\\r\\n\"\n",
+                     {.m_keep_text = true});
 }
 
 TEST(boundary, keeps_boundary_lines_exact) {
-    expect_tree("Content-Type: multipart/mixed; boundary=X\n\n--X \n--x\n --X\nhi\n",
+    expect_tree("Content-Type: multipart/mixed; boundary=X\n"
+                "\n"
+                "--X \n"
+                "--x\n"
+                " --X\n"
+                "hi\n",
                 "1 multipart/mixed multipart h=0+43 m=0+60 b=43+17 c=43+17 n=4\n");
 }
 
 TEST(boundary, keeps_separator_in_the_contents_of_the_enclosing_entities_alone) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n",
                      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+4\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
                      "1.1 text/plain enc=7bit\n");
 }
 
 TEST(boundary, keeps_closing_line_as_a_body_line) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n--X--\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n"
+                     "--X--\n",
                      "1 multipart/mixed multipart h=0+43 m=0+58 b=52+6 c=43+15 n=1\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
                      "  body \"--X--\\r\\n\"\n"
@@ -175,45 +349,82 @@ TEST(boundary, keeps_closing_line_as_a_body_line) {
 TEST(boundary, keeps_delimiter_of_a_multipart_closed_without_parts) {
     // The second closing line ends the multipart for good, and is an epilogue line of what encloses
     // it.
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--Y--\n--X\nhi\n--Y--\n--X--\nho\n",
-        "1 multipart/mixed multipart h=0+43 m=0+96 b=90+6 e=96+22 c=43+53 n=1\n"
-        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "  body \"--Y--\\r\\n\"\n"
-        "  epilogue \"--X\\r\\nhi\\r\\n--Y--\\r\\n--X--\\r\\nho\\r\\n\"\n"
-        "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+49 b=90+6 e=96+7 n=1\n"
-        "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
-        "  body \"--Y--\\r\\n\"\n"
-        "  epilogue \"--X\\r\\nhi\\r\\n\"\n",
-        {.m_keep_text = true});
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "Content-Type: multipart/mixed; boundary=Y\n"
+                     "\n"
+                     "--Y--\n"
+                     "--X\n"
+                     "hi\n"
+                     "--Y--\n"
+                     "--X--\n"
+                     "ho\n",
+                     "1 multipart/mixed multipart h=0+43 m=0+96 b=90+6 e=96+22 c=43+53 n=1\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "  body \"--Y--\\r\\n\"\n"
+                     "  epilogue \"--X\\r\\nhi\\r\\n--Y--\\r\\n--X--\\r\\nho\\r\\n\"\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+49 b=90+6 e=96+7 n=1\n"
+                     "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
+                     "  body \"--Y--\\r\\n\"\n"
+                     "  epilogue \"--X\\r\\nhi\\r\\n\"\n",
+                     {.m_keep_text = true});
 }
 
 TEST(boundary, keeps_repeated_separator_after_an_empty_multipart_opening_its_sibling) {
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--Y--\n--Y\nA: b\n\nhi\n--X\nho\n--Y--\n--X\nD: e\n",
-        "1 multipart/mixed multipart h=0+43 m=0+122 b=90+32 c=43+88 n=5\n"
-        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+49 b=90+6 n=1\n"
-        "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
-        "1.2 text/plain enc=7bit h=100+6 m=100+16 b=106+10 c=106+10 n=3\n"
-        "  100-105 \"A\" \"b\"\n"
-        "1.3 text/plain enc=7bit h=126+5 m=126+5\n"
-        "  126-131 \"D\" \"e\"\n");
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "Content-Type: multipart/mixed; boundary=Y\n"
+                     "\n"
+                     "--Y--\n"
+                     "--Y\n"
+                     "A: b\n"
+                     "\n"
+                     "hi\n"
+                     "--X\n"
+                     "ho\n"
+                     "--Y--\n"
+                     "--X\n"
+                     "D: e\n",
+                     "1 multipart/mixed multipart h=0+43 m=0+122 b=90+32 c=43+88 n=5\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+49 b=90+6 n=1\n"
+                     "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
+                     "1.2 text/plain enc=7bit h=100+6 m=100+16 b=106+10 c=106+10 n=3\n"
+                     "  100-105 \"A\" \"b\"\n"
+                     "1.3 text/plain enc=7bit h=126+5 m=126+5\n"
+                     "  126-131 \"D\" \"e\"\n");
 }
 
 TEST(boundary, keeps_root_open_where_a_pop_would_close_it) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X--\n--X\nA: b\n\nhi\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X--\n"
+                     "--X\n"
+                     "A: b\n"
+                     "\n"
+                     "hi\n",
                      "1 multipart/mixed multipart h=0+43 m=0+62 b=43+19 c=49+13 n=2\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
                      "1.1 text/plain enc=7bit h=53+6 m=53+9 b=59+3 c=59+3 n=1\n"
                      "  53-58 \"A\" \"b\"\n");
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X--\n--X--\n--X\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X--\n"
+                     "--X--\n"
+                     "--X\n",
                      "1 multipart/mixed multipart h=0+43 m=0+49 b=43+6 e=49+10 n=1\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n");
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X; boundary=Y\n\n--Y\nA: b\n--Y--\n--X--\n--X\nD: e\n",
+        "Content-Type: multipart/mixed; boundary=X; boundary=Y\n"
+        "\n"
+        "--Y\n"
+        "A: b\n"
+        "--Y--\n"
+        "--X--\n"
+        "--X\n"
+        "D: e\n",
         "1 multipart/mixed multipart h=0+55 m=0+70 b=64+6 e=70+15 c=55+15 n=1\n"
         "  0-54 \"Content-Type\" \"multipart/mixed\" (boundary \"X\") (boundary \"Y\")\n"
         "1.1 text/plain enc=7bit h=59+5 m=59+5\n"
@@ -223,20 +434,37 @@ TEST(boundary, keeps_root_open_where_a_pop_would_close_it) {
 TEST(boundary, keeps_root_message_open_where_the_second_pop_would_close_it) {
     // The nested message is a multipart without parts. Its boundary closes it, and the root cannot
     // follow.
-    expect_full_tree(
-        "Content-Type: message/rfc822\n\nContent-Type: multipart/mixed; boundary=X\n\n\n--X--\n--X\nA: b\n",
-        "1 message/rfc822 message h=0+30 m=0+80 b=74+6 c=30+59 n=1\n"
-        "  0-29 \"Content-Type\" \"message/rfc822\"\n"
-        "1.1 multipart/mixed multipart enc=7bit h=30+44 m=30+50 b=74+6 n=1\n"
-        "  30-72 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.2 text/plain enc=7bit h=84+5 m=84+5\n"
-        "  84-89 \"A\" \"b\"\n");
+    expect_full_tree("Content-Type: message/rfc822\n"
+                     "\n"
+                     "Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "\n"
+                     "--X--\n"
+                     "--X\n"
+                     "A: b\n",
+                     "1 message/rfc822 message h=0+30 m=0+80 b=74+6 c=30+59 n=1\n"
+                     "  0-29 \"Content-Type\" \"message/rfc822\"\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=30+44 m=30+50 b=74+6 n=1\n"
+                     "  30-72 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.2 text/plain enc=7bit h=84+5 m=84+5\n"
+                     "  84-89 \"A\" \"b\"\n");
 }
 
 TEST(boundary, keeps_closing_line_in_an_epilogue_as_an_epilogue_line_of_the_enclosing_entity) {
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--Y\nA: b\n\nhi\n--Y--\nho\n--X--\nhu\n",
+        "Content-Type: multipart/mixed; boundary=X\n"
+        "\n"
+        "--X\n"
+        "Content-Type: multipart/mixed; boundary=Y\n"
+        "\n"
+        "--Y\n"
+        "A: b\n"
+        "\n"
+        "hi\n"
+        "--Y--\n"
+        "ho\n"
+        "--X--\n"
+        "hu\n",
         "1 multipart/mixed multipart h=0+43 m=0+109 b=100+9 e=109+12 c=43+66 n=2\n"
         "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "  body \"hi\\r\\n--Y--\\r\\n\"\n"
@@ -252,44 +480,80 @@ TEST(boundary, keeps_closing_line_in_an_epilogue_as_an_epilogue_line_of_the_encl
 }
 
 TEST(boundary, keeps_innermost_boundary_alone_in_force) {
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--X\n--Y\nA: b\n\n--X\n--X--\n--Y--\n--X\nD: e\n",
-        "1 multipart/mixed multipart h=0+43 m=0+120 b=90+30 c=43+86 n=4\n"
-        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+73 b=90+30 c=90+30 n=4\n"
-        "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
-        "1.1.1 text/plain enc=7bit h=98+6 m=98+16 b=104+10 c=104+10 n=2\n"
-        "  98-103 \"A\" \"b\"\n"
-        "1.2 text/plain enc=7bit h=124+5 m=124+5\n"
-        "  124-129 \"D\" \"e\"\n");
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "Content-Type: multipart/mixed; boundary=Y\n"
+                     "\n"
+                     "--X\n"
+                     "--Y\n"
+                     "A: b\n"
+                     "\n"
+                     "--X\n"
+                     "--X--\n"
+                     "--Y--\n"
+                     "--X\n"
+                     "D: e\n",
+                     "1 multipart/mixed multipart h=0+43 m=0+120 b=90+30 c=43+86 n=4\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+73 b=90+30 c=90+30 n=4\n"
+                     "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
+                     "1.1.1 text/plain enc=7bit h=98+6 m=98+16 b=104+10 c=104+10 n=2\n"
+                     "  98-103 \"A\" \"b\"\n"
+                     "1.2 text/plain enc=7bit h=124+5 m=124+5\n"
+                     "  124-129 \"D\" \"e\"\n");
 }
 
 TEST(boundary, same_boundary_twice_closes_twice) {
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n--X--\n--X--\n--X\n",
-        "1 multipart/mixed multipart h=0+43 m=0+109 b=100+9 e=109+10 c=43+66 n=2\n"
-        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+62 b=100+9 c=90+19 n=2\n"
-        "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1.1 text/plain enc=7bit h=94+6 m=94+9 b=100+3 c=100+3 n=1\n"
-        "  94-99 \"A\" \"b\"\n");
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n"
+                     "\n"
+                     "hi\n"
+                     "--X--\n"
+                     "--X--\n"
+                     "--X\n",
+                     "1 multipart/mixed multipart h=0+43 m=0+109 b=100+9 e=109+10 c=43+66 n=2\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+62 b=100+9 c=90+19 n=2\n"
+                     "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1.1 text/plain enc=7bit h=94+6 m=94+9 b=100+3 c=100+3 n=1\n"
+                     "  94-99 \"A\" \"b\"\n");
 }
 
 TEST(boundary, keeps_empty_line_after_a_separator_dropped) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\n\nA: b\n\nhi\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "\n"
+                     "A: b\n"
+                     "\n"
+                     "hi\n",
                      "1 multipart/mixed multipart h=0+43 m=0+57 b=54+3 c=43+14 n=1\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
                      "1.1 text/plain enc=7bit h=48+6 m=48+9 b=54+3 c=54+3 n=1\n"
                      "  48-53 \"A\" \"b\"\n");
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\r\n"
+                     "\r\n"
+                     "--X\r\n"
+                     "\r\n"
+                     "hi there\r\n"
+                     "\r\n"
+                     "ho\r\n",
+                     "1 multipart/mixed multipart h=0+45 m=0+68 b=52+16 c=45+23 n=3\n"
+                     "  0-43 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1 text/plain enc=7bit m=52+16 b=52+16 c=52+16 n=3\n");
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\r\n\r\n--X\r\n\r\nhi there\r\n\r\nho\r\n",
-        "1 multipart/mixed multipart h=0+45 m=0+68 b=52+16 c=45+23 n=3\n"
-        "  0-43 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1 text/plain enc=7bit m=52+16 b=52+16 c=52+16 n=3\n");
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n\n\nA: b\n",
+        "Content-Type: multipart/mixed; boundary=X\n"
+        "\n"
+        "--X\n"
+        "\n"
+        "\n"
+        "A: b\n",
         "1 multipart/mixed multipart h=0+43 m=0+54 b=49+5 c=43+11 n=1\n"
         "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "1.1 text/plain enc=7bit h=48+1 m=48+6 b=49+5 c=49+5 n=1\n"); // the second one is the block
@@ -297,9 +561,21 @@ TEST(boundary, keeps_empty_line_after_a_separator_dropped) {
 
 TEST(boundary, keeps_epilogue_range_of_the_root_across_later_parts) {
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--Y\nA: b\n--Y--\nepi1\n"
-        "--X\nD: e\n\nhi\n--X--\nepi2\n",
+        "Content-Type: multipart/mixed; boundary=X\n"
+        "\n"
+        "--X\n"
+        "Content-Type: multipart/mixed; boundary=Y\n"
+        "\n"
+        "--Y\n"
+        "A: b\n"
+        "--Y--\n"
+        "epi1\n"
+        "--X\n"
+        "D: e\n"
+        "\n"
+        "hi\n"
+        "--X--\n"
+        "epi2\n",
         "1 multipart/mixed multipart h=0+43 m=0+129 b=99+30 e=105+29 c=43+86 n=3\n"
         "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+58 b=99+6 e=105+5 c=90+15 n=1\n"
@@ -312,27 +588,52 @@ TEST(boundary, keeps_epilogue_range_of_the_root_across_later_parts) {
 
 TEST(boundary, last_empty_flags_tell_of_an_entity_and_what_is_below_it) {
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n\n--X\nA: b\n",
+        "Content-Type: multipart/mixed; boundary=X\n"
+        "\n"
+        "\n"
+        "--X\n"
+        "A: b\n",
         "1 multipart/mixed multipart h=0+43 m=0+44 b=43+1 c=43+10 n=1 body-last-empty\n"
         "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "1.1 text/plain enc=7bit h=48+5 m=48+5\n"
         "  48-53 \"A\" \"b\"\n");
-    expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\n"
-        "Content-Type: multipart/mixed; boundary=Y\n\n--Y\nA: b\n\n\n--Y--\n\n--X\nD: e\n\nhi\n",
-        "1 multipart/mixed multipart h=0+43 m=0+121 b=100+21 e=107+1 c=43+78 n=3 epilogue-last-empty\n"
-        "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-        "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+60 b=100+7 e=107+1 c=90+17 n=2 epilogue-last-empty\n"
-        "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
-        "1.1.1 text/plain enc=7bit h=94+6 m=94+7 b=100+1 c=100+1 n=1 body-last-empty\n"
-        "  94-99 \"A\" \"b\"\n"
-        "1.2 text/plain enc=7bit h=112+6 m=112+9 b=118+3 c=118+3 n=1\n"
-        "  112-117 \"D\" \"e\"\n");
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "Content-Type: multipart/mixed; boundary=Y\n"
+                     "\n"
+                     "--Y\n"
+                     "A: b\n"
+                     "\n"
+                     "\n"
+                     "--Y--\n"
+                     "\n"
+                     "--X\n"
+                     "D: e\n"
+                     "\n"
+                     "hi\n",
+                     "1 multipart/mixed multipart h=0+43 m=0+121 b=100+21"
+                     " e=107+1 c=43+78 n=3 epilogue-last-empty\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "1.1 multipart/mixed multipart enc=7bit h=47+43 m=47+60 b=100+7"
+                     " e=107+1 c=90+17 n=2 epilogue-last-empty\n"
+                     "  47-89 \"Content-Type\" \"multipart/mixed\" (boundary \"Y\")\n"
+                     "1.1.1 text/plain enc=7bit h=94+6 m=94+7 b=100+1 c=100+1 n=1 body-last-empty\n"
+                     "  94-99 \"A\" \"b\"\n"
+                     "1.2 text/plain enc=7bit h=112+6 m=112+9 b=118+3 c=118+3 n=1\n"
+                     "  112-117 \"D\" \"e\"\n");
 }
 
 TEST(boundary, epilogue_lines_are_not_examined_as_header_lines) {
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n--X--\n\nD: e\n\n",
+        "Content-Type: multipart/mixed; boundary=X\n"
+        "\n"
+        "--X\n"
+        "A: b\n"
+        "--X--\n"
+        "\n"
+        "D: e\n"
+        "\n",
         "1 multipart/mixed multipart h=0+43 m=0+58 b=52+6 e=58+7 c=43+15 n=1 epilogue-last-empty\n"
         "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "  body \"--X--\\r\\n\"\n"

@@ -20,8 +20,13 @@ using test_support::tree_case;
 // part below it.
 const tree_case part_cases[] = {
     {"quoted_boundary",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: multipart/mixed; boundary=\"xyz\"\n\n--xyz\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: multipart/mixed; boundary=\"xyz\"\n"
+     "\n"
+     "--xyz\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+62\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed multipart enc=7bit h=47+47 m=47+47 c=94+11\n"
@@ -29,8 +34,14 @@ const tree_case part_cases[] = {
      "1.1.1 text/plain enc=7bit h=100+5 m=100+5\n"
      "  100-105 \"A\" \"b\"\n"},
     {"boundary_on_a_continuation_line",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: multipart/mixed;\n\tboundary=abc\n\n--abc\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: multipart/mixed;\n"
+     "\tboundary=abc\n"
+     "\n"
+     "--abc\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+61\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed multipart enc=7bit h=47+46 m=47+46 c=93+11\n"
@@ -38,22 +49,36 @@ const tree_case part_cases[] = {
      "1.1.1 text/plain enc=7bit h=99+5 m=99+5\n"
      "  99-104 \"A\" \"b\"\n"},
     {"usual_transfer_encoding_field",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Transfer-Encoding: base64\n\nhi\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Transfer-Encoding: base64\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+85 b=82+3 c=43+42 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 text/plain enc=7bit h=47+35 m=47+38 b=82+3 c=82+3 n=1\n"
      "  47-81 \"Content-Transfer-Encoding\" \"base64\"\n"},
     {"transfer_encoding_field_as_we_spell_it",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Transfer-Enconding: base64\n\nhi\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Transfer-Enconding: base64\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+86 b=83+3 c=43+43 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 text/plain enc=base64 h=47+36 m=47+39 b=83+3 c=83+3 n=1\n"
      "  47-82 \"Content-Transfer-Enconding\" \"base64\"\n"},
     {"empty_value",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type:\n\nA: b\n\nhi\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type:\n"
+     "\n"
+     "A: b\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+28\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 /plain message enc=7bit h=47+15 m=47+15 c=62+9\n"
@@ -62,8 +87,14 @@ const tree_case part_cases[] = {
      "  62-67 \"A\" \"b\"\n"
      "  68-71 \"h\" \"\"\n"},
     {"message_in_any_case_with_a_parameter",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: Message/RFC822; x=y\n\nA: b\n\nhi\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: Message/RFC822; x=y\n"
+     "\n"
+     "A: b\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+48\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 Message/RFC822 message enc=7bit h=47+35 m=47+35 c=82+9\n"
@@ -72,22 +103,36 @@ const tree_case part_cases[] = {
      "  82-87 \"A\" \"b\"\n"
      "  88-91 \"h\" \"\"\n"},
     {"boundary_of_a_text",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: text/plain; boundary=abc\n\n--abc\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: text/plain; boundary=abc\n"
+     "\n"
+     "--abc\n",
      "1 multipart/mixed multipart h=0+43 m=0+93 b=87+6 c=43+50 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 text/plain enc=7bit h=47+40 m=47+46 b=87+6 c=87+6 n=1\n"
      "  47-86 \"Content-Type\" \"text/plain\" (boundary \"abc\")\n"},
     {"digit_in_a_parameter_name",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: multipart/mixed; charset2=x; boundary=b\n\n--b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: multipart/mixed; charset2=x; boundary=b\n"
+     "\n"
+     "--b\n",
      "1 multipart/mixed multipart h=0+43 m=0+106 b=102+4 c=43+63 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed enc=7bit h=47+55 m=47+59 b=102+4 c=102+4 n=1\n"
      "  47-101 \"Content-Type\" \"multipart/mixed\"\n"},
     {"semicolon_in_a_quoted_boundary",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: multipart/mixed; boundary=\"a;b\"\n\n--a;b\n--a\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: multipart/mixed; boundary=\"a;b\"\n"
+     "\n"
+     "--a;b\n"
+     "--a\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+100 b=94+6 c=43+66 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed multipart enc=7bit h=47+47 m=47+53 b=94+6 c=94+15 n=1\n"
@@ -95,8 +140,14 @@ const tree_case part_cases[] = {
      "1.1.1 text/plain enc=7bit h=104+5 m=104+5\n"
      "  104-109 \"A\" \"b\"\n"},
     {"blank_after_a_boundary",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content-Type: multipart/mixed; boundary=abc \n\n--abc\n--abc \nA: b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content-Type: multipart/mixed; boundary=abc \n"
+     "\n"
+     "--abc\n"
+     "--abc \n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+99 b=93+6 c=43+68 n=1\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed multipart enc=7bit h=47+46 m=47+52 b=93+6 c=93+18 n=1\n"
@@ -104,8 +155,13 @@ const tree_case part_cases[] = {
      "1.1.1 text/plain enc=7bit h=106+5 m=106+5\n"
      "  106-111 \"A\" \"b\"\n"},
     {"short_field_name_and_short_parameter_name",
-     "Content-Type: multipart/mixed; boundary=O\n\n--O\n"
-     "Content: multipart/mixed; b=q\n\n--q\nA: b\n",
+     "Content-Type: multipart/mixed; boundary=O\n"
+     "\n"
+     "--O\n"
+     "Content: multipart/mixed; b=q\n"
+     "\n"
+     "--q\n"
+     "A: b\n",
      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+44\n"
      "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"O\")\n"
      "1.1 multipart/mixed multipart enc=7bit h=47+31 m=47+31 c=78+9\n"
@@ -123,62 +179,153 @@ TEST_P(part_header, gives_tree) {
 INSTANTIATE_TEST_SUITE_P(cases, part_header, testing::ValuesIn(part_cases), case_name<tree_case>);
 
 const tree_case type_cases[] = {
-    {"type_and_subtype", "Content-Type: text/html\n\nhi\n",
+    {"type_and_subtype",
+     "Content-Type: text/html\n"
+     "\n"
+     "hi\n",
      "1 text/html h=0+25 m=0+28 b=25+3 c=25+3 n=1\n"},
-    {"name_and_value_in_any_case_are_kept_as_written", "CONTENT-type: TEXT/Html\n\nhi\n",
+    {"name_and_value_in_any_case_are_kept_as_written",
+     "CONTENT-type: TEXT/Html\n"
+     "\n"
+     "hi\n",
      "1 TEXT/Html h=0+25 m=0+28 b=25+3 c=25+3 n=1\n"},
-    {"value_ends_at_the_semicolon", "Content-Type: text/html ; charset=x\n\nhi\n",
+    {"value_ends_at_the_semicolon",
+     "Content-Type: text/html ; charset=x\n"
+     "\n"
+     "hi\n",
      "1 text/html h=0+37 m=0+40 b=37+3 c=37+3 n=1\n"},
-    {"second_slash_belongs_to_the_subtype", "Content-Type: a/b/c\n\nhi\n",
+    {"second_slash_belongs_to_the_subtype",
+     "Content-Type: a/b/c\n"
+     "\n"
+     "hi\n",
      "1 a/b/c h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
-    {"empty_type_is_defaulted_in_the_body", "Content-Type: /html\n\nhi\n",
+    {"empty_type_is_defaulted_in_the_body",
+     "Content-Type: /html\n"
+     "\n"
+     "hi\n",
      "1 text/html h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
-    {"empty_subtype_is_defaulted_in_the_body", "Content-Type: text/\n\nhi\n",
+    {"empty_subtype_is_defaulted_in_the_body",
+     "Content-Type: text/\n"
+     "\n"
+     "hi\n",
      "1 text/plain h=0+21 m=0+24 b=21+3 c=21+3 n=1\n"},
-    {"slash_alone_is_defaulted_in_the_body", "Content-Type: /\n\nhi\n",
+    {"slash_alone_is_defaulted_in_the_body",
+     "Content-Type: /\n"
+     "\n"
+     "hi\n",
      "1 text/plain h=0+17 m=0+20 b=17+3 c=17+3 n=1\n"},
-    {"no_content_type_field", "A: b\n\nhi\n", "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"},
+    {"no_content_type_field",
+     "A: b\n"
+     "\n"
+     "hi\n",
+     "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"},
     {"no_field_at_all", "\nhi\n", "1 text/plain h=0+1 m=0+4 b=1+3 c=1+3 n=1\n"},
-    {"later_field_wins", "Content-Type: text/html\nContent-Type: image/png\n\nhi\n",
+    {"later_field_wins",
+     "Content-Type: text/html\n"
+     "Content-Type: image/png\n"
+     "\n"
+     "hi\n",
      "1 image/png h=0+49 m=0+52 b=49+3 c=49+3 n=1\n"},
     {"later_field_without_a_slash_wins_the_type_only",
-     "Content-Type: text/html\nContent-Type: image\n\nhi\n",
+     "Content-Type: text/html\n"
+     "Content-Type: image\n"
+     "\n"
+     "hi\n",
      "1 image/html h=0+45 m=0+48 b=45+3 c=45+3 n=1\n"},
-    {"multipart_without_a_boundary", "Content-Type: multipart/mixed\n\n--\nhi\n",
+    {"multipart_without_a_boundary",
+     "Content-Type: multipart/mixed\n"
+     "\n"
+     "--\n"
+     "hi\n",
      "1 multipart/mixed h=0+31 m=0+37 b=31+6 c=31+6 n=2\n"},
-    {"multipart_with_an_empty_subtype", "Content-Type: multipart/; boundary=X\n\nhi\n--X\nA: b\n",
+    {"multipart_with_an_empty_subtype",
+     "Content-Type: multipart/; boundary=X\n"
+     "\n"
+     "hi\n"
+     "--X\n"
+     "A: b\n",
      "1 multipart/plain multipart h=0+38 m=0+41 b=38+3 c=38+12 n=1\n"
      "1.1 text/plain enc=7bit h=45+5 m=45+5\n"},
-    {"multipart_in_any_case", "Content-Type: MultiPart/Mixed; boundary=X\n\n--X\nA: b\n",
+    {"multipart_in_any_case",
+     "Content-Type: MultiPart/Mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n",
      "1 MultiPart/Mixed multipart h=0+43 m=0+43 c=43+9\n"
      "1.1 text/plain enc=7bit h=47+5 m=47+5\n"},
-    {"multiparty_is_not_multipart", "Content-Type: multiparty/x; boundary=X\n\n--X\n",
+    {"multiparty_is_not_multipart",
+     "Content-Type: multiparty/x; boundary=X\n"
+     "\n"
+     "--X\n",
      "1 multiparty/x h=0+40 m=0+44 b=40+4 c=40+4 n=1\n"},
-    {"longer_than_message_rfc822_is_no_message", "Content-Type: message/rfc822x\n\nA: b\n\n",
+    {"longer_than_message_rfc822_is_no_message",
+     "Content-Type: message/rfc822x\n"
+     "\n"
+     "A: b\n"
+     "\n",
      "1 message/rfc822x h=0+31 m=0+37 b=31+6 c=31+6 n=2\n"},
-    {"other_message_types_are_no_messages", "Content-Type: message/partial\n\nA: b\n\n",
+    {"other_message_types_are_no_messages",
+     "Content-Type: message/partial\n"
+     "\n"
+     "A: b\n"
+     "\n",
      "1 message/partial h=0+31 m=0+37 b=31+6 c=31+6 n=2\n"},
-    {"message_is_no_multipart", "Content-Type: message/rfc822; boundary=X\n\nA: b\n\n\n--X\n",
+    {"message_is_no_multipart",
+     "Content-Type: message/rfc822; boundary=X\n"
+     "\n"
+     "A: b\n"
+     "\n"
+     "\n"
+     "--X\n",
      "1 message/rfc822 message h=0+42 m=0+53 b=49+4 c=42+11 n=1\n"
      "1.1 text/plain enc=7bit h=42+7 m=42+11 b=49+4 c=49+4 n=1\n"},
-    {"value_from_the_fold_is_not_seen", "Content-Type:\n text/html\n\nA: b\n\n",
+    {"value_from_the_fold_is_not_seen",
+     "Content-Type:\n"
+     " text/html\n"
+     "\n"
+     "A: b\n"
+     "\n",
      "1 / message h=0+26 m=0+26 c=26+5\n"
      "1.1 text/plain enc=7bit h=26+5 m=26+5\n"},
     {"message_as_multipart_too",
-     "Content-Type: multipart/mixed; boundary=X\nContent-Type: message/rfc822\n\nA: b\n\n\nhi\n--X\nD: e\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "A: b\n"
+     "\n"
+     "\n"
+     "hi\n"
+     "--X\n"
+     "D: e\n",
      "1 message/rfc822 multipart message h=0+72 m=0+82 b=79+3 c=72+19 n=1\n"
      "1.1 text/plain enc=7bit h=72+7 m=72+10 b=79+3 c=79+3 n=1\n"
      "1.2 text/plain enc=7bit h=86+5 m=86+5\n"},
     {"field_between_clears_the_multipart_state",
-     "Content-Type: multipart/mixed;\nA: b\n boundary=X\n\n--X\n",
+     "Content-Type: multipart/mixed;\n"
+     "A: b\n"
+     " boundary=X\n"
+     "\n"
+     "--X\n",
      "1 multipart/mixed h=0+49 m=0+53 b=49+4 c=49+4 n=1\n"},
     {"content_type_of_text_clears_the_multipart_state",
-     "Content-Type: multipart/mixed;\nContent-Type: text/html;\n boundary=X\n\n--X\n",
+     "Content-Type: multipart/mixed;\n"
+     "Content-Type: text/html;\n"
+     " boundary=X\n"
+     "\n"
+     "--X\n",
      "1 text/html h=0+69 m=0+73 b=69+4 c=69+4 n=1\n"},
-    {"header_name_longer_than_content_type", "Content-Types: a/b\n\nhi\n",
+    {"header_name_longer_than_content_type",
+     "Content-Types: a/b\n"
+     "\n"
+     "hi\n",
      "1 text/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n"},
     {"encoding_of_a_part_has_a_default",
-     "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "A: b\n"
+     "\n"
+     "hi\n",
      "1 multipart/mixed multipart h=0+43 m=0+56 b=53+3 c=43+13 n=1\n"
      "1.1 text/plain enc=7bit h=47+6 m=47+9 b=53+3 c=53+3 n=1\n"},
 };
@@ -192,130 +339,238 @@ TEST_P(content_types, give_tree) {
 INSTANTIATE_TEST_SUITE_P(cases, content_types, testing::ValuesIn(type_cases), case_name<tree_case>);
 
 TEST(content_type, keeps_beginnings_of_content_type_as_content_type) {
-    expect_tree("C: text/html\n\nhi\n", "1 text/html h=0+14 m=0+17 b=14+3 c=14+3 n=1\n");
-    expect_tree("Co: text/html\n\nhi\n", "1 text/html h=0+15 m=0+18 b=15+3 c=15+3 n=1\n");
-    expect_tree("con: text/html\n\nhi\n", "1 text/html h=0+16 m=0+19 b=16+3 c=16+3 n=1\n");
-    expect_tree("CONTENT: text/html\n\nhi\n", "1 text/html h=0+20 m=0+23 b=20+3 c=20+3 n=1\n");
-    expect_tree("Content-: text/html\n\nhi\n", "1 text/html h=0+21 m=0+24 b=21+3 c=21+3 n=1\n");
-    expect_tree("Content-Typ: text/html\n\nhi\n", "1 text/html h=0+24 m=0+27 b=24+3 c=24+3 n=1\n");
-    expect_tree("Context: text/html\n\nhi\n", "1 text/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n");
+    expect_tree("C: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+14 m=0+17 b=14+3 c=14+3 n=1\n");
+    expect_tree("Co: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+15 m=0+18 b=15+3 c=15+3 n=1\n");
+    expect_tree("con: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+16 m=0+19 b=16+3 c=16+3 n=1\n");
+    expect_tree("CONTENT: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+20 m=0+23 b=20+3 c=20+3 n=1\n");
+    expect_tree("Content-: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+21 m=0+24 b=21+3 c=21+3 n=1\n");
+    expect_tree("Content-Typ: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/html h=0+24 m=0+27 b=24+3 c=24+3 n=1\n");
+    expect_tree("Context: text/html\n"
+                "\n"
+                "hi\n",
+                "1 text/plain h=0+20 m=0+23 b=20+3 c=20+3 n=1\n");
 }
 
 TEST(content_type, keeps_beginning_of_both_names_as_content_type) {
-    expect_full_tree("Content-T: text/html\n\nhi\n", "1 text/html h=0+22 m=0+25 b=22+3 c=22+3 n=1\n"
-                                                     "  0-21 \"Content-T\" \"text/html\"\n");
-    expect_full_tree("Content-Tr: text/html\n\nhi\n",
+    expect_full_tree("Content-T: text/html\n"
+                     "\n"
+                     "hi\n",
+                     "1 text/html h=0+22 m=0+25 b=22+3 c=22+3 n=1\n"
+                     "  0-21 \"Content-T\" \"text/html\"\n");
+    expect_full_tree("Content-Tr: text/html\n"
+                     "\n"
+                     "hi\n",
                      "1 text/plain enc=text/html h=0+23 m=0+26 b=23+3 c=23+3 n=1\n"
                      "  0-22 \"Content-Tr\" \"text/html\"\n");
 }
 
 TEST(content_type, keeps_spelling_of_the_transfer_encoding_field) {
-    expect_tree("Content-Transfer-Encoding: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Encoding: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain h=0+35 m=0+38 b=35+3 c=35+3 n=1\n");
-    expect_tree("Content-Transfer-Enconding: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Enconding: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=base64 h=0+36 m=0+39 b=36+3 c=36+3 n=1\n");
-    expect_tree("CONTENT-TRANSFER-EN: base64\n\nhi\n",
+    expect_tree("CONTENT-TRANSFER-EN: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=base64 h=0+29 m=0+32 b=29+3 c=29+3 n=1\n");
-    expect_tree("Content-Transfer-Enc: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Enc: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=base64 h=0+30 m=0+33 b=30+3 c=30+3 n=1\n");
-    expect_tree("Content-Transfer-Enco: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Enco: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=base64 h=0+31 m=0+34 b=31+3 c=31+3 n=1\n");
-    expect_tree("Content-Transfer-Encod: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Encod: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
-    expect_tree("Content-Transfer: base64\n\nhi\n",
+    expect_tree("Content-Transfer: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n");
-    expect_tree("Content-Transfer-Encondings: base64\n\nhi\n",
+    expect_tree("Content-Transfer-Encondings: base64\n"
+                "\n"
+                "hi\n",
                 "1 text/plain h=0+37 m=0+40 b=37+3 c=37+3 n=1\n");
 }
 
 TEST(content_type, keeps_whole_value_of_the_encoding) {
-    expect_tree("Content-Tr: Base64 (comment); x=y\n\nhi\n",
+    expect_tree("Content-Tr: Base64 (comment); x=y\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=Base64 (comment); x=y h=0+35 m=0+38 b=35+3 c=35+3 n=1\n");
 }
 
 TEST(content_type, keeps_folds_out_of_the_encoding) {
-    expect_full_tree("Content-Tr: base64\n more\n\nhi\n",
+    expect_full_tree("Content-Tr: base64\n"
+                     " more\n"
+                     "\n"
+                     "hi\n",
                      "1 text/plain enc=base64 h=0+26 m=0+29 b=26+3 c=26+3 n=1\n"
                      "  0-25 \"Content-Tr\" \"base64 more\"\n");
 }
 
 TEST(content_type, later_transfer_encoding_field_wins) {
-    expect_tree("Content-Tr: base64\nContent-Tr: 8bit\n\nhi\n",
+    expect_tree("Content-Tr: base64\n"
+                "Content-Tr: 8bit\n"
+                "\n"
+                "hi\n",
                 "1 text/plain enc=8bit h=0+37 m=0+40 b=37+3 c=37+3 n=1\n");
-    expect_tree("Content-Tr: base64\nContent-Tr:\n\nhi\n",
+    expect_tree("Content-Tr: base64\n"
+                "Content-Tr:\n"
+                "\n"
+                "hi\n",
                 "1 text/plain h=0+32 m=0+35 b=32+3 c=32+3 n=1\n");
 }
 
 TEST(content_type, keeps_root_without_an_encoding) {
-    expect_tree("A: b\n\nhi\n", "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n");
+    expect_tree("A: b\n"
+                "\n"
+                "hi\n",
+                "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n");
 }
 
 TEST(content_type, keeps_types_empty_until_a_body_line_comes) {
-    expect_tree("A: b\n\n", "1 / h=0+6 m=0+6\n");
-    expect_tree("Content-Type: /html\n\n", "1 /html h=0+21 m=0+21\n");
+    expect_tree("A: b\n"
+                "\n",
+                "1 / h=0+6 m=0+6\n");
+    expect_tree("Content-Type: /html\n"
+                "\n",
+                "1 /html h=0+21 m=0+21\n");
     expect_tree("Content-Type: text/\n", "1 text/ h=0+20 m=0+20\n");
 }
 
 TEST(content_type, keeps_defaults_from_boundary_lines) {
-    expect_tree("Content-Type: multipart/; boundary=X\n\n--X\n",
+    expect_tree("Content-Type: multipart/; boundary=X\n"
+                "\n"
+                "--X\n",
                 "1 multipart/plain multipart h=0+38 m=0+38 c=38+4\n"
                 "1.1 text/plain enc=7bit\n");
-    expect_tree("Content-Type: multipart/; boundary=X\n\n--X--\n",
+    expect_tree("Content-Type: multipart/; boundary=X\n"
+                "\n"
+                "--X--\n",
                 "1 multipart/plain multipart h=0+38 m=0+44 b=38+6 n=1\n");
 }
 
 TEST(content_type, keeps_empty_value_as_a_message) {
-    expect_tree("Content-Type:\n\nA: b\n\n\nhi\n",
+    expect_tree("Content-Type:\n"
+                "\n"
+                "A: b\n"
+                "\n"
+                "\n"
+                "hi\n",
                 "1 / message h=0+15 m=0+25 b=22+3 c=15+10 n=1\n"
                 "1.1 text/plain enc=7bit h=15+7 m=15+10 b=22+3 c=22+3 n=1\n");
-    expect_tree("Content-Type: ; x=y\n\nA: b\n\n\nhi\n",
+    expect_tree("Content-Type: ; x=y\n"
+                "\n"
+                "A: b\n"
+                "\n"
+                "\n"
+                "hi\n",
                 "1 / message h=0+21 m=0+31 b=28+3 c=21+10 n=1\n"
                 "1.1 text/plain enc=7bit h=21+7 m=21+10 b=28+3 c=28+3 n=1\n");
 }
 
 TEST(content_type, keeps_beginnings_of_message_rfc822_as_messages) {
-    expect_tree("Content-Type: m\n\nA: b\n", "1 m/ message h=0+17 m=0+17 c=17+5\n"
-                                             "1.1 text/plain enc=7bit h=17+5 m=17+5\n");
-    expect_tree("Content-Type: Message\n\nA: b\n", "1 Message/ message h=0+23 m=0+23 c=23+5\n"
-                                                   "1.1 text/plain enc=7bit h=23+5 m=23+5\n");
-    expect_tree("Content-Type: message/\n\nA: b\n", "1 message/ message h=0+24 m=0+24 c=24+5\n"
-                                                    "1.1 text/plain enc=7bit h=24+5 m=24+5\n");
-    expect_tree("Content-Type: MESSAGE/RFC\n\nA: b\n",
+    expect_tree("Content-Type: m\n"
+                "\n"
+                "A: b\n",
+                "1 m/ message h=0+17 m=0+17 c=17+5\n"
+                "1.1 text/plain enc=7bit h=17+5 m=17+5\n");
+    expect_tree("Content-Type: Message\n"
+                "\n"
+                "A: b\n",
+                "1 Message/ message h=0+23 m=0+23 c=23+5\n"
+                "1.1 text/plain enc=7bit h=23+5 m=23+5\n");
+    expect_tree("Content-Type: message/\n"
+                "\n"
+                "A: b\n",
+                "1 message/ message h=0+24 m=0+24 c=24+5\n"
+                "1.1 text/plain enc=7bit h=24+5 m=24+5\n");
+    expect_tree("Content-Type: MESSAGE/RFC\n"
+                "\n"
+                "A: b\n",
                 "1 MESSAGE/RFC message h=0+27 m=0+27 c=27+5\n"
                 "1.1 text/plain enc=7bit h=27+5 m=27+5\n");
 }
 
 TEST(content_type, keeps_multipart_without_a_slash_as_no_multipart) {
-    expect_tree("Content-Type: multipart; boundary=X\n\n--X\n",
+    expect_tree("Content-Type: multipart; boundary=X\n"
+                "\n"
+                "--X\n",
                 "1 multipart/plain h=0+37 m=0+41 b=37+4 c=37+4 n=1\n");
 }
 
 TEST(content_type, keeps_subtype_where_the_value_has_no_slash) {
-    expect_tree("Content-Type: multipart/mixed; boundary=X\n\n--X\nContent-Type: image\n\nhi\n",
+    expect_tree("Content-Type: multipart/mixed; boundary=X\n"
+                "\n"
+                "--X\n"
+                "Content-Type: image\n"
+                "\n"
+                "hi\n",
                 "1 multipart/mixed multipart h=0+43 m=0+71 b=68+3 c=43+28 n=1\n"
                 "1.1 image/plain enc=7bit h=47+21 m=47+24 b=68+3 c=68+3 n=1\n");
-    expect_tree("Content-Type: image\n\n", "1 image/ h=0+21 m=0+21\n");
+    expect_tree("Content-Type: image\n"
+                "\n",
+                "1 image/ h=0+21 m=0+21\n");
 }
 
 TEST(content_type, keeps_blanks_around_the_slash) {
-    expect_tree("Content-Type: text / html\n\nhi\n",
+    expect_tree("Content-Type: text / html\n"
+                "\n"
+                "hi\n",
                 "1 text / html h=0+27 m=0+30 b=27+3 c=27+3 n=1\n");
 }
 
 TEST(content_type, keeps_folds_out_of_its_value) {
-    expect_full_tree("Content-Type: text/ht\n ml; a=b\n\nhi\n",
+    expect_full_tree("Content-Type: text/ht\n"
+                     " ml; a=b\n"
+                     "\n"
+                     "hi\n",
                      "1 text/ht h=0+32 m=0+35 b=32+3 c=32+3 n=1\n"
                      "  0-31 \"Content-Type\" \"text/ht\"\n");
 }
 
 TEST(content_type, keeps_message_flag_once_set) {
-    expect_tree("Content-Type: message/rfc822\nContent-Type: text/html\n\nA: b\n\n\nhi\n",
+    expect_tree("Content-Type: message/rfc822\n"
+                "Content-Type: text/html\n"
+                "\n"
+                "A: b\n"
+                "\n"
+                "\n"
+                "hi\n",
                 "1 text/html message h=0+54 m=0+64 b=61+3 c=54+10 n=1\n"
                 "1.1 text/plain enc=7bit h=54+7 m=54+10 b=61+3 c=61+3 n=1\n");
 }
 
 TEST(content_type, keeps_first_parameter_of_a_later_line_without_a_semicolon) {
-    expect_full_tree("Content-Type: text/html\n a=b; d=e\n\nhi\n",
+    expect_full_tree("Content-Type: text/html\n"
+                     " a=b; d=e\n"
+                     "\n"
+                     "hi\n",
                      "1 text/html h=0+35 m=0+38 b=35+3 c=35+3 n=1\n"
                      "  0-34 \"Content-Type\" \"text/html\" (a \"b\") (d \"e\")\n");
 }

@@ -38,13 +38,35 @@ using test_support::full_tree_text;
 using test_support::parse;
 using test_support::parse_outcome;
 
-const std::string_view two_parts =
-    "From: a\r\nContent-Type: multipart/mixed;\r\n boundary=XX\r\n\r\npreamble\r\n"
-    "--XX\r\nContent-Type: message/rfc822\r\n\r\nSubject: x\r\nTo: y\r\n\r\nhello\r\n"
-    "--XX\nA: b\n\nworld\n\n--XX--\nbye";
+const std::string_view two_parts = "From: a\r\n"
+                                   "Content-Type: multipart/mixed;\r\n"
+                                   " boundary=XX\r\n"
+                                   "\r\n"
+                                   "preamble\r\n"
+                                   "--XX\r\n"
+                                   "Content-Type: message/rfc822\r\n"
+                                   "\r\n"
+                                   "Subject: x\r\n"
+                                   "To: y\r\n"
+                                   "\r\n"
+                                   "hello\r\n"
+                                   "--XX\n"
+                                   "A: b\n"
+                                   "\n"
+                                   "world\n"
+                                   "\n"
+                                   "--XX--\n"
+                                   "bye";
 
-const std::string_view stray_byte_in_a_part =
-    "Content-Type: multipart/mixed; boundary=X\n\npre\n--X\nA: b\n\nhi\nh\0o\n--X--\n"sv;
+const std::string_view stray_byte_in_a_part = "Content-Type: multipart/mixed; boundary=X\n"
+                                              "\n"
+                                              "pre\n"
+                                              "--X\n"
+                                              "A: b\n"
+                                              "\n"
+                                              "hi\n"
+                                              "h\0o\n"
+                                              "--X--\n"sv;
 
 TEST(fill, sets_done_at_the_end_of_the_input) {
     MailStructure message;
@@ -129,8 +151,11 @@ TEST(fill, begins_afresh_each_time) {
     MailStructure message;
     message.m_keep_text = true;
     for (int round = 0; round < 3; ++round) {
-        for (const std::string_view input :
-             {two_parts, "a: b\n\nhi\n"sv, ""sv, stray_byte_in_a_part, "word\r\n"sv}) {
+        for (const std::string_view input : {two_parts,
+                                             "a: b\n"
+                                             "\n"
+                                             "hi\n"sv,
+                                             ""sv, stray_byte_in_a_part, "word\r\n"sv}) {
             std::istringstream in{std::string(input)};
             const std::string error = fill(message, in);
             const parse_outcome fresh = parse(input, {.m_keep_text = true});
@@ -288,13 +313,24 @@ TEST(fill, ends_as_getline_does_at_every_offset_and_under_every_mask) {
 }
 
 TEST(fill, ends_as_getline_does_on_every_stream) {
-    for (const std::string_view input : {two_parts, "a: b\n\nhi\n"sv, "a: b\n\nhi"sv, "\n"sv, ""sv})
+    for (const std::string_view input : {two_parts,
+                                         "a: b\n"
+                                         "\n"
+                                         "hi\n"sv,
+                                         "a: b\n"
+                                         "\n"
+                                         "hi"sv,
+                                         "\n"sv, ""sv})
         for (const delivery& way : all_deliveries)
             expect_end_as_of_getline(input, input.size(), fault::ends, way);
 }
 
 TEST(fill, keeps_read_error_as_an_end_of_the_input) {
-    const std::string_view input = "a: b\n\nhi\nhalf a line\nmore\n";
+    const std::string_view input = "a: b\n"
+                                   "\n"
+                                   "hi\n"
+                                   "half a line\n"
+                                   "more\n";
     faulty_stream in(input, 14, fault::throws);
     const parse_outcome outcome = parse(in);
     EXPECT_EQ(full_outcome_text(outcome), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"

@@ -23,16 +23,24 @@ using test_support::expect_full_tree;
 using test_support::tree_case;
 
 const tree_case field_cases[] = {
-    {"name_and_value", "Subject: Hello\n\n",
+    {"name_and_value",
+     "Subject: Hello\n"
+     "\n",
      "1 / h=0+16 m=0+16\n"
      "  0-15 \"Subject\" \"Hello\"\n"},
-    {"name_as_written", "sUbJeCt: Hello\n\n",
+    {"name_as_written",
+     "sUbJeCt: Hello\n"
+     "\n",
      "1 / h=0+16 m=0+16\n"
      "  0-15 \"sUbJeCt\" \"Hello\"\n"},
-    {"value_is_trimmed_at_both_ends", "A: \t x y \t \n\n",
+    {"value_is_trimmed_at_both_ends",
+     "A: \t x y \t \n"
+     "\n",
      "1 / h=0+13 m=0+13\n"
      "  0-12 \"A\" \"x y\"\n"},
-    {"value_with_colons", "A: b:c: d\n\n",
+    {"value_with_colons",
+     "A: b:c: d\n"
+     "\n",
      "1 / h=0+11 m=0+11\n"
      "  0-10 \"A\" \"b:c: d\"\n"},
     {"value_without_a_blank_before_it", "A:b\n\n",
@@ -41,25 +49,41 @@ const tree_case field_cases[] = {
     {"empty_value", "A:\n\n",
      "1 / h=0+4 m=0+4\n"
      "  0-3 \"A\" \"\"\n"},
-    {"value_of_blanks", "A:  \t \n\n",
+    {"value_of_blanks",
+     "A:  \t \n"
+     "\n",
      "1 / h=0+8 m=0+8\n"
      "  0-7 \"A\" \"\"\n"},
-    {"empty_value_before_cr_lf", "A:\r\n\r\n",
+    {"empty_value_before_cr_lf",
+     "A:\r\n"
+     "\r\n",
      "1 / h=0+6 m=0+6\n"
      "  0-4 \"A\" \"\"\n"},
-    {"name_of_hyphens_after_a_letter", "A--: b\n\n",
+    {"name_of_hyphens_after_a_letter",
+     "A--: b\n"
+     "\n",
      "1 / h=0+8 m=0+8\n"
      "  0-7 \"A--\" \"b\"\n"},
-    {"hyphen_as_the_last_of_a_name", "X-: b\n\n",
+    {"hyphen_as_the_last_of_a_name",
+     "X-: b\n"
+     "\n",
      "1 / h=0+7 m=0+7\n"
      "  0-6 \"X-\" \"b\"\n"},
-    {"eight_bit_value", "A: \xe9\xff\n\n",
+    {"eight_bit_value",
+     "A: \xe9\xff\n"
+     "\n",
      "1 / h=0+7 m=0+7\n"
      "  0-6 \"A\" \"\\351\\377\"\n"},
-    {"control_characters_in_a_value", "A: b\x01 c\x0b\x0c\n\n",
+    {"control_characters_in_a_value",
+     "A: b\x01 c\x0b\x0c\n"
+     "\n",
      "1 / h=0+11 m=0+11\n"
      "  0-10 \"A\" \"b\\001 c\"\n"},
-    {"several_fields_in_order", "A: 1\nB: 2\nA: 3\n\n",
+    {"several_fields_in_order",
+     "A: 1\n"
+     "B: 2\n"
+     "A: 3\n"
+     "\n",
      "1 / h=0+16 m=0+16\n"
      "  0-5 \"A\" \"1\"\n"
      "  5-10 \"B\" \"2\"\n"
@@ -67,43 +91,77 @@ const tree_case field_cases[] = {
     {"field_at_the_end_of_the_input", "A: 1",
      "1 / h=0+4 m=0+4\n"
      "  0-4 \"A\" \"1\"\n"},
-    {"semicolon_stays_in_other_fields", "A: b; c=d\n\n",
+    {"semicolon_stays_in_other_fields",
+     "A: b; c=d\n"
+     "\n",
      "1 / h=0+11 m=0+11\n"
      "  0-10 \"A\" \"b; c=d\"\n"},
-    {"folds", "A: b\n cd\n ef\n\n",
+    {"folds",
+     "A: b\n"
+     " cd\n"
+     " ef\n"
+     "\n",
      "1 / h=0+14 m=0+14\n"
      "  0-13 \"A\" \"b cd ef\"\n"},
-    {"fold_trims_the_first_line_only", "Subject: Hello  \n  World\n\n",
+    {"fold_trims_the_first_line_only",
+     "Subject: Hello  \n"
+     "  World\n"
+     "\n",
      "1 / h=0+26 m=0+26\n"
      "  0-25 \"Subject\" \"Hello World\"\n"},
-    {"fold_keeps_one_blank_character_as_it_is", "A: b\n\t \tc d\n\n",
+    {"fold_keeps_one_blank_character_as_it_is",
+     "A: b\n"
+     "\t \tc d\n"
+     "\n",
      "1 / h=0+13 m=0+13\n"
      "  0-12 \"A\" \"b\\tc d\"\n"},
-    {"fold_of_one_character_before_cr_lf", "A: b\r\n c\r\n\r\n",
+    {"fold_of_one_character_before_cr_lf",
+     "A: b\r\n"
+     " c\r\n"
+     "\r\n",
      "1 / h=0+12 m=0+12\n"
      "  0-10 \"A\" \"b c\"\n"},
 
-    {"fold_to_an_empty_value", "A:\n  bc\n\n",
+    {"fold_to_an_empty_value",
+     "A:\n"
+     "  bc\n"
+     "\n",
      "1 / h=0+9 m=0+9\n"
      "  0-8 \"A\" \" bc\"\n"},
-    {"fold_that_looks_like_a_field", "A: b\n C: d\n\n",
+    {"fold_that_looks_like_a_field",
+     "A: b\n"
+     " C: d\n"
+     "\n",
      "1 / h=0+12 m=0+12\n"
      "  0-11 \"A\" \"b C: d\"\n"},
-    {"fold_at_the_end_of_the_input", "A: b\n cd",
+    {"fold_at_the_end_of_the_input",
+     "A: b\n"
+     " cd",
      "1 / h=0+8 m=0+8\n"
      "  0-8 \"A\" \"b cd\"\n"},
-    {"fold_begins_with_any_white_space", "A: b\n\vcd\n\fef\n\n",
+    {"fold_begins_with_any_white_space",
+     "A: b\n"
+     "\vcd\n"
+     "\fef\n"
+     "\n",
      "1 / h=0+14 m=0+14\n"
      "  0-13 \"A\" \"b\\013cd\\014ef\"\n"},
-    {"fields_around_a_fold", "A: 1\nB: 2\n 34\nD: 5\n\n",
+    {"fields_around_a_fold",
+     "A: 1\n"
+     "B: 2\n"
+     " 34\n"
+     "D: 5\n"
+     "\n",
      "1 / h=0+20 m=0+20\n"
      "  0-5 \"A\" \"1\"\n"
      "  5-14 \"B\" \"2 34\"\n"
      "  14-19 \"D\" \"5\"\n"},
     {"field_name_of_many_letters",
-     "Abcdefghijklmnopqrstuvwxyz-ABCDEFGHIJKLMNOPQRSTUVWXYZ-abcdefghijklmnopqrstuvwxyz: x\n\n",
+     "Abcdefghijklmnopqrstuvwxyz-ABCDEFGHIJKLMNOPQRSTUVWXYZ-abcdefghijklmnopqrstuvwxyz: x\n"
+     "\n",
      "1 / h=0+85 m=0+85\n"
-     "  0-84 \"Abcdefghijklmnopqrstuvwxyz-ABCDEFGHIJKLMNOPQRSTUVWXYZ-abcdefghijklmnopqrstuvwxyz\" \"x\"\n"},
+     "  0-84 \"Abcdefghijklmnopqrstuvwxyz-ABCDEFGHIJKLMNOPQRSTUVWXYZ-"
+     "abcdefghijklmnopqrstuvwxyz\" \"x\"\n"},
 };
 
 class header_fields : public testing::TestWithParam<tree_case> {};
@@ -116,72 +174,132 @@ INSTANTIATE_TEST_SUITE_P(cases, header_fields, testing::ValuesIn(field_cases),
                          case_name<tree_case>);
 
 const tree_case block_end_cases[] = {
-    {"blank_line_belongs_to_the_block", "a: b\n\nhi\n",
+    {"blank_line_belongs_to_the_block",
+     "a: b\n"
+     "\n"
+     "hi\n",
      "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"blank_line_with_cr_lf", "a: b\r\n\r\nhi\r\n",
+    {"blank_line_with_cr_lf",
+     "a: b\r\n"
+     "\r\n"
+     "hi\r\n",
      "1 text/plain h=0+8 m=0+12 b=8+4 c=8+4 n=1\n"
      "  0-6 \"a\" \"b\"\n"},
     {"blank_line_at_once", "\nhi\n", "1 text/plain h=0+1 m=0+4 b=1+3 c=1+3 n=1\n"},
-    {"second_blank_line_is_body", "a: b\n\n\nhi\n",
+    {"second_blank_line_is_body",
+     "a: b\n"
+     "\n"
+     "\n"
+     "hi\n",
      "1 text/plain h=0+6 m=0+10 b=6+4 c=6+4 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"first_line_led_by_a_blank_is_body", " a: b\nc: d\n",
+    {"first_line_led_by_a_blank_is_body",
+     " a: b\n"
+     "c: d\n",
      "1 text/plain m=0+11 b=6+5 c=0+11 n=2\n"},
-    {"first_line_of_one_blank_is_body", " \nc: d\n", "1 text/plain m=0+7 b=2+5 c=0+7 n=2\n"},
-    {"digit_first", "a: b\n1: c\nd: e\n",
+    {"first_line_of_one_blank_is_body",
+     " \n"
+     "c: d\n",
+     "1 text/plain m=0+7 b=2+5 c=0+7 n=2\n"},
+    {"digit_first",
+     "a: b\n"
+     "1: c\n"
+     "d: e\n",
      "1 text/plain h=0+5 m=0+15 b=5+10 c=5+10 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"colon_first", "a: b\n: c\n",
+    {"colon_first",
+     "a: b\n"
+     ": c\n",
      "1 text/plain h=0+5 m=0+9 b=5+4 c=5+4 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"hyphen_first", "a: b\n-c: d\n",
+    {"hyphen_first",
+     "a: b\n"
+     "-c: d\n",
      "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"dashes_of_a_boundary", "a: b\n--X\n",
+    {"dashes_of_a_boundary",
+     "a: b\n"
+     "--X\n",
      "1 text/plain h=0+5 m=0+9 b=5+4 c=5+4 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"underscore_in_a_name", "a: b\nc_d: e\n",
+    {"underscore_in_a_name",
+     "a: b\n"
+     "c_d: e\n",
      "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"dot_in_a_name", "a: b\nc.d: e\n",
+    {"dot_in_a_name",
+     "a: b\n"
+     "c.d: e\n",
      "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"blank_before_the_colon", "a: b\nc : d\n",
+    {"blank_before_the_colon",
+     "a: b\n"
+     "c : d\n",
      "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"tab_before_the_colon", "a: b\nc\t: d\n",
+    {"tab_before_the_colon",
+     "a: b\n"
+     "c\t: d\n",
      "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"eight_bit_letter_in_a_name", "a: b\nc\xe9: d\n",
+    {"eight_bit_letter_in_a_name",
+     "a: b\n"
+     "c\xe9: d\n",
      "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"eight_bit_letter_first", "a: b\n\xe9: d\n",
+    {"eight_bit_letter_first",
+     "a: b\n"
+     "\xe9: d\n",
      "1 text/plain h=0+5 m=0+10 b=5+5 c=5+5 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"eight_bit_blank_first", "a: b\n\xa0 c\n\x85 d\n",
+    {"eight_bit_blank_first",
+     "a: b\n"
+     "\xa0 c\n"
+     "\x85 d\n",
      "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"mailbox_line_first", "From me@here\na: b\n", "1 text/plain m=0+18 b=13+5 c=0+18 n=2\n"},
-    {"words", "a: b\nhello world\n",
+    {"mailbox_line_first",
+     "From me@here\n"
+     "a: b\n",
+     "1 text/plain m=0+18 b=13+5 c=0+18 n=2\n"},
+    {"words",
+     "a: b\n"
+     "hello world\n",
      "1 text/plain h=0+5 m=0+17 b=5+12 c=5+12 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"one_digit", "a: b\n1\n",
+    {"one_digit",
+     "a: b\n"
+     "1\n",
      "1 text/plain h=0+5 m=0+7 b=5+2 c=5+2 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"letter_and_digit_and_more", "a: b\nc1x\n",
+    {"letter_and_digit_and_more",
+     "a: b\n"
+     "c1x\n",
      "1 text/plain h=0+5 m=0+9 b=5+4 c=5+4 n=1\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"three_blanks", "a: b\n   \nhi\n",
+    {"three_blanks",
+     "a: b\n"
+     "   \n"
+     "hi\n",
      "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
-    {"blanks_before_cr_lf", "a: b\r\n  \r\nhi\r\n",
+    {"blanks_before_cr_lf",
+     "a: b\r\n"
+     "  \r\n"
+     "hi\r\n",
      "1 text/plain h=0+6 m=0+14 b=6+8 c=6+8 n=2\n"
      "  0-6 \"a\" \"b\"\n"},
-    {"one_blank_before_cr_lf", "a: b\r\n \r\nhi\r\n",
+    {"one_blank_before_cr_lf",
+     "a: b\r\n"
+     " \r\n"
+     "hi\r\n",
      "1 text/plain h=0+6 m=0+13 b=6+7 c=6+7 n=2\n"
      "  0-6 \"a\" \"b\"\n"},
-    {"field_after_the_end_is_body", "a: b\n1\nc: d\n",
+    {"field_after_the_end_is_body",
+     "a: b\n"
+     "1\n"
+     "c: d\n",
      "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=2\n"
      "  0-5 \"a\" \"b\"\n"},
 };
@@ -196,66 +314,105 @@ INSTANTIATE_TEST_SUITE_P(cases, header_end, testing::ValuesIn(block_end_cases),
                          case_name<tree_case>);
 
 TEST(header_block, keeps_fold_of_a_single_last_byte_ending_the_block) {
-    expect_full_tree("a: b\n c\nd: e\n", "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
-                                         "  0-5 \"a\" \"b\"\n");
-    expect_full_tree("a: b\n     c\nd: e\n", "1 text/plain h=0+5 m=0+17 b=5+12 c=5+12 n=2\n"
-                                             "  0-5 \"a\" \"b\"\n");
+    expect_full_tree("a: b\n"
+                     " c\n"
+                     "d: e\n",
+                     "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
+                     "  0-5 \"a\" \"b\"\n");
+    expect_full_tree("a: b\n"
+                     "     c\n"
+                     "d: e\n",
+                     "1 text/plain h=0+5 m=0+17 b=5+12 c=5+12 n=2\n"
+                     "  0-5 \"a\" \"b\"\n");
 }
 
 TEST(header_block, keeps_two_blanks_ending_the_block) {
-    expect_full_tree("a: b\n  \nd: e\n", "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
-                                         "  0-5 \"a\" \"b\"\n");
+    expect_full_tree("a: b\n"
+                     "  \n"
+                     "d: e\n",
+                     "1 text/plain h=0+5 m=0+13 b=5+8 c=5+8 n=2\n"
+                     "  0-5 \"a\" \"b\"\n");
 }
 
 TEST(header_block, keeps_single_blank_as_a_fold) {
-    expect_full_tree("a: b\n \nd: e\n\n", "1 / h=0+13 m=0+13\n"
-                                          "  0-7 \"a\" \"b \"\n"
-                                          "  7-12 \"d\" \"e\"\n");
-    expect_full_tree("a: b\n\t\n \n\n", "1 / h=0+10 m=0+10\n"
-                                        "  0-9 \"a\" \"b\\t \"\n");
+    expect_full_tree("a: b\n"
+                     " \n"
+                     "d: e\n"
+                     "\n",
+                     "1 / h=0+13 m=0+13\n"
+                     "  0-7 \"a\" \"b \"\n"
+                     "  7-12 \"d\" \"e\"\n");
+    expect_full_tree("a: b\n"
+                     "\t\n"
+                     " \n"
+                     "\n",
+                     "1 / h=0+10 m=0+10\n"
+                     "  0-9 \"a\" \"b\\t \"\n");
 }
 
 TEST(header_block, keeps_trailing_blanks_of_folds) {
-    expect_full_tree("a: b  \n  cd \t \n\n", "1 / h=0+16 m=0+16\n"
-                                             "  0-15 \"a\" \"b cd \\t \"\n");
+    expect_full_tree("a: b  \n"
+                     "  cd \t \n"
+                     "\n",
+                     "1 / h=0+16 m=0+16\n"
+                     "  0-15 \"a\" \"b cd \\t \"\n");
 }
 
 TEST(header_block, keeps_digit_in_a_name_ending_the_block) {
-    expect_full_tree("a: b\nX-1: c\nd: e\n", "1 text/plain h=0+5 m=0+17 b=5+12 c=5+12 n=2\n"
-                                             "  0-5 \"a\" \"b\"\n");
+    expect_full_tree("a: b\n"
+                     "X-1: c\n"
+                     "d: e\n",
+                     "1 text/plain h=0+5 m=0+17 b=5+12 c=5+12 n=2\n"
+                     "  0-5 \"a\" \"b\"\n");
 }
 
 TEST(header_block, keeps_line_of_letters_as_a_field_short_of_its_last_letter) {
     expect_full_tree("abc\n\n", "1 / h=0+5 m=0+5\n"
                                 "  0-4 \"ab\" \"\"\n");
-    expect_full_tree("Content-Type\n\nab\n", "1 / message h=0+14 m=0+14 c=14+3\n"
-                                             "  0-13 \"Content-Typ\" \"\"\n"
-                                             "1.1 text/plain enc=7bit h=14+3 m=14+3\n"
-                                             "  14-17 \"a\" \"\"\n");
+    expect_full_tree("Content-Type\n"
+                     "\n"
+                     "ab\n",
+                     "1 / message h=0+14 m=0+14 c=14+3\n"
+                     "  0-13 \"Content-Typ\" \"\"\n"
+                     "1.1 text/plain enc=7bit h=14+3 m=14+3\n"
+                     "  14-17 \"a\" \"\"\n");
     expect_full_tree("a-b", "1 / h=0+3 m=0+3\n"
                             "  0-3 \"a-\" \"\"\n");
 }
 
 TEST(header_block, keeps_last_byte_of_a_line_unseen_by_the_name_scan) {
-    expect_full_tree("ab!\nab \nab1\nab;\n\n", "1 / h=0+17 m=0+17\n"
-                                               "  0-4 \"ab\" \"\"\n"
-                                               "  4-8 \"ab\" \"\"\n"
-                                               "  8-12 \"ab\" \"\"\n"
-                                               "  12-16 \"ab\" \"\"\n");
-    expect_full_tree("ab\0\n\n"sv, "1 / h=0+5 m=0+5\n"
-                                   "  0-4 \"ab\" \"\"\n");
+    expect_full_tree("ab!\n"
+                     "ab \n"
+                     "ab1\n"
+                     "ab;\n"
+                     "\n",
+                     "1 / h=0+17 m=0+17\n"
+                     "  0-4 \"ab\" \"\"\n"
+                     "  4-8 \"ab\" \"\"\n"
+                     "  8-12 \"ab\" \"\"\n"
+                     "  12-16 \"ab\" \"\"\n");
+    expect_full_tree("ab\0\n"
+                     "\n"sv,
+                     "1 / h=0+5 m=0+5\n"
+                     "  0-4 \"ab\" \"\"\n");
 }
 
 TEST(header_block, keeps_line_of_one_letter_ending_the_block) {
-    expect_full_tree("a: b\nc\nd: e\n", "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=2\n"
-                                        "  0-5 \"a\" \"b\"\n");
+    expect_full_tree("a: b\n"
+                     "c\n"
+                     "d: e\n",
+                     "1 text/plain h=0+5 m=0+12 b=5+7 c=5+7 n=2\n"
+                     "  0-5 \"a\" \"b\"\n");
 }
 
 TEST(header_block, keeps_length_error_for_letters_before_cr_lf) {
-    expect_full_tree("a: b\r\nword\r\nc: d\r\n", "1 / h=0+6 m=0+6\n"
-                                                 "  0-6 \"a\" \"b\"\n"
-                                                 "  unset-0 \"word\" \"\"\n"
-                                                 "! length_error\n");
+    expect_full_tree("a: b\r\n"
+                     "word\r\n"
+                     "c: d\r\n",
+                     "1 / h=0+6 m=0+6\n"
+                     "  0-6 \"a\" \"b\"\n"
+                     "  unset-0 \"word\" \"\"\n"
+                     "! length_error\n");
     expect_full_tree("x\r\n", "1 /\n"
                               "  unset-0 \"x\" \"\"\n"
                               "! length_error\n");
@@ -265,12 +422,17 @@ TEST(header_block, keeps_length_error_for_letters_before_cr_lf) {
     expect_full_tree("word\r", "1 /\n"
                                "  unset-0 \"word\" \"\"\n"
                                "! length_error\n");
-    expect_full_tree("\r\nword\r\n",
+    expect_full_tree("\r\n"
+                     "word\r\n",
                      "1 text/plain h=0+2 m=0+8 b=2+6 c=2+6 n=1\n"); // in a body it is text
 }
 
 TEST(header_block, length_error_of_a_part_leaves_the_field_behind) {
-    expect_full_tree("Content-Type: multipart/mixed; boundary=X\r\n\r\n--X\r\nword\r\nc: d\r\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundary=X\r\n"
+                     "\r\n"
+                     "--X\r\n"
+                     "word\r\n"
+                     "c: d\r\n",
                      "1 multipart/mixed multipart h=0+45 m=0+45 c=45+5\n"
                      "  0-43 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
                      "1.1 text/plain enc=7bit\n"
@@ -279,8 +441,11 @@ TEST(header_block, length_error_of_a_part_leaves_the_field_behind) {
 }
 
 TEST(header_block, keeps_field_positions_as_begin_and_end) {
-    test_support::parse_outcome outcome =
-        test_support::parse("a: b\r\nSubject: x\r\n y\r\nd: e\r\n\r\n"sv);
+    test_support::parse_outcome outcome = test_support::parse("a: b\r\n"
+                                                              "Subject: x\r\n"
+                                                              " y\r\n"
+                                                              "d: e\r\n"
+                                                              "\r\n"sv);
     const MailStructure::header& folded = outcome.m_message.m_root.m_headers.at(1);
     EXPECT_EQ(folded.m_beg, 6U);
     EXPECT_EQ(folded.m_end, 22U);
@@ -315,7 +480,11 @@ private:
 TEST(header_block, keeps_trim_of_values_to_the_global_locale) {
     const global_locale changed(std::locale(std::locale::classic(), new facet_with_blank_z));
     // Only the trim asks it: a line led by z is no fold, and parameters have their own white space.
-    expect_full_tree("a: zz bz z\nzoo: zz\nContent-Type: ztext/htmlz; z=zz\n\nhi\n",
+    expect_full_tree("a: zz bz z\n"
+                     "zoo: zz\n"
+                     "Content-Type: ztext/htmlz; z=zz\n"
+                     "\n"
+                     "hi\n",
                      "1 text/html h=0+52 m=0+55 b=52+3 c=52+3 n=1\n"
                      "  0-11 \"a\" \"b\"\n"
                      "  11-19 \"zoo\" \"\"\n"
@@ -333,10 +502,15 @@ TEST(header_block, no_locale_makes_eight_bit_bytes_letters_or_blanks) {
     const std::string before = std::setlocale(LC_CTYPE, nullptr);
     for (const char* name : {"C.UTF-8", "en_US.ISO-8859-1", "de_DE.ISO-8859-1", "C"}) {
         if (std::setlocale(LC_CTYPE, name) == nullptr) continue;
-        expect_full_tree("a: b\n\xa0 c\nd\xe9: e\n", "1 text/plain h=0+5 m=0+15 b=5+10 c=5+10 n=2\n"
-                                                     "  0-5 \"a\" \"b\"\n");
-        expect_full_tree("a: b\nd\xe9: e\n", "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
-                                             "  0-5 \"a\" \"b\"\n");
+        expect_full_tree("a: b\n"
+                         "\xa0 c\n"
+                         "d\xe9: e\n",
+                         "1 text/plain h=0+5 m=0+15 b=5+10 c=5+10 n=2\n"
+                         "  0-5 \"a\" \"b\"\n");
+        expect_full_tree("a: b\n"
+                         "d\xe9: e\n",
+                         "1 text/plain h=0+5 m=0+11 b=5+6 c=5+6 n=1\n"
+                         "  0-5 \"a\" \"b\"\n");
     }
     std::setlocale(LC_CTYPE, before.c_str());
 }

@@ -70,26 +70,43 @@ const tree_case parameter_cases[] = {
     {"single_character_value_at_the_end_of_the_input", "Content-Type: a/b; c=d",
      "1 a/b h=0+22 m=0+22\n"
      "  0-22 \"Content-Type\" \"a/b\" (c \"d\")\n"},
-    {"on_continuation_lines", "Content-Type: a/b; c=d;\n e=f;\n\tg=h\n",
+    {"on_continuation_lines",
+     "Content-Type: a/b; c=d;\n"
+     " e=f;\n"
+     "\tg=h\n",
      "1 a/b h=0+35 m=0+35\n"
      "  0-35 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\") (g \"h\")\n"},
-    {"continuation_line_after_a_line_without_semicolon", "Content-Type: a/b; c=d\n e=f\n",
+    {"continuation_line_after_a_line_without_semicolon",
+     "Content-Type: a/b; c=d\n"
+     " e=f\n",
      "1 a/b h=0+28 m=0+28\n"
      "  0-28 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\")\n"},
-    {"value_is_not_continued", "Content-Type: a/b; c=\"d\n e\"; f=g\n",
+    {"value_is_not_continued",
+     "Content-Type: a/b; c=\"d\n"
+     " e\"; f=g\n",
      "1 a/b h=0+33 m=0+33\n"
      "  0-33 \"Content-Type\" \"a/b\" (c \"d\")\n"},
-    {"continuation_of_one_blank", "Content-Type: a/b; c=d\n \n e=f\n",
+    {"continuation_of_one_blank",
+     "Content-Type: a/b; c=d\n"
+     " \n"
+     " e=f\n",
      "1 a/b h=0+30 m=0+30\n"
      "  0-30 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\")\n"},
-    {"none_in_other_fields", "X-Content-Type: a/b; c=d\n e=f\n",
+    {"none_in_other_fields",
+     "X-Content-Type: a/b; c=d\n"
+     " e=f\n",
      "1 / h=0+30 m=0+30\n"
      "  0-30 \"X-Content-Type\" \"a/b; c=d e=f\"\n"},
-    {"none_after_another_field_began", "Content-Type: a/b; c=d\nX: y\n e=f\n",
+    {"none_after_another_field_began",
+     "Content-Type: a/b; c=d\n"
+     "X: y\n"
+     " e=f\n",
      "1 a/b h=0+33 m=0+33\n"
      "  0-23 \"Content-Type\" \"a/b\" (c \"d\")\n"
      "  23-33 \"X\" \"y e=f\"\n"},
-    {"every_content_type_field_has_its_own", "Content-Type: a/b; c=d\nContent-Type: a/b; e=f\n",
+    {"every_content_type_field_has_its_own",
+     "Content-Type: a/b; c=d\n"
+     "Content-Type: a/b; e=f\n",
      "1 a/b h=0+46 m=0+46\n"
      "  0-23 \"Content-Type\" \"a/b\" (c \"d\")\n"
      "  23-46 \"Content-Type\" \"a/b\" (e \"f\")\n"},
@@ -157,7 +174,9 @@ const tree_case stop_cases[] = {
     {"semicolon_at_the_end", "Content-Type: a/b; c=d;\n",
      "1 a/b h=0+24 m=0+24\n"
      "  0-24 \"Content-Type\" \"a/b\" (c \"d\")\n"},
-    {"next_line_begins_afresh", "Content-Type: a/b; c=d; x2=y;\n e=f\n",
+    {"next_line_begins_afresh",
+     "Content-Type: a/b; c=d; x2=y;\n"
+     " e=f\n",
      "1 a/b h=0+35 m=0+35\n"
      "  0-35 \"Content-Type\" \"a/b\" (c \"d\") (e \"f\")\n"},
 };
@@ -190,44 +209,73 @@ TEST(parameter, keeps_closing_quote_before_a_blank) {
 }
 
 TEST(parameter, keeps_continuation_led_by_a_semicolon_empty) {
-    expect_full_tree("Content-Type: multipart/mixed\n\t; boundary=abc\n\n--abc\n",
+    expect_full_tree("Content-Type: multipart/mixed\n"
+                     "\t; boundary=abc\n"
+                     "\n"
+                     "--abc\n",
                      "1 multipart/mixed h=0+47 m=0+53 b=47+6 c=47+6 n=1\n"
                      "  0-46 \"Content-Type\" \"multipart/mixed\"\n");
 }
 
 TEST(parameter, keeps_digit_in_a_name_ending_the_line) {
-    expect_full_tree("Content-Type: multipart/mixed; charset2=x; boundary=b\n\n--b\n",
+    expect_full_tree("Content-Type: multipart/mixed; charset2=x; boundary=b\n"
+                     "\n"
+                     "--b\n",
                      "1 multipart/mixed h=0+55 m=0+59 b=55+4 c=55+4 n=1\n"
                      "  0-54 \"Content-Type\" \"multipart/mixed\"\n");
 }
 
 TEST(parameter, keeps_beginnings_of_boundary_as_boundary) {
-    expect_full_tree("Content-Type: multipart/mixed; b=X\n\n--X\nA: b\n",
+    expect_full_tree("Content-Type: multipart/mixed; b=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n",
                      "1 multipart/mixed multipart h=0+36 m=0+36 c=36+9\n"
                      "  0-35 \"Content-Type\" \"multipart/mixed\" (b \"X\")\n"
                      "1.1 text/plain enc=7bit h=40+5 m=40+5\n"
                      "  40-45 \"A\" \"b\"\n");
-    expect_full_tree("Content-Type: multipart/mixed; BOUND=X\n\n--X\nA: b\n",
+    expect_full_tree("Content-Type: multipart/mixed; BOUND=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n",
                      "1 multipart/mixed multipart h=0+40 m=0+40 c=40+9\n"
                      "  0-39 \"Content-Type\" \"multipart/mixed\" (BOUND \"X\")\n"
                      "1.1 text/plain enc=7bit h=44+5 m=44+5\n"
                      "  44-49 \"A\" \"b\"\n");
-    expect_full_tree("Content-Type: multipart/mixed; Boundary=X\n\n--X\nA: b\n",
+    expect_full_tree("Content-Type: multipart/mixed; Boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n",
                      "1 multipart/mixed multipart h=0+43 m=0+43 c=43+9\n"
                      "  0-42 \"Content-Type\" \"multipart/mixed\" (Boundary \"X\")\n"
                      "1.1 text/plain enc=7bit h=47+5 m=47+5\n"
                      "  47-52 \"A\" \"b\"\n");
-    expect_full_tree("Content-Type: multipart/mixed; boundaryx=X\n\n--X\nA: b\n",
+    expect_full_tree("Content-Type: multipart/mixed; boundaryx=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n",
                      "1 multipart/mixed h=0+44 m=0+53 b=44+9 c=44+9 n=2\n"
                      "  0-43 \"Content-Type\" \"multipart/mixed\" (boundaryx \"X\")\n");
-    expect_full_tree("Content-Type: multipart/mixed; x-boundary=X\n\n--X\nA: b\n",
+    expect_full_tree("Content-Type: multipart/mixed; x-boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "A: b\n",
                      "1 multipart/mixed h=0+45 m=0+54 b=45+9 c=45+9 n=2\n"
                      "  0-44 \"Content-Type\" \"multipart/mixed\" (x-boundary \"X\")\n");
 }
 
 TEST(parameter, keeps_every_boundary_registered) {
     expect_full_tree(
-        "Content-Type: multipart/mixed; boundary=X; boundary=Y\n\n--X\n--Y\nA: b\n\n--Y--\nx1\n--X\nD: e\n",
+        "Content-Type: multipart/mixed; boundary=X; boundary=Y\n"
+        "\n"
+        "--X\n"
+        "--Y\n"
+        "A: b\n"
+        "\n"
+        "--Y--\n"
+        "x1\n"
+        "--X\n"
+        "D: e\n",
         "1 multipart/mixed multipart h=0+55 m=0+75 b=55+20 e=75+3 c=55+32 n=2\n"
         "  0-54 \"Content-Type\" \"multipart/mixed\" (boundary \"X\") (boundary \"Y\")\n"
         "1.1 text/plain enc=7bit h=63+6 m=63+6\n"

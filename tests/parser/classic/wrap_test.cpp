@@ -53,13 +53,15 @@ const wrap_case wrap_cases[] = {
      "  4294967287-4294967292 \"a\" \"b\"\n"},
     {"wrap_inside_a_part", 0xFFFFFFC8,
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\nho\n--X--\nepi\nlogue\n",
-     "1 multipart/mixed multipart h=4294967240+43 m=4294967240+65 b=4294967293+12 e=9+10 c=4294967283+22 n=3\n"
+     "1 multipart/mixed multipart h=4294967240+43 m=4294967240+65"
+     " b=4294967293+12 e=9+10 c=4294967283+22 n=3\n"
      "  4294967240-4294967282 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
      "1.1 text/plain enc=7bit h=4294967287+6 m=4294967287+12 b=4294967293+6 c=4294967293+6 n=2\n"
      "  4294967287-4294967292 \"A\" \"b\"\n"},
     {"wrap_inside_an_epilogue", 0xFFFFFFC0,
      "Content-Type: multipart/mixed; boundary=X\n\n--X\nA: b\n\nhi\n--X--\nepi\nlogue\n",
-     "1 multipart/mixed multipart h=4294967232+43 m=4294967232+62 b=4294967285+9 e=4294967294+10 c=4294967275+19 n=2\n"
+     "1 multipart/mixed multipart h=4294967232+43 m=4294967232+62"
+     " b=4294967285+9 e=4294967294+10 c=4294967275+19 n=2\n"
      "  4294967232-4294967274 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
      "1.1 text/plain enc=7bit h=4294967279+6 m=4294967279+9 b=4294967285+3 c=4294967285+3 n=1\n"
      "  4294967279-4294967284 \"A\" \"b\"\n"},
@@ -84,7 +86,8 @@ TEST(offsets, keeps_body_of_a_part_that_begins_at_the_wrap_short_of_its_first_li
     expect_tree_from(
         0xFFFFFFC9,
         "Content-Type: multipart/mixed; boundary=X\n\np\n--X\nA: b\n\nhi\nho\nhu\n--X--\n",
-        "1 multipart/mixed multipart h=4294967241+43 m=4294967241+70 b=4294967284+27 c=4294967284+27 n=5\n"
+        "1 multipart/mixed multipart h=4294967241+43 m=4294967241+70"
+        " b=4294967284+27 c=4294967284+27 n=5\n"
         "  4294967241-4294967283 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
         "1.1 text/plain enc=7bit h=4294967290+6 m=4294967290+15 b=3+6 c=0+9 n=3\n"
         "  4294967290-4294967295 \"A\" \"b\"\n");

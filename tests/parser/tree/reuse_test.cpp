@@ -39,15 +39,29 @@ std::vector<std::string> all_messages() {
         "Content-Type: multipart/mixed; boundary=b; name=" + long_word + "\n\n";
     const std::string full_part = "--b\nContent-Type: a/b; p=q; r=" + long_word + "\nX: "
                                   + long_word + "\nContent-Transfer-Enconding: base64\n\ntext\n\n";
-    const std::string message = "Content-Type: message/rfc822\n\n";
+    const std::string message = "Content-Type: message/rfc822\n"
+                                "\n";
     return {
         "",
-        "a: b\n\nhi\n",
-        "\nno block\n\n",
+        "a: b\n"
+        "\n"
+        "hi\n",
+        "\n"
+        "no block\n"
+        "\n",
         repeated(20, "Received: from " + long_word + "\n") + "\nhi\n",
         "C: x/y; a=1; b=2; c=3; d=" + long_word + "\n\te=5; f=6\nX: y\n\nhi\n",
-        "C: x/y; a=1\n\nhi\n",
-        "C: x/y\n\ta=1\nC: message\nA: b\n\nD: e\n\nhi\n",
+        "C: x/y; a=1\n"
+        "\n"
+        "hi\n",
+        "C: x/y\n"
+        "\ta=1\n"
+        "C: message\n"
+        "A: b\n"
+        "\n"
+        "D: e\n"
+        "\n"
+        "hi\n",
         multipart + "preamble\n" + repeated(5, full_part) + "--b--\nepilogue\n\n",
         multipart + repeated(3, "--b\n"),
         multipart + full_part + "--b\n\n--b\nA: b\n\nhi\n",
@@ -57,7 +71,10 @@ std::vector<std::string> all_messages() {
         repeated(3, message) + multipart + repeated(2, full_part),
         multipart + full_part + "a\rb\n",
         multipart + full_part + "--b\nA: b\nC: x/y; p=q\nstray\rbyte\n",
-        "A: b\nC: x/y; p=q\r\nword\r\nB: c\n",
+        "A: b\n"
+        "C: x/y; p=q\r\n"
+        "word\r\n"
+        "B: c\n",
         multipart + "--b\r\nA: b\r\n" + long_word + "\r\n",
         repeated(5, message) + "word\r\n",
         "word\r\n",
@@ -225,8 +242,16 @@ TEST(reuse, leaves_the_parent_of_the_root_alone) {
     MailStructure message;
     MimeObj outside;
     message.m_root.m_parent = &outside;
-    fill_quietly(message, "C: message\n\nA: b\n\nhi\n");
-    fill_quietly(message, "C: message\n\nA: b\n\nhi\n");
+    fill_quietly(message, "C: message\n"
+                          "\n"
+                          "A: b\n"
+                          "\n"
+                          "hi\n");
+    fill_quietly(message, "C: message\n"
+                          "\n"
+                          "A: b\n"
+                          "\n"
+                          "hi\n");
     EXPECT_EQ(message.m_root.m_parent, &outside);
     EXPECT_EQ(outside.m_lines, 0U);
     message.m_root.m_parent = nullptr;
@@ -270,7 +295,12 @@ TEST(reuse, gives_back_very_long_texts_at_once) {
     fill_quietly(message, one_part);
     const MimeObj& part = message.m_root.m_children[0];
     ASSERT_GE(part.m_body_text.capacity(), 100000U);
-    fill_quietly(message, "C: multipart/x; b=b\n\n--b\nA: b\n\nhi\n");
+    fill_quietly(message, "C: multipart/x; b=b\n"
+                          "\n"
+                          "--b\n"
+                          "A: b\n"
+                          "\n"
+                          "hi\n");
     ASSERT_EQ(&message.m_root.m_children[0], &part);
     EXPECT_LE(part.m_body_text.capacity(), 128U);
     EXPECT_LE(part.m_headers[0].m_value.capacity(), 128U);
@@ -278,7 +308,12 @@ TEST(reuse, gives_back_very_long_texts_at_once) {
 
 TEST(reuse, gives_back_the_vectors_of_parts_but_not_of_the_root) {
     const std::string fields = repeated(1000, "A: b\n");
-    const std::string one_field = "C: multipart/x; b=b\n\n--b\nA: b\n\nhi\n";
+    const std::string one_field = "C: multipart/x; b=b\n"
+                                  "\n"
+                                  "--b\n"
+                                  "A: b\n"
+                                  "\n"
+                                  "hi\n";
     MailStructure message;
     fill_quietly(message, "C: multipart/x; b=b\n" + fields + "\n--b\n" + fields + "\nhi\n");
     for (int round = 0; round < 3; ++round) fill_quietly(message, one_field);
