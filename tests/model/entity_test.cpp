@@ -2,6 +2,7 @@
 
 #include <mail_structure.h>
 
+#include "support/expect_tree_text.h"
 #include "support/small_stack.h"
 #include "support/tree_text.h"
 
@@ -113,7 +114,7 @@ TEST(new_parser, has_both_flags_down_and_a_new_root) {
     const MailStructure message;
     EXPECT_FALSE(message.m_done);
     EXPECT_FALSE(message.m_keep_text);
-    EXPECT_EQ(full_tree_text(message.m_root), "1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(message.m_root), "1 text/plain enc=7bit\n");
     EXPECT_EQ(message.m_root.m_parent, nullptr);
     EXPECT_EQ(MailStructure::m_memlimit, 0xFFFFFFFFU);
 }
@@ -122,7 +123,7 @@ TEST(clear, takes_everything_back) {
     MimeObj entity;
     make_family(entity);
     entity.clear();
-    EXPECT_EQ(full_tree_text(entity), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 /\n");
     EXPECT_TRUE(entity.m_children.empty());
     EXPECT_TRUE(entity.m_headers.empty());
     EXPECT_FALSE(entity.m_body_last_empty);
@@ -161,7 +162,7 @@ TEST(clear, may_be_called_twice) {
     make_family(entity);
     entity.clear();
     entity.clear();
-    EXPECT_EQ(full_tree_text(entity), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 /\n");
 }
 
 TEST(copy, has_every_member) {
@@ -170,13 +171,13 @@ TEST(copy, has_every_member) {
     MimeObj parent;
     original.m_parent = &parent;
     const MimeObj copy(original);
-    EXPECT_EQ(full_tree_text(copy), marked_leaf);
-    EXPECT_EQ(full_tree_text(original), marked_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(copy), marked_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(original), marked_leaf);
     EXPECT_EQ(copy.m_parent, &parent);
     MimeObj assigned;
     make_family(assigned);
     assigned = original;
-    EXPECT_EQ(full_tree_text(assigned), marked_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(assigned), marked_leaf);
     EXPECT_EQ(assigned.m_parent, &parent);
 }
 
@@ -184,10 +185,10 @@ TEST(copy, is_deep) {
     MimeObj original;
     make_family(original);
     MimeObj copy(original);
-    EXPECT_EQ(full_tree_text(copy), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(copy), family_text());
     copy.m_children[1].m_children[0].m_type = "changed";
     copy.m_headers[0].m_params[0].second = "changed";
-    EXPECT_EQ(full_tree_text(original), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(original), family_text());
     original.clear();
     EXPECT_EQ(copy.m_children[1].m_children[1].m_type, "type500");
 }
@@ -215,7 +216,7 @@ TEST(copy, of_a_copy_has_the_same_parent_pointers) {
     make_family(original);
     const MimeObj copy(original);
     const MimeObj second(copy);
-    EXPECT_EQ(full_tree_text(second), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(second), family_text());
     EXPECT_EQ(second.m_children[0].m_parent, &original);
     EXPECT_EQ(second.m_children[1].m_children[0].m_parent, &original.m_children[1]);
 }
@@ -227,7 +228,7 @@ TEST(copy, and_its_original_may_go_in_either_order) {
         auto* copy = new MimeObj(*original);
         if (original_first) std::swap(original, copy);
         delete copy;
-        EXPECT_EQ(full_tree_text(*original), family_text());
+        EXPECT_TREE_TEXT(full_tree_text(*original), family_text());
         delete original;
     }
 }
@@ -237,7 +238,7 @@ TEST(copy, assignment_drops_what_was_there_before) {
     make_family(target);
     const MimeObj source;
     target = source;
-    EXPECT_EQ(full_tree_text(target), "1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(target), "1 text/plain enc=7bit\n");
 }
 
 TEST(copy, assignment_to_itself_changes_nothing) {
@@ -245,7 +246,7 @@ TEST(copy, assignment_to_itself_changes_nothing) {
     make_family(entity);
     const MimeObj& same = entity;
     entity = same;
-    EXPECT_EQ(full_tree_text(entity), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(entity), family_text());
     EXPECT_EQ(entity.m_children[0].m_parent, &entity);
 }
 
@@ -254,7 +255,7 @@ TEST(copy, assignment_from_a_descendant_gives_that_descendant) {
     make_family(entity);
     const std::string wanted = full_tree_text(entity.m_children[1]);
     entity = entity.m_children[1];
-    EXPECT_EQ(full_tree_text(entity), wanted);
+    EXPECT_TREE_TEXT(full_tree_text(entity), wanted);
     EXPECT_EQ(entity.m_children.size(), 2U);
     EXPECT_EQ(entity.m_parent, &entity); // as it stood in the descendant
     entity.m_parent = nullptr;
@@ -265,14 +266,14 @@ TEST(copy, assignment_from_a_leaf_far_below_gives_that_leaf) {
     make_family(entity);
     const std::string wanted = full_tree_text(entity.m_children[1].m_children[1]);
     entity = entity.m_children[1].m_children[1];
-    EXPECT_EQ(full_tree_text(entity), wanted);
+    EXPECT_TREE_TEXT(full_tree_text(entity), wanted);
 }
 
 TEST(copy, assignment_from_an_ancestor_gives_that_ancestor) {
     MimeObj entity;
     make_family(entity);
     entity.m_children[1].m_children[0] = entity;
-    EXPECT_EQ(full_tree_text(entity.m_children[1].m_children[0]), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(entity.m_children[1].m_children[0]), family_text());
     EXPECT_EQ(entity.m_children[1].m_children[1].m_type, "type500");
 }
 
@@ -283,25 +284,25 @@ TEST(move, takes_everything_and_leaves_containers_empty) {
     original.m_parent = &parent;
     const MimeObj* const first_child = original.m_children.data();
     const MimeObj moved(std::move(original));
-    EXPECT_EQ(full_tree_text(moved), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(moved), family_text());
     EXPECT_EQ(moved.m_children.data(), first_child);
     EXPECT_EQ(moved.m_parent, &parent);
     EXPECT_TRUE(
         original.m_children.empty()); // NOLINT(bugprone-use-after-move): this state is promised
     EXPECT_TRUE(original.m_headers.empty());
     original.clear();
-    EXPECT_EQ(full_tree_text(original), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(original), "1 /\n");
 }
 
 TEST(move, has_every_member) {
     MimeObj original;
     mark(original, 7);
     MimeObj moved(std::move(original));
-    EXPECT_EQ(full_tree_text(moved), marked_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(moved), marked_leaf);
     MimeObj assigned;
     make_family(assigned);
     assigned = std::move(moved);
-    EXPECT_EQ(full_tree_text(assigned), marked_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(assigned), marked_leaf);
 }
 
 TEST(move, assignment_from_a_descendant_gives_that_descendant) {
@@ -309,12 +310,12 @@ TEST(move, assignment_from_a_descendant_gives_that_descendant) {
     make_family(entity);
     const std::string wanted = full_tree_text(entity.m_children[1]);
     entity = std::move(entity.m_children[1]);
-    EXPECT_EQ(full_tree_text(entity), wanted);
+    EXPECT_TREE_TEXT(full_tree_text(entity), wanted);
     MimeObj other;
     make_family(other);
     const std::string wanted_leaf = full_tree_text(other.m_children[1].m_children[0]);
     other = std::move(other.m_children[1].m_children[0]);
-    EXPECT_EQ(full_tree_text(other), wanted_leaf);
+    EXPECT_TREE_TEXT(full_tree_text(other), wanted_leaf);
 }
 
 TEST(move, assignment_to_itself_leaves_it_usable) {
@@ -323,7 +324,7 @@ TEST(move, assignment_to_itself_leaves_it_usable) {
     MimeObj& same = entity;
     entity = std::move(same);
     entity.clear();
-    EXPECT_EQ(full_tree_text(entity), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 /\n");
 }
 
 TEST(move, happens_when_a_vector_of_entities_grows) {
@@ -334,7 +335,7 @@ TEST(move, happens_when_a_vector_of_entities_grows) {
     const MimeObj* const grandchildren = entities[0].m_children[1].m_children.data();
     entities.resize(entities.capacity() + 1);
     EXPECT_EQ(entities[0].m_children[1].m_children.data(), grandchildren);
-    EXPECT_EQ(full_tree_text(entities[0]), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(entities[0]), family_text());
 }
 
 TEST(value_type, elements_of_vectors_may_be_erased_inserted_and_swapped) {
@@ -356,10 +357,10 @@ TEST(value_type, parsers_are_copied_and_moved_with_their_flags) {
     MailStructure copy = message;
     EXPECT_TRUE(copy.m_done);
     EXPECT_TRUE(copy.m_keep_text);
-    EXPECT_EQ(full_tree_text(copy.m_root), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(copy.m_root), family_text());
     EXPECT_EQ(copy.m_root.m_children[0].m_parent, &message.m_root);
     const MailStructure moved = std::move(copy);
-    EXPECT_EQ(full_tree_text(moved.m_root), family_text());
+    EXPECT_TREE_TEXT(full_tree_text(moved.m_root), family_text());
 }
 
 TEST(value_type, no_operation_recurses_on_the_depth) {

@@ -4,6 +4,7 @@
 #include <mail_structure.h>
 
 #include "support/case_name.h"
+#include "support/expect_tree_text.h"
 #include "support/tree_text.h"
 
 #include <cstdint>
@@ -37,9 +38,9 @@ TEST(object_stack, push_opens_a_new_last_child_of_the_top) {
     EXPECT_EQ(grandchild, &child->m_children.back());
     EXPECT_EQ(child->m_parent, &message.m_root);
     EXPECT_EQ(grandchild->m_parent, child);
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit\n"
-                                         "1.1 text/plain enc=7bit\n"
-                                         "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(tree_text(message.m_root), "1 text/plain enc=7bit\n"
+                                                "1.1 text/plain enc=7bit\n"
+                                                "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(object_stack, push_takes_the_top_whosever_it_is) {
@@ -87,10 +88,10 @@ TEST(object_stack, siblings_follow_each_other) {
         message.push(stack)->add_mime_line(0, 1);
         message.pop(stack);
     }
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit\n"
-                                         "1.1 text/plain enc=7bit m=0+1\n"
-                                         "1.2 text/plain enc=7bit m=0+1\n"
-                                         "1.3 text/plain enc=7bit m=0+1\n");
+    EXPECT_TREE_TEXT(tree_text(message.m_root), "1 text/plain enc=7bit\n"
+                                                "1.1 text/plain enc=7bit m=0+1\n"
+                                                "1.2 text/plain enc=7bit m=0+1\n"
+                                                "1.3 text/plain enc=7bit m=0+1\n");
 }
 
 struct skip_case {
@@ -133,7 +134,7 @@ TEST_P(contents_line_to_all, gives_tree) {
     entity_stack stack;
     for (int level = 0; level < 3; ++level) message.push(stack);
     message.add_contents_line_to_all(stack, 5, 9, GetParam().m_skip);
-    EXPECT_EQ(tree_text(message.m_root), GetParam().m_tree);
+    EXPECT_TREE_TEXT(tree_text(message.m_root), GetParam().m_tree);
     EXPECT_EQ(stack.size(), 3U);
 }
 
@@ -144,7 +145,7 @@ TEST(contents_lines, empty_stack_is_left_alone) {
     MailStructure message;
     const entity_stack stack;
     message.add_contents_line_to_all(stack, 5, 9, 0);
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(tree_text(message.m_root), "1 text/plain enc=7bit\n");
 }
 
 TEST(contents_lines, every_entity_grows_by_its_own_range) {
@@ -154,8 +155,8 @@ TEST(contents_lines, every_entity_grows_by_its_own_range) {
     message.add_contents_line_to_all(stack, 5, 9, 0);
     message.push(stack);
     message.add_contents_line_to_all(stack, 9, 12, 0);
-    EXPECT_EQ(tree_text(message.m_root), "1 text/plain enc=7bit c=5+7\n"
-                                         "1.1 text/plain enc=7bit c=9+3\n");
+    EXPECT_TREE_TEXT(tree_text(message.m_root), "1 text/plain enc=7bit c=5+7\n"
+                                                "1.1 text/plain enc=7bit c=9+3\n");
 }
 
 } // namespace

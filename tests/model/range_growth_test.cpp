@@ -3,6 +3,7 @@
 #include <mail_structure.h>
 
 #include "support/case_name.h"
+#include "support/expect_tree_text.h"
 #include "support/tree_text.h"
 
 #include <cstdint>
@@ -115,7 +116,7 @@ class range_growth : public testing::TestWithParam<growth_case> {};
 TEST_P(range_growth, gives_tree) {
     MimeObj entity;
     for (const line_position line : GetParam().m_lines) add_line(entity, GetParam().m_target, line);
-    EXPECT_EQ(tree_text(entity), GetParam().m_tree);
+    EXPECT_TREE_TEXT(tree_text(entity), GetParam().m_tree);
 }
 
 TEST_P(range_growth, starts_afresh_after_clear) {
@@ -126,7 +127,7 @@ TEST_P(range_growth, starts_afresh_after_clear) {
     entity.m_subtype = "plain";
     entity.m_encoding = "7bit";
     for (const line_position line : GetParam().m_lines) add_line(entity, GetParam().m_target, line);
-    EXPECT_EQ(tree_text(entity), GetParam().m_tree);
+    EXPECT_TREE_TEXT(tree_text(entity), GetParam().m_tree);
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, range_growth, testing::ValuesIn(growth_cases),
@@ -136,7 +137,7 @@ TEST(line_ranges, keeps_first_body_line_at_offset_0_out_of_the_body) {
     MimeObj entity;
     for (const line_position line : {line_position{0, 10}, {10, 25}, {25, 30}})
         add_line(entity, target::body, line);
-    EXPECT_EQ(tree_text(entity), "1 text/plain enc=7bit m=0+30 b=10+20 n=3\n");
+    EXPECT_TREE_TEXT(tree_text(entity), "1 text/plain enc=7bit m=0+30 b=10+20 n=3\n");
 }
 
 TEST(line_ranges, keeps_range_of_length_0_unset) {
@@ -153,7 +154,7 @@ TEST(line_ranges, keeps_end_of_the_line_given_last) {
     MimeObj entity;
     entity.add_mime_line(100, 200);
     entity.add_mime_line(110, 120);
-    EXPECT_EQ(tree_text(entity), "1 text/plain enc=7bit m=100+20\n");
+    EXPECT_TREE_TEXT(tree_text(entity), "1 text/plain enc=7bit m=100+20\n");
 }
 
 TEST(line_ranges, keeps_unchecked_positions_wrapping) {
@@ -177,9 +178,9 @@ TEST(lines_of_descendants, body_line_of_a_grandchild_counts_on_all_three_levels)
     three_levels tree;
     std::string line = "abc";
     tree.m_grandchild->add_body_line(false, line, 50, 55, false);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit m=50+5 b=50+5 n=1\n"
-                                           "1.1 text/plain enc=7bit m=50+5 b=50+5 n=1\n"
-                                           "1.1.1 text/plain enc=7bit m=50+5 b=50+5 n=1\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root), "1 text/plain enc=7bit m=50+5 b=50+5 n=1\n"
+                                                  "1.1 text/plain enc=7bit m=50+5 b=50+5 n=1\n"
+                                                  "1.1.1 text/plain enc=7bit m=50+5 b=50+5 n=1\n");
     EXPECT_EQ(line, "abc");
 }
 
@@ -187,10 +188,10 @@ TEST(lines_of_descendants, body_line_of_a_child_leaves_its_own_children_alone) {
     three_levels tree;
     std::string line;
     tree.m_child->add_body_line(false, line, 50, 51, false);
-    EXPECT_EQ(full_tree_text(tree.m_root),
-              "1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
-              "1.1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
-              "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root),
+                     "1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
+                     "1.1 text/plain enc=7bit m=50+1 b=50+1 n=1 body-last-empty\n"
+                     "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(lines_of_descendants, ancestors_keep_where_their_ranges_begin) {
@@ -200,18 +201,19 @@ TEST(lines_of_descendants, ancestors_keep_where_their_ranges_begin) {
     tree.m_root.add_body_line(false, line, 20, 25, false);
     tree.m_child->add_header(30, 40);
     tree.m_child->add_body_line(false, line, 40, 45, false);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit h=10+10 m=10+35 b=20+25 n=2\n"
-                                           "1.1 text/plain enc=7bit h=30+10 m=30+15 b=40+5 n=1\n"
-                                           "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root),
+                     "1 text/plain enc=7bit h=10+10 m=10+35 b=20+25 n=2\n"
+                     "1.1 text/plain enc=7bit h=30+10 m=30+15 b=40+5 n=1\n"
+                     "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(lines_of_descendants, keeps_epilogue_line_in_the_epilogues_of_all_ancestors) {
     three_levels tree;
     std::string line = "abc";
     tree.m_child->add_body_line(false, line, 50, 55, true);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit e=50+5\n"
-                                           "1.1 text/plain enc=7bit e=50+5\n"
-                                           "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root), "1 text/plain enc=7bit e=50+5\n"
+                                                  "1.1 text/plain enc=7bit e=50+5\n"
+                                                  "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(lines_of_descendants, keeps_epilogue_line_out_of_every_other_range) {
@@ -219,9 +221,10 @@ TEST(lines_of_descendants, keeps_epilogue_line_out_of_every_other_range) {
     std::string line = "abc";
     tree.m_child->add_body_line(false, line, 50, 55, false);
     tree.m_child->add_body_line(false, line, 60, 65, true);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit m=50+5 b=50+5 e=60+5 n=1\n"
-                                           "1.1 text/plain enc=7bit m=50+5 b=50+5 e=60+5 n=1\n"
-                                           "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root),
+                     "1 text/plain enc=7bit m=50+5 b=50+5 e=60+5 n=1\n"
+                     "1.1 text/plain enc=7bit m=50+5 b=50+5 e=60+5 n=1\n"
+                     "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(lines_of_descendants, header_and_contents_lines_leave_the_parent_alone) {
@@ -229,9 +232,9 @@ TEST(lines_of_descendants, header_and_contents_lines_leave_the_parent_alone) {
     tree.m_child->add_mime_line(1, 2);
     tree.m_child->add_header(2, 4);
     tree.m_child->add_contents_line(4, 8);
-    EXPECT_EQ(full_tree_text(tree.m_root), "1 text/plain enc=7bit\n"
-                                           "1.1 text/plain enc=7bit h=2+2 m=1+3 c=4+4\n"
-                                           "1.1.1 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root), "1 text/plain enc=7bit\n"
+                                                  "1.1 text/plain enc=7bit h=2+2 m=1+3 c=4+4\n"
+                                                  "1.1.1 text/plain enc=7bit\n");
 }
 
 TEST(kept_text, keeps_text_once_on_every_level) {
@@ -261,8 +264,8 @@ TEST(kept_text, stays_as_it_was_unless_asked_for) {
     entity.add_body_line(true, line, 50, 55, false);
     entity.add_body_line(false, line, 55, 60, false);
     entity.add_body_line(false, line, 60, 65, true);
-    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit m=50+10 b=50+10 e=60+5 n=2\n"
-                                      "  body \"abc\\r\\n\"\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 text/plain enc=7bit m=50+10 b=50+10 e=60+5 n=2\n"
+                                             "  body \"abc\\r\\n\"\n");
 }
 
 TEST(last_empty_flags, tell_of_the_line_given_last) {
@@ -290,9 +293,9 @@ TEST(elements, children_are_appended_with_their_parent_set) {
     ASSERT_EQ(entity.m_children.size(), 2U);
     EXPECT_EQ(entity.m_children[0].m_parent, &entity);
     EXPECT_EQ(entity.m_children[1].m_parent, &entity);
-    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n"
-                                      "1.1 text/plain enc=7bit\n"
-                                      "1.2 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 text/plain enc=7bit\n"
+                                             "1.1 text/plain enc=7bit\n"
+                                             "1.2 text/plain enc=7bit\n");
 }
 
 TEST(elements, keeps_defaults_in_the_children_of_a_cleared_entity) {
@@ -300,9 +303,9 @@ TEST(elements, keeps_defaults_in_the_children_of_a_cleared_entity) {
     entity.clear();
     entity.get_obj();
     entity.get_obj();
-    EXPECT_EQ(full_tree_text(entity), "1 /\n"
-                                      "1.1 text/plain enc=7bit\n"
-                                      "1.2 text/plain enc=7bit\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 /\n"
+                                             "1.1 text/plain enc=7bit\n"
+                                             "1.2 text/plain enc=7bit\n");
 }
 
 TEST(elements, many_children_keep_their_order_and_contents) {
@@ -329,9 +332,9 @@ TEST(elements, fields_are_appended_unset) {
     first->m_name = "A";
     MailStructure::header* second = entity.get_header();
     EXPECT_EQ(second, &entity.m_headers[1]);
-    EXPECT_EQ(full_tree_text(entity), "1 text/plain enc=7bit\n"
-                                      "  unset-0 \"A\" \"\"\n"
-                                      "  unset-0 \"\" \"\"\n");
+    EXPECT_TREE_TEXT(full_tree_text(entity), "1 text/plain enc=7bit\n"
+                                             "  unset-0 \"A\" \"\"\n"
+                                             "  unset-0 \"\" \"\"\n");
 }
 
 TEST(elements, keeps_finalize_without_effect) {
@@ -345,7 +348,7 @@ TEST(elements, keeps_finalize_without_effect) {
     tree.m_child->finalize();
     tree.m_root.finalize();
     tree.m_root.finalize();
-    EXPECT_EQ(full_tree_text(tree.m_root), before);
+    EXPECT_TREE_TEXT(full_tree_text(tree.m_root), before);
     EXPECT_EQ(tree.m_child->m_parent, &tree.m_root);
 }
 

@@ -6,6 +6,7 @@
 #include "robustness/failing_new.h"
 #include "robustness/window_stream.h"
 #include "support/compare.h"
+#include "support/expect_tree_text.h"
 #include "support/parse.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
@@ -143,8 +144,8 @@ TEST(failed_operation, copy_construction_leaves_the_original_as_it_was) {
             fail_each(
                 afterwards, [&] { const MimeObj copy(original.root()); },
                 [&] { EXPECT_EQ(original.change(), ""); });
-        EXPECT_EQ(test_support::full_tree_text(MimeObj(original.root())),
-                  test_support::full_tree_text(original.root()));
+        EXPECT_TREE_TEXT(test_support::full_tree_text(MimeObj(original.root())),
+                         test_support::full_tree_text(original.root()));
     });
 }
 
@@ -159,8 +160,8 @@ TEST(failed_operation, assignment_leaves_both_sides_as_they_were) {
                         EXPECT_EQ(target.change(), "");
                         EXPECT_EQ(original.change(), "");
                     });
-                EXPECT_EQ(test_support::full_tree_text(target.root()),
-                          test_support::full_tree_text(original.root()));
+                EXPECT_TREE_TEXT(test_support::full_tree_text(target.root()),
+                                 test_support::full_tree_text(original.root()));
             }
         }
     });
@@ -174,7 +175,7 @@ TEST(failed_operation, assignment_from_the_innermost_leaves_the_tree_as_it_was) 
             fail_each(
                 afterwards, [&] { tree.root() = innermost_last(tree.root()); },
                 [&] { EXPECT_EQ(tree.change(), ""); });
-            EXPECT_EQ(test_support::full_tree_text(tree.root()), wanted);
+            EXPECT_TREE_TEXT(test_support::full_tree_text(tree.root()), wanted);
         }
     });
 }
@@ -187,7 +188,7 @@ TEST(failed_operation, assignment_to_the_innermost_leaves_the_tree_as_it_was) {
             MimeObj& target = innermost_last(tree.root());
             fail_each(
                 afterwards, [&] { target = tree.root(); }, [&] { EXPECT_EQ(tree.change(), ""); });
-            EXPECT_EQ(test_support::full_tree_text(target), wanted);
+            EXPECT_TREE_TEXT(test_support::full_tree_text(target), wanted);
         }
     });
 }
@@ -204,13 +205,13 @@ TEST(failed_operation, get_obj_adds_a_child_or_changes_nothing) {
                 memory::comes_back, [&] { child = tree.root().get_obj(); },
                 [&] {
                     EXPECT_EQ(tree.root().m_children.data(), first_child);
-                    EXPECT_EQ(test_support::full_tree_text(tree.root()), before);
+                    EXPECT_TREE_TEXT(test_support::full_tree_text(tree.root()), before);
                 });
             EXPECT_EQ(child, &tree.root().m_children.back());
             EXPECT_EQ(child->m_parent, &tree.root());
             tree.root().m_children.pop_back();
-            EXPECT_EQ(test_support::full_tree_text(tree.root()),
-                      before); // growth has moved them whole
+            EXPECT_TREE_TEXT(test_support::full_tree_text(tree.root()),
+                             before); // growth has moved them whole
         }
     });
 }
@@ -227,11 +228,11 @@ TEST(failed_operation, get_header_adds_a_field_or_changes_nothing) {
                 memory::comes_back, [&] { field = tree.root().get_header(); },
                 [&] {
                     EXPECT_EQ(tree.root().m_headers.data(), first_field);
-                    EXPECT_EQ(test_support::full_tree_text(tree.root()), before);
+                    EXPECT_TREE_TEXT(test_support::full_tree_text(tree.root()), before);
                 });
             EXPECT_EQ(field, &tree.root().m_headers.back());
             tree.root().m_headers.pop_back();
-            EXPECT_EQ(test_support::full_tree_text(tree.root()), before);
+            EXPECT_TREE_TEXT(test_support::full_tree_text(tree.root()), before);
         }
     });
 }
@@ -246,7 +247,7 @@ TEST(failed_operation, dump_leaves_the_tree_as_it_was) {
         for (const memory afterwards : all_outcomes) {
             const std::size_t failures = fail_each(
                 afterwards, [&] { message.Dump(unread); },
-                [&] { EXPECT_EQ(test_support::full_tree_text(message.m_root), before); });
+                [&] { EXPECT_TREE_TEXT(test_support::full_tree_text(message.m_root), before); });
             EXPECT_GT(failures, 0U);
         }
     });
@@ -267,7 +268,7 @@ TEST(failed_operation, clear_destruction_and_moves_allocate_nothing) {
                           ::new (copy.get()) MimeObj(std::move(target));
                       }),
                       0U);
-            EXPECT_EQ(test_support::full_tree_text(*copy), wanted);
+            EXPECT_TREE_TEXT(test_support::full_tree_text(*copy), wanted);
             EXPECT_EQ(allocations_of([&] {
                           if (!copy->m_children.empty()) *copy = std::move(copy->m_children.back());
                       }),

@@ -1,5 +1,6 @@
 #include "support/tree_case.h"
 
+#include "support/expect_tree_text.h"
 #include "support/streams.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@ void expect_same_through_all_streams(std::string_view input, const parse_outcome
     for (const delivery& way : all_deliveries) {
         delivered_stream in(input, way);
         const parse_outcome found = parse(in, options);
-        EXPECT_EQ(full_outcome_text(found), wanted_text) << "from a stream " << way.m_name;
+        EXPECT_TREE_TEXT(full_outcome_text(found), wanted_text) << "from a stream " << way.m_name;
         EXPECT_EQ(found.m_message.m_done, wanted.m_message.m_done)
             << "from a stream " << way.m_name;
     }
@@ -24,14 +25,14 @@ void expect_same_through_all_streams(std::string_view input, const parse_outcome
 
 void expect_tree(std::string_view input, std::string_view wanted, const parse_options& options) {
     const parse_outcome found = parse(input, options);
-    EXPECT_EQ(outcome_text(found), wanted);
+    EXPECT_TREE_TEXT(outcome_text(found), wanted);
     expect_same_through_all_streams(input, found, options);
 }
 
 void expect_full_tree(std::string_view input, std::string_view wanted,
                       const parse_options& options) {
     const parse_outcome found = parse(input, options);
-    EXPECT_EQ(full_outcome_text(found), wanted);
+    EXPECT_TREE_TEXT(full_outcome_text(found), wanted);
     expect_same_through_all_streams(input, found, options);
 }
 

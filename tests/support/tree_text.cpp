@@ -91,6 +91,22 @@ std::string text_of(const MimeObj& root, detail wanted) {
 
 } // namespace
 
+const char tree_text_key[] =
+    "\n"
+    "Key to the text of a tree, in which each entity has a line:\n"
+    "  1.2 text/plain     path from the root, type and subtype\n"
+    "  multipart message  the flags that are set\n"
+    "  enc=7bit           transfer encoding\n"
+    "  h=53+6             header block: it begins at byte 53 and has 6 bytes\n"
+    "  m= b= e= c=        in the same way: whole entity, body, epilogue, contents\n"
+    "  n=1                number of body lines\n"
+    "  body-last-empty epilogue-last-empty  the last line there was empty\n"
+    "A full text also shows, after the line of the entity:\n"
+    "  0-20 \"To\" \"a\" (b \"c\")  a field from byte 0 up to, but not including, byte 20;\n"
+    "                         its name, its value, and its parameters\n"
+    "  body \"...\" epilogue \"...\"  the texts that were kept\n"
+    "The last line may be \"! \" and the exception that left Fill.\n";
+
 std::string tree_text(const MimeObj& root) { return text_of(root, detail::structure); }
 
 std::string full_tree_text(const MimeObj& root) { return text_of(root, detail::everything); }

@@ -3,9 +3,8 @@
 //     1 multipart/mixed multipart h=0+44 m=0+81 b=44+37 e=81+4 c=44+37 n=4
 //     1.1 text/plain enc=7bit h=53+6 m=53+8 b=59+2 c=59+2 n=1
 //
-// The path of the entity comes first, then its type and subtype, its flags as words, and whatever
-// of the rest is not at its zero: enc= the transfer encoding; h= m= b= e= c= the header,
-// whole-entity, body, epilogue and contents ranges as offset+length; n= the number of body lines.
+// h=53+6 says that the header block begins at byte 53 of the input and has 6 bytes. tree_text_key
+// explains the whole line; a test of a tree that fails prints it.
 
 #ifndef TESTS_SUPPORT_TREE_TEXT_H
 #define TESTS_SUPPORT_TREE_TEXT_H
@@ -16,13 +15,17 @@
 
 namespace test_support {
 
-/// The entity and everything below it; it gets the path "1". m_parent is not read.
+/// Explains the text to somebody who sees it for the first time. What is zero or empty in an entity
+/// is left out of its line.
+extern const char tree_text_key[];
+
+/// The entity and all its descendants; its path is "1". m_parent is not read.
 /// Does not recurse. Paths grow with the depth, so the text of a tree n deep takes n * n bytes.
 std::string tree_text(const MailStructure::MimeObj& root);
 
 /// The same with everything else that the tree holds. An entity's line also tells which of its
-/// "last line was empty" flags are set; below it stand its fields, from begin to end and with their
-/// parameters, and its kept texts:
+/// "last line was empty" flags are set. The lines after it show its fields, each with its begin, its
+/// end and its parameters, and its kept texts:
 ///
 ///     1 text/plain h=0+22 m=0+24 b=22+2 c=22+2 n=1 body-last-empty
 ///       0-20 "Content-Type" "text/plain" (charset "x")

@@ -2,6 +2,7 @@
 
 #include <mail_structure.h>
 
+#include "support/expect_tree_text.h"
 #include "support/parse.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
@@ -143,7 +144,7 @@ TEST(fill, of_an_empty_input_leaves_a_cleared_root) {
     message.m_root.get_obj();
     std::istringstream in;
     message.Fill(in);
-    EXPECT_EQ(full_tree_text(message.m_root), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(message.m_root), "1 /\n");
     EXPECT_TRUE(message.m_done);
 }
 
@@ -160,7 +161,8 @@ TEST(fill, begins_afresh_each_time) {
             const std::string error = fill(message, in);
             const parse_outcome fresh = parse(input, {.m_keep_text = true});
             EXPECT_EQ(error, fresh.m_error);
-            EXPECT_EQ(full_tree_text(message.m_root), full_tree_text(fresh.m_message.m_root));
+            EXPECT_TREE_TEXT(full_tree_text(message.m_root),
+                             full_tree_text(fresh.m_message.m_root));
             EXPECT_EQ(message.m_root.m_parent, nullptr);
         }
     }
@@ -168,14 +170,14 @@ TEST(fill, begins_afresh_each_time) {
 
 TEST(fill, keeps_the_tree_as_far_as_it_was_built) {
     const parse_outcome outcome = parse(stray_byte_in_a_part, {.m_keep_text = true});
-    EXPECT_EQ(full_outcome_text(outcome),
-              "1 multipart/mixed multipart h=0+43 m=0+60 b=43+17 c=43+17 n=2\n"
-              "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
-              "  body \"pre\\r\\nhi\\r\\n\"\n"
-              "1.1 text/plain enc=7bit h=51+6 m=51+9 b=57+3 c=57+3 n=1\n"
-              "  51-56 \"A\" \"b\"\n"
-              "  body \"hi\\r\\n\"\n"
-              "! runtime_error: error in io input data\n");
+    EXPECT_TREE_TEXT(full_outcome_text(outcome),
+                     "1 multipart/mixed multipart h=0+43 m=0+60 b=43+17 c=43+17 n=2\n"
+                     "  0-42 \"Content-Type\" \"multipart/mixed\" (boundary \"X\")\n"
+                     "  body \"pre\\r\\nhi\\r\\n\"\n"
+                     "1.1 text/plain enc=7bit h=51+6 m=51+9 b=57+3 c=57+3 n=1\n"
+                     "  51-56 \"A\" \"b\"\n"
+                     "  body \"hi\\r\\n\"\n"
+                     "! runtime_error: error in io input data\n");
     EXPECT_FALSE(outcome.m_message.m_done);
 }
 
@@ -193,8 +195,8 @@ TEST(fill, reads_from_where_the_stream_stands) {
     std::istringstream in("before\na: b\n\nhi\n");
     std::string line;
     std::getline(in, line);
-    EXPECT_EQ(full_outcome_text(parse(in)), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
-                                            "  0-5 \"a\" \"b\"\n");
+    EXPECT_TREE_TEXT(full_outcome_text(parse(in)), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
+                                                   "  0-5 \"a\" \"b\"\n");
 }
 
 TEST(fill, leaves_the_stream_behind_the_line_at_fault) {
@@ -219,7 +221,7 @@ TEST(fill, reads_files) {
         out << two_parts;
     }
     std::ifstream in(file_name, std::ios::binary);
-    EXPECT_EQ(full_outcome_text(parse(in)), full_outcome_text(parse(two_parts)));
+    EXPECT_TREE_TEXT(full_outcome_text(parse(in)), full_outcome_text(parse(two_parts)));
     EXPECT_EQ(in.rdstate(), std::ios_base::eofbit | std::ios_base::failbit);
     in.close();
     std::remove(file_name.c_str());
@@ -231,7 +233,7 @@ TEST(fill, meets_streams_that_are_over_or_broken_already) {
         std::istringstream in("a: b\n");
         in.setstate(state);
         const parse_outcome outcome = parse(in);
-        EXPECT_EQ(full_outcome_text(outcome), "1 /\n");
+        EXPECT_TREE_TEXT(full_outcome_text(outcome), "1 /\n");
         EXPECT_TRUE(outcome.m_message.m_done);
         std::string line;
         in.clear();
@@ -240,14 +242,14 @@ TEST(fill, meets_streams_that_are_over_or_broken_already) {
     }
     std::istream without_buffer(nullptr);
     const parse_outcome outcome = parse(without_buffer);
-    EXPECT_EQ(full_outcome_text(outcome), "1 /\n");
+    EXPECT_TREE_TEXT(full_outcome_text(outcome), "1 /\n");
     EXPECT_TRUE(outcome.m_message.m_done);
 }
 
 TEST(fill, takes_the_stream_whatever_skips_white_space) {
     std::istringstream in("  a: b\n");
     in >> std::skipws;
-    EXPECT_EQ(full_outcome_text(parse(in)), "1 text/plain m=0+7 b=0+7 c=0+7 n=1\n");
+    EXPECT_TREE_TEXT(full_outcome_text(parse(in)), "1 text/plain m=0+7 b=0+7 c=0+7 n=1\n");
 }
 
 /// What std::getline makes of a stream: the bytes of the lines that it gave, and how it ended.
@@ -298,8 +300,9 @@ void expect_end_as_of_getline(std::string_view input, std::size_t offset, fault 
         EXPECT_EQ(found.m_error, wanted.m_error);
         EXPECT_EQ(by_fill.rdstate(), wanted.m_state);
         EXPECT_EQ(found.m_message.m_done, wanted.m_error.empty());
-        EXPECT_EQ(full_tree_text(found.m_message.m_root),
-                  full_tree_text(parse(wanted.m_taken, {.m_keep_text = true}).m_message.m_root));
+        EXPECT_TREE_TEXT(
+            full_tree_text(found.m_message.m_root),
+            full_tree_text(parse(wanted.m_taken, {.m_keep_text = true}).m_message.m_root));
     }
 }
 
@@ -333,8 +336,8 @@ TEST(fill, keeps_read_error_as_an_end_of_the_input) {
                                    "more\n";
     faulty_stream in(input, 14, fault::throws);
     const parse_outcome outcome = parse(in);
-    EXPECT_EQ(full_outcome_text(outcome), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
-                                          "  0-5 \"a\" \"b\"\n");
+    EXPECT_TREE_TEXT(full_outcome_text(outcome), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
+                                                 "  0-5 \"a\" \"b\"\n");
     EXPECT_TRUE(outcome.m_message.m_done);
     EXPECT_TRUE(in.bad());
 }
@@ -345,8 +348,8 @@ TEST(fill, lets_failures_out_where_the_stream_has_a_mask) {
     MailStructure message;
     EXPECT_THROW(message.Fill(in), std::ios_base::failure);
     EXPECT_FALSE(message.m_done);
-    EXPECT_EQ(full_tree_text(message.m_root), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
-                                              "  0-5 \"a\" \"b\"\n");
+    EXPECT_TREE_TEXT(full_tree_text(message.m_root), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n"
+                                                     "  0-5 \"a\" \"b\"\n");
 }
 
 /// A character facet of a locale in which a line ends with '|'.
@@ -371,16 +374,16 @@ TEST(fill, keeps_line_end_to_the_locale_of_the_stream) {
     for (const delivery& way : all_deliveries) {
         delivered_stream in("a: b\r||hi\n|ho\r|", way);
         in.imbue(changed);
-        EXPECT_EQ(full_outcome_text(parse(in, {.m_keep_text = true})),
-                  "1 text/plain h=0+7 m=0+15 b=7+8 c=7+8 n=2\n"
-                  "  0-6 \"a\" \"b\"\n"
-                  "  body \"hi\\n\\r\\nho\\r\\n\"\n")
+        EXPECT_TREE_TEXT(full_outcome_text(parse(in, {.m_keep_text = true})),
+                         "1 text/plain h=0+7 m=0+15 b=7+8 c=7+8 n=2\n"
+                         "  0-6 \"a\" \"b\"\n"
+                         "  body \"hi\\n\\r\\nho\\r\\n\"\n")
             << way.m_name;
         delivered_stream stray("||h\ni|", way); // a line feed inside a line
         stray.imbue(changed);
-        EXPECT_EQ(full_outcome_text(parse(stray)),
-                  "1 text/plain h=0+1 m=0+2 b=1+1 c=1+1 n=1 body-last-empty\n"
-                  "! runtime_error: error in io input data\n")
+        EXPECT_TREE_TEXT(full_outcome_text(parse(stray)),
+                         "1 text/plain h=0+1 m=0+2 b=1+1 c=1+1 n=1 body-last-empty\n"
+                         "! runtime_error: error in io input data\n")
             << way.m_name;
     }
 }
@@ -392,7 +395,7 @@ TEST(fill, throws_bad_cast_where_the_locale_of_the_stream_cannot_widen) {
     in.imbue(std::locale(std::locale::classic(), new facet_without_widening));
     EXPECT_THROW(message.Fill(in), std::bad_cast);
     EXPECT_FALSE(message.m_done);
-    EXPECT_EQ(full_tree_text(message.m_root), "1 /\n");
+    EXPECT_TREE_TEXT(full_tree_text(message.m_root), "1 /\n");
 }
 
 TEST(fill, runs_on_many_threads_at_once) {
