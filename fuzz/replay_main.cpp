@@ -43,6 +43,7 @@ std::size_t replay(const std::filesystem::path& path) {
             ++files;
         }
     if (files == 0) throw std::runtime_error(path.string() + ": holds no files");
+    std::cout << path.string() << ": " << files << " files replayed\n";
     return files;
 }
 
@@ -53,7 +54,7 @@ int main(int count, char** arguments) {
         std::size_t files = 0;
         for (int index = 1; index < count; ++index) files += replay(arguments[index]);
         if (files == 0) throw std::runtime_error("name files or folders to replay");
-        std::cout << files << " files replayed\n";
+        std::cout << files << " files replayed in all\n";
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

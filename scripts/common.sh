@@ -13,7 +13,7 @@ packaging_packages=(abigail-tools clang doxygen dpkg-dev libsqlite3-dev lintian 
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
 test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" libgtest-dev
     python3-jsonschema valgrind)
-fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev)
+fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev xz-utils)
 # Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
 peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev)
 # shellcheck disable=SC2034 # for those who source this
