@@ -37,7 +37,7 @@ fuzz_input read_input(const std::uint8_t* data, std::size_t size) {
 }
 
 memory_buffer::memory_buffer(std::string_view text) {
-    char* const begin = const_cast<char*>(text.data()); // a get area is never written to
+    char* const begin = const_cast<char*>(text.data()); // a get area is never written
     setg(begin, begin, begin + text.size());
 }
 
@@ -77,12 +77,12 @@ input_stream::input_stream(const fuzz_input& input) {
 }
 
 std::size_t input_stream::count_rest() {
-    m_in->exceptions(std::ios_base::goodbit); // a faulty buffer sets badbit in its stream
+    m_in->exceptions(std::ios_base::goodbit); // a faulty buffer sets badbit
     std::size_t count = 0;
     try {
         while (m_in->rdbuf()->sbumpc() != std::char_traits<char>::eof()) ++count;
     } catch (const test_support::stream_fault&) {
-        return count; // the fault is where it is for both parsers
+        return count; // the fault is at the same place for both parsers
     }
     return count;
 }

@@ -1,6 +1,6 @@
-// How a fuzz input is read: four bytes that choose how the message is parsed, then the message. The
-// bytes of
-// '@' choose what a host does by default, so that seeds can be written by hand:
+// How a fuzz input is read: four bytes that choose how the message is parsed, then the message.
+// Where a byte is '@', it chooses what a host does by default, so that seeds can be written by
+// hand:
 //
 //     @@@@Subject: hello        plain parse from memory
 //     A                         keep the text           (bit 0 of the first byte)
@@ -45,11 +45,11 @@ struct fuzz_input {
     static constexpr std::uint8_t first_faulty_kind = 10;
 };
 
-/// Inputs of less than four bytes are messages of no bytes. The message points into the data.
+/// Inputs of fewer than four bytes are empty messages. The message points into the data.
 fuzz_input read_input(const std::uint8_t* data, std::size_t size);
 
-/// The whole message as one get area; whoever reads past it reads past the fuzzer's own allocation.
-/// Can seek.
+/// The whole message as one get area. A read past its end is a read past the fuzzer's own
+/// allocation. The stream can seek.
 class memory_buffer : public std::streambuf {
 public:
     explicit memory_buffer(std::string_view text);
@@ -61,14 +61,14 @@ protected:
 };
 
 /// The message as a stream of the kind that the input asks for: 0 from memory, 1 to 9 as
-/// all_deliveries has them, 10 to 12 a fault of each kind, 13 to 15 the same with seven bytes at a
-/// time.
+/// all_deliveries has them, 10 to 12 with a fault of each kind, 13 to 15 the same with seven bytes
+/// at a time.
 class input_stream {
 public:
     explicit input_stream(const fuzz_input& input);
     std::istream& get() { return *m_in; }
 
-    /// Bytes that the stream has still to give, for comparing where two parsers have stopped.
+    /// The bytes that the stream has not handed out yet. They show where a parser has stopped.
     std::size_t count_rest();
 
 private:

@@ -1,6 +1,5 @@
-// Parses a message, holds the tree against what is true of all trees, parses again over the filled
-// object, and takes the tree through the life that a host gives it: copies, assignments, the dump,
-// clear, destruction.
+// Parses a message, checks the rules that every tree obeys, and parses again with the filled
+// object. Then does with the tree what hosts do: copies, assignments, the dump, clear, destruction.
 
 #include <mail_structure.h>
 
@@ -37,7 +36,7 @@ outcome fill(MailStructure& message, const fuzz::fuzz_input& input) {
     return outcome::done;
 }
 
-/// Takes what is written to it and keeps nothing.
+/// Takes what is written to it and keeps none of it.
 class null_buffer : public std::streambuf {
 protected:
     std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
@@ -81,7 +80,8 @@ void live_on(MailStructure& message, MailStructure::MimeObj& copy) {
     target.get_obj()->get_obj();
     target = copy;
     fuzz::require_same_tree(target, copy, fuzz::parents::equal);
-    // From a descendant, which the assignment destroys. The deepest one along the last children.
+    // Assigns from a descendant, which the assignment destroys: the last of the chain of last
+    // children.
     MailStructure::MimeObj* below = &copy;
     const MailStructure::MimeObj* original = &target;
     while (!below->m_children.empty()) {
@@ -111,8 +111,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MailStructure::MimeObj copy(message.m_root);
     fuzz::require_same_tree(copy, message.m_root, fuzz::parents::equal);
 
-    // Once more over the filled tree; how the bytes arrive must not matter, unless a fault stops
-    // them.
+    // Parses once more, with the filled tree. How the bytes arrive must not matter, unless a fault
+    // stops them.
     fuzz::fuzz_input again = input;
     if (!input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit)
         again.m_stream_kind = 0;

@@ -1,4 +1,4 @@
-// Holds the library against the reference parser: the whole tree, the error, and how the stream is
+// Compares the library with the reference parser: the whole tree, the error, and how the stream is
 // left.
 
 #include <mail_structure.h>

@@ -1,5 +1,5 @@
-// Holds each scanner that this processor runs against its plain twin. The first byte chooses the
-// scanner, the second how far from an aligned address the text begins; the text ends where its
+// Compares each scanner that this processor can run with its plain twin. The first byte chooses the
+// scanner, and the second how far from an aligned address the text begins. The text ends where its
 // memory ends.
 
 #include "parser/lines/scanners.h"
@@ -17,7 +17,7 @@ namespace {
 
 using namespace mail_structure_detail;
 
-/// A scanner's name, and whether it comes to what its plain twin does.
+/// The name of a scanner, and a function that says whether its result is that of its plain twin.
 struct scanner {
     const char* m_name;
     bool (*m_agrees)(std::string_view text);
@@ -54,8 +54,8 @@ const scanner scanners[] = {
 
 constexpr std::size_t alignments = 64;
 
-/// Begins at an aligned address and is exactly as long as asked for, so that a sanitizer sees who
-/// reads on.
+/// Memory that begins at an aligned address and is exactly as long as requested, so that a
+/// sanitizer reports a read past its end.
 class aligned_memory {
 public:
     explicit aligned_memory(std::size_t bytes)
@@ -80,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view bytes(reinterpret_cast<const char*>(data) + 2, size - 2);
 
     const aligned_memory memory(offset + bytes.size());
-    std::memset(memory.get(), '\n', offset); // a scanner that begins too early finds something
+    std::memset(memory.get(), '\n', offset); // a scanner that begins too early finds these
     char* const text = memory.get() + offset;
     bytes.copy(text, bytes.size());
     fuzz::require(chosen.m_agrees({text, bytes.size()}), chosen.m_name);

@@ -1,6 +1,6 @@
-// A plain main for a fuzz target: runs it over the files given, and over all files in the folders
-// given. What the target finds ends the process. Files that cannot be read, or none at all, are a
-// failure too.
+// A plain main for a fuzz target: runs the target with each file given, and with all files in each
+// folder given. A finding ends the process. A file that cannot be read, or a folder without files,
+// is a failure too.
 
 #include <cstddef>
 #include <cstdint>
@@ -21,7 +21,8 @@ void replay_file(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) throw std::runtime_error(path.string() + ": cannot be read");
     const std::string text{std::istreambuf_iterator<char>(file), {}};
-    // A block of exactly its size, so that a sanitizer sees who reads past it.
+    // The input is copied to a block of exactly its size, so that a sanitizer reports a read past
+    // its end.
     const auto bytes = std::make_unique<std::uint8_t[]>(text.size());
     for (std::size_t index = 0; index < text.size(); ++index)
         bytes[index] = static_cast<std::uint8_t>(text[index]);

@@ -6,7 +6,7 @@
 namespace fuzz {
 
 void fail(std::string_view what) {
-    // Not through std::cerr, which a target may have taken away from the dump.
+    // This does not use std::cerr, because a target may have redirected it for the dump.
     std::fprintf(stderr, "does not hold: %.*s\n", static_cast<int>(what.size()), what.data());
     std::abort();
 }

@@ -1,5 +1,5 @@
-// What a target does when something that must hold does not: it says so and ends the process, which
-// libFuzzer and the replay both count as a finding.
+// How a target reports that a rule is broken: it prints a text and ends the process. Both libFuzzer
+// and the replay count that as a finding.
 
 #ifndef FUZZ_REQUIRE_H
 #define FUZZ_REQUIRE_H

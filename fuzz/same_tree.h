@@ -1,4 +1,4 @@
-// Equality of two trees of the library, for second runs and copies.
+// Equality of two trees of the library, for copies and for trees of a second parse.
 
 #ifndef FUZZ_SAME_TREE_H
 #define FUZZ_SAME_TREE_H

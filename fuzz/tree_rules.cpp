@@ -30,7 +30,7 @@ namespace {
 using entity = MailStructure::MimeObj;
 using field = MailStructure::header;
 
-/// A range as begin and end. Nothing is said of an unset one but that it is all zero.
+/// A range as begin and end. An unset range is all zero, and obeys no other rule.
 struct range {
     std::uint64_t m_beg;
     std::uint64_t m_end;
@@ -158,7 +158,7 @@ void require_fields(const entity& of, const parse_facts& facts, bool is_root,
         last_end = one.m_end;
     }
     if (facts.m_has_memlimit && !facts.m_keep_text) return;
-    // The blank line that ends the block, and one that was dropped before it.
+    // The empty line that ends the block, and one that was dropped before it.
     const std::uint64_t blank = !is_root && of.m_headers.size() == 1 ? 4 : 2;
     require(header.m_end - std::min(last_end, header.m_end) <= blank,
             "a header block is its fields and a blank line");
@@ -188,11 +188,13 @@ void require_leaf(const entity& of, const entity* parent, const parse_facts& fac
             "a leaf's epilogue follows its body");
     if (of.m_lines != 0)
         require(!of.m_type.empty() && !of.m_subtype.empty(), "a body line gives a default type");
-    // A body at offset 0 has lost its first line from the body range, not from the entity's.
+    // When a body begins at offset 0, its first line is missing in the body range, but not in the
+    // whole-entity range.
     const range lines = header_of(of).is_set() ? body : mime_of(of);
     std::uint32_t count = keep_lines(cut(facts.m_input, lines), scratch);
-    // An encapsulated message that opens with a body line loses the next line if that is empty. The
-    // tree does not tell such a message from a part that a separator opened, which keeps it.
+    // An encapsulated message that begins with a body line loses the next line if that is empty. In
+    // the tree, such a message cannot be distinguished from a part that a separator opened, which
+    // keeps the line.
     if (count != of.m_lines && parent != nullptr && parent->m_message && !header_of(of).is_set())
         count = keep_lines(cut(facts.m_input, lines), scratch, second_line::dropped_if_empty);
     require(count == of.m_lines, "a leaf's lines are those of its body");
@@ -222,7 +224,7 @@ void require_child(const entity& parent, const entity& child) {
             "a child's header block lies in its parent's contents");
 }
 
-/// @param in_place  the entity was open to the end, so its children still point at it
+/// @param in_place  the entity was open to the end, so that its children still point at it
 void require_children(const entity& of, bool in_place) {
     std::uint64_t lines = 0;
     std::uint64_t last_end = 0;
@@ -241,7 +243,8 @@ void require_children(const entity& of, bool in_place) {
 /// last child ...
 struct waiting_entity {
     const entity* m_entity;
-    const entity* m_parent; // the real one: an m_parent is only good for entities in place
+    const entity*
+        m_parent; // found by the walk, because m_parent is valid only for entities in place
     bool m_in_place;
 };
 

@@ -1,6 +1,6 @@
-// What holds for every tree that Fill leaves behind, whatever the input, as long as it is shorter
-// than 4 GiB: where ranges lie in the input, in their entity's other ranges, in the parent's, and
-// among siblings.
+// Rules that every tree obeys which Fill leaves behind, for any input of less than 4 GiB: where
+// ranges lie in the input, and relative to other ranges of the entity, of its parent and of its
+// siblings.
 
 #ifndef FUZZ_TREE_RULES_H
 #define FUZZ_TREE_RULES_H
@@ -13,11 +13,10 @@ namespace fuzz {
 
 /// How the tree came about.
 struct parse_facts {
-    std::string_view m_input; // all that the stream could have given
+    std::string_view m_input; // all bytes that the stream may hand out
     bool m_keep_text = false;
     bool m_has_memlimit = false;
-    bool m_length_error =
-        false; // the last field of the innermost open entity is then without a place
+    bool m_length_error = false; // then the last field of the innermost entity has no place
 };
 
 /// Ends the process unless every rule holds for every entity. Does not recurse; linear in tree and

@@ -1,5 +1,5 @@
-// Does to one message of a given shape and size all that a host does with one, in stages that an
-// instruction counter can tell apart. growth.sh compares the counts at two sizes.
+// Makes a message of a given shape and size, and does with it all that a host may do, in stages
+// that an instruction counter can tell apart. growth.sh compares the counts at two sizes.
 //
 //     growth                   prints the names and sizes of the shapes
 //     growth SHAPE N           runs it; under callgrind each stage becomes a dump of its own, named
@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Takes whatever is printed and keeps nothing.
+/// Takes what is printed and keeps none of it.
 class null_buffer : public std::streambuf {
 protected:
     int_type overflow(int_type c) override { return traits_type::not_eof(c); }

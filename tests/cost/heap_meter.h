@@ -8,7 +8,8 @@
 
 namespace cost {
 
-/// Measures what is allocated while it lives. One at a time, on one thread.
+/// Measures what is allocated while the object lives. There may be one such object at a time, and
+/// one thread.
 class heap_meter {
 public:
     heap_meter() noexcept;

@@ -15,13 +15,14 @@ const std::string multipart = "c:multipart/;b=x\n";
 const std::string separator = "--x\n";
 const std::string closing = "--x--\n";
 
-/// So many messages, each within the one before it; lines that follow go to the innermost.
+/// The beginning of so many messages, each within the one before it. Lines that follow belong to
+/// the innermost.
 std::string messages(std::size_t depth) {
     return "C:\n\n" + repeated(depth, "C:\n\n\n") + "a:\n\n\n";
 }
 
-/// So many multiparts, each the first part of the one before it; lines that follow go to that one's
-/// first part.
+/// The beginning of so many multiparts, each the first part of the one before it. Lines that follow
+/// belong to the first part of the innermost.
 std::string multiparts(std::size_t depth) {
     return repeated(depth, multipart + separator) + "a:\n\n";
 }
@@ -64,7 +65,8 @@ std::string parameters_over_folds(std::size_t n) {
     return "Content-Type: text/plain;\n" + repeated(n, " a=b;\n");
 }
 
-/// A stack of n delimiters, and as many lines that are compared with its top.
+/// There are n open multiparts, and as many lines that are compared with the delimiter of the
+/// innermost.
 std::string boundary_parameters(std::size_t n) {
     return "Content-Type: multipart/mixed" + repeated(n, ";boundary=x") + "\n\n"
            + repeated(n, "--y\n");
@@ -75,7 +77,7 @@ std::string closings_of_boundary_parameters(std::size_t n) {
            + repeated(n, closing);
 }
 
-/// Delimiter and lines agree in all but their last byte.
+/// The lines differ from the delimiter in the last byte alone.
 std::string almost_matching_lines(std::size_t n) {
     const std::string almost(1000, '-');
     return "Content-Type: multipart/mixed; boundary=" + almost + "x\n\n"
@@ -84,7 +86,7 @@ std::string almost_matching_lines(std::size_t n) {
 
 std::string body_lines_at_depth(std::size_t n) { return messages(n) + repeated(n, "text\n"); }
 
-/// Lines that may be boundary lines are looked at one by one.
+/// Lines that may be delimiter lines are examined one by one.
 std::string dashed_lines_at_depth(std::size_t n) { return multiparts(n) + repeated(n, "--text\n"); }
 
 std::string epilogue_lines_at_depth(std::size_t n) {
@@ -107,7 +109,8 @@ std::string one_header_line(std::size_t n) { return "a: " + std::string(n, 'x') 
 
 std::string empty_lines(std::size_t n) { return "a: b\n" + std::string(n, '\n'); }
 
-/// The parse leaves by an exception, and everything owed is paid on the way out.
+/// The parse ends with an exception, and all ranges that are still owed to ancestors are settled on
+/// the way out.
 std::string stray_byte_at_depth(std::size_t n) {
     return messages(n) + repeated(n, "text\n") + "a\rb\n";
 }

@@ -1,4 +1,5 @@
-// Messages of one shape each, at any size: what a hostile author would send to make a parser slow.
+// Messages that a hostile author would send to make a parser slow. Each shape can be had at any
+// size.
 
 #ifndef TESTS_COST_SHAPES_H
 #define TESTS_COST_SHAPES_H

@@ -1,4 +1,4 @@
-// The listing of a filled tree, to the last byte and on the right stream.
+// What Dump prints of a filled tree: every byte, and the stream to which it goes.
 
 #include <mail_structure.h>
 

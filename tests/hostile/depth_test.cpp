@@ -1,5 +1,5 @@
-// Messages nested as deep as their size allows, a few bytes a level. Whatever is done with such a
-// tree is done on a stack far too small for anything that recurses on its depth.
+// Messages nested as deep as their size allows, with a few bytes for each level. All operations on
+// such a tree run on a stack that is far too small for a function that recurses on its depth.
 
 #include <mail_structure.h>
 
@@ -35,8 +35,8 @@ struct shape {
 
 constexpr std::array<shape, 3> shapes = {{
     // Each "C:" is a Content-Type field without a value, which makes its entity a message. The
-    // blank line
-    // right after it is dropped, the next one ends its header block; only the root needs no second.
+    // empty line right after the field is dropped, and the next empty line ends the header block.
+    // In the root, the first empty line ends it.
     {"messages", "C:\n\n",
      "C:\n"
      "\n"
@@ -79,7 +79,7 @@ struct depth_case {
     ending m_ending;
 };
 
-/// Hands out a message piece by piece: any depth in constant memory.
+/// Hands out a message piece by piece, so that a message of any depth takes constant memory.
 class nest_buffer : public std::streambuf {
 public:
     explicit nest_buffer(const depth_case& wanted)
@@ -135,7 +135,7 @@ entity& descendant(entity& root, std::size_t steps_down) {
     return *at;
 }
 
-/// That the tree has all its levels, and that the one body line reached every one of them.
+/// Checks that the tree has all its levels, and that the one body line was counted at each of them.
 void expect_depth(const entity& root, std::size_t levels) {
     const measured found = measure(root);
     EXPECT_EQ(found.m_levels, levels);
@@ -145,7 +145,7 @@ void expect_depth(const entity& root, std::size_t levels) {
     EXPECT_EQ(found.m_innermost->m_headers[0].m_name, "a");
 }
 
-/// Takes whatever is written and counts its lines.
+/// Takes what is written and counts its lines.
 class counting_buffer : public std::streambuf {
 public:
     std::size_t lines() const { return m_lines; }
@@ -188,7 +188,7 @@ void expect_dump(const MailStructure& message, std::size_t levels) {
         message.Dump(unread);
     }
     EXPECT_GE(errors.lines(),
-              2 + levels * 6);     // an entity has its own line, and five for ranges and its field
+              2 + levels * 6);     // per entity: its line, ranges and field
     EXPECT_EQ(output.lines(), 2U); // the rulers of the one leaf
 }
 

@@ -1,4 +1,4 @@
-// The bounded comparison without case.
+// The comparison of a bounded number of bytes that ignores case.
 
 #include <mail_structure.h>
 
@@ -26,7 +26,7 @@ struct compare_case {
     bool m_result;
 };
 
-/// GoogleTest would print a row byte by byte, those between its members included.
+/// Without this, GoogleTest would print a row byte by byte, padding included.
 void PrintTo(const compare_case& row, std::ostream* out) { *out << row.m_name; }
 
 const compare_case compare_cases[] = {

@@ -20,7 +20,7 @@ using MimeObj = MailStructure::MimeObj;
 using test_support::full_tree_text;
 using test_support::run_on_stack;
 
-/// Gives every member a value that no new entity has. Children and fields come besides.
+/// Gives every member, apart from children and fields, a value that no new entity has.
 void mark(MimeObj& entity, std::uint32_t seed) {
     entity.m_multipart = true;
     entity.m_message = true;
@@ -46,7 +46,7 @@ void mark(MimeObj& entity, std::uint32_t seed) {
     entity.get_header();
 }
 
-/// A tree of a root, two children, and two grandchildren below the second child.
+/// A root with two children, the second of which has two children.
 void make_family(MimeObj& root) {
     root.get_obj();
     root.get_obj();

@@ -30,7 +30,7 @@ struct lookup_case {
     int m_found; // index of the field, or -1
 };
 
-/// GoogleTest would print a row byte by byte, those between its members included.
+/// Without this, GoogleTest would print a row byte by byte, padding included.
 void PrintTo(const lookup_case& row, std::ostream* out) { *out << row.m_name; }
 
 // The fields are X-Subject, Subject-Line, SUBJECT, To and a field without a name, in this order.

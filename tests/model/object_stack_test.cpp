@@ -1,5 +1,5 @@
-// The stack of open entities as a host may drive it: push, pop, and lines for many entities at
-// once.
+// The stack of open entities as a host may use it: push, pop, and lines that belong to many
+// entities at once.
 
 #include <mail_structure.h>
 
@@ -62,7 +62,7 @@ TEST(object_stack, pop_returns_the_entity_below) {
     EXPECT_EQ(stack, (entity_stack{&message.m_root, child}));
     EXPECT_EQ(message.pop(stack), &message.m_root);
     EXPECT_EQ(stack, entity_stack{&message.m_root});
-    EXPECT_EQ(message.m_root.m_children.size(), 1U); // what was closed stays in the tree
+    EXPECT_EQ(message.m_root.m_children.size(), 1U); // a closed entity stays in the tree
 }
 
 TEST(object_stack, pop_of_the_only_entity_returns_null) {

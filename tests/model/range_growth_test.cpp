@@ -1,4 +1,4 @@
-// The operations that take lines into an entity: its ranges, its line count, its kept texts.
+// The operations that add lines to an entity: to its ranges, its line count and its kept texts.
 
 #include <mail_structure.h>
 

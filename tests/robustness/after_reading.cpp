@@ -40,7 +40,7 @@ after_reading left_by(const std::string& error, std::istream& in) {
     return left;
 }
 
-/// Reads lines; whether all of them could be read.
+/// Reads lines. Returns whether all of them could be read.
 bool can_read(std::istream& in, std::size_t lines) {
     std::string line;
     for (; lines != 0; --lines)

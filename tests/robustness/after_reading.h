@@ -1,6 +1,5 @@
-// What somebody who has read from a stream leaves behind: what came out of him, the state of the
-// stream, and the bytes that the next one will find. std::getline, called until it fails, is the
-// measure of what Fill leaves.
+// What a reader leaves behind: its exception, the state of the stream, and the bytes that the next
+// reader will find. Fill must leave a stream as std::getline does when it is called until it fails.
 
 #ifndef TESTS_ROBUSTNESS_AFTER_READING_H
 #define TESTS_ROBUSTNESS_AFTER_READING_H
@@ -32,17 +31,17 @@ std::ostream& operator<<(std::ostream& out, const after_reading& found);
 
 inline constexpr std::size_t all_lines = std::numeric_limits<std::size_t>::max();
 
-/// Reads so many lines with std::getline, or until one cannot be read. Takes what is left of the
-/// stream.
-/// @param own_error  what to tell when all of them could be read: the error that Fill finds in the
-/// last one
+/// Reads so many lines with std::getline, or fewer if one cannot be read. Then reads the rest of
+/// the stream.
+/// @param own_error  the error to report if all of them could be read: the one that Fill finds in
+/// the last line
 after_reading after_getline(std::istream& in, std::size_t lines = all_lines,
                             const std::string& own_error = "");
 
-/// Fills, and takes what is left of the stream.
+/// Calls Fill, and then reads the rest of the stream.
 after_reading after_fill(MailStructure& message, std::istream& in);
 
-/// The line at which the parse of a text ends by an error of its own.
+/// The line at which the parse of a text ends with an error in the text itself.
 struct erroneous_line {
     std::size_t m_lines = all_lines; // up to and including it
     std::string m_error;

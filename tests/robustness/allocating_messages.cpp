@@ -8,7 +8,7 @@
 namespace test_support {
 namespace {
 
-/// So many letters: any more than 15 do not fit into a string object.
+/// So many letters. More than 15 do not fit into a string object, and have to be allocated.
 std::string letters(std::size_t count) {
     std::string result;
     for (std::size_t i = 0; i < count; ++i) result += static_cast<char>('a' + i % 26);
@@ -30,12 +30,13 @@ std::string with_crlf(const std::string& text) {
     return result;
 }
 
-/// The header block of a multipart, its blank line included.
+/// The header block of a multipart, its empty line included.
 std::string multipart(const std::string& boundary) {
     return "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\n\n";
 }
 
-/// Multiparts within each other, each boundary long enough to be allocated, none closed yet.
+/// Multiparts within each other. Each boundary is long enough to be allocated, and none is closed
+/// yet.
 std::string open_multiparts(std::size_t depth) {
     std::string result;
     for (std::size_t level = 0; level < depth; ++level) {

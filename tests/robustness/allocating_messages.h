@@ -1,4 +1,4 @@
-// Messages that between them reach every place at which the library allocates: texts too long to be
+// Messages that together reach every place at which the library allocates: texts too long to be
 // kept inside a string object, containers that grow more than once, deep and broad trees, and
 // fields past the memory limit.
 
@@ -25,7 +25,7 @@ inline void PrintTo(const allocating_message& message, std::ostream* out) {
     *out << message.m_name;
 }
 
-/// The messages written for this, then some of the message generator's.
+/// The messages written for these tests, then some from the message generator.
 std::vector<allocating_message> allocating_messages();
 
 } // namespace test_support

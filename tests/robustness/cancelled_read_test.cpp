@@ -1,5 +1,5 @@
-// A thread that is cancelled while Fill reads a file: it ends, the stream tells of the failure, and
-// the file stands behind the last line that is in the tree.
+// A thread that is cancelled while Fill reads a file. The thread ends, the state of the stream
+// shows the failure, and the position of the file is right after the last line that is in the tree.
 
 #include <mail_structure.h>
 
@@ -14,12 +14,12 @@
 
 namespace {
 
-/// The present thread is cancelled within the read that counts this down to 0.
+/// Each read counts this down. The read that reaches 0 cancels the thread that called it.
 thread_local int reads_left = -1;
 
 } // namespace
 
-/// What the standard library's file buffers call, in place of the system's own.
+/// Replaces the function of the system that the file buffers of the standard library call.
 extern "C" ssize_t read(int file, void* bytes, size_t count) {
     if (reads_left > 0 && --reads_left == 0) {
         pthread_cancel(pthread_self());

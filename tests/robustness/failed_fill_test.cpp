@@ -35,8 +35,8 @@ struct run_options {
     std::ios_base::iostate m_mask;
 };
 
-/// Without a mask std::getline keeps a failure to enlarge the line to itself; with badbit in it, it
-/// does not.
+/// When std::getline cannot enlarge the line, it throws only if badbit is in the exception mask;
+/// otherwise it sets badbit and nothing else.
 const run_options all_runs[] = {
     {test_support::all_bytes, memory::comes_back, std::ios_base::goodbit},
     {test_support::all_bytes, memory::stays_out, std::ios_base::badbit},
@@ -93,7 +93,7 @@ protected:
     const allocating_message& filled_with() const { return std::get<0>(GetParam()); }
     bool keep_text() const { return std::get<1>(GetParam()); }
 
-    /// The tree is as far as the bytes taken tell, and what left Fill is what should.
+    /// Checks that the tree fits the number of bytes taken, and that the right exception left Fill.
     std::string judged(const MailStructure& message, const failed_run& result,
                        const run_options& options) const {
         const std::size_t lines = m_steps.lines_within(result.m_taken);
@@ -103,7 +103,7 @@ protected:
             return test_support::progress_difference(message.m_root, m_steps.after(before).root(),
                                                      m_steps.after(lines).root());
         }
-        // std::getline could not enlarge the line, and said so by badbit alone: the input ended
+        // std::getline could not enlarge the line and set badbit alone, so that the input ended
         // there.
         if (!result.m_went_bad || (reads_in_place && options.m_window != 0))
             return std::string("left with ") + result.m_error;
@@ -115,15 +115,15 @@ protected:
         return test_support::first_difference(message, result.m_error, m_steps.at_end());
     }
 
-    /// What the tests themselves keep from one comparison to the next is allocated before the
-    /// counting.
+    /// What the tests keep from one comparison to the next is allocated before the counting begins.
     void SetUp() override {
         MailStructure message;
         message.m_keep_text = keep_text();
         ASSERT_EQ(refilled(message), "");
     }
 
-    /// Lets one allocation after the other fail, until there is none left that could.
+    /// Lets each allocation fail in turn, until the parse succeeds because there is no such
+    /// allocation.
     /// @param before  what the parser object was filled with before; null: nothing
     void run_all(const run_options& options, const allocating_message* before = nullptr) {
         bool goes_on = true;
@@ -150,7 +150,7 @@ protected:
     }
 
 private:
-    /// Keeps text, so that there is as much to be used again as can be.
+    /// Keeps text, so that as many records as possible can be used again.
     static void fill_before(MailStructure& message, const allocating_message& before) {
         const test_support::memory_limit limit(before.m_memlimit);
         message.m_keep_text = true;
@@ -167,8 +167,8 @@ TEST_P(failed_fill, leaves_the_tree_as_far_as_built) {
     for (const run_options& options : all_runs) run_all(options);
 }
 
-/// The trees of these have records of all kinds for the next message to use, and more of some than
-/// it wants.
+/// The trees of these messages leave records of all kinds for the next message, and of some kinds
+/// more than it needs.
 TEST_P(failed_fill, leaves_the_tree_as_far_as_built_in_a_used_parser) {
     static const std::vector<allocating_message> all = test_support::allocating_messages();
     for (const allocating_message& before : all) {

@@ -1,5 +1,5 @@
-// The JSON writer when memory runs out: std::bad_alloc, nothing leaked, and nothing handed on of a
-// document that was not finished but the blocks that it had filled.
+// The JSON writer when memory runs out: it throws std::bad_alloc and leaks nothing. Of a document
+// that is not finished, it has handed on only the blocks that were full.
 
 #include "mailstructure/json_writer.h"
 #include "robustness/failing_new.h"
@@ -32,8 +32,8 @@ private:
     std::streamsize m_bytes = 0;
 };
 
-/// Deep enough for the stacks of the writer and of the walk to grow; with values that are not
-/// UTF-8. All but the pretty form of it fits in a block.
+/// Deep enough for the stacks of the writer and of the walk to grow, and with values that are not
+/// UTF-8. Each form but the pretty one fits in a block.
 constexpr int levels = 20;
 
 std::string message_text() {

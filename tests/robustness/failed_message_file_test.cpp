@@ -1,5 +1,5 @@
-// A parsed file when memory runs out: a fault like any other, wherever the parse and the moving of
-// its offsets have got to.
+// A parsed file when memory runs out: that is reported like any other fault, be it during the parse
+// or while offsets are moved.
 
 #include "common/message_file.h"
 #include "robustness/failing_new.h"

@@ -31,7 +31,7 @@ using test_support::allocation_trap;
 using test_support::live_allocations;
 using test_support::memory;
 
-/// Sends what is printed to the two standard streams nowhere.
+/// Discards what is printed to the two standard streams.
 class silenced_streams {
 public:
     silenced_streams() : m_cout(std::cout.rdbuf(&m_nowhere)), m_cerr(std::cerr.rdbuf(&m_nowhere)) {}
@@ -55,8 +55,8 @@ private:
 
 constexpr memory all_outcomes[] = {memory::comes_back, memory::stays_out};
 
-/// Calls act with one allocation after the other failing, until none is left to fail: the last call
-/// succeeds. After each that failed, calls check. What a failed call leaves allocated counts as
+/// Calls act again and again, and lets the next allocation fail each time, until a call succeeds.
+/// Calls check after each call that failed. Memory that a failed call leaves allocated counts as
 /// leaked. Returns how many calls failed.
 std::size_t fail_each(memory afterwards, const std::function<void()>& act,
                       const std::function<void()>& check) {
@@ -100,7 +100,7 @@ public:
     }
 
     MimeObj& root() { return m_message.m_root; }
-    /// Where the tree is no longer as Fill left it; empty when it is.
+    /// Says where the tree is no longer as Fill left it; empty if it is.
     std::string change() const {
         return test_support::first_difference(m_message, m_error, m_wanted);
     }
@@ -128,7 +128,7 @@ MimeObj& innermost_last(MimeObj& root) {
     return *at;
 }
 
-/// Calls a check with each message and the tree of it, until one fails.
+/// Calls a check with each message and its tree, until a check fails.
 void for_each_message(const std::function<void(const allocating_message&, filled_tree&)>& check) {
     for (const allocating_message& message : test_support::allocating_messages()) {
         SCOPED_TRACE(message.m_name);

@@ -6,7 +6,7 @@
 namespace test_support {
 namespace {
 
-// Constant-initialised, for allocations are made before any constructor of ours runs.
+// These are constant-initialised, because allocations are made before any constructor runs.
 std::size_t g_live = 0;
 std::size_t g_count = 0;
 std::size_t g_failing = allocation_trap::never;

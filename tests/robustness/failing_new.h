@@ -2,7 +2,7 @@
 // links failing_new.cpp has its operators new and delete replaced for everything in it, the
 // standard library included.
 //
-// Types aligned beyond the usual are not covered: nothing here has any.
+// The operators for over-aligned types are not replaced, since no such type is used here.
 
 #ifndef TESTS_ROBUSTNESS_FAILING_NEW_H
 #define TESTS_ROBUSTNESS_FAILING_NEW_H
@@ -22,8 +22,8 @@ enum class memory : std::uint8_t {
     stays_out   // they fail too
 };
 
-/// Counts the allocations made while it lives, and lets one of them fail. One at a time, on one
-/// thread.
+/// Counts the allocations made while the object lives, and lets one of them fail. There may be one
+/// such object at a time, and one thread.
 class allocation_trap {
 public:
     static constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
@@ -38,7 +38,7 @@ public:
 
     /// Allocations asked for so far, the failed ones included.
     std::size_t count() const noexcept;
-    /// The failing allocation was reached.
+    /// Whether the failing allocation was reached.
     bool has_sprung() const noexcept;
 };
 

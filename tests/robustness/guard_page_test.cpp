@@ -31,7 +31,7 @@ using test_support::window_stream;
 
 constexpr std::size_t most_bytes = 65536 + 2;
 
-/// 0 to 200, and around the sizes in which somebody might read.
+/// The numbers from 0 to 200, and those around the sizes in which memory might be read.
 std::vector<std::size_t> telling_lengths() {
     std::vector<std::size_t> lengths;
     for (std::size_t length = 0; length <= 200; ++length) lengths.push_back(length);
@@ -41,14 +41,14 @@ std::vector<std::size_t> telling_lengths() {
     return lengths;
 }
 
-/// So many bytes of a text that is repeated as often as it takes. Its end stands at the end.
+/// So many bytes of a repeated text. The end of the text is the end of the bytes.
 std::string tail_of_repeated(const std::string& text, std::size_t bytes) {
     std::string result;
     while (result.size() < bytes) result += text;
     return result.substr(result.size() - bytes);
 }
 
-/// The same, but its beginning stands at the beginning.
+/// The same, but the beginning of the text is the beginning of the bytes.
 std::string head_of_repeated(const std::string& text, std::size_t bytes) {
     std::string result;
     while (result.size() < bytes) result += text;
@@ -130,8 +130,8 @@ class guard_page : public testing::TestWithParam<content> {};
 
 void PrintTo(const content& what, std::ostream* out) { *out << what.m_name; }
 
-/// Parses the bytes in place, in windows of that size, and holds the tree against the reference
-/// parser's.
+/// Parses the bytes in place, in windows of that size, and compares the tree with that of the
+/// reference parser.
 std::string difference(std::string_view bytes, std::size_t window,
                        const reference::message& wanted) {
     MailStructure message;
@@ -146,8 +146,8 @@ TEST_P(guard_page, is_not_touched) {
     for (const std::size_t length : telling_lengths()) {
         const std::string first = GetParam().m_first.substr(0, length);
         const std::size_t left = length - first.size();
-        // Cut at either end, so that lines and boundaries end before the page or would have gone on
-        // in it.
+        // The text is cut at either end, so that lines and boundaries end right before the page or
+        // would continue in it.
         for (const std::string& rest : {head_of_repeated(GetParam().m_repeated, left),
                                         tail_of_repeated(GetParam().m_repeated, left)}) {
             const std::string text = first + rest;
@@ -168,7 +168,7 @@ TEST_P(guard_page, is_not_touched) {
 INSTANTIATE_TEST_SUITE_P(before_the_page, guard_page, testing::ValuesIn(contents),
                          test_support::case_name<content>);
 
-/// A search of the parser and its plain twin. Both give what they find as numbers.
+/// A scanner of the parser and its plain twin. Both return what they find as numbers.
 struct scanner {
     std::string m_name;
     std::function<std::vector<std::size_t>(std::string_view)> m_fast;
@@ -209,11 +209,11 @@ std::vector<scanner> all_scanners() {
     return all;
 }
 
-/// Bytes that a search looks for, and those that differ from them in one bit or by one.
+/// Bytes that a scanner looks for, and bytes that differ from them in one bit or by one.
 constexpr char telling_bytes[] = {'\r',   '\n',   '\0',   '-',    ':',    '\x01', '\x0B',
                                   '\x0C', '\x0E', '\x8A', '\x8D', '\x80', '\xAD', '\xFF'};
 
-/// Pieces that lines to be searched are made of.
+/// Pieces of which the scanned lines are made.
 const std::string telling_pieces[] = {"\n",
                                       "\n",
                                       "\r\n",
@@ -244,8 +244,8 @@ TEST_P(scanner_twins, agree_at_every_alignment_with_one_byte_at_every_place) {
             std::string text(length, 'x');
             if (length > 2) text[length - 1 - length % 2] = '\n';
             if (place < length) text[place] = byte;
-            // The end is fixed, so each length has an alignment of its own; at the start, all have
-            // the same.
+            // Pieces at the end have different alignments, one for each length; pieces at the start
+            // all have the same.
             expect_same(memory.at_the_end(text));
             expect_same(memory.at_the_start(text));
         }
@@ -263,7 +263,7 @@ TEST_P(scanner_twins, agree_wherever_a_text_begins_and_ends) {
         for (std::size_t begin = 0; begin <= at_end.size(); ++begin)
             for (std::size_t length = 0; length <= at_end.size() - begin; ++length)
                 expect_same(
-                    at_end.substr(begin, length)); // what lies around the piece must not count
+                    at_end.substr(begin, length)); // the bytes around the piece must not matter
     }
 }
 
@@ -296,7 +296,7 @@ TEST_P(scanner_twins, agree_on_long_texts) {
 INSTANTIATE_TEST_SUITE_P(scanners, scanner_twins, testing::ValuesIn(all_scanners()),
                          test_support::case_name<scanner>);
 
-// A guard that did not guard would make all of the above pass.
+// If the guard did not work, all of the tests above would pass.
 TEST(guard_pages, end_a_program_that_touches_them) {
     guarded_memory memory(100);
     const std::string_view text = memory.at_the_end("some bytes");

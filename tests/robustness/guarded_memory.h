@@ -1,5 +1,5 @@
-// Bytes that end directly before a page that cannot be read: a single byte too many ends the
-// program.
+// Bytes that end directly before a page that cannot be read: a program that reads one byte too many
+// ends.
 
 #ifndef TESTS_ROBUSTNESS_GUARDED_MEMORY_H
 #define TESTS_ROBUSTNESS_GUARDED_MEMORY_H
@@ -11,7 +11,7 @@ namespace test_support {
 
 class guarded_memory {
 public:
-    /// @param bytes  the most that will be asked for
+    /// @param bytes  the largest number of bytes that will be asked for
     /// @throws std::system_error  the pages could not be had
     explicit guarded_memory(std::size_t bytes);
     ~guarded_memory();

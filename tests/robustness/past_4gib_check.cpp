@@ -1,7 +1,7 @@
-// Messages of a little more than 4 GiB against the reference parser: offsets wrap, and ranges that
-// come to exactly 2^32 bytes count as unset again. Reads some 8 GiB for each message, so it is not
-// one of the quick tests. The messages are made up as they are read; memory stays small, and that
-// is checked too.
+// Compares the library with the reference parser on messages of a little more than 4 GiB: offsets
+// wrap, and ranges that reach exactly 2^32 bytes count as unset again. The test reads about 8 GiB
+// for each message, which is why it is not one of the quick tests. The messages are generated while
+// they are read; the test also checks that memory stays small.
 
 #include <mail_structure.h>
 
@@ -84,7 +84,7 @@ long_message lapsed_contents() {
                        "1\n");
 }
 
-/// The same with the middle one of three multiparts. The outer one begins earlier and the inner one
+/// The same with the second of three nested multiparts. The first begins earlier, and the third
 /// later.
 long_message lapsed_contents_in_the_middle() {
     long_message message;
@@ -106,7 +106,7 @@ long_message lapsed_contents_in_the_middle() {
                        "--W--\n");
 }
 
-/// The epilogue of the root is 2^32 bytes long when one more part comes.
+/// The epilogue of the root is 2^32 bytes long when another part begins.
 long_message lapsed_epilogue() {
     long_message message;
     message.add(outer_block + "--X\n\n1\n--X\n" + inner_block + "--Y\n\n1\n--Y--\n");
@@ -163,8 +163,8 @@ long_message deep_at_the_wrap() {
                        "epilogue");
 }
 
-/// Each entity of a chain comes to 2^32 bytes in its turn, a separator follows, and a line that
-/// begins it anew.
+/// Each entity of a chain reaches 2^32 bytes in turn. Then follow a separator, and a line with
+/// which the range begins anew.
 long_message lapses_in_turn() {
     long_message message;
     std::vector<std::uint64_t> begins;

@@ -13,7 +13,7 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-/// What an entity is before its first line, and a field before it has anything.
+/// An entity before its first line, and a field before anything is recorded in it.
 const reference::entity new_entity;
 const reference::field new_field;
 
@@ -28,7 +28,8 @@ bool is_either(std::uint32_t beg, std::uint32_t len, const reference::byte_range
            || (beg == after.m_beg && len == after.m_len);
 }
 
-/// Text is only ever appended to: it holds all that stood there before and nothing that will not.
+/// Text is only appended to: it begins with all that was there before, and has nothing that will
+/// not be there afterwards.
 bool is_between(const std::string& found, const std::string& before, const std::string& after) {
     return found.starts_with(before) && after.starts_with(found);
 }

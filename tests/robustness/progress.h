@@ -1,4 +1,4 @@
-// Judges a tree whose parse was broken off: is it one that a parser holds while it works on a
+// Judges a tree whose parse was broken off: could a parser hold this tree while it works on a
 // certain line?
 
 #ifndef TESTS_ROBUSTNESS_PROGRESS_H
@@ -21,10 +21,10 @@ class parse_steps {
 public:
     parse_steps(std::string_view input, const reference::options& wanted);
 
-    /// Whole lines in so many first bytes of the input. A last line without LF is whole with the
-    /// input's last byte.
+    /// The number of whole lines in the first so many bytes of the input. A last line without LF is
+    /// whole if it includes the last byte of the input.
     std::size_t lines_within(std::size_t bytes) const;
-    /// The tree after so many lines. If an error ends the parse earlier, it is the tree at the
+    /// The tree after so many lines. If an error ends the parse earlier, this is the tree at the
     /// error.
     const reference::message& after(std::size_t lines) const { return m_trees[lines]; }
     /// After all lines.
@@ -36,10 +36,10 @@ private:
         m_trees; // one more than there are lines; a vector would copy them to grow
 };
 
-/// Says where the tree is not between the two of the reference parser, or nothing when it is. That
-/// is so when each range, count and flag is as in the one or as in the other, each text at least as
-/// long as in `before` and a beginning of that in `after`, and no entity, field or parameter is
-/// missing from `before` or beyond `after`.
+/// Says where the tree is not between two trees of the reference parser; "" if it is. A tree is
+/// between them if each range, count and flag is as in one of them, each text is at least as long
+/// as in `before` and is the beginning of the text in `after`, it has all entities, fields and
+/// parameters of `before`, and it has none that `after` lacks.
 std::string progress_difference(const MailStructure::MimeObj& found,
                                 const reference::entity& before, const reference::entity& after);
 

@@ -22,7 +22,7 @@ std::string repeated(std::size_t times, const std::string& text) {
     return result;
 }
 
-/// A stream all of whose bytes are there from the start, so that no line is ever copied.
+/// A stream that shows all of its bytes from the start, so that no line is ever copied.
 class text_stream : public std::istream {
 public:
     explicit text_stream(std::string text) : std::istream(nullptr), m_buffer(std::move(text)) {
@@ -104,8 +104,7 @@ const same_message same_messages[] = {
 
 INSTANTIATE_TEST_SUITE_P(messages, filled_twice, testing::ValuesIn(same_messages), name_of);
 
-/// Once the storage has been where it is wanted, one allocation after the other can fail and is not
-/// missed.
+/// Once the storage is there, each allocation can fail in turn without any effect.
 TEST(filled_again, needs_no_memory_but_for_the_call) {
     MailStructure message;
     const std::string input = repeated(100, "Received: " + word + "\n") + "\nhi\n";

@@ -1,5 +1,5 @@
-// Streams over messages of many GiB that are made up as they are read. What is kept of a message is
-// its script: which text comes how often.
+// Streams over messages of many GiB, which are generated while they are read. Only the script of a
+// message is kept: which text comes how often.
 
 #ifndef TESTS_ROBUSTNESS_SCRIPTED_STREAM_H
 #define TESTS_ROBUSTNESS_SCRIPTED_STREAM_H

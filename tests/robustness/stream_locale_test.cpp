@@ -1,5 +1,5 @@
-// What the locales mean to Fill. The stream's tells which byte ends a line, as it does to
-// std::getline; the global one tells what is trimmed off field values.
+// What the locales mean to Fill. The locale of the stream determines which byte ends a line, as it
+// does for std::getline; the global locale determines what is trimmed off field values.
 
 #include <mail_structure.h>
 
@@ -24,7 +24,7 @@ namespace {
 
 using test_support::delivery;
 
-/// Takes another byte for the end of a line, as the character types of some foreign encodings do.
+/// A character facet in which another byte ends a line, as in some encodings that are not ASCII.
 class other_line_end : public std::ctype<char> {
 public:
     explicit other_line_end(char end) : m_end(end) {}
@@ -49,7 +49,7 @@ std::string with_line_end(std::string text, char end) {
     return text;
 }
 
-/// The library and the reference parser over streams of the locale.
+/// Compares the library and the reference parser over streams with the locale.
 std::string difference(const std::string& text, const std::locale& locale, const delivery& way) {
     test_support::delivered_stream for_fill(text, way);
     test_support::delivered_stream for_reference(text, way);
@@ -131,12 +131,13 @@ TEST(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
     }
 }
 
-// Every standard locale has a character type, and there is no portable way to take it out. In this
-// library version a facet's place in the locale goes by the address of its id alone, so that a
-// facet of another kind can be put there; later ones do not look at what they find.
+// Every standard locale has a character facet, and there is no portable way to remove it. In this
+// version of the standard library, the address of its id alone decides where a facet is in the
+// locale, so that a facet of another kind can be put in its place. Later versions do not check
+// which kind they find.
 #if defined(_GLIBCXX_RELEASE) && _GLIBCXX_RELEASE < 13
 
-/// Stands where the character type should be.
+/// A facet of another kind in the place of the character facet.
 class no_character_type : public std::locale::facet {
 public:
     static std::locale::id& id;
@@ -166,7 +167,7 @@ TEST(stream_locale, without_a_character_type_gives_bad_cast) {
               "");
 }
 
-/// Sets the global locale, and sets it back at the end.
+/// Sets the global locale for as long as the object lives.
 class global_locale {
 public:
     explicit global_locale(const std::locale& locale) : m_before(std::locale::global(locale)) {}
@@ -195,7 +196,7 @@ TEST(global_locale, without_a_character_type_gives_bad_cast_at_the_first_field_v
 
 #endif
 
-/// Finds blanks in letters.
+/// A character facet that takes some letters for white space.
 class spacious_letters : public std::ctype<char> {
 public:
     spacious_letters() : std::ctype<char>(table()) {}
@@ -204,7 +205,7 @@ private:
     static const mask* table() {
         static mask changed[table_size];
         std::copy_n(classic_table(), table_size, changed);
-        // 'x' and a byte above 127 become blanks, the tab does not stay one.
+        // 'x' and a byte over 127 become white space, and the tab is none any more.
         for (const std::size_t blank : {0x78U, 0xA0U}) changed[blank] |= space;
         changed[0x09] = 0;
         return changed;

@@ -1,5 +1,5 @@
-// How Fill leaves the stream it has read: in the place, with the state and by the exception with
-// which std::getline leaves it, whatever the stream does.
+// How Fill leaves the stream that it has read. Whatever the stream does, its position and its state
+// are those that std::getline leaves, and the exception is the same.
 
 #include <mail_structure.h>
 
@@ -89,7 +89,7 @@ constexpr named_message messages[] = {
 constexpr std::ios_base::iostate state_bits[] = {std::ios_base::eofbit, std::ios_base::failbit,
                                                  std::ios_base::badbit};
 
-/// The state, or exception mask, of a number from 0 to 7.
+/// The state, or the exception mask, that a number from 0 to 7 stands for.
 std::ios_base::iostate state_of(unsigned number) {
     std::ios_base::iostate state = std::ios_base::goodbit;
     for (unsigned bit = 0; bit < 3; ++bit)
@@ -97,14 +97,14 @@ std::ios_base::iostate state_of(unsigned number) {
     return state;
 }
 
-/// Whether the number of bytes that are ready in the buffer is part of how a stream is left. Of a
-/// file it is not: Fill may set the file's position, after which its buffer has to be filled anew.
+/// Whether the number of bytes that are ready in the buffer must be the same too. For a file it
+/// need not: Fill may set the position of the file, after which its buffer has to be filled anew.
 enum class bytes_ready : bool { count, do_not_count };
 
-/// Three readers of streams that are made alike: Fill, a loop over std::getline, and the reference
-/// parser.
+/// Compares three readers, each with a stream made in the same way: Fill, a loop over std::getline,
+/// and the reference parser.
 /// @param make_stream  makes one of the streams
-/// @param own          where the text of the stream would end the parse of itself
+/// @param own          the line at which the text itself would end the parse
 /// @return "" or what differs
 template <class Make>
 std::string difference(Make make_stream, const test_support::erroneous_line& own,
@@ -159,7 +159,8 @@ TEST_P(faulty_streams, that_set_badbit_are_left_as_by_getline) {
 INSTANTIATE_TEST_SUITE_P(messages, faulty_streams, testing::ValuesIn(messages),
                          test_support::case_name<named_message>);
 
-/// A buffer that says at an offset that its input is over, and has more when it is asked again.
+/// A buffer that reports the end of its input at an offset, and has more bytes when it is asked
+/// again.
 class pausing_buffer : public test_support::window_buffer {
 public:
     pausing_buffer(std::string_view text, std::size_t offset, std::size_t window)
@@ -182,7 +183,7 @@ private:
     bool m_has_paused = false;
 };
 
-/// A buffer that only knows how to hand out bytes: whatever else is asked of it is a failure.
+/// A buffer that can only hand out bytes: a call of any other function is a failure.
 class one_way_buffer : public test_support::window_buffer {
 public:
     using window_buffer::window_buffer;
@@ -232,7 +233,8 @@ TEST(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
                     return std::make_unique<stream_over<pausing_buffer>>(message.m_text, offset,
                                                                          window);
                 };
-                // With a window of 5 the pause comes at the end of a window, and so perhaps later.
+                // With windows of 5 bytes, the pause comes at the end of a window, which may be
+                // later.
                 if (window == 5 && offset % 5 != 0) continue;
                 ASSERT_EQ(difference(make, own), "") << message.m_name << " at offset " << offset;
             }
@@ -261,7 +263,7 @@ TEST(stream_state, a_stream_that_is_not_good_stays_unread) {
                 in->exceptions(state_of(mask));
                 try {
                     in->clear(state_of(state));
-                } catch (const std::ios_base::failure&) { // the state is set for all that
+                } catch (const std::ios_base::failure&) { // the state has been set all the same
                 }
                 return in;
             };
@@ -396,7 +398,7 @@ TEST(stream_state, a_stream_that_goes_bad_before_it_is_refilled_stays_unread) {
     }
 }
 
-/// The stream's own idea of its position, once its state is cleared.
+/// The position that the stream reports after its state is cleared.
 std::streamoff position_of(std::istream& in) {
     in.clear();
     return in.tellg();
@@ -438,7 +440,7 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
     std::remove(place.c_str());
 }
 
-/// Lines with a stray byte somewhere, as a file that is gone with the object.
+/// A file of lines with a stray byte somewhere, which exists for as long as the object.
 class damaged_file {
 public:
     explicit damaged_file(std::size_t stray) {
@@ -454,7 +456,7 @@ public:
     std::unique_ptr<std::ifstream> stream() const {
         return std::make_unique<std::ifstream>(m_place, std::ios_base::binary);
     }
-    /// Where the text from there on ends the parse of itself.
+    /// The line at which the text from there on ends the parse.
     test_support::erroneous_line own_error_from(std::size_t offset) const {
         return test_support::first_erroneous_line(std::string_view(m_text).substr(offset));
     }
@@ -473,7 +475,7 @@ TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_ba
             const auto make = [&] {
                 auto in = file.stream();
                 in->get();
-                in->putback('X'); // not the one that the file has there
+                in->putback('X'); // another byte than the file has there
                 if (taken_again) in->get();
                 return in;
             };
@@ -493,8 +495,8 @@ TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_ba
     }
 }
 
-/// Cannot tell how many bytes make a character, so that a file may be imbued with another
-/// conversion only before it is read.
+/// A conversion with a state. A file that has it can be given another conversion only before it is
+/// read.
 class stateful_conversion : public std::codecvt<char, char, std::mbstate_t> {
     int do_encoding() const noexcept override { return -1; }
 };

@@ -1,4 +1,4 @@
-// Threads that each have parsers and trees of their own do not meet.
+// Threads that have parsers and trees of their own do not affect each other.
 
 #include <mail_structure.h>
 
@@ -25,7 +25,7 @@ constexpr std::size_t rounds = 3;
 
 struct expected_message {
     std::string m_input;
-    std::string m_full_tree; // with the words for what left Fill
+    std::string m_full_tree; // with the exception that left Fill, if any
 };
 
 std::vector<expected_message> expected_messages() {
@@ -36,7 +36,7 @@ std::vector<expected_message> expected_messages() {
     return expected;
 }
 
-/// What one thread does with one message; how many of its results were wrong.
+/// What one thread does with one message. Returns how many of its results were wrong.
 std::size_t wrong_results(MailStructure& reused, const expected_message& expected,
                           std::size_t way) {
     test_support::parse_outcome outcome;
@@ -71,7 +71,7 @@ TEST(threads, with_parsers_of_their_own_get_the_trees_of_one_thread) {
             while (ready < thread_count) std::this_thread::yield(); // all begin at once
             MailStructure reused;
             for (std::size_t i = 0; i < rounds * expected.size(); ++i) {
-                // Some go through the messages in step with each other, some shifted.
+                // Some threads take the same message at the same time, others a different one.
                 const expected_message& message = expected[(i + number / 2) % expected.size()];
                 wrong += wrong_results(reused, message,
                                        (i + number) % test_support::all_deliveries.size());

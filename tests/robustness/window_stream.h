@@ -1,6 +1,6 @@
-// A stream over memory that it neither copies nor adds to: its get area is a window on the memory
-// itself, moved on as the reader comes to its end. It allocates nothing, and never shows a byte
-// past the end.
+// A stream over memory that it does not copy: its get area is a window on the memory itself, which
+// moves on when the reader has come to its end. The stream allocates nothing, and never shows a
+// byte past the end of the memory.
 
 #ifndef TESTS_ROBUSTNESS_WINDOW_STREAM_H
 #define TESTS_ROBUSTNESS_WINDOW_STREAM_H

@@ -21,7 +21,7 @@
 
 namespace {
 
-/// Where the offsets of the library's tree differ from the reference parser's.
+/// Says where the offsets in the tree of the library differ from those of the reference parser.
 std::string difference(const std::string& text, const reference::options& wanted) {
     const test_support::memory_limit limit(wanted.m_memlimit);
     MailStructure message;
@@ -39,7 +39,7 @@ std::string difference(const std::string& text, const reference::options& wanted
     return test_support::first_difference(message, error, reference::parse(for_reference, wanted));
 }
 
-/// The first offset with which the wrap comes after so many bytes of the message.
+/// The offset at which a message must begin for the wrap to come after so many of its bytes.
 std::uint32_t wrapping_after(std::size_t bytes) { return 0U - static_cast<std::uint32_t>(bytes); }
 
 TEST(wrap, at_every_byte_gives_the_reference_tree) {

@@ -1,4 +1,4 @@
-// Takes what is printed to std::cerr and std::cout while it lives.
+// Captures what is printed to std::cerr and std::cout while the object lives.
 
 #ifndef TESTS_SUPPORT_CAPTURED_OUTPUT_H
 #define TESTS_SUPPORT_CAPTURED_OUTPUT_H
@@ -11,8 +11,8 @@
 
 namespace test_support {
 
-/// Takes what is printed to one stream, and hands it on to a log at each flush, so that text that
-/// was not flushed in time stands in the wrong place there.
+/// Captures what is printed to one stream, and hands it on to a log at each flush. Text that was
+/// not flushed in time is therefore in the wrong place in the log.
 class captured_stream : public std::stringbuf {
 public:
     /// @param mark  begins each line in the log
@@ -47,7 +47,8 @@ private:
     bool m_is_at_line_start = true;
 };
 
-/// Both streams. Neither flushes the other meanwhile, and std::cerr does not flush by itself.
+/// Captures both streams. Meanwhile neither flushes the other, and std::cerr does not flush by
+/// itself.
 class captured_output {
 public:
     captured_output() { std::cerr.unsetf(std::ios_base::unitbuf); }

@@ -8,7 +8,7 @@
 
 namespace test_support {
 
-/// For INSTANTIATE_TEST_SUITE_P over rows with a member m_name.
+/// The name of a case for INSTANTIATE_TEST_SUITE_P. The rows have a member m_name.
 template <class Case>
 std::string case_name(const testing::TestParamInfo<Case>& row) {
     return row.param.m_name;

@@ -81,7 +81,7 @@ bool ranges_differ(std::string& report, const entity& found, const reference::en
                             found.m_contents_len, wanted.m_contents);
 }
 
-/// Everything of one entity but its children's own members and its parent pointer.
+/// Compares all of one entity but the members of its children and its parent pointer.
 bool entity_differs(std::string& report, const entity& found, const reference::entity& wanted) {
     return differs(report, "m_multipart", found.m_multipart, wanted.m_multipart)
            || differs(report, "m_message", found.m_message, wanted.m_message)
@@ -110,7 +110,7 @@ bool children_parents_differ(std::string& report, const entity& found) {
     return false;
 }
 
-/// One level of the walk: the entity, and which of its children comes next.
+/// One level of the walk: an entity, and which of its children comes next.
 struct level {
     const entity* m_found;
     const reference::entity* m_wanted;

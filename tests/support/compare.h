@@ -1,4 +1,4 @@
-// Holds a tree of the library against the tree of the reference parser, member by member.
+// Compares a tree of the library with the tree of the reference parser, member by member.
 
 #ifndef TESTS_SUPPORT_COMPARE_H
 #define TESTS_SUPPORT_COMPARE_H
@@ -11,11 +11,12 @@
 
 namespace test_support {
 
-/// Says where the two results differ first, or nothing when they are equal. Compared are m_done,
-/// the error, and of every entity every member, its field records included. Of m_parent only what a
-/// host may rely on is checked: the entities along the chain of last children are in place, so each
-/// of their children points back at them; the root points nowhere.
-/// @param error  what left Fill, in the words of reference::message::m_error; empty after a return
+/// Says where the two results first differ. It compares m_done, the error, and every member of
+/// every entity, field records included. Of m_parent it checks only what a host may rely on: the
+/// entities along the chain of last children are in place, so that their children point back at
+/// them; the root points nowhere.
+/// @param error  the exception that left Fill, in the words of reference::message::m_error; empty
+/// if Fill returned
 /// @return ""  or a line such as "1.2 m_body_len: found 7, wanted 9"
 /// Does not recurse, and allocates nothing worth naming while the results are equal.
 std::string first_difference(const MailStructure& found, const std::string& error,

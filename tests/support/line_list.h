@@ -10,7 +10,8 @@
 
 namespace test_support {
 
-/// The lines of a text, each with its LF; the last one may lack it. They point into the text.
+/// The lines of a text, each with its LF; the last one may lack it. The results point into the
+/// text.
 std::vector<std::string_view> lines_of(std::string_view text);
 
 std::string joined(const std::vector<std::string_view>& lines);

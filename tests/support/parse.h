@@ -1,4 +1,4 @@
-// Parses a message given as text, and tells how that ended.
+// Parses a message given as text, and reports how the parse ended.
 
 #ifndef TESTS_SUPPORT_PARSE_H
 #define TESTS_SUPPORT_PARSE_H
@@ -20,12 +20,13 @@ struct parse_options {
 
 struct parse_outcome {
     MailStructure m_message;
-    /// Empty after a normal return, else what left Fill: "runtime_error: " and its text,
-    /// "length_error", "bad_cast", "bad_alloc", "ios_failure" or "other".
+    /// Empty after a normal return, else the exception that left Fill: "runtime_error: " and its
+    /// text, "length_error", "bad_cast", "bad_alloc", "ios_failure" or "other".
     std::string m_error;
 };
 
-/// Sets the memory limit for header fields, which all parsers share, and sets it back at the end.
+/// Sets the memory limit for header fields, which all parsers share, for as long as the object
+/// lives.
 class memory_limit {
 public:
     explicit memory_limit(std::uint32_t bytes) : m_before(MailStructure::m_memlimit) {
@@ -39,7 +40,7 @@ private:
     std::uint32_t m_before;
 };
 
-/// Fills the object from the stream. Returns what left Fill, in the words above.
+/// Fills the object from the stream. Returns the exception that left Fill, in the words above.
 /// @param first_offset  offset of the first byte, for tests of the wrap
 /// @param by            the rules that the message is taken apart by
 std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset = 0,

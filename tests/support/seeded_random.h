@@ -1,5 +1,5 @@
-// Random numbers that are the same on every machine: what a test prints as its seed is enough to
-// see the same message again.
+// Random numbers that are the same on every machine: the seed that a test prints is enough to get
+// the same message again.
 
 #ifndef TESTS_SUPPORT_SEEDED_RANDOM_H
 #define TESTS_SUPPORT_SEEDED_RANDOM_H
@@ -10,7 +10,8 @@
 
 namespace test_support {
 
-/// The splitmix64 sequence. Cheap to seed, so each message has a generator of its own.
+/// The splitmix64 sequence. Seeding it costs little, so that each message can have a generator of
+/// its own.
 class seeded_random {
 public:
     explicit seeded_random(std::uint64_t seed) : m_state(seed) {}
@@ -29,7 +30,7 @@ public:
         return limit == 0 ? 0 : static_cast<std::size_t>(next() % limit);
     }
 
-    /// True once in so many calls, on average.
+    /// Returns true in one of so many calls, on average.
     bool one_in(std::size_t calls) { return below(calls) == 0; }
 
     /// One element of a container, which must not be empty.

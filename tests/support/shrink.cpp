@@ -15,7 +15,7 @@ using question = std::function<bool(const std::string&)>;
 
 constexpr std::size_t most_attempts = 20000;
 
-/// Cuts the message into pieces and tries to do without runs of them, long runs first.
+/// Cuts the message into pieces and tries to leave out runs of them, long runs first.
 /// @return whether anything could be left out
 template <typename cutter>
 bool leave_out_pieces(std::string& message, const question& fails, std::size_t& attempts,

@@ -9,10 +9,11 @@
 namespace test_support {
 
 /// Leaves out lines, then bytes, for as long as the message still fails.
-/// @param fails  true for the given message; asked for every smaller one that is tried
+/// @param fails  whether a message fails: true for the given one, and called for each smaller one
+/// that is tried
 /// @return a message that fails, and that passes when any one of its lines or bytes is left out
 /// (large
-///         messages: as small as a bounded number of attempts gets it)
+/// messages: as small as a bounded number of attempts gets it)
 std::string shrunk(std::string message, const std::function<bool(const std::string&)>& fails);
 
 } // namespace test_support

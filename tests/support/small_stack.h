@@ -1,4 +1,4 @@
-// Runs code on a thread whose stack is as small as a test wants it.
+// Runs code on a thread that has a small stack.
 
 #ifndef TESTS_SUPPORT_SMALL_STACK_H
 #define TESTS_SUPPORT_SMALL_STACK_H
@@ -8,8 +8,9 @@
 
 namespace test_support {
 
-/// Calls the job on a thread of its own with a stack of that many bytes, and waits for its end.
-/// What the job throws is thrown again here. A job that needs more stack ends the process.
+/// Calls the job on a thread of its own with a stack of that many bytes, and waits for its end. An
+/// exception that leaves the job is thrown again here. A job that needs more stack ends the
+/// process.
 /// @throws std::system_error  the thread could not be made
 void run_on_stack(std::size_t stack_bytes, const std::function<void()>& job);
 

@@ -8,8 +8,8 @@ namespace {
 
 using traits = std::streambuf::traits_type;
 
-/// Takes the bytes of another buffer up to an offset, then goes wrong each time it is asked.
-/// Base is chunked_buffer or bare_buffer, over a text that ends at the offset.
+/// Hands out the bytes of its base up to an offset, and then fails at each call. Base is
+/// chunked_buffer or bare_buffer, over a text that ends at the offset.
 template <class Base>
 class faulty_buffer : public Base {
 public:

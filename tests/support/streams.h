@@ -1,5 +1,5 @@
-// Streams that hand out their bytes in every way a standard stream may, that fail on the way, or
-// that make up their bytes as they go. None of them can seek.
+// Streams that hand out their bytes in every way in which a standard stream may, that fail on the
+// way, or that generate their bytes while they are read. None of them can seek.
 
 #ifndef TESTS_SUPPORT_STREAMS_H
 #define TESTS_SUPPORT_STREAMS_H
@@ -17,8 +17,9 @@
 
 namespace test_support {
 
-/// Hands out a text in chunks. Each chunk is an array of exactly its size, and is gone when the
-/// next one comes, so that a sanitizer sees whoever reads past its end or goes back to it.
+/// Hands out a text in chunks. Each chunk is an array of exactly its size, and is deleted when the
+/// next one comes, so that a sanitizer reports a reader that goes past the end of a chunk or back
+/// to an earlier one.
 class chunked_buffer : public std::streambuf {
 public:
     /// @param text   must outlive the buffer
@@ -93,8 +94,8 @@ public:
     stream_fault() : std::runtime_error("made to fail") {}
 };
 
-/// A stream over a text that goes wrong at an offset. All bytes before are handed out in the given
-/// way; a chunk never reaches over the offset.
+/// A stream over a text that fails at an offset. All bytes before it are handed out in the given
+/// way; a chunk never extends past the offset.
 class faulty_stream : public std::istream {
 public:
     /// @param text    must outlive the stream

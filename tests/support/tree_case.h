@@ -19,11 +19,11 @@ struct tree_case {
     parse_options m_options = {};
 };
 
-/// Checks the structure that the input gives, then that every way in which a stream may hand out
-/// the same bytes gives the same tree in all its detail, and the same m_done.
+/// Checks the structure that the input gives. Then checks that m_done and the tree, in all its
+/// detail, are the same for every way in which a stream may hand out the same bytes.
 void expect_tree(std::string_view input, std::string_view wanted,
                  const parse_options& options = {});
-/// The same, but everything that the tree holds is compared with the text wanted.
+/// The same, but the wanted text is compared with everything that the tree holds.
 void expect_full_tree(std::string_view input, std::string_view wanted,
                       const parse_options& options = {});
 

@@ -31,7 +31,7 @@ std::string tree_text(const MailStructure::MimeObj& root);
 ///       0-20 "Content-Type" "text/plain" (charset "x")
 ///       body "\r\n"
 ///
-/// A field that no line has been recorded for begins at "unset".
+/// A field for which no line has been recorded begins at "unset".
 std::string full_tree_text(const MailStructure::MimeObj& root);
 
 } // namespace test_support

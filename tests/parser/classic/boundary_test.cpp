@@ -75,8 +75,8 @@ TEST(boundary, keeps_closing_line_as_a_body_line) {
 }
 
 TEST(boundary, keeps_delimiter_of_a_multipart_closed_without_parts) {
-    // The second closing line ends the multipart for good, and is an epilogue line of what encloses
-    // it.
+    // The second closing line ends the multipart for good, and is an epilogue line of the enclosing
+    // entity.
     expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
                      "\n"
                      "--X\n"
@@ -160,8 +160,8 @@ TEST(boundary, keeps_root_open_where_a_pop_would_close_it) {
 }
 
 TEST(boundary, keeps_root_message_open_where_the_second_pop_would_close_it) {
-    // The nested message is a multipart without parts. Its boundary closes it, and the root cannot
-    // follow.
+    // The nested message is a multipart without parts. A line with its boundary closes the message,
+    // and would close the root too if the root could be closed.
     expect_full_tree("Content-Type: message/rfc822\n"
                      "\n"
                      "Content-Type: multipart/mixed; boundary=X\n"

@@ -1,5 +1,5 @@
-// What is kept of the ways in which Content-Type and transfer-encoding fields are read. What these
-// fields make of an entity otherwise is tested in content_type_test.cpp.
+// Oddities in the reading of Content-Type and transfer-encoding fields on which hosts rely. All
+// else about these fields is tested in content_type_test.cpp.
 
 #include "support/tree_case.h"
 

@@ -11,9 +11,9 @@ using test_support::expect_full_tree;
 using test_support::expect_tree;
 using test_support::tree_case;
 
-// Each row is the header block of a part, which begins with the defaults of a new entity. What
-// follows the block shows which boundary the block has registered: a line that equals one opens a
-// part below it.
+// Each row is the header block of a part, which begins with the defaults of a new entity. The lines
+// that follow the block show which boundary it has registered: a separator with that boundary opens
+// a child of the part.
 const tree_case part_cases[] = {
     {"quoted_boundary",
      "Content-Type: multipart/mixed; boundary=O\n"

@@ -30,7 +30,7 @@ private:
     }
 };
 
-/// Sets the global locale, and sets it back at the end.
+/// Sets the global locale for as long as the object lives.
 class global_locale {
 public:
     explicit global_locale(const std::locale& wanted) : m_before(std::locale::global(wanted)) {}
@@ -44,7 +44,8 @@ private:
 
 TEST(field_trim, keeps_trim_of_values_to_the_global_locale) {
     const global_locale changed(std::locale(std::locale::classic(), new facet_with_blank_z));
-    // Only the trim asks it: a line led by z is no fold, and parameters have their own white space.
+    // Only the trim asks the locale: a line that begins with z is no fold, and parameters have
+    // their own white space.
     expect_full_tree("a: zz bz z\n"
                      "zoo: zz\n"
                      "Content-Type: ztext/htmlz; z=zz\n"

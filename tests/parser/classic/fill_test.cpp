@@ -89,7 +89,7 @@ TEST(fill, leaves_done_alone_when_it_throws) {
     }
 }
 
-/// An empty input that looks, when it is asked for a byte, whether the parser says that it is done.
+/// An empty input. When it is asked for a byte, it notes whether the parser claims to be done.
 class watching_buffer : public std::streambuf {
 public:
     explicit watching_buffer(const MailStructure& message) : m_message(message) {}
@@ -252,7 +252,7 @@ TEST(fill, takes_the_stream_whatever_skips_white_space) {
     EXPECT_TREE_TEXT(full_outcome_text(parse(in)), "1 text/plain m=0+7 b=0+7 c=0+7 n=1\n");
 }
 
-/// What std::getline makes of a stream: the bytes of the lines that it gave, and how it ended.
+/// What std::getline makes of a stream: the bytes of the lines that it has read, and how it ended.
 struct getline_end {
     std::string m_taken;
     std::string m_error;

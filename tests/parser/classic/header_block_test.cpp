@@ -1,4 +1,4 @@
-// Header blocks: which lines belong to them, and the fields that come of them.
+// Header blocks: which lines belong to them, and which fields are recorded.
 
 #include <mail_structure.h>
 

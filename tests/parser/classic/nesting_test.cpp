@@ -270,8 +270,8 @@ TEST(nested_message, keeps_empty_first_line_as_its_header_block) {
 }
 
 TEST(nested_message, keeps_empty_line_dropped_in_its_body) {
-    // The line that opens the message is its first body line; the empty line after that is
-    // nobody's.
+    // The line that opens the message is its first body line. The empty line after that belongs to
+    // no entity.
     expect_full_tree("Content-Type: message/rfc822\n"
                      "\n"
                      "1\n"
@@ -285,7 +285,8 @@ TEST(nested_message, keeps_empty_line_dropped_in_its_body) {
 }
 
 TEST(nested_message, keeps_empty_line_dropped_in_an_epilogue) {
-    // The closing line opens the nested message of the part, ends it at once, and the part with it.
+    // The closing line opens the nested message of the part, and then closes both the message and
+    // the part.
     expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
                      "\n"
                      "--X\n"
@@ -322,8 +323,8 @@ TEST(nested_message, keeps_separator_opening_it_first) {
 }
 
 TEST(nested_message, keeps_two_pops_for_one_line_at_most) {
-    // A message in a message in a part: the separator closes the two inner ones, and the next part
-    // lands in the outer one.
+    // A message in a message in a part: the separator closes two entities, and the next part
+    // becomes a child of the outer message.
     expect_full_tree("Content-Type: multipart/mixed; boundary=X\n"
                      "\n"
                      "--X\n"

@@ -14,7 +14,7 @@ using test_support::case_name;
 using test_support::expect_full_tree;
 using test_support::tree_case;
 
-// A header block without its blank line, so that only the field is told of.
+// A header block without its empty line, so that the tree shows the field and nothing else.
 const tree_case parameter_cases[] = {
     {"one", "Content-Type: a/b; c=d\n",
      "1 a/b h=0+23 m=0+23\n"
@@ -124,7 +124,8 @@ TEST_P(parameters, give_tree) {
 INSTANTIATE_TEST_SUITE_P(cases, parameters, testing::ValuesIn(parameter_cases),
                          case_name<tree_case>);
 
-// Each row has a good parameter first and one last; what is between ends the reading of that line.
+// Each row begins and ends with a good parameter. The text between them ends the reading of
+// parameters on that line.
 const tree_case stop_cases[] = {
     {"empty_segment", "Content-Type: a/b; c=d;; e=f\n",
      "1 a/b h=0+29 m=0+29\n"

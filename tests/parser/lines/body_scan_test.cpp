@@ -90,7 +90,7 @@ TEST(body_scan, ends_at_dashes_behind_stray_bytes) {
               "3 lines, 9 bytes");
 }
 
-/// A row wherever it may lie in a block, and with its bytes in two blocks.
+/// Each row at every place within a block, and across the end of a block.
 TEST_P(body_scan, is_the_same_at_every_place_of_a_block) {
     const std::string_view bytes = GetParam().m_bytes;
     for (std::size_t before = 0; before < 130; ++before) {
@@ -108,11 +108,11 @@ TEST(body_scanners, agree_on_random_bytes) {
     seeded_random random(1);
     for (int round = 0; round < 20000; ++round) {
         const std::size_t rarity =
-            std::size_t{1} << random.below(7); // of telling bytes, so that runs grow long too
+            std::size_t{1} << random.below(7); // of special bytes, so that some runs become long
         std::string bytes(random.below(400), 'q');
         for (char& byte : bytes)
             if (random.one_in(rarity)) byte = telling[random.below(telling.size())];
-        for (std::size_t at = 0; at + 1 < bytes.size(); ++at) // most CRs before an LF, as in mail
+        for (std::size_t at = 0; at + 1 < bytes.size(); ++at) // most CRs precede an LF, as in mail
             if (bytes[at] == '\r' && !random.one_in(8)) bytes[at + 1] = '\n';
         ASSERT_NO_FATAL_FAILURE(expect_all_agree(bytes)) << "round " << round;
     }

@@ -1,5 +1,5 @@
-// Every scanner of lines that this processor runs, against the plain one, and the plain one against
-// tables.
+// Compares every line scanner that this processor can run with the plain one, and the plain one
+// with tables.
 
 #include "parser/lines/scanners.h"
 #include "support/case_name.h"
@@ -26,7 +26,7 @@ std::string as_text(const scanned_line& found) {
            + (found.m_stray ? ", stray" : "") + ", name of " + std::to_string(found.m_name_bytes);
 }
 
-/// The bytes lie in an array of exactly their size, so that a sanitizer sees who reads past its
+/// The bytes lie in an array of exactly their size, so that a sanitizer reports a read past its
 /// end.
 void expect_all_agree(std::string_view bytes) {
     const auto copy = std::make_unique<char[]>(bytes.size());
@@ -76,8 +76,8 @@ TEST_P(line_scan, finds_the_line) {
               GetParam().m_found);
 }
 
-/// A row wherever it may lie in a block, as part of a longer line or behind one, and with its bytes
-/// in two blocks.
+/// Each row at every place within a block, as part of a longer line or after one, and across the
+/// end of a block.
 TEST_P(line_scan, is_the_same_at_every_place_of_a_block) {
     const std::string bytes(GetParam().m_bytes);
     for (std::size_t before = 0; before < 130; ++before) {
@@ -122,7 +122,7 @@ TEST(line_scanners, agree_on_random_bytes) {
     seeded_random random(1);
     for (int round = 0; round < 20000; ++round) {
         const std::size_t rarity =
-            std::size_t{1} << random.below(7); // of telling bytes, so that lines grow long too
+            std::size_t{1} << random.below(7); // of special bytes, so that some lines become long
         std::string bytes(random.below(300), 'q');
         for (char& byte : bytes)
             if (random.one_in(rarity)) byte = telling[random.below(telling.size())];

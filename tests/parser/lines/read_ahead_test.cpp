@@ -1,5 +1,5 @@
-// Reading a file in large blocks: which buffers are read so, that nothing but the speed shows, and
-// what a failure leaves.
+// Reading a file in large blocks: which buffers are read so, that a host notices nothing but the
+// speed, and what is left after a failure.
 
 #include <mail_structure.h>
 
@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::size_t block = 65536;
 
-/// A file of a test's own, gone with the object.
+/// A file that exists for as long as the object.
 class temporary_file {
 public:
     explicit temporary_file(std::string_view content)
@@ -46,7 +46,7 @@ private:
     std::string m_path;
 };
 
-/// Bytes that tell where they stand.
+/// Bytes whose values depend on their offsets.
 std::string bytes_of_length(std::size_t length) {
     std::string bytes;
     while (bytes.size() < length) bytes += std::to_string(bytes.size()) + '\n';
@@ -57,7 +57,7 @@ std::string all_from(std::streambuf& buffer) {
     return std::string(std::istreambuf_iterator<char>(&buffer), {});
 }
 
-/// Converts, if only every byte to itself.
+/// A conversion, although it converts each byte to itself.
 class busy_conversion : public std::codecvt<char, char, std::mbstate_t> {
     bool do_always_noconv() const noexcept override { return false; }
 };
@@ -138,8 +138,8 @@ TEST(read_ahead, begins_where_the_file_stands_and_leaves_it_where_its_reader_sto
     }
 }
 
-/// The process's own memory as a file, at a mapping that is one page longer than what it maps:
-/// reading fails with an error at that page, in the middle of a block.
+/// The memory of this process as a file, from the start of a mapping that is one page longer than
+/// the file that it maps. Reading that page fails with an error, in the middle of a block.
 class memory_file {
 public:
     explicit memory_file(std::size_t pages) : m_bytes(pages * page()) {
@@ -157,7 +157,7 @@ public:
 
     char* begin() const { return static_cast<char*>(m_place); }
     std::size_t bytes() const { return m_bytes; }
-    /// A stream that stands at the first byte; not open where there is no such file.
+    /// A stream at the first byte of the mapping. It is not open where the system has no such file.
     std::ifstream stream() const {
         std::ifstream in("/proc/self/mem", std::ios::binary);
         in.seekg(static_cast<std::streamoff>(reinterpret_cast<std::uintptr_t>(m_place)));

@@ -1,4 +1,4 @@
-// The form in which lines are kept.
+// The form in which the text of lines is kept: each ends in CR LF.
 
 #include "parser/tree/kept_form.h"
 #include "support/case_name.h"

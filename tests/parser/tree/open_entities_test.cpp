@@ -1,6 +1,6 @@
-// The shared ranges of the open entities against the plain rule applied to every one of them, with
-// lines so long that ranges often come to exactly 2^32 bytes, count as unset again, and begin anew
-// with the next line.
+// Compares the shared ranges of the open entities with the plain rule applied to each entity. Lines
+// are so long that ranges often reach exactly 2^32 bytes; such a range counts as unset, and begins
+// anew with the next line.
 
 #include <mail_structure.h>
 
@@ -52,7 +52,7 @@ struct scripted_line {
 
 using script = std::vector<scripted_line>;
 
-/// When the shared ranges are told that offsets have wrapped.
+/// When the shared ranges learn that offsets have wrapped.
 enum class watch : std::uint8_t { when_wrapped, from_the_start };
 
 constexpr std::size_t deepest = 6;
@@ -99,8 +99,8 @@ public:
 private:
     using line_place = std::pair<std::uint32_t, std::uint32_t>;
 
-    /// The first line of a run has the place that the run tells; of the others each but the last
-    /// has two bytes.
+    /// The first line of a run has the place that the run states. Each of the others has two bytes,
+    /// apart from the last.
     static std::vector<line_place> lines_of(const line_run& lines) {
         std::vector<line_place> places{{lines.m_start, lines.m_first_end}};
         for (std::uint64_t line = 2; line < lines.m_lines; ++line)
@@ -122,7 +122,7 @@ private:
     std::vector<MimeObj*> m_stack;
 };
 
-/// A run of that many bytes: of one line where it must, else of up to four.
+/// A run of that many bytes, of up to four lines if that is possible, else of one.
 line_run run_of(std::uint64_t start, std::uint64_t bytes) {
     line_run run =
         mail_structure_detail::one_line(static_cast<std::uint32_t>(start),
@@ -136,7 +136,7 @@ line_run run_of(std::uint64_t start, std::uint64_t bytes) {
     return run;
 }
 
-/// Sends the lines of a script to entities of either kind.
+/// Gives the lines of a script to open entities, be they the shared ranges or the plain rule.
 template <class Entities>
 class script_player {
 public:
@@ -221,7 +221,8 @@ std::string told(const script& lines) {
     return text;
 }
 
-/// Plays a script both ways and compares the trees. Counts in how many places a range had lapsed.
+/// Gives a script to both and compares the trees. Counts the ranges that were unset because they
+/// had reached 2^32 bytes.
 class both_ways {
 public:
     void expect_same_trees(const script& lines) {
@@ -253,7 +254,7 @@ private:
     std::size_t m_lapses = 0;
 };
 
-// In each of these many sums are a multiple of 4 GiB.
+// In each of these scripts, many sums of lengths are multiples of 4 GiB.
 const std::vector<std::uint64_t> line_sizes[] = {
     {gib, 2 * gib, 4 * gib},
     {1, 2 * gib, 4 * gib},

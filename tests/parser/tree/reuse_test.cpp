@@ -1,6 +1,6 @@
-// A parser object that is filled again and again: whatever the last message was, however its parse
-// ended and whatever the host did to the tree since, the tree is that of a new object; and what the
-// last one left is used again.
+// A parser object that is filled again and again. The tree is that of a new object, whatever the
+// last message was, however its parse ended, and whatever the host has done to the tree since; and
+// the records of the last tree are used again.
 
 #include <mail_structure.h>
 
@@ -34,7 +34,7 @@ std::string repeated(std::size_t times, const std::string& text) {
     return result;
 }
 
-/// Messages with more and with less of everything than others have, ended in every way.
+/// Messages that differ in how much they have of everything, and that end in every way.
 std::vector<std::string> all_messages() {
     const std::string multipart =
         "Content-Type: multipart/mixed; boundary=b; name=" + long_word + "\n\n";
@@ -322,7 +322,7 @@ TEST(reuse, gives_back_the_vectors_of_parts_but_not_of_the_root) {
     EXPECT_LE(message.m_root.m_children[0].m_headers.capacity(), 2U);
 }
 
-/// What was nested and is now beside must not be followed down.
+/// Entities that were nested and are now siblings must not be taken for descendants.
 TEST(reuse, of_a_tree_a_hundred_thousand_deep_takes_a_small_stack) {
     const std::string deep = repeated(100000, "C:\n\n") + "hi\n";
     const std::string broad = "C: multipart/x; b=b\n\n" + repeated(10, "--b\n");
