@@ -1,4 +1,4 @@
-// A host program in strict C++17 that sees an installed copy of the library and nothing else.
+// A host program in strict C++17 that uses nothing but an installed copy of the library.
 
 #include <mail_structure.h>
 

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Builds a host's project that has the sources of mailstructure inside it: subdirectory.sh SOURCE_FOLDER WORK_FOLDER COMPILER
-# First as a static library, which is what a host gets that says nothing; then as a shared one, from the same objects.
+# Builds a host's project that has the sources of mailstructure inside it:
+#     subdirectory.sh SOURCE_FOLDER WORK_FOLDER COMPILER
+# The library is first static, which is the default for such a host, and then shared.
 set -eu
 sources=$1 work=$2 compiler=$3
 here=$(cd "$(dirname "$0")" && pwd)
@@ -14,10 +15,10 @@ complain() {
     exit 1
 }
 
-# make OPTION...: configures with these and builds.
+# make OPTION...: configures with these options and builds.
 make() {
-    cmake -G Ninja -S "$here/host" -B "$work/build" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS=-O0 \
-        -DMAILSTRUCTURE_SOURCES="$sources" "$@"
+    cmake -G Ninja -S "$here/host" -B "$work/build" -DCMAKE_CXX_COMPILER="$compiler" \
+        -DCMAKE_CXX_FLAGS=-O0 -DMAILSTRUCTURE_SOURCES="$sources" "$@"
     cmake --build "$work/build" --parallel 2
 }
 
@@ -43,12 +44,16 @@ for host in host_of_mailstructure host_of_mailstructure_static; do
     run_host "$host"
     ! needs_library "$host" || complain "$host needs the shared library"
 done
-[ "$(ctest --test-dir "$work/build" -N | grep -c 'Test *#')" = 1 ] || complain "there are tests that are not the host's"
-[ "$(installed_files)" = ./bin/host_of_mailstructure ] || complain "more is installed than the host's program"
+[ "$(ctest --test-dir "$work/build" -N | grep -c 'Test *#')" = 1 ] ||
+    complain "there are tests that are not the host's"
+[ "$(installed_files)" = ./bin/host_of_mailstructure ] ||
+    complain "more is installed than the host's program"
 [ ! -e "$work/build/CPackConfig.cmake" ] || complain "the host is made into packages"
-ninja -C "$work/build" -t targets all | grep -E '^(list_parts|mailstructure_tool|reference|.*_tests)\b' \
+ninja -C "$work/build" -t targets all |
+    grep -E '^(list_parts|mailstructure_tool|reference|.*_tests)\b' \
     && complain "targets of ours that no host wants"
-grep -E '"command".* -c .*/main\.cpp"' "$work/build/compile_commands.json" | grep -E -- '-W|-std=c\+\+20|prefix-map' \
+grep -E '"command".* -c .*/main\.cpp"' "$work/build/compile_commands.json" |
+    grep -E -- '-W|-std=c\+\+20|prefix-map' \
     && complain "the host is compiled with our options"
 
 echo "== BUILD_SHARED_LIBS, by FetchContent"
@@ -61,14 +66,18 @@ needs_library host_of_mailstructure || complain "the host is not linked with the
 echo "== installed with the host when it asks"
 make -DBUILD_SHARED_LIBS=OFF -DHOST_FETCHES=OFF -DMAILSTRUCTURE_INSTALL=ON
 installed_files > "$work/files"
-for file in include/mail_structure.h 'lib.*/libmailstructure\.a' 'lib.*/cmake/mailstructure/mailstructureConfig\.cmake' \
-    share/doc/mailstructure/LICENSE 'share/man/man3/MailStructure\.3'; do
+for file in include/mail_structure.h 'lib.*/libmailstructure\.a' \
+    'lib.*/cmake/mailstructure/mailstructureConfig\.cmake' share/doc/mailstructure/LICENSE \
+    'share/man/man3/MailStructure\.3'; do
     grep -qx "./$file" "$work/files" || complain "not installed: $file"
 done
-! grep -q '\.so\|bin/mailstructure' "$work/files" || complain "installed, and nobody asked: $(cat "$work/files")"
-# Without a shared library, the name of the shared one stands for the static one, here and in the .pc file.
-cmake -G Ninja -S "$here" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$compiler" > /dev/null
+! grep -q '\.so\|bin/mailstructure' "$work/files" ||
+    complain "installed, and nobody asked: $(cat "$work/files")"
+# Without a shared library, its name stands for the static one, in CMake and in the .pc file.
+cmake -G Ninja -S "$here" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$work/prefix" \
+    -DCMAKE_CXX_COMPILER="$compiler" > /dev/null
 cmake --build "$work/consumer" > /dev/null
 "$work/consumer/consumer_of_mailstructure" | diff "$work/output" -
 "$work/consumer/consumer_of_mailstructure_static" | diff "$work/output" -
-PKG_CONFIG_LIBDIR=$(dirname "$(find "$work/prefix" -name mailstructure.pc)") pkg-config --libs mailstructure | grep -q -- -lstdc++
+PKG_CONFIG_LIBDIR=$(dirname "$(find "$work/prefix" -name mailstructure.pc)") \
+    pkg-config --libs mailstructure | grep -q -- -lstdc++

@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2154 # the runner sets $program
 
 here=$PWD
-# indexed ARGUMENT...: as show, without the folder of the test in what is printed.
+# indexed ARGUMENT...: as show, but with HERE in place of the folder of the test.
 indexed() { show "$program" mail.db "$@" | sed "s#$here#HERE#g"; }
 
 echo '# A message with a stray byte is left out, the others are added:'
@@ -39,4 +39,5 @@ show "$program" missing/mail.db find text/plain
 echo 'this is no database, whatever its name may say' > text.db
 show "$program" text.db find text/plain
 echo '# Output that cannot be written:'
-"$program" mail.db fetch "$("$program" mail.db find text/plain | tail -n 1 | cut -d ' ' -f 1)" > /dev/full || echo "status $?"
+number=$("$program" mail.db find text/plain | tail -n 1 | cut -d ' ' -f 1)
+"$program" mail.db fetch "$number" > /dev/full || echo "status $?"

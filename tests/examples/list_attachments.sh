@@ -6,7 +6,8 @@ echo '# Names that would steer a terminal, or that do not end:'
 show "$program" messages/hostile.eml
 
 echo '# The range holds what it says:'
-range=$("$program" messages/attachments.eml | sed -n 's/^application.pdf: \([0-9]*\) bytes from byte \([0-9]*\) .*/\1 \2/p')
+range=$("$program" messages/attachments.eml |
+    sed -n 's/^application.pdf: \([0-9]*\) bytes from byte \([0-9]*\) .*/\1 \2/p')
 tail -c "+$((${range#* } + 1))" messages/attachments.eml | head -c "${range% *}"
 
 echo '# Deeper than a program can recurse:'

@@ -15,7 +15,8 @@ done
 
 echo '# The whole body:'
 show "$program" messages/attachments.eml '' | cksum
-sed '1,/^$/d' messages/attachments.eml | { echo '$ serve_section messages/attachments.eml '; cat; } | cksum
+sed '1,/^$/d' messages/attachments.eml |
+    { echo '$ serve_section messages/attachments.eml '; cat; } | cksum
 
 echo '# The body of a message that is no multipart:'
 printf 'Subject: plain\n\none\ntwo' > plain.eml

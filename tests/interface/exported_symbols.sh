@@ -1,7 +1,7 @@
 #!/bin/sh
-# Compares what the shared library exports with the list kept in the project. A difference is a change of
-# the binary interface: hosts linked with the old library may not start with the new one.
-# exported_symbols.sh NM LIBRARY LIST [--update]
+# Compares the symbols that the shared library exports with the list kept in the project. A
+# difference is a change of the binary interface: hosts linked with the old library may not start
+# with the new one. Usage: exported_symbols.sh NM LIBRARY LIST [--update]
 set -eu
 nm=$1 library=$2 list=$3
 

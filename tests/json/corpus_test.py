@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Loads the flat form of real mail into SQLite and counts what has arrived.
+"""Loads the flat form of real mail into SQLite and checks what has arrived.
 
-The messages are not part of the project: the environment variable MAILSTRUCTURE_CORPUS names a folder of them. Without it
-the exit status is 77, which ctest takes as skipped.
+The messages are not part of the project: the environment variable MAILSTRUCTURE_CORPUS names a
+folder of them. Without it the exit status is 77, and ctest reports the test as skipped.
 
 tests/json/corpus_test.py TOOL
 """
@@ -30,21 +30,24 @@ class Corpus(unittest.TestCase):
         cls.table = sqlite3.connect(":memory:")
         cls.table.execute("CREATE TABLE part(line TEXT NOT NULL CHECK (json_valid(line)))")
         cls.table.executemany(
-            "INSERT INTO part VALUES (?)", ([line] for line in cls.flat_form.decode().split("\n")[:-1])
+            "INSERT INTO part VALUES (?)",
+            ([line] for line in cls.flat_form.decode().split("\n")[:-1]),
         )
 
     def count(self, query):
-        """The one number that a query gives."""
+        """The only number in the result of a query."""
         return self.table.execute(query).fetchone()[0]
 
     def test_has_messages(self):
         self.assertGreater(len(self.documents), len(self.files) // 2)
 
     def test_is_the_same_in_both_forms(self):
-        self.assertEqual(self.lines, [line for document in self.documents for line in printed.flattened(document)])
+        flattened = [line for document in self.documents for line in printed.flattened(document)]
+        self.assertEqual(self.lines, flattened)
 
     def test_tells_where_the_bytes_lie(self):
-        messages = {document["file"]: pathlib.Path(document["file"]).read_bytes() for document in self.documents}
+        names = [document["file"] for document in self.documents]
+        messages = {name: pathlib.Path(name).read_bytes() for name in names}
         for line in self.lines:
             with self.subTest(file=line["file"], index=line["index"]):
                 printed.check_line(line, messages[line["file"]])
@@ -54,19 +57,25 @@ class Corpus(unittest.TestCase):
         params = [param for field in fields for param in field["params"]]
         self.assertEqual(self.count("SELECT count(*) FROM part"), len(self.lines))
         self.assertEqual(
-            self.count("SELECT count(DISTINCT (line ->> 'file') || '/' || (line ->> 'index')) FROM part"),
+            self.count("SELECT count(DISTINCT (line ->> 'file') || '/' || (line ->> 'index'))"
+                " FROM part"),
             len(self.lines),
         )
         self.assertEqual(
-            self.count("SELECT count(*) FROM part WHERE line ->> 'parent' IS NULL"), len(self.documents)
+            self.count("SELECT count(*) FROM part WHERE line ->> 'parent' IS NULL"),
+            len(self.documents),
         )
         self.assertEqual(
-            self.count("SELECT sum(line ->> 'child_count') FROM part"), len(self.lines) - len(self.documents)
+            self.count("SELECT sum(line ->> 'child_count') FROM part"),
+            len(self.lines) - len(self.documents),
         )
-        self.assertEqual(self.count("SELECT count(*) FROM part, json_each(line, '$.fields')"), len(fields))
+        self.assertEqual(
+            self.count("SELECT count(*) FROM part, json_each(line, '$.fields')"), len(fields)
+        )
         self.assertEqual(
             self.count(
-                "SELECT count(*) FROM part, json_each(line, '$.fields') AS field, json_each(field.value, '$.params')"
+                "SELECT count(*) FROM part, json_each(line, '$.fields') AS field,"
+                " json_each(field.value, '$.params')"
             ),
             len(params),
         )
@@ -75,8 +84,10 @@ class Corpus(unittest.TestCase):
             sum(line["body"]["length"] for line in self.lines),
         )
         print(
-            f"{len(self.files)} files, {len(self.documents)} messages, {len(self.lines)} entities, {len(fields)} fields,"
-            f" {len(params)} parameters, {sum(len(line['not_utf8']) for line in self.lines)} values not UTF-8"
+            f"{len(self.files)} files, {len(self.documents)} messages, {len(self.lines)} entities,"
+            f" {len(fields)} fields,"
+            f" {len(params)} parameters,"
+            f" {sum(len(line['not_utf8']) for line in self.lines)} values not UTF-8"
         )
 
 

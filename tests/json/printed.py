@@ -1,4 +1,4 @@
-"""What `mailstructure json` prints, and what must hold of it whatever the message.
+"""What `mailstructure json` prints, and what must be true of it for any message.
 
 The tool is the first argument of each test that uses this; the rest are unittest's.
 """
@@ -18,12 +18,13 @@ BLANKS = bytes(range(9, 14)) + b" \0"
 
 def run(*arguments):
     """The output and the exit status."""
-    done = subprocess.run([TOOL, "json", *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+    done = subprocess.run([TOOL, "json", *arguments], stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, check=False)
     return done.stdout, done.returncode
 
 
 def lines_of(output):
-    """The values, one a line, of output that must be UTF-8."""
+    """The values of output that must be UTF-8 and has one value on each line."""
     text = output.decode("utf-8", errors="strict")
     assert text == "" or text.endswith("\n"), "the last line does not end"
     return [json.loads(line) for line in text.splitlines()]
@@ -37,7 +38,8 @@ def flattened(document):
         entity, parent, depth = waiting.pop()
         children = entity["children"]
         line = {name: value for name, value in entity.items() if name != "children"}
-        line.update(file=document["file"], index=len(lines), parent=parent, depth=depth, child_count=len(children))
+        line.update(file=document["file"], index=len(lines), parent=parent, depth=depth,
+                    child_count=len(children))
         line["not_utf8"] = document["not_utf8"] + line["not_utf8"]
         waiting.extend((child, line["index"], depth + 1) for child in reversed(children))
         lines.append(line)
@@ -45,7 +47,7 @@ def flattened(document):
 
 
 def exact_values(record):
-    """The bytes of every value, as doc/json.md tells readers to get them; by place."""
+    """Maps the place of every value to its bytes, found in the way that doc/json.md describes."""
     exact = {}
 
     def visit(place, value):
@@ -69,7 +71,7 @@ def exact_values(record):
 
 
 def check_line(line, message):
-    """That the ranges of a flat line lie in the file, and that its fields have the bytes which stand there."""
+    """Checks that the ranges of a flat line lie in the file, and hold the bytes of its fields."""
     ranges = [line[name] for name in ("header", "mime", "body", "contents", "epilogue")]
     ranges += [field["range"] for field in line["fields"]]
     for each in ranges:
@@ -80,5 +82,7 @@ def check_line(line, message):
         written = message[begin : begin + field["range"]["length"]].translate(None, BLANKS)
         place = f"/fields/{number}"
         name, value = exact[place + "/name"], exact[place + "/value"].translate(None, BLANKS)
-        # Between them stands one byte: a colon but for lines that the library takes for fields without one.
-        assert written.startswith(name) and written[len(name) + 1 :].startswith(value), (written, name, value)
+        # Between them is one byte: a colon, unless the library has taken a line without one for a
+        # field.
+        assert written.startswith(name), (written, name)
+        assert written[len(name) + 1 :].startswith(value), (written, value)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the JSON output, in all forms, against the schema in doc/ and against itself.
+"""Compares the JSON output with its schema in doc/, and its forms with each other.
 
 tests/json/schema_test.py TOOL
 """
@@ -22,7 +22,8 @@ HOSTILE = {
     "empty": b"",
     "one_byte": b"x",
     "no_header": b"\njust text\n",
-    "latin_1": b"Subject: Gr\xfc\xdfe\nContent-Type: te\xffxt/pl\xfeain; name=\xe4.txt; charset=\xe9\n"
+    "latin_1": b"Subject: Gr\xfc\xdfe\nContent-Type: te\xffxt/pl\xfeain; "
+    b"name=\xe4.txt; charset=\xe9\n"
     b"Content-Transfer-Encoding: \xf8bit\n\nx\n",
     "lone_surrogate": b"Subject: \xed\xa0\x80\nX: \xed\xbf\xbf\n\n",
     "overlong": b"Subject: \xc0\xaf\nX: \xe0\x80\x80\nY: \xf0\x80\x80\x80\n\n",
@@ -38,13 +39,16 @@ HOSTILE = {
     "multipart_without_parts": b"Content-Type: multipart/mixed; boundary=b\n\n--b--\n",
     "message_without_a_message": b"Content-Type: message/rfc822\n",
     "many_parameters": b"Content-Type: text/plain" + b"; a=b" * 1000 + b"\n\n",
-    "twenty_levels": b"MIME-Version: 1.0\nContent-Type: message/rfc822\n\n" * 20 + b"Subject: innermost\n\nx\n",
+    "twenty_levels": b"MIME-Version: 1.0\nContent-Type: message/rfc822\n\n" * 20
+    + b"Subject: innermost\n\nx\n",
 }
 
 
 def validator_of(definition):
-    """For one of the schema's own definitions."""
-    return jsonschema.Draft202012Validator({"$defs": SCHEMA["$defs"], "$ref": f"#/$defs/{definition}"})
+    """The validator of one of the definitions in the schema."""
+    return jsonschema.Draft202012Validator(
+        {"$defs": SCHEMA["$defs"], "$ref": f"#/$defs/{definition}"}
+    )
 
 
 DOCUMENT = validator_of("document")
@@ -56,15 +60,16 @@ def objects_in(value):
     """All JSON objects in a value, itself included."""
     if isinstance(value, dict):
         yield value
-    for each in value.values() if isinstance(value, dict) else value if isinstance(value, list) else ():
+    members = value.values() if isinstance(value, dict) else value
+    for each in members if isinstance(value, (dict, list)) else ():
         yield from objects_in(each)
 
 
 class Output(unittest.TestCase):
-    """Of every sample that is a message, and of hostile ones."""
+    """The forms of every sample that is a message, and of hostile messages."""
 
     def check(self, path):
-        """All that must hold of the forms for one message; whether it was one."""
+        """Checks the forms for one file. Returns whether the file is a message."""
         line_form, status = printed.run(path)
         flat_form, flat_status = printed.run("--flat", path)
         pretty_form, pretty_status = printed.run("--pretty", path)
@@ -127,7 +132,7 @@ class Output(unittest.TestCase):
 
 
 class Schema(unittest.TestCase):
-    """Is one, and refuses what is not as described."""
+    """The schema is a valid one, and refuses what is not as described."""
 
     @classmethod
     def setUpClass(cls):
@@ -136,7 +141,7 @@ class Schema(unittest.TestCase):
         cls.lines = printed.lines_of(printed.run("--flat", sample)[0])
 
     def refuses_changes(self, validator, whole):
-        """Without a member, or with one more, no object in it is valid."""
+        """No object is valid when it lacks a member or has another one."""
         for number, original in enumerate(objects_in(whole)):
             for name in [*original, None]:
                 changed = copy.deepcopy(whole)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Debian packages from a copy of the sources: build.sh SOURCE_FOLDER WORK_FOLDER
+# Makes the Debian packages from a copy of the sources. Usage: build.sh SOURCE_FOLDER WORK_FOLDER
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 skip_without dpkg-gensymbols dpkg-shlibdeps dpkg-deb
 

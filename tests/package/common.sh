@@ -15,14 +15,15 @@ skip_without() {
     done
 }
 
-# copy_sources FROM TO: what the packages are made of, and nothing that lies about beside it.
+# copy_sources FROM TO: copies the files of which the packages are made, and no others.
 copy_sources() {
     mkdir -p "$2"
     (cd "$1" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json LICENSE README.md SECURITY.md \
         cmake doc examples include man src tools "$2")
 }
 
-# make_packages SOURCES: leaves them in SOURCES/build/package.
+# make_packages SOURCES: makes the packages in SOURCES/build/package.
 make_packages() {
-    (cd "$1" && cmake --preset package && cmake --build --preset package --parallel 2 && cpack --preset package)
+    (cd "$1" && cmake --preset package &&
+        cmake --build --preset package --parallel 2 && cpack --preset package)
 }

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Looks at the Debian packages, unpacks them into a folder, runs the tool from there and builds a host against it. The
-# real system is not touched: debian.sh SOURCE_FOLDER WORK_FOLDER    WORK_FOLDER is that of build.sh
+# Checks the Debian packages, unpacks them into a folder, runs the tool from there, and builds a
+# host with them. The real system is not changed. Usage: debian.sh SOURCE_FOLDER WORK_FOLDER, with
+# the WORK_FOLDER that was given to build.sh
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 sources=$1 work=$2
 [[ -d $work/one ]] || { echo "skipped: no packages were made"; exit 77; }
@@ -26,36 +27,45 @@ for package in libmailstructure1 libmailstructure-dev mailstructure; do
         [[ -s $root/usr/share/doc/$package/$document ]] || fail "$package has no $document"
     done
 done
-[[ $(field libmailstructure1 Depends) =~ ^libc6\ \(.*libstdc\+\+6\ \( ]] || fail "$(field libmailstructure1 Depends)"
+[[ $(field libmailstructure1 Depends) =~ ^libc6\ \(.*libstdc\+\+6\ \( ]] ||
+    fail "$(field libmailstructure1 Depends)"
 [[ $(field libmailstructure-dev Depends) == "libmailstructure1 (= 1.0.0-1)" ]]
-[[ $(field mailstructure Depends) == *"libmailstructure1 (>= 1.0.0)"* ]] || fail "$(field mailstructure Depends)"
+[[ $(field mailstructure Depends) == *"libmailstructure1 (>= 1.0.0)"* ]] ||
+    fail "$(field mailstructure Depends)"
 [[ $(field mailstructure Depends) == *"libc6 ("* ]]
 
 echo "== control files of the library"
-[[ $(< "$work/control/libmailstructure1/shlibs") == "libmailstructure 1 libmailstructure1 (>= 1.0.0)" ]]
+shlibs=$(< "$work/control/libmailstructure1/shlibs")
+[[ $shlibs == "libmailstructure 1 libmailstructure1 (>= 1.0.0)" ]]
 [[ $(< "$work/control/libmailstructure1/triggers") == "activate-noawait ldconfig" ]]
 # One line for each symbol that is exported, and no name that is left for later to resolve.
-exported=$(nm -D --defined-only "$root/usr/lib/$triplet/libmailstructure.so.1" | cut -d ' ' -f 3 | LC_ALL=C sort)
-listed=$(sed -nE 's/^ ([^ ]*)@Base 1\.0\.0$/\1/p' "$work/control/libmailstructure1/symbols" | LC_ALL=C sort)
+exported=$(nm -D --defined-only "$root/usr/lib/$triplet/libmailstructure.so.1" |
+    cut -d ' ' -f 3 | LC_ALL=C sort)
+listed=$(sed -nE 's/^ ([^ ]*)@Base 1\.0\.0$/\1/p' "$work/control/libmailstructure1/symbols" |
+    LC_ALL=C sort)
 diff <(echo "$exported") <(echo "$listed")
 
 echo "== owners, permissions, compression"
 for package in "$packages"/*.deb; do
     dpkg-deb -c "$package" | awk '$2 != "root/root" { print; bad = 1 }
-        $1 !~ /^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx)$/ && !($1 == "-rwxr-xr-x" && $6 ~ /^\.\/usr\/bin\//) { print; bad = 1 }
+        $1 !~ /^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx)$/ &&
+            !($1 == "-rwxr-xr-x" && $6 ~ /^\.\/usr\/bin\//) { print; bad = 1 }
         END { exit bad }' || fail "in $package"
 done
 find "$root/usr/share/man" -type f | grep -v '\.gz$' && fail "a manual page is not compressed"
-# The header of a gzip file: flags and time stamp are 0 if neither name nor time is kept.
+# In the header of a gzip file, flags and time stamp are 0 if neither name nor time is kept.
 find "$root" -name '*.gz' -print0 | while IFS= read -r -d '' file; do
-    [[ $(head -c 8 "$file" | od -An -tx1 | tr -d ' \n') == 1f8b080000000000 ]] || fail "$file keeps a name or a time"
+    [[ $(head -c 8 "$file" | od -An -tx1 | tr -d ' \n') == 1f8b080000000000 ]] ||
+        fail "$file keeps a name or a time"
 done
 
 echo "== the tool"
-! readelf -d "$root/usr/bin/mailstructure" | grep -E 'RPATH|RUNPATH' || fail "the tool has a search path of its own"
+! readelf -d "$root/usr/bin/mailstructure" | grep -E 'RPATH|RUNPATH' ||
+    fail "the tool has a search path of its own"
 export LD_LIBRARY_PATH="$root/usr/lib/$triplet"
 [[ $("$root/usr/bin/mailstructure" --version) == *1.0.0* ]]
-[[ $("$root/usr/bin/mailstructure" dump "$sources/tests/data/messages/plain.eml" 2>&1) == *text/plain* ]]
+dumped=$("$root/usr/bin/mailstructure" dump "$sources/tests/data/messages/plain.eml" 2>&1)
+[[ $dumped == *text/plain* ]]
 zcat "$root/usr/share/man/man1/mailstructure.1.gz" | cmp - "$sources/man/mailstructure.1"
 zcat "$root/usr/share/man/man3/MailStructure::Fill.3.gz" | cmp - "$sources/man/MailStructure.Fill.3"
 
@@ -64,15 +74,19 @@ export PKG_CONFIG_LIBDIR="$root/usr/lib/$triplet/pkgconfig"
 for compiler in g++ clang++; do
     command -v $compiler > /dev/null || continue
     # shellcheck disable=SC2046 # a list of options
-    $compiler -std=c++17 "$sources/tests/consumer/main.cpp" -o "$work/host" $(pkg-config --cflags --libs mailstructure)
+    $compiler -std=c++17 "$sources/tests/consumer/main.cpp" -o "$work/host" \
+        $(pkg-config --cflags --libs mailstructure)
     [[ $("$work/host") == "1 67 6 4294967295" ]]
 done
-cmake -G Ninja -S "$sources/tests/consumer" -B "$work/consumer" -DCMAKE_PREFIX_PATH="$root/usr" > /dev/null
+cmake -G Ninja -S "$sources/tests/consumer" -B "$work/consumer" \
+    -DCMAKE_PREFIX_PATH="$root/usr" > /dev/null
 cmake --build "$work/consumer" > /dev/null
 [[ $("$work/consumer/consumer_of_mailstructure") == "1 67 6 4294967295" ]]
 [[ $("$work/consumer/consumer_of_mailstructure_static") == "1 67 6 4294967295" ]]
 
 echo "== lintian"
-# The first entry of a changelog is to close the report by which a package enters Debian; there is none.
-lintian --no-user-dirs --suppress-tags initial-upload-closes-no-bugs --fail-on error,warning --display-info \
+# lintian expects that the first entry of a changelog closes the report by which a package enters
+# Debian. There is no such report.
+lintian --no-user-dirs --suppress-tags initial-upload-closes-no-bugs \
+    --fail-on error,warning --display-info \
     "$packages"/*.deb 2>&1

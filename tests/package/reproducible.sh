@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Makes the packages once more, from another folder and in other circumstances, and holds them against the first ones,
-# byte for byte: reproducible.sh SOURCE_FOLDER WORK_FOLDER    WORK_FOLDER is that of build.sh
+# Makes the packages once more, from another folder and in another environment, and compares them
+# with the first ones, byte for byte. Usage: reproducible.sh SOURCE_FOLDER WORK_FOLDER, with the
+# WORK_FOLDER that was given to build.sh
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 work=$2
 [[ -d $work/one ]] || { echo "skipped: no packages were made"; exit 77; }
@@ -12,7 +13,8 @@ copy_sources "$1" "$others"
 find "$others" -exec touch -d '2001-02-03 04:05:06' {} +
 (umask 027 && TZ=Pacific/Auckland LC_ALL=C.UTF-8 HOME=$others make_packages "$others")
 
-# hashes FOLDER: of the packages, of what is in them (so that a difference has a name), and of what was built.
+# hashes FOLDER: the hashes of the packages, of the files in them (so that a difference has a name),
+# and of the built files.
 hashes() {
     (
         cd "$1/build/package"
@@ -29,13 +31,15 @@ hashes "$others" > "$work/hashes_of_others"
 (($(wc -l < "$work/hashes_of_one") > 50)) || fail "too little was compared"
 diff "$work/hashes_of_one" "$work/hashes_of_others"
 
-# No folder of the build is in anything that is shipped, and none in what was built.
-! grep -rlF -e "$work" "$work/one/build/package/unpacked" || fail "the place of the build is in these"
-for file in "$work"/one/build/package/{src/libmailstructure.so,src/libmailstructure.a,tools/mailstructure}; do
+# No packaged file and no built file names the folder of the build.
+! grep -rlF -e "$work" "$work/one/build/package/unpacked" ||
+    fail "the place of the build is in these"
+built=$work/one/build/package
+for file in "$built"/{src/libmailstructure.so,src/libmailstructure.a,tools/mailstructure}; do
     ! grep -qF "$work" "$file" || fail "the place of the build is in $file"
 done
 
-# Another time stamp is another package, and is taken from SOURCE_DATE_EPOCH.
+# The time stamp is taken from SOURCE_DATE_EPOCH, and another time stamp gives another package.
 (cd "$others" && SOURCE_DATE_EPOCH=1000000000 cpack --preset package > /dev/null)
 listing=$(dpkg-deb -c "$others"/build/package/libmailstructure1_*.deb)
 [[ $listing == *2001-09-09* && $listing != *2026* ]] || fail "SOURCE_DATE_EPOCH is not heeded"

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Holds the sections of real mail against what the e-mail parser of Python's standard library makes of it.
+"""Compares the sections of real mail with the parts that Python's standard e-mail parser finds.
 
 python_test.py TOOL, with the folder of messages in MAILSTRUCTURE_CORPUS.
 
-Where both see the same tree, the bytes of every part without parts must be the payload that Python gives for it, and
---decode must give the decoded payload. The two parsers differ on purpose in some places; a difference must be of a kind
-that is listed below, each with a condition of its own, or the test fails. Where they see different trees, a rule must
-find something in the message that accounts for it. Prints how often each rule applied.
+Where both find the same tree, the bytes of every part without parts must be the payload that Python
+gives for it, and --decode must give the decoded payload. The two parsers differ on purpose in some
+places. A difference must be of a kind that is listed below, each with a condition of its own, or
+the test fails. Where the trees differ, a rule must find something in the message that explains it.
+The test prints how often each rule applied.
 """
 
 import base64
@@ -29,7 +30,7 @@ def run(*arguments):
 
 
 class Part:
-    """A part as Python has it."""
+    """A part that Python has found."""
 
     def __init__(self, message, is_leaf):
         self.message = message
@@ -40,11 +41,13 @@ class Part:
 
 
 def is_multipart(message):
-    return message.get_content_maintype() == "multipart" and (message.is_multipart() or message.get_boundary())
+    return message.get_content_maintype() == "multipart" and (
+        message.is_multipart() or message.get_boundary()
+    )
 
 
 def python_parts(root):
-    """All parts, each under the one name that the tool has for it."""
+    """All parts, each under the name that the tool gives it."""
     parts = {}
     waiting = [(root, "", True)]
     while waiting:
@@ -65,7 +68,7 @@ def python_parts(root):
 
 
 def listed_sections(path):
-    """Name to (offset, length), or None where the tool refuses the message."""
+    """Maps each name to (offset, length). None if the tool refuses the message."""
     listed = run("part", "--list", path)
     if listed.returncode != 0:
         return None
@@ -77,7 +80,7 @@ def listed_sections(path):
 
 
 def payload_place(data, begin, end, payload):
-    """Where in the file Python's payload is: the place that shares an end with ours, else the nearest."""
+    """The place of the payload in the file: one that shares an end with ours, else the nearest."""
     if not payload:
         return end, end
     if data[begin:begin + len(payload)] == payload:
@@ -85,11 +88,12 @@ def payload_place(data, begin, end, payload):
     if end >= len(payload) and data[end - len(payload):end] == payload:
         return end - len(payload), end
     found = [match.start() for match in re.finditer(b"(?=" + re.escape(payload) + b")", data)]
-    return min(((at, at + len(payload)) for at in found), key=lambda at: abs(at[0] - begin), default=None)
+    places = ((at, at + len(payload)) for at in found)
+    return min(places, key=lambda place: abs(place[0] - begin), default=None)
 
 
 def begin_rule(data, begin, other):
-    """Why the body of a part begins elsewhere than Python's."""
+    """Why the body of a part does not begin where Python's does."""
     if begin == other:
         return None
     is_after_empty_line = data[:begin].endswith((b"\n\n", b"\n\r\n"))
@@ -104,7 +108,7 @@ def begin_rule(data, begin, other):
 
 
 def end_rule(data, begin, end, other):
-    """Why the body of a part ends elsewhere than Python's."""
+    """Why the body of a part does not end where Python's does."""
     if end == other:
         return None
     if other < end and re.fullmatch(rb"\r?\n", data[other:end]):
@@ -135,12 +139,14 @@ def compare_leaf(path, data, name, place, part):
     for rule in filter(None, rules):
         counts["bytes: " + rule] += 1
         if rule.startswith("unexplained"):
-            failures.append(f"{path}: {name}: {rule}: {data[begin:end][:60]!r}, Python has {payload[:60]!r}")
+            failures.append(
+                f"{path}: {name}: {rule}: {data[begin:end][:60]!r}, Python has {payload[:60]!r}"
+            )
     return False
 
 
 def base64_up_to(text):
-    """What is decoded of a text that has no character that is wrong, but may end within a group."""
+    """The decoded bytes of a text that has no wrong character, but may end within a group."""
     characters = re.sub(rb"[\s=]", b"", text)
     if len(characters) % 4 == 1:
         characters = characters[:-1]
@@ -148,17 +154,21 @@ def base64_up_to(text):
 
 
 def decode_rule(data, place, part, result, expected):
-    """Why the decoded bytes are not Python's."""
+    """Why the decoded bytes are not those that Python gives."""
     message = result.stderr.decode()
     field = str(part.message.get("Content-Transfer-Encoding", "")).lower()
     if "unknown transfer encoding" in message:
         return "unknown_encoding_is_an_error"
     damage = re.search(r"base64.* at byte (\d+)$", message)
-    if damage and result.returncode == 1 and result.stdout == base64_up_to(data[place[0]:int(damage.group(1))]):
+    if damage and result.returncode == 1 and result.stdout == base64_up_to(
+        data[place[0]:int(damage.group(1))]
+    ):
         return "damaged_base64_ends_the_decoding"
     if expected == part.payload() and field != field.strip():
         return "python_does_not_know_an_encoding_with_blanks_behind_it"
-    if field == "quoted-printable" and result.stdout == re.sub(rb"[ \t]+(\r?\n|\Z)", rb"\1", expected):
+    if field == "quoted-printable" and result.stdout == re.sub(
+        rb"[ \t]+(\r?\n|\Z)", rb"\1", expected
+    ):
         return "blanks_at_the_end_of_a_quoted_line_are_dropped"
     return "unexplained decoding"
 
@@ -173,7 +183,10 @@ def compare_decoded(path, data, name, place, part):
     rule = decode_rule(data, place, part, result, expected)
     counts["decoded: " + rule] += 1
     if rule.startswith("unexplained"):
-        failures.append(f"{path}: {name}: {rule}: {result.stdout[:60]!r} {result.stderr!r}, Python has {expected[:60]!r}")
+        failures.append(
+            f"{path}: {name}: {rule}: {result.stdout[:60]!r} {result.stderr!r},"
+            f" Python has {expected[:60]!r}"
+        )
 
 
 def boundaries_recorded(entity):
@@ -182,7 +195,7 @@ def boundaries_recorded(entity):
 
 
 def block_rule(data, entity, parts):
-    """What in the entity's header block Python reads differently."""
+    """What Python reads differently in the header block of the entity."""
     begin, length = entity["header"]["offset"], entity["header"]["length"]
     block = data[begin:begin + length]
     if entity["depth"] != 0 and length and data[:begin].endswith((b"\n\n", b"\n\r\n")):
@@ -200,9 +213,11 @@ def block_rule(data, entity, parts):
 
 
 def tree_rule(data, root, entities, parts):
-    """Why the two trees differ: the first rule that finds what accounts for it."""
-    recorded = set().union(*(boundaries_recorded(entity) for entity in entities if entity["multipart"]))
-    declared = {str(part.message.get_boundary()) for part in parts.values() if is_multipart(part.message)}
+    """Why the two trees differ: the first rule that finds an explanation."""
+    multiparts = [entity for entity in entities if entity["multipart"]]
+    recorded = set().union(*(boundaries_recorded(entity) for entity in multiparts))
+    messages = [part.message for part in parts.values()]
+    declared = {str(message.get_boundary()) for message in messages if is_multipart(message)}
     if declared != recorded:
         return "boundary_is_read_differently"
     for entity in entities:
@@ -216,10 +231,12 @@ def tree_rule(data, root, entities, parts):
             return "python_skips_repeated_separators"
     sections = {entity["section"] for entity in entities}
     for name, part in parts.items():
-        beside = {section for section in sections - set(parts) if section.rpartition(".")[0] == name}
+        others = sections - set(parts)
+        beside = {section for section in others if section.rpartition(".")[0] == name}
         if beside and part.message.get_content_type() == "message/rfc822":
             return "message_that_a_boundary_line_does_not_close"
-    if any(re.search(r"Boundary|Multipart", type(defect).__name__) for part in root.walk() for defect in part.defects):
+    defects = [type(defect).__name__ for part in root.walk() for defect in part.defects]
+    if any(re.search(r"Boundary|Multipart", defect) for defect in defects):
         return "multipart_that_is_broken_to_python_too"
     return "unexplained tree"
 
@@ -239,7 +256,10 @@ def compare(path):
         rule = tree_rule(data, root, entities, parts)
         counts["trees: " + rule] += 1
         if rule.startswith("unexplained"):
-            failures.append(f"{path}: {rule}: {sorted(names - set(parts))[:4]}, Python has {sorted(set(parts) - names)[:4]}")
+            failures.append(
+                f"{path}: {rule}: {sorted(names - set(parts))[:4]},"
+                f" Python has {sorted(set(parts) - names)[:4]}"
+            )
         return
     counts["trees: equal"] += 1
     for name, part in parts.items():
@@ -251,7 +271,7 @@ def compare(path):
 
 
 def check_cut(path, data, name, place):
-    """Holds one in ten sections, as the tool writes it, against what --list says."""
+    """Compares one in ten sections, as the tool writes it, with the place that --list states."""
     if random.random() < 0.1:
         counts["written as listed"] += 1
         if run("part", name, path).stdout != data[place[0]:sum(place)]:

@@ -1,6 +1,7 @@
 #!/bin/sh
-# Runs the tests of the scanners as a 64-bit ARM processor would, under emulation: arm.sh SOURCE_FOLDER WORK_FOLDER
-# Skipped (77) where the cross compiler, the emulator or the sources of GoogleTest are missing.
+# Runs the tests of the scanners on an emulated 64-bit ARM processor. The status is 77, for
+# "skipped", if the cross compiler, the emulator or the sources of GoogleTest are missing. Usage:
+# arm.sh SOURCE_FOLDER WORK_FOLDER
 set -eu
 source=$(cd "$1" && pwd)
 work=$2
@@ -15,10 +16,15 @@ test -d "$googletest" || { echo "skipped: the sources of GoogleTest are not inst
 
 mkdir -p "$work"
 cd "$work"
-"$compiler" -O1 -I"$googletest" -I"$googletest/include" -c "$googletest/src/gtest-all.cc" "$googletest/src/gtest_main.cc"
-"$compiler" -std=c++20 -O2 -Wall -Wextra -Wconversion -Werror -Wno-restrict -I"$source/include" -I"$source/src" -I"$source/tests" \
-    -I"$googletest/include" $(find "$source/src" -name "*.cpp") "$source"/tests/parser/lines/line_scan_test.cpp "$source"/tests/parser/lines/body_scan_test.cpp \
-    "$source"/tests/support/*.cpp gtest-all.o gtest_main.o -static -pthread -o arm_tests 2> log || { cat log && exit 1; }
+"$compiler" -O1 -I"$googletest" -I"$googletest/include" -c "$googletest/src/gtest-all.cc" \
+    "$googletest/src/gtest_main.cc"
+tests=$source/tests
+# shellcheck disable=SC2046 # lists of files
+"$compiler" -std=c++20 -O2 -Wall -Wextra -Wconversion -Werror -Wno-restrict -I"$source/include" \
+    -I"$source/src" -I"$tests" -I"$googletest/include" $(find "$source/src" -name "*.cpp") \
+    "$tests/parser/lines/line_scan_test.cpp" "$tests/parser/lines/body_scan_test.cpp" \
+    $(find "$tests/support" -name "*.cpp" ! -name "*_test.cpp") gtest-all.o gtest_main.o \
+    -static -pthread -o arm_tests 2> log || { cat log && exit 1; }
 "$emulator" ./arm_tests --gtest_brief=1
-# The NEON scanners must be among those that were tried.
+# The NEON scanners must be among those that were tested.
 nm -C arm_tests | grep -q 'scan_line_neon'
