@@ -12,7 +12,8 @@ RUNNER = pathlib.Path(__file__).resolve().parent / "run"
 
 # Stands in for the tool. It prints what is hard to write down, and exits with status 3.
 ODD_TOOL = rb"""#!/bin/sh
-printf 'plain\n-- stdout\n-- \ntab\tinside\nat the end\t\nblank \n\\n\n\0\r\n\351 \303\251\n\nno end'
+printf 'plain\n-- stdout\n-- \ntab\tinside\nat the end\t\nblank \n'
+printf '\\n\n\0\r\n\351 \303\251\n\nno end'
 printf 'complaint\n' >&2
 exit 3
 """

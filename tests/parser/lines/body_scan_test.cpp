@@ -1,4 +1,5 @@
-// Every scanner that this processor runs, against the plain one, and the plain one against tables.
+// Compares every body scanner that this processor can run with the plain one, and the plain one
+// with tables.
 
 #include "parser/lines/scanners.h"
 #include "support/case_name.h"
