@@ -1,15 +1,26 @@
-// The bound on what header fields may take. An ordinary field line of n bytes counts as 64 + n, and
-// is kept while the count before it plus n stays below the limit; a parameter counts as 64 plus its
-// text, and is kept while the count before it is below the limit.
+// The limit on what header fields may take. A field line of n bytes adds 64 + n to an estimate, and
+// the field has a record if the estimate before it plus n is below the limit. A parameter adds 64
+// and the length of its text, and is stored if the estimate before it is below the limit. The
+// estimate is 32-bit and wraps.
 
 #include <mail_structure.h>
 
+#include "robustness/scripted_stream.h"
+#include "support/build_kind.h"
 #include "support/parse.h"
 #include "support/tree_case.h"
+#include "support/tree_text.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <gtest/gtest.h>
+#include <istream>
 #include <sstream>
+#include <streambuf>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -42,7 +53,7 @@ const tree_case limit_cases[] = {
      "1 / h=0+4 m=0+4\n"
      "  0-4 \"X\" \"1\"\n",
      {.m_memlimit = 5}},
-    // After the first field the count is 69.
+    // After the first field the estimate is 69.
     {"second_field_over_the_limit",
      "X: 1\nY: 2\n\nhi\n",
      "1 2/plain h=0+11 m=0+14 b=11+3 c=11+3 n=1\n"
@@ -194,6 +205,102 @@ TEST(memory_bound, is_counted_anew_for_each_message) {
         message.Fill(in);
         EXPECT_EQ(message.m_root.m_headers.size(), 2U);
     }
+}
+
+/// So many copies of a text, one after the other.
+std::string repeated(std::size_t times, std::string_view text) {
+    std::string result;
+    result.reserve(times * text.size());
+    while (times-- > 0) result += text;
+    return result;
+}
+
+/// 14 million fields, none of which has a record, bring the estimate to 4 below 2^32.
+TEST(memory_bound, keeps_estimate_that_wraps) {
+    if (test_support::is_plain_build || test_support::is_sanitized_build)
+        GTEST_SKIP() << "this build takes some 20 seconds to read the 3.4 GB";
+    constexpr std::uint64_t wrap = std::uint64_t{1} << 32U;
+    constexpr std::uint64_t overhead = 64;
+    const std::string field = "a:b;" + std::string(240, '1') + '\n'; // no parameter
+    const std::uint64_t cost = overhead + field.size();
+    const std::uint64_t wanted = wrap - 4;
+    const std::uint64_t fields = wanted / cost - 1; // and a longer one
+    const std::uint64_t last_bytes = wanted - fields * cost - overhead;
+    constexpr std::uint64_t block = 200;
+    test_support::long_message text;
+    text.add(repeated(block, field), fields / block)
+        .add(repeated(fields % block, field))
+        .add("a:b;" + std::string(last_bytes - 5, '1') + '\n');
+    const std::uint64_t place = text.bytes();
+    // The sum of the estimate and the length of this field wraps to 1. The estimate is then 65.
+    text.add("X: 1\n").add(field);
+
+    const test_support::memory_limit limit(static_cast<std::uint32_t>(field.size()));
+    test_support::scripted_stream in(text);
+    MailStructure message;
+    EXPECT_EQ(test_support::fill(message, in), "");
+    const std::string end = std::to_string(static_cast<std::uint32_t>(text.bytes()));
+    EXPECT_EQ(test_support::full_tree_text(message.m_root),
+              "1 b/ h=0+" + end + " m=0+" + end + "\n  " + std::to_string(place) + '-'
+                  + std::to_string(place + 5) + " \"X\" \"1\"\n");
+}
+
+/// Hands out a text byte by byte, and calls a function before each byte.
+class calling_buffer : public std::streambuf {
+public:
+    calling_buffer(std::string text, std::function<void()> call)
+        : m_text(std::move(text)), m_call(std::move(call)) {}
+
+protected:
+    int_type underflow() override {
+        m_call();
+        if (m_handed_out == m_text.size()) return traits_type::eof();
+        char* const byte = &m_text[m_handed_out++];
+        setg(byte, byte, byte + 1);
+        return traits_type::to_int_type(*byte);
+    }
+
+private:
+    std::string m_text;
+    std::function<void()> m_call;
+    std::size_t m_handed_out = 0;
+};
+
+struct host_settings {
+    bool m_keep_text;
+    std::uint32_t m_memlimit;
+};
+
+/// The tree of a message whose stream changes the settings while Fill reads from it.
+std::string tree_where_settings_change(const host_settings& before, const host_settings& during) {
+    const test_support::memory_limit limit(before.m_memlimit);
+    MailStructure message;
+    message.m_keep_text = before.m_keep_text;
+    calling_buffer buffer("X: 1\nY: 2\n\nhi\n", [&] {
+        message.m_keep_text = during.m_keep_text;
+        MailStructure::m_memlimit = during.m_memlimit;
+    });
+    std::istream in(&buffer);
+    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(message.m_keep_text, during.m_keep_text);
+    EXPECT_EQ(MailStructure::m_memlimit, during.m_memlimit);
+    return test_support::full_tree_text(message.m_root);
+}
+
+/// The values that Fill works with are those that it found when it began.
+TEST(host_settings, are_read_once_when_fill_begins) {
+    constexpr std::uint32_t no_limit = 0xFFFFFFFF;
+    EXPECT_EQ(tree_where_settings_change({false, no_limit}, {true, 0}),
+              "1 text/plain h=0+11 m=0+14 b=11+3 c=11+3 n=1\n"
+              "  0-5 \"X\" \"1\"\n"
+              "  5-10 \"Y\" \"2\"\n");
+    EXPECT_EQ(tree_where_settings_change({false, 0}, {true, no_limit}),
+              "1 2/plain h=0+11 m=0+14 b=11+3 c=11+3 n=1\n");
+    EXPECT_EQ(tree_where_settings_change({true, 0}, {false, 0}),
+              "1 text/plain h=0+11 m=0+14 b=11+3 c=11+3 n=1\n"
+              "  0-5 \"X\" \"1\"\n"
+              "  5-10 \"Y\" \"2\"\n"
+              "  body \"hi\\r\\n\"\n");
 }
 
 } // namespace

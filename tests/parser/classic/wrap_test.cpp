@@ -1,10 +1,13 @@
 // Offsets past 4 GiB wrap, and a range or field that begins at the value that stands for "unset"
-// stays unset. The messages begin close to the wrap, so that they can be short.
+// stays unset. The messages begin close to the wrap, so that they can be short. The count of lines
+// wraps too, and takes a message of 2^32 lines.
 
 #include <mail_structure.h>
 
 #include "parser/fill.h"
+#include "support/build_kind.h"
 #include "support/case_name.h"
+#include "support/parse.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
 
@@ -100,6 +103,18 @@ TEST(offsets, keeps_field_that_begins_at_the_last_offset_unset_until_its_fold) {
     expect_tree_from(0xFFFFFFFF, "a: b\n\n",
                      "1 / h=4294967295+6 m=4294967295+6\n"
                      "  unset-4 \"a\" \"b\"\n");
+}
+
+/// An empty header block and 2^32 + 3 empty lines.
+TEST(line_count, keeps_count_of_lines_that_wraps) {
+    if (test_support::is_plain_build)
+        GTEST_SKIP() << "this build reads each of 2^32 lines by itself, which takes minutes";
+    constexpr std::uint64_t lines = (std::uint64_t{1} << 32U) + 4;
+    test_support::repeating_stream in("\n", "\n", lines);
+    MailStructure message;
+    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(full_tree_text(message.m_root),
+              "1 text/plain h=0+1 m=0+4 b=1+3 c=1+3 n=3 body-last-empty\n");
 }
 
 } // namespace
