@@ -1,0 +1,207 @@
+// The figures of heap in the documents against what is measured, at sizes just before and just past
+// those at which a vector or a string doubles its storage. A figure must hold at every size, and
+// must not be more than a little too high.
+
+#include "cost/documents.h"
+#include "cost/heap_meter.h"
+#include "support/build_kind.h"
+#include "support/parse.h"
+#include "support/streams.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <malloc.h>
+#include <map>
+#include <string>
+#include <vector>
+
+using cost::heap_bound;
+using cost::heap_meter;
+
+namespace {
+
+std::string repeated(std::size_t count, const std::string& piece) {
+    std::string all;
+    all.reserve(count * piece.size());
+    while (count-- > 0) all += piece;
+    return all;
+}
+
+const std::string multipart = "c:multipart/;b=x\n";
+
+/// A row of the table in doc/behaviour.md.
+struct measured_row {
+    const char* m_row;                             // the text of the row's first cell
+    std::string (*m_message)(std::size_t n);       // a message with n of the elements
+    std::size_t m_chunk = test_support::all_bytes; // bytes that the stream hands out at a time
+};
+
+const measured_row rows[] = {
+    {"part that is a separator line alone, of 4 bytes",
+     [](std::size_t n) { return multipart + '\n' + repeated(n, "--x\n"); }},
+    {"part with one field, of 7 bytes",
+     [](std::size_t n) { return multipart + '\n' + repeated(n, "--x\na:\n"); }},
+    {"message within a message, of 5 bytes",
+     [](std::size_t n) { return "C:\n\n" + repeated(n - 1, "C:\n\n\n") + "1\n"; }},
+    {"multipart within a multipart, of 21 bytes",
+     [](std::size_t n) { return repeated(n, multipart + "--x\n"); }},
+    {"field, of 3 bytes", [](std::size_t n) { return repeated(n, "a:\n"); }},
+    {"parameter, of 4 bytes",
+     [](std::size_t n) { return "c:multipart/" + repeated(n, ";a=b") + '\n'; }},
+    {"parameter that registers a delimiter, of 4 bytes",
+     [](std::size_t n) { return "c:multipart/" + repeated(n, ";b=x") + '\n'; }},
+    {"byte of a field's folded lines",
+     [](std::size_t n) {
+         const std::string fold = ' ' + std::string(198, 'x');
+         return "a:" + std::string(n % fold.size(), 'x') + '\n'
+                + repeated(n / fold.size(), fold + '\n');
+     }},
+    {"byte of a Content-Type field",
+     [](std::size_t n) { return "c:" + std::string(n, 'x') + '\n'; }},
+    {"byte of a Content-Type field that arrives in pieces",
+     [](std::size_t n) { return "c:" + std::string(n, 'x'); }, 64},
+    {"byte of a body line that arrives in pieces",
+     [](std::size_t n) { return '\n' + std::string(n, 'x'); }, 64},
+};
+
+/// Whether the documented figures are those of this build, or bounds of them only: another platform
+/// has other sizes, a sanitizer another allocator, and the plain build copies each line.
+#if defined(__x86_64__) && defined(__GLIBCXX__)
+constexpr bool measures_as_documented =
+    !test_support::is_plain_build && !test_support::is_sanitized_build;
+#else
+constexpr bool measures_as_documented = false;
+#endif
+
+/// Vectors double at powers of 2, and at 8 and 10 times those where room is reserved; strings, from
+/// 15 bytes on, at 15 times those.
+std::vector<std::size_t> sizes_around_doublings() {
+    std::vector<std::size_t> sizes{1, 2, 3, 4, 5};
+    // A build that measures bounds only has no need of the sizes at which figures get exact.
+    constexpr std::size_t largest = measures_as_documented ? 1U << 12U : 1U << 8U;
+    for (std::size_t scale = 1; scale <= largest; scale *= 2)
+        for (const std::size_t unit : {8U, 10U, 15U})
+            for (const std::size_t past : {0U, 1U}) sizes.push_back(unit * scale + past);
+    return sizes;
+}
+
+std::size_t peak_of_fill(const std::string& text, std::size_t chunk) {
+    test_support::delivered_stream in(text, {"", chunk});
+    MailStructure message;
+    in.peek(); // what the stream itself allocates is not the library's
+    const heap_meter meter;
+    EXPECT_EQ(test_support::fill(message, in), "");
+    return meter.peak();
+}
+
+/// The plain build copies the longest line to a string, which takes up to three times its size
+/// while it grows.
+double line_copies(const std::string& text) {
+    if (!test_support::is_plain_build) return 0;
+    std::size_t longest = 0;
+    for (std::size_t start = 0, end = 0; start < text.size(); start = end + 1) {
+        end = std::min(text.find('\n', start), text.size());
+        longest = std::max(longest, end - start);
+    }
+    return 3 * static_cast<double>(longest);
+}
+
+TEST(heap_bounds, hold_just_before_and_just_past_each_doubling) {
+    mallopt(M_MMAP_THRESHOLD, 1 << 25); // so that no block is rounded up to whole pages
+    std::map<std::string, heap_bound> bounds = cost::heap_bounds();
+    const double besides = cost::message_bytes();
+    for (const measured_row& row : rows) {
+        const auto found = bounds.find(row.m_row);
+        ASSERT_NE(found, bounds.end()) << "not in the table: " << row.m_row;
+        const heap_bound bound = found->second;
+        bounds.erase(found);
+        double most_of_element = 0;
+        double most_of_byte = 0;
+        for (const std::size_t n : sizes_around_doublings()) {
+            const std::string text = row.m_message(n);
+            const auto peak = static_cast<double>(peak_of_fill(text, row.m_chunk));
+            const auto elements = static_cast<double>(n);
+            const auto bytes = static_cast<double>(text.size());
+            const double allowed = besides + line_copies(text);
+            EXPECT_LE(peak, allowed + bound.m_of_element * elements) << row.m_row << ", " << n;
+            EXPECT_LE(peak, allowed + bound.m_of_byte * bytes) << row.m_row << ", " << n;
+            if (elements < 10000) continue; // the message itself would blur the figure
+            most_of_element = std::max(most_of_element, peak / elements);
+            most_of_byte = std::max(most_of_byte, peak / bytes);
+        }
+        std::cout << row.m_row << ": " << most_of_element << ", for each byte " << most_of_byte
+                  << '\n';
+        if (!measures_as_documented) continue;
+        EXPECT_GT(most_of_element, 0.97 * bound.m_of_element) << row.m_row;
+        EXPECT_GT(most_of_byte, 0.95 * bound.m_of_byte) << row.m_row;
+    }
+    for (const auto& [row, bound] : bounds) ADD_FAILURE() << "never measured: " << row;
+}
+
+TEST(heap_bounds, sizes_of_records_are_the_documented_ones) {
+    const std::string contract = "doc/behaviour.md";
+    if (!measures_as_documented) GTEST_SKIP() << "not the documented platform";
+    EXPECT_EQ(sizeof(MailStructure::MimeObj), cost::figure(contract, "entity is ([0-9]+) bytes"));
+    EXPECT_EQ(sizeof(MailStructure::header), cost::figure(contract, "field ([0-9]+) and"));
+    EXPECT_EQ(2 * sizeof(std::string), cost::figure(contract, "parameter ([0-9]+)[;.]"));
+}
+
+TEST(heap_bounds, worst_case_in_the_promises_is_that_of_the_table) {
+    double worst = 0;
+    for (const auto& [row, bound] : cost::heap_bounds()) worst = std::max(worst, bound.m_of_byte);
+    const std::string promises = "SECURITY.md";
+    EXPECT_EQ(cost::figure(promises, "([0-9]+) bytes of heap for each byte of input"), worst);
+    const double megabytes = cost::figure(promises, "messages of up to ([0-9]+) MB");
+    const double gigabytes = cost::figure(promises, "a tree of up to ([0-9.]+) GB");
+    EXPECT_NEAR(gigabytes, megabytes * worst / 1000, 0.05);
+}
+
+/// A file that Fill reads through a block of its own.
+TEST(heap_bounds, block_for_a_plain_file_is_the_documented_one) {
+    std::ifstream file(MAILSTRUCTURE_FOLDER "/LICENSE");
+    ASSERT_TRUE(file);
+    MailStructure message;
+    const heap_meter meter;
+    EXPECT_EQ(test_support::fill(message, file), "");
+    const double block =
+        1024 * cost::figure("doc/behaviour.md", "([0-9]+) KiB more while a plain file is read");
+    EXPECT_LE(static_cast<double>(meter.peak()), cost::message_bytes() + block);
+    if (!measures_as_documented) return;
+    EXPECT_GT(static_cast<double>(meter.peak()), 0.97 * block);
+}
+
+/// Fills the object with a message whose part has a field value of that many bytes.
+void fill_with_value(MailStructure& message, std::size_t bytes) {
+    const std::string text =
+        "C: multipart/a; boundary=b\n\n--b\nA: " + std::string(bytes, 'x') + "\n\nhi\n";
+    test_support::delivered_stream in(text, {"", test_support::all_bytes});
+    EXPECT_EQ(test_support::fill(message, in), "");
+}
+
+/// What an object holds of a field value after messages whose value at that place is short.
+std::size_t storage_left(std::size_t bytes, int short_messages) {
+    MailStructure message;
+    fill_with_value(message, bytes);
+    for (; short_messages > 0; --short_messages) fill_with_value(message, 1);
+    return message.m_root.m_children.front().m_headers.front().m_value.capacity();
+}
+
+/// A string of so many bytes is handed on for ever, or while a quarter of it was used last.
+TEST(heap_bounds, storage_handed_on_is_the_documented_one) {
+    const std::string contract = "doc/behaviour.md";
+    const auto always = static_cast<std::size_t>(
+        cost::figure(contract, "keeps its storage if that is ([0-9]+) bytes or less"));
+    const auto at_most =
+        static_cast<std::size_t>(1024 * cost::figure(contract, "or ([0-9]+) KiB or less of which"));
+    EXPECT_GE(storage_left(always, 3), always);
+    EXPECT_LT(storage_left(always + 1, 3), always);
+    EXPECT_GE(storage_left(always + 1, 1), always);
+    EXPECT_GE(storage_left(at_most, 1), at_most);
+    EXPECT_LT(storage_left(at_most + 1, 1), always);
+    EXPECT_LT(storage_left(at_most, 2), always);
+}
+
+} // namespace
