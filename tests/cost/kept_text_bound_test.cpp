@@ -108,9 +108,9 @@ TEST(kept_text_bound, of_heap_holds_and_is_reached) {
     const heap_meter meter;
     EXPECT_EQ(test_support::fill(message, in), "");
     const auto n = static_cast<double>(text.size());
-    const double heap = n * n / cost::figure("SECURITY.md", "take up to n²/([0-9]+) bytes of heap");
-    const double tree =
-        n * cost::figure("SECURITY.md", "([0-9]+) bytes of heap for each byte of input");
+    const std::string promises = "SECURITY.md";
+    const double heap = n * n / cost::figure(promises, "take up to n²/([0-9]+) bytes of heap");
+    const double tree = n * cost::figure(promises, "([0-9]+) bytes of heap for each byte of input");
     std::cout << "peak heap of Fill: " << static_cast<double>(meter.peak()) / n / n << " n²\n";
     EXPECT_LE(static_cast<double>(meter.peak()), heap + tree);
     EXPECT_GT(static_cast<double>(meter.peak()), 0.97 * heap);
