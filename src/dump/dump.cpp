@@ -29,12 +29,15 @@ std::string begin_and_end_or_dots(std::uint32_t beg, std::uint32_t len) {
     return len == 0 ? "(...)" : begin_and_end(beg, len);
 }
 
-/// Three blanks a level, and never more than 32: deeper levels stand in one column.
+/// Kept: three blanks a level, and never more than 32: deeper levels stand in one column.
+/// keeps_indentation_at_32_blanks
 std::string indentation(std::size_t level) {
     constexpr std::size_t widest = 32;
     return std::string(level > widest / 3 ? widest : 3 * level, ' ');
 }
 
+// Kept: rulers are printed without a text too, and the text as it was kept.
+// keeps_rulers_of_leaves_without_text keeps_kept_text_as_it_is
 void print_text_between_rulers(const std::string& text) {
     const std::string ruler(40, '-');
     print_line(std::cout, ruler);
@@ -64,7 +67,8 @@ void print_opening(const MimeObj& entity, const std::string& indent, int number)
     }
     const std::string body = begin_and_end_or_dots(entity.m_body_beg, entity.m_body_len);
     if (entity.m_children.empty()) {
-        // Kept: no blank before this parenthesis, unlike all others; scripts look for "Body(".
+        // Kept: no blank before this parenthesis, unlike all others; the output is part of the
+        // contract. keeps_body_label_without_a_blank
         print_line(std::cerr, indent + "   Body" + body);
         print_text_between_rulers(entity.m_body_text);
     } else {
@@ -75,7 +79,7 @@ void print_opening(const MimeObj& entity, const std::string& indent, int number)
 /// The rest of the listing, after the children's.
 void print_closing(const MimeObj& entity, const std::string& indent) {
     if (entity.m_children.empty()) return;
-    // Kept: the label is spelled so; scripts look for it.
+    // Kept: the label is spelled so; the output is part of the contract. keeps_spelling_of_epilogie
     print_line(std::cerr,
                indent + "   Epilogie "
                    + begin_and_end_or_dots(entity.m_epilogue_beg, entity.m_epilogue_len));
@@ -108,6 +112,7 @@ void MailStructure::MimeObj::Dump(std::ifstream&, std::vector<int>& path) const 
     }
 }
 
+// Kept: the file is not read. keeps_file_unread
 void MailStructure::Dump(std::ifstream& ifs) const {
     print_line(std::cerr, " *** Dumping email structure ***");
     std::vector<int> path{1};

@@ -19,8 +19,9 @@ bool same_letter(char a, char b) noexcept {
 
 bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
     constexpr std::uint32_t whole_of_s = 0xFFFFFFFF;
-    // Kept: with n = 0xFFFFFFFF this asks whether s is a prefix of p. The parser takes "Content:"
-    // for a Content-Type field by it, and hosts rely on abbreviated parameter names.
+    // Kept: n = 0xFFFFFFFF asks whether s is a prefix of p, and an empty s is one. The parser takes
+    // "Content:" for a Content-Type field by it. keeps_whole_comparison_as_a_test_for_a_prefix
+    // keeps_empty_text_as_a_prefix_of_everything
     const std::size_t wanted = n == whole_of_s ? s.size() : n;
     if (wanted > s.size()) return false;
     for (std::size_t at = 0; at < wanted; ++at)
@@ -30,8 +31,8 @@ bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
 
 const MailStructure::header*
 MailStructure::MimeObj::find_header_full(const std::string& name) const {
-    // Kept: the query matches every field whose name begins with it. A host that looks for
-    // "received-" or "resent-" finds the family by it.
+    // Kept: the query matches every field whose name begins with it, and an empty query the first
+    // field. keeps_lookup_by_the_beginning_of_a_name keeps_empty_query_finding_the_first_field
     const auto length = static_cast<std::uint32_t>(name.size());
     for (const header& field : m_headers)
         if (strncasecmp(field.m_name, name.c_str(), length)) return &field;

@@ -12,4 +12,5 @@ MailStructure::MimeObj* MailStructure::MimeObj::get_obj() {
 
 MailStructure::header* MailStructure::MimeObj::get_header() { return &m_headers.emplace_back(); }
 
+// Kept: finalize changes nothing. keeps_finalize_without_effect
 void MailStructure::MimeObj::finalize() {}

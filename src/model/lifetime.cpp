@@ -64,6 +64,7 @@ void for_each_member_pair(MimeObj& to, From& from, Act act) {
 /// Copies all of an entity but its children, for which it reserves room.
 void copy_without_children(MimeObj& to, const MimeObj& from) {
     // Kept: m_parent is copied as it stands, so the children inside a copy point at the original.
+    // keeps_parent_pointers_of_the_original
     for_each_member_pair(to, from, [](auto& target, const auto& source) { target = source; });
     to.m_children.reserve(from.m_children.size());
 }

@@ -13,6 +13,9 @@ namespace mail_structure_detail {
 /// it.
 /// @param start  offset of the line's first byte
 /// @param end    offset just past its terminator
+// Kept: a range of length 0 is unset, and a range ends where the line given last ends, wherever
+// that is. keeps_range_of_length_0_unset keeps_end_of_the_line_given_last
+// keeps_unchecked_positions_wrapping
 inline void grow_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start,
                        std::uint32_t end) noexcept {
     if (len == 0) beg = start;
@@ -22,7 +25,9 @@ inline void grow_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t sta
 /// For the body range.
 // Kept: the body is unset while its offset is 0, so the first line of a body that begins at offset
 // 0 drops out when the second comes. Hosts have stored ranges computed so; a test by length would
-// move them.
+// move them. keeps_first_body_line_at_offset_0_out_of_the_body
+// keeps_body_that_begins_at_the_wrap_short_of_its_first_line
+// keeps_body_of_a_part_that_begins_at_the_wrap_short_of_its_first_line
 inline void grow_body_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start,
                             std::uint32_t end) noexcept {
     if (beg == 0) beg = start;

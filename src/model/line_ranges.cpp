@@ -24,7 +24,9 @@ void MailStructure::MimeObj::add_body_line(bool save, std::string& line, std::ui
                                            std::uint32_t end, bool epilogue) {
     for (MimeObj* entity = this; entity != nullptr; entity = entity->m_parent) {
         if (epilogue) {
-            // Kept: an epilogue line extends the epilogue of every ancestor and nothing else of it.
+            // Kept: an epilogue line extends the epilogue of every ancestor and no other range.
+            // keeps_epilogue_line_in_the_epilogues_of_all_ancestors
+            // keeps_epilogue_line_out_of_every_other_range
             grow_range(entity->m_epilogue_beg, entity->m_epilogue_len, start, end);
             entity->m_epilogue_last_empty = line.empty();
             if (save) entity->m_epilogue_text.append(line).append("\r\n");
@@ -32,6 +34,8 @@ void MailStructure::MimeObj::add_body_line(bool save, std::string& line, std::ui
             entity->add_mime_line(start, end);
             grow_body_range(entity->m_body_beg, entity->m_body_len, start, end);
             entity->m_body_last_empty = line.empty();
+            // Kept: each level keeps the text once, with CR LF whatever ended the line.
+            // keeps_text_once_on_every_level
             if (save) entity->m_body_text.append(line).append("\r\n");
             ++entity->m_lines;
         }

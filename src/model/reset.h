@@ -24,8 +24,10 @@ inline void reset_own_members(MailStructure::MimeObj& entity) noexcept {
 }
 
 inline void empty_type_strings(MailStructure::MimeObj& entity) noexcept {
-    // Kept: the three type strings become empty, not "text", "plain" and "7bit". Fill clears the
-    // root, so an empty m_encoding tells a host that the message itself named no encoding.
+    // Kept: the three type strings become empty, not "text", "plain" and "7bit", which children
+    // still have. Fill clears the root, so its m_encoding is empty until a field sets it.
+    // keeps_type_strings_empty keeps_defaults_in_the_children_of_a_cleared_entity
+    // keeps_root_without_an_encoding
     entity.m_type.clear();
     entity.m_subtype.clear();
     entity.m_encoding.clear();

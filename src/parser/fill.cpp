@@ -55,6 +55,8 @@ void fill_by(MailStructure& message, std::istream& in, std::uint32_t first_offse
         grammar.take_line(line);
     }
     grammar.end_input();
+    // Kept: m_done is not reset when Fill begins, so it stays true while the next message is read.
+    // keeps_done_set_while_the_next_message_is_read
     message.m_done = true;
     tree.m_open.finalize();
 }

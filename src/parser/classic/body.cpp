@@ -12,9 +12,8 @@ namespace {
 constexpr kept_text epilogue_text{&MailStructure::MimeObj::m_epilogue_text, keepers::all_open};
 
 /// Closes the innermost part and, if that was an encapsulated message, the part that holds it.
-// Kept: no more than these two are closed, also when a message lies within a message. The entity
-// that is then innermost takes the next part. The root is never closed: a part that would replace
-// it becomes its child.
+// Kept: no third entity is closed, even where a message lies directly within a message. The entity
+// that is then innermost takes the next part. keeps_two_pops_for_one_line_at_most
 void close_part(open_entities& open) {
     open.close();
     if (open.innermost().m_message) open.close();
@@ -23,6 +22,8 @@ void close_part(open_entities& open) {
 /// A separator begins a part of the innermost entity.
 void open_part(classic_state& state, const input_line& line) {
     state.open_entity();
+    // Kept: a separator extends the contents of the multipart and its ancestors, and no other
+    // range. keeps_separator_in_the_contents_of_the_enclosing_entities_alone
     state.m_open.add_contents_line_to_ancestors(line.m_start, line.m_end);
 }
 
@@ -40,11 +41,12 @@ void add_epilogue_line(classic_state& state, const input_line& line) {
     state.m_tree.keep_line(epilogue_text, line.m_text);
 }
 
-/// The closing line counts in the body of its multipart.
+/// Kept: a closing line is a body line of its multipart. keeps_closing_line_as_a_body_line
 void close_multipart(classic_state& state, const input_line& line) {
     state.m_open.add_contents_line_to_ancestors(line.m_start, line.m_end);
-    // Kept: right after the preamble nothing is closed and the delimiter stays, so a second closing
-    // line is met in the epilogue.
+    // Kept: directly after the preamble nothing is closed and the delimiter stays, so that the
+    // epilogue may meet it again. keeps_delimiter_of_a_multipart_closed_without_parts
+    // keeps_repeated_separator_after_an_empty_multipart_opening_its_sibling
     if (!state.m_open.innermost().m_multipart) {
         close_part(state.m_open);
         state.m_delimiters.pop_back();
@@ -53,8 +55,10 @@ void close_multipart(classic_state& state, const input_line& line) {
     state.begin_epilogue();
 }
 
-/// Kept: a closing line met in an epilogue is an epilogue line of the enclosing entity, in no body
-/// and no contents.
+/// Kept: a closing line in an epilogue closes one entity, and is an epilogue line of the enclosing
+/// one, in no body and no contents.
+/// keeps_closing_line_in_an_epilogue_as_an_epilogue_line_of_the_enclosing_entity
+/// keeps_one_pop_for_a_closing_line_in_an_epilogue
 void close_multipart_in_epilogue(classic_state& state, const input_line& line) {
     assert(!state.m_delimiters.empty()); // the line has matched the innermost one
     state.m_open.close();
@@ -65,6 +69,8 @@ void close_multipart_in_epilogue(classic_state& state, const input_line& line) {
 } // namespace
 
 void on_body_line(classic_state& state, const input_line& line) {
+    // Kept: an empty type gets its default here, from a delimiter line too, and not when the header
+    // block ends. keeps_types_empty_until_a_body_line_comes keeps_defaults_from_boundary_lines
     default_type(state.m_open.innermost());
     switch (match_innermost(line.m_text, state.m_delimiters)) {
     case boundary_match::none:

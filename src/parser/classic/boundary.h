@@ -18,13 +18,14 @@ enum class boundary_match : std::uint8_t { none, separator, closing };
 /// innermost last.
 using delimiter_stack = std::vector<std::string>;
 
-/// Byte for byte: neither trailing blanks nor another case are let pass, and anything but "--"
-/// after the delimiter makes it another line. Reads no more than the delimiter's length.
+/// Kept: byte for byte. A trailing blank, another case, or anything but "--" after the delimiter
+/// makes the line no delimiter line. keeps_boundary_lines_exact
 boundary_match match_boundary(std::string_view line, std::string_view delimiter) noexcept;
 
 /// Compares with the innermost delimiter.
-// Kept: no other is looked at. A line of an outer multipart within an unclosed inner one is text of
-// the inner one; to close the inner one there would move the ranges of every truncated multipart.
+// Kept: no other is looked at. A delimiter line of an outer multipart within an unclosed inner one
+// is text of the inner one. To close the inner one there would move stored ranges.
+// keeps_innermost_boundary_alone_in_force
 boundary_match match_innermost(std::string_view line, const delimiter_stack& delimiters) noexcept;
 
 } // namespace mail_structure_detail::classic

@@ -9,12 +9,14 @@
 namespace mail_structure_detail::classic {
 
 void classic_grammar::take_line(const input_line& line) {
-    // Kept: the last byte of a line that no CR ends is not examined: a NUL directly before an LF
-    // passes.
+    // Kept: the byte directly before the LF is not examined, so a NUL there passes.
+    // keeps_nul_before_the_line_feed_unseen
     if (line.m_stray_byte) throw std::runtime_error("error in io input data");
-    // Kept: the empty line after a separator is dropped from every range, and so is an empty line
-    // after the first header line of an encapsulated message. The phase stays, so a part that
-    // begins with an empty line has its next line looked at as a header line.
+    // Kept: an empty line after a separator is dropped from every range, and so is one after the
+    // first header line of an encapsulated message. The phase stays, so a part that begins with an
+    // empty line has its next line looked at as a header line.
+    // keeps_empty_line_after_a_separator_dropped keeps_empty_line_after_its_first_line_dropped
+    // keeps_empty_line_dropped_in_its_body keeps_empty_line_dropped_in_an_epilogue
     const bool just_opened = std::exchange(m_state.m_just_opened, false);
     if (!just_opened || !line.m_text.empty()) route(line);
 }
@@ -24,6 +26,9 @@ void classic_grammar::take_line(const input_line& line) {
 /// first line of that message's header block.
 void classic_grammar::route(const input_line& line) {
     for (;;) { // at most four turns: end a block, open a message, end its block, be a body line
+        // Kept: any line does this, be it a separator, an empty line or a line of an epilogue.
+        // keeps_separator_opening_it_first keeps_empty_first_line_as_its_header_block
+        // keeps_message_opened_again_in_an_epilogue
         if (m_state.m_phase != phase::header && m_state.m_open.innermost().m_message)
             m_state.open_entity();
         switch (m_state.m_phase) {

@@ -8,8 +8,9 @@ namespace {
 
 constexpr std::uint32_t whole_name = 0xFFFFFFFF; // is the whole first argument a prefix?
 
-// Kept: any prefix of "boundary" registers one, and each of several does. Only the last one
-// registered is matched until a closing line removes it.
+// Kept: any prefix of "boundary" registers a delimiter, and each of several does. Only the last one
+// is compared until a closing line removes it. keeps_beginnings_of_boundary_as_boundary
+// keeps_every_boundary_registered
 bool is_boundary_name(std::string_view name) {
     return strncasecmp(std::string(name), "boundary", whole_name);
 }
@@ -31,13 +32,14 @@ void store_parameter(classic_state& state, const parameter& found) {
 
 // Kept: "Content:", "C:" and the scratch record's empty name are Content-Type fields. This is the
 // contract, and hosts have stored trees computed so.
+// keeps_beginnings_of_content_type_as_content_type keeps_beginning_of_both_names_as_content_type
 bool is_content_type_name(const std::string& name) {
     return strncasecmp(name, "content-type", whole_name);
 }
 
-// Kept: the literal is spelled so, and a field spelled Content-Transfer-Encoding is not recognised
-// by it, while its prefix Content-Transfer is. Hosts read the encoding from the header fields;
-// m_encoding stays what it was.
+// Kept: the literal is spelled so. A field named Content-Transfer-Encoding is not recognised by it,
+// while its prefix Content-Transfer is. The value is taken whole.
+// keeps_spelling_of_the_transfer_encoding_field keeps_whole_value_of_the_encoding
 bool is_encoding_name(const std::string& name) {
     return strncasecmp(name, "content-transfer-enconding", whole_name);
 }
@@ -47,12 +49,17 @@ void analyse_content_type(classic_state& state, std::string_view line, std::size
     const std::string& value = state.m_field.m_record->m_value;
     const std::size_t slash = value.find('/');
     // Kept: blanks around the slash stay, and without a slash the subtype stays what it was.
+    // keeps_blanks_around_the_slash keeps_subtype_where_the_value_has_no_slash
     entity.m_type.assign(value, 0, slash);
     if (slash != std::string::npos) entity.m_subtype.assign(value, slash + 1);
 
-    // Kept: any prefix of "message/rfc822" marks a message, the empty value included.
+    // Kept: any prefix of "message/rfc822" marks a message, the empty value included. The mark
+    // stays whatever a later field says. keeps_beginnings_of_message_rfc822_as_messages
+    // keeps_empty_value_as_a_message keeps_message_flag_once_set
     const bool is_message = strncasecmp(value, "message/rfc822", whole_name);
-    if (is_message) entity.m_message = true; // and stays so whatever a later field says
+    if (is_message) entity.m_message = true;
+    // Kept: unlike the other words, this one is compared with its slash and not as a prefix.
+    // keeps_multipart_without_a_slash_as_no_multipart
     constexpr std::uint32_t multipart_length = 10;
     state.m_field.m_is_multipart =
         !is_message && strncasecmp(value, "multipart/", multipart_length);
@@ -61,12 +68,16 @@ void analyse_content_type(classic_state& state, std::string_view line, std::size
 }
 
 void read_parameters(classic_state& state, std::string_view line, std::size_t before) {
+    // Kept: a first segment that is empty or no parameter ends the line, so a folded line that
+    // begins with a semicolon holds none. keeps_continuation_led_by_a_semicolon_empty
+    // keeps_first_parameter_of_a_later_line_without_a_semicolon
     parameter_segments segments(line, before);
     std::string_view segment;
     parameter found;
     while (segments.next(segment) && read_parameter(segment, found)) {
-        // Kept: one that finds no room is left out and the next is tried; its boundary does not
-        // register, so a multipart beyond the limit is one body.
+        // Kept: a parameter that finds no room is left out, also where text is kept, and the next
+        // one is tried. Its boundary does not register, so a multipart beyond the limit is one
+        // body. keeps_limit_0_without_any_field_or_part keeps_parameters_bounded_where_text_is_kept
         if (state.m_tree.m_memory.has_room()) store_parameter(state, found);
     }
 }

@@ -9,8 +9,8 @@
 namespace mail_structure_detail::classic {
 
 /// Asks the locale that is the global one when this is made what white space is.
-// Kept: it is the host's choice what is trimmed; all other scans of header lines ask the classic
-// locale.
+// Kept: the global locale decides what is trimmed; all other scans of header lines ask the classic
+// locale. keeps_trim_of_values_to_the_global_locale
 class field_trim {
 public:
     /// The value without white space at both ends. Linear in what is removed.

@@ -15,6 +15,9 @@ constexpr std::uint32_t not_yet_set = 0xFFFFFFFF;
 /// Common to every line that begins or continues a field.
 void record_line(classic_state& state, const input_line& line) {
     MailStructure::header& record = *state.m_field.m_record;
+    // Kept: a field that begins at offset 0xFFFFFFFF counts as not placed until its next line.
+    // keeps_field_positions_as_begin_and_end
+    // keeps_field_that_begins_at_the_last_offset_unset_until_its_fold
     if (record.m_beg == not_yet_set) record.m_beg = line.m_start;
     record.m_end = line.m_end;
     state.m_open.add_header_line(line.m_start, line.m_end);
@@ -27,6 +30,8 @@ MailStructure::header& begin_record(classic_state& state, const input_line& line
     state.m_field = {};
     MailStructure::header* record = state.m_tree.add_field(line.m_end - line.m_start);
     if (record == nullptr) {
+        // Kept: a field without a record has an empty name, and so is analysed as a Content-Type
+        // field. keeps_fields_left_out_analysed_as_content_type
         state.m_scratch = {};
         record = &state.m_scratch;
     } else {
@@ -40,8 +45,8 @@ MailStructure::header& begin_record(classic_state& state, const input_line& line
 /// an LF line, whose value is then empty, or at the end of a CR LF line, behind which no value can
 /// begin.
 std::string_view text_after_colon(std::string_view text, std::size_t colon) {
-    // Kept: a line of letters and hyphens before CR LF is an error. This is the contract, and hosts
-    // rely on the exception.
+    // Kept: a line of letters and hyphens that a CR ends is an error. This is the contract.
+    // keeps_length_error_for_letters_before_cr_lf
     if (colon == text.size()) throw std::length_error("a field name without a colon");
     return text.substr(colon + 1);
 }
@@ -68,7 +73,10 @@ void on_field_line(classic_state& state, const input_line& line, std::size_t col
 
 /// @param blank  position of the blank before the line's text
 void on_continuation_line(classic_state& state, const input_line& line, std::size_t blank) {
-    // Kept: a folded value keeps its trailing blanks, and is not held against the memory limit.
+    // Kept: a folded value keeps its trailing blanks, and does not count for the memory limit.
+    // Folded lines are no part of a type or of an encoding. keeps_trailing_blanks_of_folds
+    // keeps_continuation_lines_uncounted keeps_folds_out_of_its_value
+    // keeps_folds_out_of_the_encoding
     if (state.m_field.m_is_content_type)
         read_parameters(state, line.m_text, blank);
     else

@@ -12,7 +12,8 @@ void skip_blanks(std::string_view& text) noexcept {
     text.remove_prefix(count);
 }
 
-/// The rule for parameter names: letters, '-' and '_'.
+/// Kept: a name is letters, '-' and '_'; a digit in it ends the parameters of the line.
+/// keeps_digit_in_a_name_ending_the_line
 std::string_view take_name(std::string_view& text) noexcept {
     std::size_t length = 0;
     while (length < text.size()
@@ -49,8 +50,8 @@ bool read_parameter(std::string_view segment, parameter& found) noexcept {
     segment.remove_prefix(1);
     skip_blanks(segment);
     // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank
-    // give x" and a blank. A boundary is matched with the blank. Hosts have stored ranges computed
-    // so.
+    // give x" and a blank. A boundary is compared with the blank. Hosts have stored ranges computed
+    // so. keeps_trailing_blanks_of_a_value keeps_closing_quote_before_a_blank
     found.m_value = without_quotes(segment);
     return !found.m_name.empty() && !found.m_value.empty();
 }

@@ -22,6 +22,7 @@ public:
 
     /// The next segment, up to the next ';' or the end of the text. False when there is none.
     // Kept: quotes are not looked at, so "a;b" in quotes is cut at its ';'.
+    // keeps_semicolon_inside_quotes_as_an_end
     bool next(std::string_view& segment) noexcept;
 
 private:

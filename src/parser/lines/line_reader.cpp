@@ -18,7 +18,9 @@ constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
 /// is a stray byte too.
 bool holds_stray_byte(std::string_view line) noexcept {
     if (line.empty()) return false;
-    line.remove_suffix(1); // the last byte is free
+    // Kept: the last byte is not examined, be it an LF.
+    // keeps_a_line_feed_before_the_end_of_the_line_unseen
+    line.remove_suffix(1);
     for (const char stray : {'\r', '\n', '\0'})
         if (line.find(stray) != std::string_view::npos) return true;
     return false;
@@ -37,6 +39,8 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset, field_nam
     : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_names(names),
       m_position(first_offset) {
 #ifndef MAILSTRUCTURE_PLAIN
+    // Kept: lines end with what the locale of the stream widens LF to.
+    // keeps_line_end_to_the_locale_of_the_stream
     m_in_place = m_in.widen('\n') == '\n';
     if (m_in_place && m_state.good() && read_ahead::suits(*m_state.rdbuf()))
         m_ahead.emplace(*m_state.rdbuf());
@@ -158,6 +162,8 @@ bool line_reader::is_at_end() {
 #endif
     } catch (...) {
         set_badbit();
+        // Kept: without a mask a read error ends the input as its end does.
+        // keeps_read_error_as_an_end_of_the_input
         if ((m_in.exceptions() & std::ios_base::badbit) != 0) throw;
     }
     m_in.setstate(state);

@@ -25,6 +25,8 @@ open_entities::open_entities(MimeObj& root, unset_by unset_body) try
     root.clear(); // no destructor will cut off its descendants
 }
 
+// Kept: after an exception the tree is as far as it was built.
+// keeps_the_tree_as_far_as_it_was_built
 open_entities::~open_entities() { settle_from(0); }
 
 void open_entities::open() {
@@ -36,7 +38,9 @@ void open_entities::open() {
 }
 
 void open_entities::close() {
-    if (m_entities.size() == 1) return; // the root
+    // Kept: the root is never closed. keeps_root_open_where_a_pop_would_close_it
+    // keeps_root_message_open_where_the_second_pop_would_close_it
+    if (m_entities.size() == 1) return;
     settle_from(m_entities.size() - 1);
     innermost().finalize();
     m_entities.pop_back();
@@ -72,8 +76,9 @@ void open_entities::add_body_lines(const line_run& lines) {
 }
 
 void open_entities::add_epilogue_lines(const line_run& lines) {
-    // Kept: an epilogue line extends the epilogue of every ancestor and no other range. Hosts have
-    // stored ranges computed so.
+    // Kept: an epilogue line extends the epilogue of every ancestor, over later parts too, and no
+    // other range. Hosts have stored ranges computed so.
+    // keeps_epilogue_range_of_the_root_across_later_parts
     m_epilogue.give_lines(m_entities, m_entities.size(), lines);
     m_epilogue_tally.add(lines);
 }
@@ -143,8 +148,8 @@ void open_entities::settle_from(std::size_t count) noexcept {
         MimeObj& entity = *m_entities[index];
         const account& settled = m_accounts[index];
         const std::uint64_t body_lines = m_body_tally.m_lines - settled.m_body_lines_before;
-        entity.m_lines +=
-            static_cast<std::uint32_t>(body_lines); // a count past 2^32 wraps, as offsets do
+        // Kept: the count wraps past 2^32, as offsets do. keeps_count_of_lines_that_wraps
+        entity.m_lines += static_cast<std::uint32_t>(body_lines);
         if (body_lines != 0) entity.m_body_last_empty = m_body_tally.m_last_empty;
         if (m_epilogue_tally.m_lines != settled.m_epilogue_lines_before)
             entity.m_epilogue_last_empty = m_epilogue_tally.m_last_empty;
