@@ -65,7 +65,7 @@ TEST(message_reader, moves_the_ranges_of_an_mbox_file_and_of_no_other) {
     }
 }
 
-TEST(message_reader, keeps_text_where_it_is_told_to) {
+TEST(message_reader, holds_the_text_if_it_is_told_to) {
     const rewritten_file file;
     for (const bool keep_text : {false, true}) {
         message_reader reader(keep_text);
