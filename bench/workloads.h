@@ -38,8 +38,8 @@ private:
 
 /// One message of 64 MiB each:
 /// - base64_crlf: a text and four attachments
-/// - dashed_lf: a text of signatures, differences of files and keys, in which one line of six begins
-///   with "--", beside an attachment
+/// - dashed_lf: a text of signatures, differences of files and keys, in which one line of six
+///   begins with "--", beside an attachment
 /// - text_lf: one part, lines of 0 to 100 bytes
 extern workload_source large_workloads[3];
 

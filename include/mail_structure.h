@@ -245,7 +245,8 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// tree; their bytes stay in the ranges. 0xFFFFFFFF, the default, sets no practical limit.
     ///
     /// This is no strict bound on memory: folded lines are not counted, fields are not limited
-    /// while m_keep_text is set, and the estimate is 32-bit and wraps. Fill reads the limit once,
+    /// while m_keep_text is set, and the estimate is 32-bit and wraps; doc/behaviour.md lists what
+    /// the limit leaves out. Fill reads the limit once,
     /// at its start. All parser objects share it without a lock: set it before any Fill runs.
     static std::uint32_t m_memlimit;
 
@@ -269,7 +270,8 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// @throws std::bad_alloc      memory has run out. Where the stream's buffer has no get area,
     ///                             or its locale widens LF to another byte, std::getline reads the
     ///                             lines; memory that runs out in there is a read error instead
-    /// @throws std::bad_cast       the stream's locale has no std::ctype<char>
+    /// @throws std::bad_cast       the stream's locale has no std::ctype<char>, or the global
+    ///                             locale has none when the first field comes
     ///
     /// The stream itself throws what the host has set in its exception mask. Without a mask, a read
     /// error ends the input as the end of the data does; ask in.bad() afterwards. After an

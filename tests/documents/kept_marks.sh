@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Every behaviour that doc/behaviour.md names is marked where the code decides it: by a comment that
-# begins with "Kept:" and names its tests. A mark that names no test, or one that there is not, fails.
+# begins with "Kept:" and names its tests. A mark without a test fails, and so does one whose test
+# does not exist.
 
 set -euo pipefail
 

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Runs the examples of the manual page and compares what they print with what stands there: manual_examples.sh [--update] TOOL
-# An example is a display (.Bd to .Ed) in EXAMPLES: lines that begin with "$ " are commands, the others what these print.
-# It runs beside the file message.eml and the folder inbox, which holds a message that cannot be read.
+# Runs the examples of the manual page and compares what they print with what the page shows:
+# manual_examples.sh [--update] TOOL
+# An example is a display (.Bd to .Ed) in EXAMPLES. Lines that begin with "$ " are commands; the
+# other lines are what these print. The examples run in a folder with the file message.eml and the
+# folder inbox, which holds a message that cannot be read.
 set -u
 here=$(cd "$(dirname "$0")/.." && pwd)
 page=$here/../man/mailstructure.1
@@ -22,7 +24,9 @@ cp "$here"/data/messages/{plain,stray-cr}.eml "$work/folder/inbox"
 
 # From the text of the page to what it shows, and back.
 unescape() { sed -e 's/\\-/-/g' -e 's/\\(ga/`/g' -e "s/\\\\(aq/'/g" -e 's/^\\&//' -e 's/\\e/\\/g'; }
-escape() { sed -e 's/\\/\\e/g' -e 's/-/\\-/g' -e 's/`/\\(ga/g' -e "s/'/\\\\(aq/g" -e 's/^\./\\\&./'; }
+escape() {
+    sed -e 's/\\/\\e/g' -e 's/-/\\-/g' -e 's/`/\\(ga/g' -e "s/'/\\\\(aq/g" -e 's/^\./\\\&./'
+}
 
 # print_of COMMAND: what a user sees of it.
 print_of() (

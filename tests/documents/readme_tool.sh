@@ -7,7 +7,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # From the first call to the end of the block that it stands in.
-awk '/^\$ mailstructure / { inside = 1 } /^```$/ && inside { exit } inside' "$source/README.md" > "$work/shown"
+awk '/^\$ mailstructure / { inside = 1 } /^```$/ && inside { exit } inside' \
+    "$source/README.md" > "$work/shown"
 sed -n 's/^\$ mailstructure//p' "$work/shown" > "$work/calls"
 test -s "$work/calls"
 

@@ -24,8 +24,8 @@ extern const char tree_text_key[];
 std::string tree_text(const MailStructure::MimeObj& root);
 
 /// The same with everything else that the tree holds. An entity's line also tells which of its
-/// "last line was empty" flags are set. The lines after it show its fields, each with its begin, its
-/// end and its parameters, and its kept texts:
+/// "last line was empty" flags are set. The lines after it show its fields, each with its begin,
+/// its end and its parameters, and its kept texts:
 ///
 ///     1 text/plain h=0+22 m=0+24 b=22+2 c=22+2 n=1 body-last-empty
 ///       0-20 "Content-Type" "text/plain" (charset "x")

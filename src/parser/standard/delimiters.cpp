@@ -56,7 +56,8 @@ delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
     return delimiter_match{closed, delimiter_kind::closing};
 }
 
-/// Whether the innermost multipart has the line, which ends with the boundary or with "--" behind it.
+/// Whether the line belongs to the innermost multipart. The line ends with the boundary, or with
+/// "--" behind it.
 std::optional<delimiter_match>
 delimiters_in_force::match_innermost(std::string_view boundary) const noexcept {
     const std::string_view innermost = m_delimiters.back().m_boundary;

@@ -34,8 +34,8 @@ std::string_view trimmed(std::string_view text) noexcept {
 }
 
 bool has_letters_of(std::string_view text, std::string_view word) noexcept {
-    // Such letters, digits and hyphens have the bit that tells lower case from upper case, or differ
-    // in it from no byte that the text may hold.
+    // The letters of the word have the bit that tells lower case from upper case. A digit or hyphen
+    // with that bit changed is a byte that the text does not hold.
     constexpr int lower_case = 0x20;
     for (std::size_t at = 0; at < word.size(); ++at)
         if ((text[at] | lower_case) != word[at]) return false;

@@ -17,7 +17,8 @@
 namespace mail_structure_detail {
 
 /// An estimate of what the header fields take, held against the host's limit.
-// Kept: the estimate is 32-bit and wraps, and so does its sum with a line. keeps_estimate_that_wraps
+// Kept: the estimate is 32-bit and wraps, and so does its sum with a line.
+// keeps_estimate_that_wraps
 struct header_memory {
     std::uint32_t m_estimate = 0; // of the whole message: it is never reset
     std::uint32_t m_limit;        // MailStructure::m_memlimit
