@@ -1,7 +1,5 @@
 #include "standard_grammar.h"
 
-#include "header_block.h"
-
 #include <string_view>
 
 namespace mail_structure_detail::standard {
@@ -15,12 +13,6 @@ line_run as_run(const input_line& line) noexcept {
     return one_line(line.m_start, line.m_end, line.m_text.empty());
 }
 
-/// The line with its end taken off as these rules have it: all CRs before the LF.
-input_line without_crs(input_line line) noexcept {
-    while (line.m_text.ends_with('\r')) line.m_text.remove_suffix(1);
-    return line;
-}
-
 void add_body_lines(standard_state& state, const line_run& lines) {
     state.m_open.add_contents_lines(lines);
     state.m_open.add_body_lines(lines);
@@ -29,16 +21,6 @@ void add_body_lines(standard_state& state, const line_run& lines) {
 void add_epilogue_lines(standard_state& state, const line_run& lines) {
     state.m_open.add_contents_lines_to_ancestors(lines);
     state.m_open.add_own_epilogue_lines(lines);
-}
-
-void on_body_line(standard_state& state, const input_line& line) {
-    add_body_lines(state, as_run(line));
-    state.m_tree.keep_line(body_text, line.m_text);
-}
-
-void on_epilogue_line(standard_state& state, const input_line& line) {
-    add_epilogue_lines(state, as_run(line));
-    state.m_tree.keep_line(epilogue_text, line.m_text);
 }
 
 } // namespace
@@ -50,26 +32,14 @@ standard_grammar::standard_grammar(growing_tree& tree) : m_state(tree) {
     root.m_encoding = "7bit";
 }
 
-void standard_grammar::take_line(const input_line& line) {
-    if (line.m_text.ends_with('\r'))
-        route(without_crs(line));
-    else
-        route(line);
+void standard_grammar::on_body_line(const input_line& line) {
+    add_body_lines(m_state, as_run(line));
+    m_state.m_tree.keep_line(body_text, line.m_text);
 }
 
-/// Takes the line where it belongs: every line may be a delimiter line, whatever is open.
-void standard_grammar::route(const input_line& line) {
-    if (!m_state.m_delimiters.empty()) {
-        if (const auto match = m_state.m_delimiters.match(line.m_text)) {
-            on_delimiter_line(line, *match);
-            return;
-        }
-    }
-    switch (m_state.m_phase) {
-    case phase::header: on_header_line(m_state, line); break;
-    case phase::body: on_body_line(m_state, line); break;
-    case phase::epilogue: on_epilogue_line(m_state, line); break;
-    }
+void standard_grammar::on_epilogue_line(const input_line& line) {
+    add_epilogue_lines(m_state, as_run(line));
+    m_state.m_tree.keep_line(epilogue_text, line.m_text);
 }
 
 /// A delimiter line ends all that is open within its multipart. A separator then opens a part; a
@@ -85,7 +55,7 @@ void standard_grammar::on_delimiter_line(const input_line& line, const delimiter
     } else {
         m_state.m_phase = phase::epilogue;
         m_state.m_delimiters.pop_from(match.m_index);
-        on_body_line(m_state, line);
+        on_body_line(line);
     }
 }
 
@@ -93,17 +63,6 @@ void standard_grammar::on_delimiter_line(const input_line& line, const delimiter
 /// which begins and ends with it.
 void standard_grammar::end_header_blocks() {
     while (m_state.m_phase == phase::header) end_header_block(m_state);
-}
-
-std::optional<run_limits> standard_grammar::may_take_run() const noexcept {
-    if (m_state.m_phase == phase::header) return std::nullopt;
-    const bool freely = m_state.m_phase == phase::body
-                            ? m_state.m_open.takes_body_lines_freely()
-                            : m_state.m_open.takes_own_epilogue_lines_freely();
-    if (!freely) return std::nullopt;
-    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
-                                                   : dashed_lines::end_the_run,
-                      stray_bytes::are_text};
 }
 
 void standard_grammar::take_run(const line_run& lines) {

@@ -11,6 +11,7 @@
 
 #include "../lines/line_reader.h"
 #include "../tree/growing_tree.h"
+#include "header_block.h"
 #include "standard_state.h"
 
 #include <optional>
@@ -40,11 +41,54 @@ public:
 
 private:
     void route(const input_line& line);
+    void on_body_line(const input_line& line);
+    void on_epilogue_line(const input_line& line);
     void end_header_blocks();
     void on_delimiter_line(const input_line& line, const delimiter_match& match);
 
     standard_state m_state;
 };
+
+// What follows is called for every line or run, and compiled into the loop over lines.
+
+/// The line with its end taken off as these rules have it: all CRs before the LF.
+inline input_line without_crs(input_line line) noexcept {
+    while (line.m_text.ends_with('\r')) line.m_text.remove_suffix(1);
+    return line;
+}
+
+inline void standard_grammar::take_line(const input_line& line) {
+    if (line.m_text.ends_with('\r'))
+        route(without_crs(line));
+    else
+        route(line);
+}
+
+/// Takes the line where it belongs: every line may be a delimiter line, whatever is open.
+inline void standard_grammar::route(const input_line& line) {
+    if (!m_state.m_delimiters.empty()) {
+        if (const auto match = m_state.m_delimiters.match(line.m_text)) {
+            on_delimiter_line(line, *match);
+            return;
+        }
+    }
+    switch (m_state.m_phase) {
+    case phase::header: on_header_line(m_state, line); break;
+    case phase::body: on_body_line(line); break;
+    case phase::epilogue: on_epilogue_line(line); break;
+    }
+}
+
+inline std::optional<run_limits> standard_grammar::may_take_run() const noexcept {
+    if (m_state.m_phase == phase::header) return std::nullopt;
+    const bool freely = m_state.m_phase == phase::body
+                            ? m_state.m_open.takes_body_lines_freely()
+                            : m_state.m_open.takes_own_epilogue_lines_freely();
+    if (!freely) return std::nullopt;
+    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
+                                                   : dashed_lines::end_the_run,
+                      stray_bytes::are_text};
+}
 
 } // namespace mail_structure_detail::standard
 

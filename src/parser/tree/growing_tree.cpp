@@ -4,15 +4,6 @@
 
 namespace mail_structure_detail {
 
-MailStructure::header* growing_tree::add_field(std::uint32_t line_bytes) {
-    // Kept: with kept text the limit is not asked for, so every field has its record.
-    // keeps_all_fields_where_text_is_kept
-    const bool has_room = m_keep_text || m_memory.has_room_for(line_bytes);
-    // Kept: a field without a record counts too. keeps_count_of_fields_left_out
-    m_memory.add(line_bytes);
-    return has_room ? &m_open.add_field() : nullptr;
-}
-
 void growing_tree::keep_line(const kept_text& kept, std::string_view text) {
     if (m_keep_text) m_open.keep_text(kept, m_room.assign(text).append("\r\n"));
 }
