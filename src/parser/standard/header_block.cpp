@@ -137,9 +137,9 @@ bool is_digest(const MimeObj* entity) noexcept {
 /// it has a place in the input: the host decodes it and fills another tree.
 bool holds_message(const MimeObj& entity) noexcept {
     if (!is_word(entity.m_type, "message")) return false;
-    const auto is_among = [](std::string_view word, const auto& words) {
-        for (const std::string_view known : words)
-            if (is_word(word, known)) return true;
+    const auto is_among = [](std::string_view text, const auto& words) {
+        for (const std::string_view word : words)
+            if (is_word(text, word)) return true;
         return false;
     };
     constexpr std::string_view messages[] = {"rfc822", "rfc2822", "global", "news"};

@@ -56,7 +56,11 @@ public:
     open_entities& operator=(const open_entities&) = delete;
 
     /// The innermost open entity.
-    MailStructure::MimeObj& innermost() const noexcept {
+    MailStructure::MimeObj& innermost() noexcept {
+        assert(!m_entities.empty());
+        return *m_entities.back();
+    }
+    const MailStructure::MimeObj& innermost() const noexcept {
         assert(!m_entities.empty());
         return *m_entities.back();
     }
