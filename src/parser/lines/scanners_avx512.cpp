@@ -42,8 +42,10 @@ struct avx512 {
         const __m512i bytes = _mm512_loadu_si512(p);
         if constexpr (Names == field_names::printable) {
             const __m512i from_first = _mm512_sub_epi8(bytes, _mm512_set1_epi8('!'));
-            return std::uint64_t{_mm512_cmplt_epu8_mask(from_first, _mm512_set1_epi8('\x7F' - '!'))}
-                   & std::uint64_t{_mm512_cmpneq_epi8_mask(bytes, _mm512_set1_epi8(':'))};
+            const std::uint64_t printable =
+                _mm512_cmplt_epu8_mask(from_first, _mm512_set1_epi8('\x7F' - '!'));
+            const std::uint64_t colons = _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(':'));
+            return printable & ~colons;
         }
         const __m512i lower = _mm512_or_si512(bytes, _mm512_set1_epi8(0x20));
         const __m512i from_a = _mm512_sub_epi8(lower, _mm512_set1_epi8('a'));

@@ -43,7 +43,7 @@ std::optional<delimiter_match>
 delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
     while (is_blank(line_text.back()) || line_text.back() == '\r') line_text.remove_suffix(1);
     std::string_view boundary = line_text.substr(2);
-    if (const auto match = match_innermost(boundary)) return match; // nearly always
+    if (const auto found = match_innermost(boundary)) return found; // nearly always
     const std::size_t separated = find(boundary);
     std::size_t closed = none;
     if (boundary.ends_with("--")) {
