@@ -42,9 +42,10 @@
 /// A range begins with the first line that extends it and ends with the last one. Lines between
 /// them lie in the range, even those that do not extend it themselves: here the separator and the
 /// child's header block extend only the contents of the root, but lie in its mime and body ranges.
+/// The ranges that each line extends:
 ///
 /// @verbatim
-///     line of the message                             extends of the root    of the child
+///     line of the message                             of the root            of the child
 ///     Content-Type: multipart/mixed; boundary=XY      header mime
 ///                                                     header mime
 ///     preamble                                        mime body contents
@@ -66,21 +67,23 @@
 struct MAIL_STRUCTURE_API MailStructure {
     struct MimeObj;
 
-    /// Which rules take a message apart. classic is the rules that the library began with: hosts
-    /// have stored ranges computed by them, so they never change. standard reads mail as today's
-    /// mail readers do. What a range takes in differs between the two in places; see
-    /// doc/behaviour.md and doc/standard.md.
+    /// Which rules take a message apart. The classic rules are the library's first ones: they never
+    /// change, since hosts have stored ranges that were computed by them. The standard rules read
+    /// mail as today's mail readers do. In some places a range covers other lines under one set of
+    /// rules than under the other; see doc/behaviour.md and doc/standard.md.
     enum class rules : std::uint8_t { classic, standard };
 
     /// One header field (RFC 5322 section 2.2).
     ///
     /// Unlike the ranges of entities, the place of a field is a begin and an end.
     struct header {
-        /// The field name as it is written before the colon, in the letter case it has there.
+        /// The field name before the colon, in the letter case of the message.
         std::string m_name;
-        /// The field body. The text after the colon is trimmed at both ends; then each folded line
-        /// is appended, from the one blank before its text to the end of the line. A Content-Type
-        /// field has here only what stands before its first ';'.
+        /// The field body, of a Content-Type field only what stands before its first ';'. Classic
+        /// rules: the text after the colon, trimmed at both ends, and then of each folded line the
+        /// last blank before its text and all that follows; folded lines of a Content-Type field
+        /// are not part of it. Standard rules: all lines joined, trimmed at both ends; a ';' in a
+        /// comment does not count.
         std::string m_value;
         /// Offset of the first byte of the field's first line; 0xFFFFFFFF in a field without lines.
         std::uint32_t m_beg = 0xFFFFFFFF;
@@ -119,11 +122,12 @@ struct MAIL_STRUCTURE_API MailStructure {
         std::uint32_t m_mime_beg = 0;
         std::uint32_t m_mime_len = 0; ///< Bytes of the whole entity.
         /// The body. That of a multipart begins with the preamble and ends with the closing line.
-        /// A body that begins at offset 0 loses its first line from this range when a second line
-        /// comes.
+        /// Under the classic rules, a body that begins at offset 0 loses its first line from this
+        /// range when a second line comes.
         std::uint32_t m_body_beg = 0;
         std::uint32_t m_body_len = 0; ///< Bytes of the body.
-        /// The lines after the closing line of a multipart, and those of its descendants.
+        /// The lines after the closing line of a multipart; under the classic rules, from the first
+        /// to the last such line of the multipart and its descendants.
         std::uint32_t m_epilogue_beg = 0;
         std::uint32_t m_epilogue_len = 0; ///< Bytes of the epilogue.
         /// The lines after the header block that belong to this entity or to its descendants,
@@ -140,8 +144,8 @@ struct MAIL_STRUCTURE_API MailStructure {
         /// Media type, in the letter case of the message.
         std::string m_type = "text";
         std::string m_subtype = "plain"; ///< Media subtype, in the letter case of the message.
-        /// Content transfer encoding. The usual Content-Transfer-Encoding field does not set it;
-        /// look for that field with find_header.
+        /// Content transfer encoding. Under the classic rules the usual Content-Transfer-Encoding
+        /// field does not set it; look for that field with find_header.
         std::string m_encoding = "7bit";
         /// Number of body lines of this entity and of all its descendants.
         std::uint32_t m_lines = 0;
@@ -196,9 +200,9 @@ struct MAIL_STRUCTURE_API MailStructure {
         void add_header(std::uint32_t start, std::uint32_t end);
         /// Extends the contents range by one line.
         void add_contents_line(std::uint32_t start, std::uint32_t end);
-        /// Adds one line to the body, or to the epilogue, of this entity and of all its ancestors
-        /// as m_parent gives them. A body line extends the body and whole-entity ranges and counts
-        /// in m_lines; an epilogue line extends the epilogue range only.
+        /// Adds one line to the body, or to the epilogue, of this entity and of all its ancestors,
+        /// which are found by m_parent. A body line extends the body and whole-entity ranges and
+        /// counts in m_lines; an epilogue line extends the epilogue range only.
         /// @param save      whether to append the line and CR LF to the kept text as well
         /// @param line      the line without its terminator; it is not changed
         /// @param start     offset of the line's first byte
@@ -239,15 +243,15 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// The message.
     MimeObj m_root;
 
-    /// A limit, in bytes, to what Fill estimates that header fields and parameters of one message
-    /// take. The estimate adds 64 and the line length for the first line of each field, and 64 and
-    /// the text length for each parameter. Fields and parameters past the limit are left out of the
+    /// A limit, in bytes, on the memory that the header fields and parameters of one message take,
+    /// as Fill estimates it: 64 and the length of the first line for each field, and 64 and the
+    /// text length for each parameter. Fields and parameters past the limit are left out of the
     /// tree; their bytes stay in the ranges. 0xFFFFFFFF, the default, sets no practical limit.
     ///
     /// This is no strict bound on memory: folded lines are not counted, fields are not limited
     /// while m_keep_text is set, and the estimate is 32-bit and wraps; doc/behaviour.md lists what
-    /// the limit leaves out. Fill reads the limit once,
-    /// at its start. All parser objects share it without a lock: set it before any Fill runs.
+    /// the limit leaves out. Fill reads the limit once, at its start. All parser objects share it
+    /// without a lock: set it before any Fill runs.
     static std::uint32_t m_memlimit;
 
     /// Reads one message (RFC 5322, with MIME as of RFC 2045 and RFC 2046) from the stream's
@@ -256,12 +260,12 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// a tree too. Time is linear in the size of the input, whatever the nesting; kept text is
     /// linear in its own size. m_keep_text and m_memlimit are read once, before the first line.
     ///
-    /// The old tree in m_root is gone, and references into it are invalid from the start: its
-    /// records and their storage serve the new message, and by the end the rest is freed. At its
-    /// peak the object may take what both trees take together; call m_root.clear() before Fill
-    /// where that matters. m_root itself keeps its storage as clear leaves it; assign
-    /// MailStructure() to free everything. Nobody, a stream's buffer for instance, may look at the
-    /// tree while Fill runs.
+    /// References into the old tree of m_root are invalid as soon as Fill starts. The records of
+    /// that tree and their storage are used again for the new message, and those that it does not
+    /// need are freed. While Fill runs, the object may take as much memory as both trees together;
+    /// call m_root.clear() before Fill where that matters. m_root itself keeps its storage as clear
+    /// leaves it; assign MailStructure() to free everything. No other code, not even that of the
+    /// stream's buffer, may look at the tree while Fill runs.
     ///
     /// @throws std::runtime_error  "error in io input data": a CR, LF or NUL stands inside a line
     /// @throws std::length_error   a header line begins with a letter, consists of letters and
@@ -269,25 +273,26 @@ struct MAIL_STRUCTURE_API MailStructure {
     ///                             end of the input
     /// @throws std::bad_alloc      memory has run out. Where the stream's buffer has no get area,
     ///                             or its locale widens LF to another byte, std::getline reads the
-    ///                             lines; memory that runs out in there is a read error instead
+    ///                             lines, and turns lack of memory into a read error
     /// @throws std::bad_cast       the stream's locale has no std::ctype<char>, or the global
     ///                             locale has none when the first field comes
     ///
     /// The stream itself throws what the host has set in its exception mask. Without a mask, a read
     /// error ends the input as the end of the data does; ask in.bad() afterwards. After an
-    /// exception the tree holds all lines before the one at fault, and of that line what was
-    /// recorded of it; m_done is unchanged, and the object may be filled again. The stream is left
-    /// as std::getline leaves it.
+    /// exception the tree holds all lines before the one at fault, and whatever of that line was
+    /// already recorded; m_done is unchanged, and the object may be filled again. The stream is
+    /// left as std::getline leaves it.
     /// @param in  the message; a buffer that holds all of it, over a mapped file for instance, is
     ///            scanned in place
     void Fill(std::istream& in);
-    /// As Fill(in), which is Fill(in, rules::classic), by the given rules. Under rules::standard
-    /// nothing in the input is an error: only lack of memory and the stream make Fill throw. Where
-    /// the stream throws, the tree is that of the lines read before.
+    /// Does what Fill(in) does, by the given rules; Fill(in) is Fill(in, rules::classic). Under
+    /// rules::standard nothing in the input is an error: only lack of memory and the stream make
+    /// Fill throw. Where the stream throws, the tree is that of the lines read before.
     void Fill(std::istream& in, rules by);
 
     /// Prints the tree for diagnosis: the entities with their ranges and header fields to
-    /// std::cerr, and the kept text of the entities without children, between rulers, to std::cout.
+    /// std::cerr, and the kept text of each entity without children, between two lines of dashes,
+    /// to std::cout.
     /// @param ifs  is not read
     void Dump(std::ifstream& ifs) const;
 
@@ -317,7 +322,7 @@ struct MAIL_STRUCTURE_API MailStructure {
 /// is a std::size_t; with an unsigned count both fit, and the call is ambiguous.
 ///
 /// Allocates nothing and throws nothing; reads at most n characters of each text.
-/// @param s  the text that may be longer than what is compared
+/// @param s  may be longer than n
 /// @param p  must not be null
 /// @param n  how many characters to compare
 MAIL_STRUCTURE_API bool strncasecmp(const std::string& s, const char* p, std::uint32_t n);
