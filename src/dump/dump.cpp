@@ -20,7 +20,7 @@ void print_line(std::ostream& out, std::string line) {
     out.flush();
 }
 
-/// The pair reads as a half-open range, so the end is not wrapped to 32 bits.
+/// The range as its begin and the offset just past its end, which is not wrapped to 32 bits.
 std::string begin_and_end(std::uint32_t beg, std::uint32_t len) {
     return "(" + std::to_string(beg) + "-" + std::to_string(std::uint64_t{beg} + len) + ")";
 }
@@ -45,7 +45,7 @@ void print_text_between_rulers(const std::string& text) {
     print_line(std::cout, ruler);
 }
 
-/// The listing of an entity up to where its children's begin.
+/// Prints the part of an entity's listing that comes before its children's.
 void print_opening(const MimeObj& entity, const std::string& indent, int number) {
     print_line(std::cerr, indent + " MIME OBJECT " + std::to_string(number) + " " + entity.m_type
                               + "/" + entity.m_subtype + " lines=" + std::to_string(entity.m_lines)
@@ -76,7 +76,7 @@ void print_opening(const MimeObj& entity, const std::string& indent, int number)
     }
 }
 
-/// The rest of the listing, after the children's.
+/// Prints the rest of the entity's listing, which comes after its children's.
 void print_closing(const MimeObj& entity, const std::string& indent) {
     if (entity.m_children.empty()) return;
     // Kept: the label is spelled so; the output is part of the contract. keeps_spelling_of_epilogie
@@ -93,7 +93,7 @@ struct listed_entity {
 } // namespace
 
 void MailStructure::MimeObj::Dump(std::ifstream&, std::vector<int>& path) const {
-    if (path.empty()) path.push_back(1); // the caller's slip; any number will do
+    if (path.empty()) path.push_back(1); // the caller owes a number; any will do
     print_opening(*this, indentation(path.size()), path.back());
     std::vector<listed_entity> listed{{this, 0}};
     while (!listed.empty()) {

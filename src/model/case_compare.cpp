@@ -1,4 +1,5 @@
-// The library's one case-insensitive comparison, and the two lookups that hosts make with it.
+// The public comparison that ignores case, which the classic rules use too, and the two public
+// lookups of fields.
 
 #include <mail_structure.h>
 
@@ -7,7 +8,7 @@
 namespace {
 
 /// Case is folded for ASCII letters alone, whatever the locale. A-Z and a-z lie 32 apart, and so do
-/// pairs such as '[' and '{', which must not match; hence the test that the letter is one.
+/// pairs such as '[' and '{', which must not match; hence the test that the lower byte is a letter.
 bool same_letter(char a, char b) noexcept {
     if (a == b) return true;
     const char upper = a < b ? a : b;
@@ -19,9 +20,9 @@ bool same_letter(char a, char b) noexcept {
 
 bool strncasecmp(const std::string& s, const char* p, std::uint32_t n) {
     constexpr std::uint32_t whole_of_s = 0xFFFFFFFF;
-    // Kept: n = 0xFFFFFFFF asks whether s is a prefix of p, and an empty s is one. The parser takes
-    // "Content:" for a Content-Type field by it. keeps_whole_comparison_as_a_test_for_a_prefix
-    // keeps_empty_text_as_a_prefix_of_everything
+    // Kept: n = 0xFFFFFFFF asks whether s is a prefix of p, and an empty s is one. For
+    // this reason the classic rules take "Content:" for a Content-Type field.
+    // keeps_whole_comparison_as_a_test_for_a_prefix keeps_empty_text_as_a_prefix_of_everything
     const std::size_t wanted = n == whole_of_s ? s.size() : n;
     if (wanted > s.size()) return false;
     for (std::size_t at = 0; at < wanted; ++at)

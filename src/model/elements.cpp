@@ -1,4 +1,4 @@
-// Creates the elements of an entity: children and header fields.
+// Adds children and header fields to an entity. Also holds finalize and the interface's version.
 
 #include <mail_structure.h>
 

@@ -2,8 +2,8 @@
 //
 // None of these may recurse on the depth of the tree, for each level costs the author of a message
 // no more than 5 bytes. The compiler's own versions would, so they are written out as loops.
-// Tear-down allocates nothing: it climbs by m_parent, which it first sets, since a copied tree's
-// points elsewhere.
+// Destruction allocates nothing: it climbs by m_parent. On the way down it sets each m_parent,
+// since those in a copied tree point into the original.
 
 #include <mail_structure.h>
 
@@ -17,15 +17,15 @@ using MimeObj = MailStructure::MimeObj;
 
 namespace {
 
-/// Destroys everything below the entity, the last leaf first. Linear, no allocation.
-void destroy_children(MimeObj& top) noexcept {
-    MimeObj* at = &top;
+/// Destroys all descendants of the entity, the last leaf first. Linear, no allocation.
+void destroy_children(MimeObj& ancestor) noexcept {
+    MimeObj* at = &ancestor;
     for (;;) {
         if (!at->m_children.empty()) {
             MimeObj& last = at->m_children.back();
             last.m_parent = at;
             at = &last;
-        } else if (at != &top) {
+        } else if (at != &ancestor) {
             at = at->m_parent;
             at->m_children.pop_back();
         } else {
@@ -34,7 +34,7 @@ void destroy_children(MimeObj& top) noexcept {
     }
 }
 
-/// Calls act(member of to, member of from) for every member but m_children.
+/// Calls act with each member of `to`, m_children excepted, and the same member of `from`.
 template <class From, class Act>
 void for_each_member_pair(MimeObj& to, From& from, Act act) {
     act(to.m_multipart, from.m_multipart);
@@ -71,7 +71,7 @@ void copy_without_children(MimeObj& to, const MimeObj& from) {
 
 struct copy_in_progress {
     const MimeObj* m_from;
-    MimeObj* m_to; // has as many children as have been begun; their storage never moves
+    MimeObj* m_to; // holds the children begun so far; they never move, as room was reserved
 };
 
 } // namespace
@@ -107,7 +107,7 @@ MailStructure::MimeObj& MailStructure::MimeObj::operator=(const MimeObj& other) 
 }
 
 MailStructure::MimeObj& MailStructure::MimeObj::operator=(MimeObj&& other) noexcept {
-    // What other held is taken over first: other may lie in the tree that is destroyed here.
+    // The members of other are moved out first: other may lie in the tree that is destroyed here.
     MimeObj taken(std::move(other));
     for_each_member_pair(*this, taken,
                          [](auto& target, auto& source) { std::swap(target, source); });

@@ -1,5 +1,5 @@
 // How one byte range takes one more line. Lines arrive in rising order, all arithmetic wraps modulo
-// 2^32, and the length always follows the line given last.
+// 2^32, and a range always ends where the line given last ends.
 
 #ifndef MAIL_STRUCTURE_MODEL_LINE_RANGE_H
 #define MAIL_STRUCTURE_MODEL_LINE_RANGE_H
@@ -9,12 +9,12 @@
 namespace mail_structure_detail {
 
 /// For the whole-entity, header-block, epilogue and contents ranges, which are unset while their
-/// length is 0. (0,0) given (40,40) and then (60,70) becomes (60,10): an empty line does not set
-/// it.
+/// length is 0. Given a line from 40 to 40, an unset range stays unset, since that line has no
+/// bytes; given then a line from 60 to 70, it begins at 60 and is 10 bytes long.
 /// @param start  offset of the line's first byte
 /// @param end    offset just past its terminator
 // Kept: a range of length 0 is unset, and a range ends where the line given last ends, wherever
-// that is. keeps_range_of_length_0_unset keeps_end_of_the_line_given_last
+// that line is. keeps_range_of_length_0_unset keeps_end_of_the_line_given_last
 // keeps_unchecked_positions_wrapping
 inline void grow_range(std::uint32_t& beg, std::uint32_t& len, std::uint32_t start,
                        std::uint32_t end) noexcept {

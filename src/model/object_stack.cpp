@@ -1,5 +1,5 @@
-// The stack of open entities as hosts may drive it themselves. Fill keeps its own, see
-// open_entities.h.
+// The public functions with which a host keeps a stack of open entities of its own. Fill does not
+// use them; see open_entities.h.
 
 #include <mail_structure.h>
 

@@ -1,4 +1,4 @@
-// Sets an entity's own members back, for MimeObj::clear and for the parser, which uses old entities
+// Resets an entity's own members, for MimeObj::clear and for the parser, which uses old entities
 // again.
 
 #ifndef MAIL_STRUCTURE_MODEL_RESET_H
@@ -8,8 +8,8 @@
 
 namespace mail_structure_detail {
 
-/// Flags, ranges, counts and texts as in a new entity. Children, fields, type strings and m_parent
-/// stay. Allocates nothing and gives nothing back.
+/// Gives flags, ranges, counts and kept texts the values of a new entity. Children, fields, type
+/// strings and m_parent stay as they are. Allocates nothing and frees nothing.
 inline void reset_own_members(MailStructure::MimeObj& entity) noexcept {
     entity.m_header_beg = entity.m_header_len = 0;
     entity.m_mime_beg = entity.m_mime_len = 0;
@@ -24,8 +24,9 @@ inline void reset_own_members(MailStructure::MimeObj& entity) noexcept {
 }
 
 inline void empty_type_strings(MailStructure::MimeObj& entity) noexcept {
-    // Kept: the three type strings become empty, not "text", "plain" and "7bit", which children
-    // still have. Fill clears the root, so its m_encoding is empty until a field sets it.
+    // Kept: the three type strings become empty, not "text", "plain" and "7bit" as in a new child.
+    // Fill does this to the root, so under the classic rules the root's m_encoding is empty until a
+    // field sets it.
     // keeps_type_strings_empty keeps_defaults_in_the_children_of_a_cleared_entity
     // keeps_root_without_an_encoding
     entity.m_type.clear();

@@ -1,5 +1,5 @@
-// The loop over the lines of a message. It knows no rule: it hands each line to a grammar, a class
-// with four members (see classic_grammar.h), which grows the tree.
+// The loop over the lines of a message. It knows no rule: it hands each line to a grammar, which
+// grows the tree. A grammar is a class with the members that classic_grammar.h describes.
 
 #include "fill.h"
 
@@ -28,8 +28,8 @@ void take_run(Grammar& grammar, line_reader& reader) {
     reader.take(lines);
 }
 
-/// Reads the next line. Where the stream throws, the input ends with what was read before, and the
-/// tree is to say so.
+/// Reads the next line. Where the stream throws, the grammar first completes the tree, as if the
+/// input had ended with the line before.
 template <class Grammar>
 bool read_line(Grammar& grammar, line_reader& reader, input_line& line) {
     try {

@@ -60,7 +60,7 @@ void close_multipart(classic_state& state, const input_line& line) {
 /// keeps_closing_line_in_an_epilogue_as_an_epilogue_line_of_the_enclosing_entity
 /// keeps_one_pop_for_a_closing_line_in_an_epilogue
 void close_multipart_in_epilogue(classic_state& state, const input_line& line) {
-    assert(!state.m_delimiters.empty()); // the line has matched the innermost one
+    assert(!state.m_delimiters.empty()); // the line has matched the last one
     state.m_open.close();
     state.m_delimiters.pop_back();
     add_epilogue_line(state, line);
@@ -79,7 +79,7 @@ void on_body_line(classic_state& state, const input_line& line) {
         break;
     case boundary_match::separator:
         if (!state.m_open.innermost().m_multipart) close_part(state.m_open);
-        open_part(state, line); // of a multipart that is innermost the separator ends the preamble
+        open_part(state, line); // if a multipart is innermost, the separator ends its preamble
         break;
     case boundary_match::closing: close_multipart(state, line); break;
     }

@@ -1,4 +1,4 @@
-// The boundary lines of a multipart (RFC 2046 section 5.1.1).
+// The delimiter lines of a multipart (RFC 2046 section 5.1.1).
 
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_BOUNDARY_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_BOUNDARY_H
@@ -14,15 +14,15 @@ namespace mail_structure_detail::classic {
 /// "--ab--" closes it.
 enum class boundary_match : std::uint8_t { none, separator, closing };
 
-/// The delimiters ("--" and the boundary) of the multiparts whose closing line has not come,
-/// innermost last.
+/// The delimiters ("--" and the boundary) whose closing line has not come, in the order in which
+/// Content-Type fields registered them.
 using delimiter_stack = std::vector<std::string>;
 
 /// Kept: byte for byte. A trailing blank, another case, or anything but "--" after the delimiter
 /// makes the line no delimiter line. keeps_boundary_lines_exact
 boundary_match match_boundary(std::string_view line, std::string_view delimiter) noexcept;
 
-/// Compares with the innermost delimiter.
+/// Compares with the last delimiter, which is that of the innermost multipart in usual mail.
 // Kept: no other is looked at. A delimiter line of an outer multipart within an unclosed inner one
 // is text of the inner one. To close the inner one there would move stored ranges.
 // keeps_innermost_boundary_alone_in_force

@@ -1,4 +1,4 @@
-// The rules that the library was born with, as the loop over lines asks them.
+// The library's first rules, in the form in which the loop over lines uses them.
 //
 //     a line -> dropped, if it is empty and the first after an entity has opened
 //            -> header phase           header_block.h, which calls content_type.h
@@ -39,7 +39,7 @@ public:
     /// line. @throws std::bad_alloc, and then no line of the run has been taken
     void take_run(const line_run& lines);
 
-    /// The input has ended.
+    /// To be called when the input has ended. Under these rules nothing is left to do then.
     void end_input() noexcept {}
 
 private:
@@ -48,7 +48,7 @@ private:
     classic_state m_state;
 };
 
-// What follows is called for every line or run, and compiled into the loop over lines.
+// These functions are inline because the loop over lines calls them for every line or run.
 
 inline void classic_grammar::take_line(const input_line& line) {
     // Kept: the byte directly before the LF is not examined, so a NUL there passes.
@@ -63,12 +63,12 @@ inline void classic_grammar::take_line(const input_line& line) {
     if (!just_opened || !line.m_text.empty()) route(line);
 }
 
-/// Takes the line down the path of the phase. A line that ends a header block goes on as a body
+/// Gives the line to the function of the phase. A line that ends a header block goes on as a body
 /// line, and one that finds an encapsulated message innermost opens the message within, as the
 /// first line of that message's header block.
 inline void classic_grammar::route(const input_line& line) {
     for (;;) { // at most four turns: end a block, open a message, end its block, be a body line
-        // Kept: any line does this, be it a separator, an empty line or a line of an epilogue.
+        // Kept: any line opens it, even a separator, an empty line or a line of an epilogue.
         // keeps_separator_opening_it_first keeps_empty_first_line_as_its_header_block
         // keeps_message_opened_again_in_an_epilogue
         if (m_state.m_phase != phase::header && m_state.m_open.innermost().m_message)

@@ -13,18 +13,17 @@
 
 namespace mail_structure_detail::classic {
 
-/// Which path the next line takes.
+/// What the next line belongs to: a header block, a body or an epilogue.
 enum class phase : std::uint8_t { header, body, epilogue };
 
 /// What has become of a line. `again`: the phase has changed, and the line is looked at anew.
 enum class verdict : std::uint8_t { consumed, again };
 
-/// The field that a header block is at. Begins anew with each field and each block.
+/// The last field of the header block that is being read. Begins anew with each field and block.
 struct field_in_progress {
-    MailStructure::header* m_record =
-        nullptr;                    // the one a fold extends; null before the first field
-    bool m_is_content_type = false; // its folded lines hold parameters
-    bool m_is_multipart = false;    // a Content-Type field whose boundaries count
+    MailStructure::header* m_record = nullptr; // null before the first field of the block
+    bool m_is_content_type = false;            // its folded lines hold parameters
+    bool m_is_multipart = false;               // its parameters may register boundaries
 };
 
 struct classic_state {
@@ -52,8 +51,8 @@ struct classic_state {
     /// Independent of m_open: only a Content-Type field adds one, only a closing line removes one.
     delimiter_stack m_delimiters;
     field_in_progress m_field;
-    MailStructure::header m_scratch; // stands in for a field that has no record; in no tree
-    bool m_just_opened = false;      // an entity was; an empty line that comes next is dropped
+    MailStructure::header m_scratch; // of a field that has no record in the tree
+    bool m_just_opened = false;      // an entity has just opened: an empty line is now dropped
     field_trim m_trim;
 };
 

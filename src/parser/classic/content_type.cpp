@@ -6,7 +6,8 @@ namespace mail_structure_detail::classic {
 
 namespace {
 
-constexpr std::uint32_t whole_name = 0xFFFFFFFF; // is the whole first argument a prefix?
+// Makes strncasecmp ask whether the whole first argument is a prefix of the second.
+constexpr std::uint32_t whole_name = 0xFFFFFFFF;
 
 // Kept: any prefix of "boundary" registers a delimiter, and each of several does. Only the last one
 // is compared until a closing line removes it. keeps_beginnings_of_boundary_as_boundary
@@ -15,8 +16,8 @@ bool is_boundary_name(std::string_view name) {
     return strncasecmp(std::string(name), "boundary", whole_name);
 }
 
-/// Stores a parameter in the record of the field, if the field has one in the tree. Only when that
-/// is done may the parameter register a boundary.
+/// Stores a parameter in the record of the field, if the field has one in the tree. It
+/// registers a boundary only after that: if storing throws, none is registered.
 void store_parameter(classic_state& state, const parameter& found) {
     const field_in_progress& field = state.m_field;
     state.m_tree.m_memory.add(

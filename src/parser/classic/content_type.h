@@ -1,5 +1,5 @@
-// What an entity's Content-Type field and its transfer-encoding field say of it (RFC 2045 sections
-// 5 and 6).
+// What an entity's Content-Type and transfer-encoding fields say about it (RFC 2045 sections 5
+// and 6).
 
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_CONTENT_TYPE_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_CONTENT_TYPE_H
@@ -31,7 +31,7 @@ void analyse_content_type(classic_state& state, std::string_view line, std::size
 /// @throws std::bad_alloc
 void read_parameters(classic_state& state, std::string_view line, std::size_t before);
 
-/// Gives an entity whose type or subtype is empty "text" or "plain".
+/// Makes an empty type "text" and an empty subtype "plain".
 void default_type(MailStructure::MimeObj& entity);
 
 } // namespace mail_structure_detail::classic

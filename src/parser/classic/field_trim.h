@@ -8,7 +8,7 @@
 
 namespace mail_structure_detail::classic {
 
-/// Asks the locale that is the global one when this is made what white space is.
+/// Trims what is white space in the global locale, as it is when this object is made.
 // Kept: the global locale decides what is trimmed; all other scans of header lines ask the classic
 // locale. keeps_trim_of_values_to_the_global_locale
 class field_trim {

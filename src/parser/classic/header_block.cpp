@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint32_t not_yet_set = 0xFFFFFFFF;
 
-/// Common to every line that begins or continues a field.
+/// Extends the record and the header block by a line that begins or continues a field.
 void record_line(classic_state& state, const input_line& line) {
     MailStructure::header& record = *state.m_field.m_record;
     // Kept: a field that begins at offset 0xFFFFFFFF counts as not placed until its next line.
@@ -41,9 +41,9 @@ MailStructure::header& begin_record(classic_state& state, const input_line& line
     return *record;
 }
 
-/// The text behind the colon. Where the line has no colon, the scan has put one on the last byte of
-/// an LF line, whose value is then empty, or at the end of a CR LF line, behind which no value can
-/// begin.
+/// The text behind the colon. On a line without a colon, `colon` is the position of the last byte
+/// if an LF ends the line, so that the value is empty, or the end of the text if a CR does, and no
+/// value can begin behind that.
 std::string_view text_after_colon(std::string_view text, std::size_t colon) {
     // Kept: a line of letters and hyphens that a CR ends is an error. This is the contract.
     // keeps_length_error_for_letters_before_cr_lf

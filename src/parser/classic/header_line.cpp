@@ -19,7 +19,8 @@ std::size_t scan_end_of(const input_line& line) noexcept {
     return line.m_text.size() - 1;
 }
 
-/// "  text" continues a field, and what it adds to the value begins at the blank before its text.
+/// A line that begins with white space: "  text" continues a field. What it adds to the value
+/// begins at the blank before its text.
 header_line classify_blank_led(const input_line& line) noexcept {
     const std::size_t scan_end = scan_end_of(line);
     // Kept: a single blank with an LF continues the field and is appended to the value. The scan
@@ -34,7 +35,7 @@ header_line classify_blank_led(const input_line& line) noexcept {
     return not_of_the_block;
 }
 
-/// The rule for field names: letters and '-', then a colon.
+/// A line that begins with a letter: "name:" begins a field. A name is letters and '-'.
 header_line classify_letter_led(const input_line& line) noexcept {
     const std::size_t scan_end = scan_end_of(line);
     // Kept: one letter with an LF ends the block, for the scan sees no byte of it; one letter with

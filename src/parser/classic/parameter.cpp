@@ -6,7 +6,7 @@ namespace mail_structure_detail::classic {
 
 namespace {
 
-void skip_blanks(std::string_view& text) noexcept {
+void skip_white_space(std::string_view& text) noexcept {
     std::size_t count = 0;
     while (count < text.size() && is_space(text[count])) ++count;
     text.remove_prefix(count);
@@ -24,7 +24,7 @@ std::string_view take_name(std::string_view& text) noexcept {
     return name;
 }
 
-/// Each quote is removed by itself: "x" gives x, and so does "x without its second one.
+/// Each quote is removed by itself: "x" gives x, and so does "x, which lacks the second quote.
 std::string_view without_quotes(std::string_view value) noexcept {
     if (value.starts_with('"')) value.remove_prefix(1);
     if (value.ends_with('"')) value.remove_suffix(1);
@@ -43,12 +43,12 @@ bool parameter_segments::next(std::string_view& segment) noexcept {
 }
 
 bool read_parameter(std::string_view segment, parameter& found) noexcept {
-    skip_blanks(segment);
+    skip_white_space(segment);
     found.m_name = take_name(segment);
-    skip_blanks(segment);
+    skip_white_space(segment);
     if (!segment.starts_with('=')) return false;
     segment.remove_prefix(1);
-    skip_blanks(segment);
+    skip_white_space(segment);
     // Kept: blanks after the value stay, and a closing quote before them stays too: "x" and a blank
     // give x" and a blank. A boundary is compared with the blank. Hosts have stored ranges computed
     // so. keeps_trailing_blanks_of_a_value keeps_closing_quote_before_a_blank

@@ -30,8 +30,8 @@ private:
     std::size_t m_before;
 };
 
-/// Reads one parameter. False when the segment holds none with a name and a value; no parameter of
-/// the line after it is looked at then.
+/// Reads one parameter. False when the segment holds none with a name and a value; the caller then
+/// looks at no later segment of the line.
 bool read_parameter(std::string_view segment, parameter& found) noexcept;
 
 } // namespace mail_structure_detail::classic

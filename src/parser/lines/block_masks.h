@@ -1,14 +1,16 @@
-// What the scans by blocks of 64 bytes have in common: bit n of a mask tells of byte n of a block.
+// What the scans by blocks of 64 bytes have in common: bit n of a mask describes byte n of a block.
 //
 //     bytes     a b CR LF - - x LF
 //     lf        0 0 0  1  0 0 0 1
 //     suspect   0 0 1  0  0 0 0 0       a CR or NUL, which only an LF, or nothing, may follow
 //     dash      0 0 0  0  1 1 0 0
 //
-// Only how the masks are made differs between processors. Each has a struct with masks(p) and
-// name<Names>(p), which read the 64 bytes at p; name(p) is right up to the first byte that a field
-// name cannot hold. Each processor's file includes this one where its own instructions are switched
-// on, so everything here is local to that file.
+// Processors differ only in how the masks are made. For each there is a struct, the parameter Make
+// of the templates, with two functions that read the 64 bytes at p: masks(p) makes the masks shown
+// here, and name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first
+// byte that it may not hold, the bits of name<Names>(p) mean nothing. Each processor's file
+// includes this one where its own instructions are switched on, so everything here is local to that
+// file.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
@@ -38,8 +40,8 @@ constexpr std::uint64_t first_bits(std::size_t count) noexcept {
     return count < block_bytes ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
 }
 
-/// The masks of the first bytes of a text, where less than a block may be left. Nothing past its
-/// end is read; the bits there are those of a letter.
+/// The first block of a text. If the text is shorter than a block, letters take the place of the
+/// missing bytes; nothing past the end of the text is read.
 template <class Make>
 class padded_block {
 public:
@@ -53,8 +55,8 @@ public:
     padded_block& operator=(const padded_block&) = delete;
 
     block_masks masks() const noexcept { return Make::masks(m_begin); }
-    /// The bytes that a field name may hold, from the first to the last that has only such before
-    /// it.
+    /// The bytes that a field name may hold. The bits behind the first byte that it may not hold
+    /// mean nothing.
     template <field_names Names>
     std::uint64_t name() const noexcept {
         return Make::template name<Names>(m_begin);
@@ -62,7 +64,7 @@ public:
 
 private:
     const char* m_begin;
-    std::array<char, block_bytes> m_room; // set only where it is needed
+    std::array<char, block_bytes> m_room; // set only for a short text
 };
 
 } // namespace

@@ -21,7 +21,7 @@ struct run_limits {
     stray_bytes m_stray;
 };
 
-/// The whole lines at the front of some bytes.
+/// Some whole lines at the front of the bytes that were scanned.
 struct scanned_lines {
     std::size_t m_bytes = 0; // up to and with the last LF
     std::size_t m_lines = 0;
@@ -31,7 +31,7 @@ struct scanned_lines {
 /// such that no line in it is one that ends the run. Reads every byte once and none past the end.
 using body_scanner = scanned_lines (*)(std::string_view bytes, run_limits limits) noexcept;
 
-/// Byte by byte: the truth that the others are tested against.
+/// The plain twin, which goes byte by byte: the other scanners are tested against it.
 scanned_lines scan_body_plain(std::string_view bytes, run_limits limits) noexcept;
 
 } // namespace mail_structure_detail

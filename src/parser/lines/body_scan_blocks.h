@@ -3,7 +3,7 @@
 //     bytes     a b CR LF - - x LF
 //     lf        0 0 0  1  0 0 0 1
 //     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
-//     dash      0 0 0  0  1 1 0 0       two behind an LF may be a delimiter's
+//     dash      0 0 0  0  1 1 0 0       two of them behind an LF may begin a delimiter line
 //
 // The previous block's masks carry over what lies at its end.
 
@@ -22,8 +22,9 @@ namespace mail_structure_detail {
 
 namespace {
 
-/// Bit n is set where byte n shows that the line it stands in, or the byte before it, ends the run.
-/// @param before  the masks of the block before
+/// Bit n is set where byte n shows that a line ends the run: it follows a suspect byte and is no
+/// LF, or it is the second of two dashes at the beginning of a line.
+/// @param before  the masks of the previous block
 template <bool Dashes, bool Strays>
 std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noexcept {
     std::uint64_t ends = 0;
@@ -38,23 +39,22 @@ std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noex
     return ends;
 }
 
-/// Has the processor fetch the bytes that the scan will come to from here in a while: by itself it
-/// foresees them only within a page of memory. Nothing is read, so it does not matter if nothing is
-/// there.
+/// Asks the processor to fetch bytes that the scan will come to soon: by itself the processor
+/// fetches ahead only within a page of memory. The scan reads nothing there, so the address need
+/// not be valid.
 inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #ifdef __GNUC__
-    constexpr std::uintptr_t distance =
-        2048; // takes the scan about as long as memory takes to answer
+    // The scan takes about as long for this many bytes as memory takes to answer.
+    constexpr std::uintptr_t distance = 2048;
     const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(p) + distance;
     __builtin_prefetch(reinterpret_cast<const void*>(address)); // NOLINT(performance-no-int-to-ptr)
 #endif
 }
 
-/// Make::masks(p) gives the masks of the 64 bytes at p.
 template <class Make, bool Dashes, bool Strays>
 scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
-    block_masks before{std::uint64_t{1} << (block_bytes - 1), 0,
-                       0}; // the bytes begin at the beginning of a line
+    // The bytes begin at the beginning of a line, as if an LF stood before them.
+    block_masks before{std::uint64_t{1} << (block_bytes - 1), 0, 0};
     std::size_t lines = 0;
     std::size_t start = 0;
     std::uint64_t ends = 0;
@@ -73,8 +73,8 @@ scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
         ends = run_ends<Dashes, Strays>(masks, before);
         lf = masks.m_lf;
     }
-    // Neither the byte at the first end nor the one before it is an LF, so the run is what ends
-    // with the last LF before it.
+    // The run ends with the last LF before the first byte whose bit is set in `ends`. Neither that
+    // byte nor the one before it is an LF.
     if (ends != 0) lf &= (ends & (0 - ends)) - 1;
     lines += static_cast<std::size_t>(std::popcount(lf));
     const std::size_t seen = start + static_cast<std::size_t>(std::bit_width(lf));

@@ -8,6 +8,7 @@
 
 namespace mail_structure_detail {
 
+/// White space: SP, HTAB, LF, VT, FF or CR.
 constexpr bool is_space(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 constexpr bool is_letter(char c) noexcept {
@@ -17,7 +18,7 @@ constexpr bool is_letter(char c) noexcept {
 /// SP or HTAB.
 constexpr bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
 
-/// What a field name may be made of, by the rules that ask.
+/// Which characters a field name may hold; each set of rules chooses one of these.
 enum class field_names : std::uint8_t {
     letters,  // letters and hyphens
     printable // every printable ASCII character but the colon (RFC 5322 section 2.2)
@@ -25,7 +26,7 @@ enum class field_names : std::uint8_t {
 
 constexpr bool is_name_character(char c, field_names names) noexcept {
     if (names == field_names::letters) return is_letter(c) || c == '-';
-    return c > ' ' && c < '\x7F' && c != ':'; // as signed or unsigned char, none above 127
+    return c > ' ' && c < '\x7F' && c != ':'; // no byte above 127, whether char is signed or not
 }
 
 } // namespace mail_structure_detail

@@ -11,18 +11,19 @@
 
 namespace mail_structure_detail {
 
-/// Reaches the protected get area of any std::streambuf: a class derived from it may name those
-/// members. Nothing here calls a virtual function, so nothing is read and nothing throws.
+/// Reaches the protected get area of any std::streambuf: a class derived from std::streambuf may
+/// name the members for it. Nothing here calls a virtual function, so nothing is read and nothing
+/// throws.
 class get_area : private std::streambuf {
 public:
-    /// What is ready; empty when the buffer would have to be refilled or has no get area. Valid
-    /// until the next call of a member of the buffer.
+    /// The bytes that are ready; empty when the buffer would have to be refilled or has no get
+    /// area. Valid until the next call of a member of the buffer.
     static std::string_view bytes(const std::streambuf& buffer) noexcept {
         const char* begin = (buffer.*&get_area::gptr)();
         return {begin, static_cast<std::size_t>((buffer.*&get_area::egptr)() - begin)};
     }
 
-    /// What is ready and what has been taken since the buffer was filled.
+    /// The number of bytes that are ready or have been taken since the buffer was filled.
     static std::size_t size(const std::streambuf& buffer) noexcept {
         return static_cast<std::size_t>((buffer.*&get_area::egptr)()
                                         - (buffer.*&get_area::eback)());

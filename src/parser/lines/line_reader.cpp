@@ -14,11 +14,11 @@ namespace {
 
 constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
 
-/// Looks at a whole line. Where another byte than LF ends lines, a line may hold an LF, and that LF
-/// is a stray byte too.
+/// Whether a CR, LF or NUL stands before the line's last byte. A line can hold an LF only where the
+/// locale of the stream makes another byte end lines.
 bool holds_stray_byte(std::string_view line) noexcept {
     if (line.empty()) return false;
-    // Kept: the last byte is not examined, be it an LF.
+    // Kept: the last byte is not examined, even if it is an LF.
     // keeps_a_line_feed_before_the_end_of_the_line_unseen
     line.remove_suffix(1);
     for (const char stray : {'\r', '\n', '\0'})
@@ -56,7 +56,7 @@ bool line_reader::next(input_line& line) {
     return true;
 }
 
-/// As next, for a line that does not end in the buffer.
+/// Does what next does, for a line that does not end in the buffer.
 bool line_reader::next_unfinished(input_line& line) {
     std::string_view bytes;
     if (!read_unfinished_line(bytes)) return false;
@@ -66,7 +66,7 @@ bool line_reader::next_unfinished(input_line& line) {
     return true;
 }
 
-/// Gives the line its place and notes the facts.
+/// Sets all members of the line, and moves on past the line.
 /// @param bytes  the line without its terminator, the CR of a CR LF included
 void line_reader::describe(input_line& line, std::string_view bytes, const scanned_line& found,
                            std::size_t terminator_bytes) {
@@ -101,7 +101,7 @@ void line_reader::take(const line_run& run) noexcept {
     get_area::consume(buffer(), run.m_bytes.size());
 }
 
-/// Where lines are read from, in place.
+/// The buffer in which lines are looked at.
 const std::streambuf& line_reader::buffer() const noexcept {
     if (m_ahead) return *m_ahead;
     return *m_state.rdbuf();
@@ -118,13 +118,13 @@ std::string_view line_reader::ready() const noexcept {
     return get_area::bytes(buffer());
 }
 
-/// A line that does not end in the buffer, as std::getline would read it, without its delimiter.
-/// The stream has eofbit if the input ended it.
+/// Reads a line that does not end in the buffer as std::getline would, without the byte that ends
+/// it. If the end of the input ends the line, the stream then has eofbit.
 bool line_reader::read_unfinished_line(std::string_view& line) {
     return m_in_place && m_state.good() ? read_straddling_line(line) : read_by_getline(line);
 }
 
-/// A line whose LF is not in the buffer yet.
+/// Reads a line whose LF is not in the buffer yet.
 bool line_reader::read_straddling_line(std::string_view& line) {
     std::streambuf& source = buffer();
     m_carry.clear();
@@ -144,8 +144,9 @@ bool line_reader::read_straddling_line(std::string_view& line) {
     }
 }
 
-/// Refills the buffer. At the end of the input, or when the buffer cannot be read, the stream gets
-/// the state bits and throws what std::getline would, given whether it has read a part of the line.
+/// Refills the buffer; true where nothing more can be read. The stream then gets the state bits
+/// that std::getline would give it, which depend on whether a part of the line has been read, and
+/// throws what it would throw.
 bool line_reader::is_at_end() {
     const std::istream::sentry entry(m_in, true); // flushes the stream that is tied to this one
     if (!entry) return true;                      // and that may do anything to this one
@@ -155,9 +156,8 @@ bool line_reader::is_at_end() {
         if (buffer().sgetc() != std::istream::traits_type::eof()) return false;
         state |= std::ios_base::eofbit;
 #ifdef __GLIBCXX__
-    } catch (const abi::__forced_unwind&) { // the thread is being cancelled, and this must not be
-                                            // held up
-        set_badbit();
+    } catch (const abi::__forced_unwind&) {
+        set_badbit(); // the thread is being cancelled, which nothing here may stop
         throw;
 #endif
     } catch (...) {
@@ -177,7 +177,7 @@ void line_reader::set_badbit() {
     } catch (const std::ios_base::failure&) {}
 }
 
-/// The rest of a line, from a buffer that has characters and no get area.
+/// Reads the rest of a line from a buffer that has characters but no get area.
 bool line_reader::read_rest_by_getline(std::string_view& line) {
     std::string rest;
     if (!std::getline(m_in, rest)) return false;

@@ -28,7 +28,7 @@ struct input_line {
     std::string_view m_text;
     bool m_cr_stripped = false;   // a CR stood between the text and the LF or the end of the input
     bool m_stray_byte = false;    // a CR, LF or NUL stands before the last byte of the line
-    std::size_t m_name_bytes = 0; // at the front of the line, of which a field name may be made
+    std::size_t m_name_bytes = 0; // at the front of the line: those that a field name may hold
     std::uint32_t m_start = 0;    // offset of the line's first byte
     std::uint32_t m_end = 0;      // offset just past its LF, or past the last byte of the input
 };
@@ -45,11 +45,11 @@ public:
     /// @throws std::bad_alloc, and what std::getline throws on the stream
     bool next(input_line& line);
 
-    /// Finds as many whole lines as need no look at their text. False when the stream's buffer
-    /// begins with a line that ends the run. Reads nothing; the lines stay in the buffer until they
-    /// are taken.
+    /// Finds the longest run of whole lines at the front of the stream's buffer. False when there
+    /// is none, since the first line ends the run or is not all there. Reads nothing; the lines
+    /// stay in the buffer until they are taken.
     bool find_run(line_run& run, run_limits limits) const noexcept;
-    /// Moves past the run found last.
+    /// Moves past the run, which is the one found last.
     void take(const line_run& run) noexcept;
 
     /// The input read so far has passed 4 GiB, so that offsets have wrapped.
@@ -70,13 +70,13 @@ private:
     void set_badbit();
 
     std::istream& m_in;
-    std::ios& m_state; // of the same stream; to reach a virtual base takes time
+    std::ios& m_state; // the virtual base of m_in, which is slow to reach from there
     const scanner_set& m_scanners;
     const field_names m_names;
     std::string m_carry;               // a line that straddles two fillings of the buffer
     bool m_in_place = false;           // LF ends lines, so the buffer may be searched for it
     std::uint64_t m_position;          // of the next byte to be read
-    std::optional<read_ahead> m_ahead; // before the buffer of a stream that reads a plain file
+    std::optional<read_ahead> m_ahead; // reads a plain file in place of the stream's own buffer
 };
 
 } // namespace mail_structure_detail

@@ -12,13 +12,13 @@ namespace mail_structure_detail {
 /// itself is shorter than that.
 struct line_run {
     std::uint32_t m_start = 0; // of the first line
-    std::uint32_t m_first_end =
-        0;                   // just past the first line, where the second begins if there is one
+    /// Just past the first line, where the second one begins if there is one.
+    std::uint32_t m_first_end = 0;
     std::uint32_t m_end = 0; // just past the last line
     std::uint64_t m_lines = 0;
-    bool m_last_empty = false; // the last line is
-    std::string_view
-        m_bytes; // the lines as they stand in the input, each with its LF; not set for one line
+    bool m_last_empty = false; // whether the last line is empty
+    /// The lines as they stand in the input, each with its LF. Not set by one_line.
+    std::string_view m_bytes;
 };
 
 inline line_run one_line(std::uint32_t start, std::uint32_t end, bool empty) noexcept {

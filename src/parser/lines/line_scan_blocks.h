@@ -19,16 +19,16 @@ namespace {
 template <class Make, field_names Names>
 scanned_line scan_line_by_blocks(std::string_view bytes) noexcept {
     scanned_line found;
-    std::uint64_t after_suspect = 0; // the last byte of the block before is a CR or NUL
+    std::uint64_t after_suspect = 0; // 1 if the last byte of the previous block is a CR or NUL
     std::uint64_t stray = 0;
     for (std::size_t start = 0;; start += block_bytes) {
         const std::string_view rest = bytes.substr(start);
         const padded_block<Make> block(rest);
         const block_masks masks = block.masks();
-        // The bytes of the line, whose LF is not one of them.
+        // One bit for each byte of the line, without its LF.
         const std::uint64_t line =
             masks.m_lf != 0 ? (masks.m_lf & (0 - masks.m_lf)) - 1 : first_bits(rest.size());
-        // A suspect is stray when the line goes on behind it.
+        // A suspect byte is stray if the line goes on behind it.
         stray |= (masks.m_suspect << 1 | after_suspect) & line;
         after_suspect = masks.m_suspect >> (block_bytes - 1);
         if (start == 0)

@@ -21,21 +21,21 @@ bool converts_nothing(const std::locale& locale) {
     return std::has_facet<conversion>(locale) && std::use_facet<conversion>(locale).always_noconv();
 }
 
-/// Where the file stands, or no_position.
+/// The file's position; no_position where it cannot be told.
 std::streamoff position_of(std::streambuf& file) noexcept {
     try {
-        // One that has lost its conversion, by an imbue that came too late, throws here. To ask
-        // libstdc++ for its position is a crash.
+        // A buffer that has lost its conversion, by an imbue in the middle of the file, throws
+        // here. libstdc++ would crash when asked for its position.
         if (file.in_avail() == -1) return no_position;
         return file.pubseekoff(0, std::ios::cur, std::ios::in);
     } catch (const std::exception&) {
-        return no_position; // reading it will tell
+        return no_position; // what is wrong will show when the file is read
     }
 }
 
-/// Whether the file has been read from since it was opened or positioned. A byte that is not the
-/// file's may have been put back then: libstdc++ tells a wrong position after that, and the byte
-/// would be lost where the file is set back.
+/// Whether the file has been read from since it was opened or positioned. If so, a byte that is not
+/// the file's may have been put back into the buffer: after that libstdc++ reports a wrong
+/// position, and setting the file back would lose the byte.
 bool is_begun(const std::streambuf& file) noexcept { return get_area::size(file) != 0; }
 
 } // namespace
@@ -60,14 +60,14 @@ read_ahead::int_type read_ahead::underflow() {
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
-/// Of what was read before the failure, the number is not known: the file is set back, and read as
-/// its own buffer reads it, which then fails at its own place.
+/// After a failure it is not known how many bytes were read before it. So the file is set back and
+/// read as its own buffer reads it, which fails at the byte where it would fail without this class.
 std::size_t read_ahead::read_block() {
     try {
         return static_cast<std::size_t>(m_file.sgetn(m_block.get(), block_bytes));
     } catch (const std::ios_base::failure&) {
         if (!set_file_to(m_block_end)) throw;
-    } catch (...) { // the thread is being cancelled, say
+    } catch (...) { // for example, the thread is being cancelled
         set_file_to(m_block_end);
         throw;
     }
@@ -75,7 +75,7 @@ std::size_t read_ahead::read_block() {
     return read_after_failure();
 }
 
-/// Whether that was possible. If not, there may be nobody to tell.
+/// Returns whether that was possible. Does not throw, since the destructor calls it.
 bool read_ahead::set_file_to(std::streamoff place) noexcept {
     try {
         return m_file.pubseekpos(place, std::ios::in) != pos_type(no_position);

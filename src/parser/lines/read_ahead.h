@@ -1,9 +1,9 @@
 // Reads a file in larger blocks than the file's own stream buffer does, and in place.
 //
 // A std::filebuf reads as much at a time as its small buffer holds, so a good part of the time
-// would go into system calls and into the lines that straddle two fillings. This buffer takes large
-// blocks out of it, and gives back what has not been read by the time it goes away, so that the
-// file is left where its reader stopped.
+// would go into system calls and into the lines that straddle two fillings. A read_ahead takes
+// large blocks out of the std::filebuf. When it is destroyed, it sets the file back to the first
+// byte that was not taken from it, so the file is left where its reader stopped.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_READ_AHEAD_H
 #define MAIL_STRUCTURE_PARSER_LINES_READ_AHEAD_H
@@ -16,16 +16,16 @@ namespace mail_structure_detail {
 
 class read_ahead final : public std::streambuf {
 public:
-    /// Whether the buffer may be read ahead of its user and set back afterwards without anybody's
-    /// noticing: a plain std::filebuf, without code of the host's, that converts nothing, on a file
-    /// that can be positioned and whose bytes nobody has begun to take.
+    /// Whether nobody can notice that the file is read ahead and set back afterwards. This holds
+    /// for a std::filebuf, not a class derived from it, that converts nothing, on a file that can
+    /// be positioned and from which nothing was read since it was opened or positioned.
     static bool suits(std::streambuf& file);
 
-    /// @param file  one that suits; it outlives this object, and nobody else reads from it
-    /// meanwhile
+    /// @param file  a buffer that suits. It must outlive this object, and nothing else may read
+    ///              from it meanwhile.
     /// @throws std::bad_alloc
     explicit read_ahead(std::streambuf& file);
-    /// Sets the file back to the first byte that was not taken out.
+    /// Sets the file back to the first byte that was not taken from this object.
     ~read_ahead() override;
     read_ahead(const read_ahead&) = delete;
     read_ahead& operator=(const read_ahead&) = delete;
@@ -42,7 +42,7 @@ private:
     static constexpr std::streamsize block_bytes = 65536;
 
     std::streambuf& m_file;
-    std::streamoff m_block_end; // in the file; m_file stands there
+    std::streamoff m_block_end; // the file's position, just past the block
     bool m_has_failed = false;
     std::unique_ptr<char[]> m_block;
 };

@@ -23,7 +23,7 @@ scanned_line scan_line_sse2(std::string_view bytes, field_names names) noexcept;
 // AVX2, BMI, BMI2, POPCNT.
 scanned_lines scan_body_avx2(std::string_view bytes, run_limits limits) noexcept;
 scanned_line scan_line_avx2(std::string_view bytes, field_names names) noexcept;
-// These and AVX-512BW.
+// The same and AVX-512BW.
 scanned_lines scan_body_avx512(std::string_view bytes, run_limits limits) noexcept;
 scanned_line scan_line_avx512(std::string_view bytes, field_names names) noexcept;
 #endif

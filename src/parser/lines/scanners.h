@@ -1,5 +1,5 @@
-// The scanners of lines and of bodies, each in several makes; the fastest that the processor runs
-// is used.
+// The scanners of lines and of bodies, in several implementations; the parser uses the fastest one
+// that the processor can run.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_SCANNERS_H
 #define MAIL_STRUCTURE_PARSER_LINES_SCANNERS_H
@@ -17,10 +17,10 @@ struct scanner_set {
     line_scanner m_scan_line;
 };
 
-/// All that this processor runs, the fastest first, the plain ones last.
+/// The sets that this processor can run, the fastest first and the plain one last.
 std::span<const scanner_set> all_scanners() noexcept;
 
-/// Those that the parser uses: the first, or the plain ones in a build with MAILSTRUCTURE_PLAIN.
+/// The set that the parser uses: the first, or the plain one in a build with MAILSTRUCTURE_PLAIN.
 const scanner_set& chosen_scanners() noexcept;
 
 } // namespace mail_structure_detail

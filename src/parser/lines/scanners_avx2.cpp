@@ -11,7 +11,8 @@
 #include <immintrin.h>
 #include <string_view>
 
-// All that others use too is in by now: what follows is compiled for AVX2, and that must not be.
+// Headers whose functions other files use too are included before this: all that follows is
+// compiled for AVX2, and those functions must not be.
 #ifdef __clang__
 #pragma clang attribute push(__attribute__((target("avx2,bmi,bmi2,popcnt"))), apply_to = function)
 #else

@@ -31,9 +31,9 @@ struct neon {
         return vorrq_u8(vcltq_u8(from_a, vdupq_n_u8(26)), equal(bytes, '-'));
     }
 
-    /// Bit n is set where Test sets byte n. There is no instruction that gathers bits: each byte
-    /// keeps the one of its place among eight, and three sums of neighbours bring eight bytes
-    /// together in one.
+    /// Bit n is set where Test sets byte n. NEON has no instruction that gathers bits. So each byte
+    /// keeps only the bit of its place among eight, and three additions of neighbours bring the
+    /// bits of eight bytes together in one byte.
     template <uint8x16_t (*Test)(uint8x16_t)>
     static std::uint64_t gather(const char* p) noexcept {
         constexpr std::uint8_t places[16] = {1, 2, 4, 8, 16, 32, 64, 128,

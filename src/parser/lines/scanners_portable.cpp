@@ -1,4 +1,4 @@
-// The scanners with 8 bytes a word, for processors that have no scan of their own.
+// The scanners with 8 bytes a word, for processors without scanners of their own.
 
 #include "body_scan_blocks.h"
 #include "line_scan_blocks.h"

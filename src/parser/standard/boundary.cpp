@@ -20,7 +20,8 @@ int hex_digit(char c) noexcept {
     return -1;
 }
 
-/// Appends the text with "%41" and the like made bytes. A "%" without two digits stays.
+/// Appends the text, with the byte that it encodes in place of each "%41" and the like. A "%"
+/// without two hexadecimal digits behind it stays.
 void append_decoded(std::string& out, std::string_view text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '%' && text.size() - at > 2) {
@@ -36,8 +37,8 @@ void append_decoded(std::string& out, std::string_view text) {
     }
 }
 
-/// Without charset and language, which end with the second quote: "us-ascii'en'ab" gives "ab". They
-/// are not applied: a boundary is compared byte for byte.
+/// The text without its charset and language, which end with the second quote: "us-ascii'en'ab"
+/// gives "ab". Neither is applied: a boundary is compared byte for byte.
 std::string_view without_charset(std::string_view text) noexcept {
     const std::size_t first = text.find('\'');
     if (first == std::string_view::npos) return text;
@@ -86,8 +87,8 @@ std::optional<std::string> boundary_parameter::value() {
     return found;
 }
 
-/// In the order of their numbers, which may leave gaps. Of sections with one number the first
-/// counts.
+/// The values of the sections in the order of their numbers, which may leave gaps. Where several
+/// sections have the same number, the first of them counts.
 std::string boundary_parameter::joined_sections() {
     const auto is_before = [](const section& a, const section& b) {
         if (a.m_number.size() != b.m_number.size()) return a.m_number.size() < b.m_number.size();

@@ -2,8 +2,8 @@
 // section 5.1.1, RFC 2231 sections 3 and 4).
 //
 //     boundary=ab                             ab
-//     boundary*=us-ascii'en'a%62              ab       without a plain one
-//     boundary*0=a; boundary*1*=%62           ab       without either
+//     boundary*=us-ascii'en'a%62              ab       unless the form before is there
+//     boundary*0=a; boundary*1*=%62           ab       unless one of the forms before is there
 
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
@@ -17,11 +17,12 @@ namespace mail_structure_detail::standard {
 
 class boundary_parameter {
 public:
-    /// Takes a parameter of the field; any but the boundary's are passed over.
+    /// Takes a parameter of the field. Parameters that give no boundary are passed over.
     /// @throws std::bad_alloc
     void take(std::string_view name, std::string_view value);
     /// The boundary, if the field had one. It may be empty. To be called once, when all parameters
-    /// have been taken. Costs the number of sections times its logarithm. @throws std::bad_alloc
+    /// have been taken. Costs the number of sections times its
+    /// logarithm. @throws std::bad_alloc
     std::optional<std::string> value();
 
 private:
@@ -35,8 +36,8 @@ private:
     void take_section(std::string_view number, std::string_view value);
     std::string joined_sections();
 
-    std::optional<std::string> m_plain;
-    std::optional<std::string> m_extended; // still encoded
+    std::optional<std::string> m_plain;    // of "boundary="
+    std::optional<std::string> m_extended; // of "boundary*=", still encoded
     std::vector<section> m_sections;       // in the order of the field
 };
 

@@ -34,7 +34,7 @@ std::string_view content_type_reader::read_value() {
     return m_room;
 }
 
-/// All up to the next semicolon. A comment behind white space is no part of it.
+/// The text up to the next semicolon, less comments behind white space, and trimmed at its end.
 std::string_view content_type_reader::read_unquoted_value() {
     std::string_view value = m_text.take_to_semicolon_or_white_space();
     if (m_text.at_end() || m_text.is_at(';')) return value; // nearly always

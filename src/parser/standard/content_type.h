@@ -1,5 +1,5 @@
-// What a Content-Type field says (RFC 2045 section 5.1). The text is that of the whole field, its
-// line ends taken out.
+// What a Content-Type field says, and a Content-Transfer-Encoding field (RFC 2045). Each text here
+// is all that follows the colon of the field, without line ends.
 
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_CONTENT_TYPE_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_CONTENT_TYPE_H
@@ -11,14 +11,13 @@
 
 namespace mail_structure_detail::standard {
 
-/// Type and subtype as written, without comments. Both are empty where the field does not have
-/// both.
+/// Type and subtype as written, without comments. Both are empty where either is missing.
 struct media_type {
     std::string_view m_type;
     std::string_view m_subtype;
 };
 
-/// A parameter as written, but for quotes and backslashes. RFC 2231 names keep their stars, and
+/// A parameter as written, without quotes and backslashes. RFC 2231 names keep their stars, and
 /// values of such names stay encoded. Valid until the next parameter is read.
 struct parameter {
     std::string_view m_name;
@@ -32,7 +31,7 @@ public:
 
     /// To be called once, before the first parameter is read.
     media_type read_type() noexcept;
-    /// The next parameter; false where there is none. What is no parameter is passed over.
+    /// Reads the next parameter; false where there is none. Text that is none is passed over.
     /// @throws std::bad_alloc
     bool read_parameter(parameter& found);
 
@@ -41,7 +40,7 @@ private:
     std::string_view read_unquoted_value();
 
     field_text m_text;
-    std::string m_room; // for a value that does not stand in the text as it is
+    std::string m_room; // for a value that is not one piece of the text
 };
 
 /// What stands before the first semicolon outside comments, without white space at both ends.

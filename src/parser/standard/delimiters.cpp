@@ -56,8 +56,9 @@ delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
     return delimiter_match{closed, delimiter_kind::closing};
 }
 
-/// Whether the line belongs to the innermost multipart. The line ends with the boundary, or with
-/// "--" behind it.
+/// Whether the line is a delimiter line of the innermost multipart.
+/// @param boundary  the line's text without the dashes before the boundary and without the white
+///                  space at the end of the line; "--" may stand behind the boundary
 std::optional<delimiter_match>
 delimiters_in_force::match_innermost(std::string_view boundary) const noexcept {
     const std::string_view innermost = m_delimiters.back().m_boundary;
@@ -86,7 +87,8 @@ std::size_t delimiters_in_force::slot_of(std::string_view boundary,
     }
 }
 
-/// Doubles the table and puts every delimiter in, in the order in which they came.
+/// Doubles the table and puts the delimiters in again, the outermost first, so that the innermost
+/// of those with the same boundary remains.
 void delimiters_in_force::grow_table() {
     constexpr std::size_t fewest = 16;
     std::vector<std::size_t> slots(std::max(fewest, 2 * m_slots.size()), none);

@@ -27,7 +27,7 @@ struct delimiter_match {
 
 class delimiters_in_force {
 public:
-    /// Brings a delimiter into force, innermost.
+    /// Brings a delimiter into force, as the innermost one.
     /// @param depth  the number of open entities, of which the innermost is the multipart
     /// @throws std::bad_alloc, and then nothing has changed
     void push(std::string_view boundary, std::size_t depth);
@@ -35,11 +35,12 @@ public:
     void pop_from(std::size_t index) noexcept;
 
     bool empty() const noexcept { return m_delimiters.empty(); }
-    /// The number of open entities, the multipart of the delimiter innermost.
+    /// The number of open entities when the delimiter's multipart is the innermost.
     std::size_t depth_of(std::size_t index) const noexcept { return m_delimiters[index].m_depth; }
 
     /// Whether a line is a delimiter line: "--", a boundary, "--" or nothing, and then blanks and
-    /// CRs. Where a line is one to several multiparts, the innermost has it. Linear in the text.
+    /// CRs. A delimiter line of several multiparts belongs to the innermost of them. Linear in the
+    /// text.
     std::optional<delimiter_match> match(std::string_view line_text) const noexcept {
         if (!line_text.starts_with("--")) return std::nullopt;
         return match_dashed(line_text);
@@ -62,8 +63,9 @@ private:
     void grow_table();
 
     std::vector<delimiter> m_delimiters; // the outermost first
-    // Open addressing. A slot is `none` or the index of the innermost delimiter of a boundary. What
-    // is taken out was put in last, so no other boundary's way leads over its slot.
+    // Open addressing. A slot is `none` or the index of the innermost delimiter of a boundary.
+    // Delimiters are taken out in the reverse of the order in which they were put in, so no search
+    // for another boundary leads over a slot that becomes empty.
     std::vector<std::size_t> m_slots;
     std::uint64_t m_lengths = 0; // bit n: a boundary of n, n + 64, ... bytes has come into force
 };

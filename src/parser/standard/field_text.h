@@ -17,7 +17,7 @@ std::string_view trimmed(std::string_view text) noexcept;
 /// Without white space at its end.
 std::string_view trimmed_at_end(std::string_view text) noexcept;
 
-/// As is_word, for a text as long as the word.
+/// Does what is_word does, for a text that is as long as the word.
 bool has_letters_of(std::string_view text, std::string_view word) noexcept;
 /// Whether the text is the word, ASCII case ignored.
 /// @param text  holds no byte below 33
@@ -26,7 +26,8 @@ inline bool is_word(std::string_view text, std::string_view word) noexcept {
     return text.size() == word.size() && has_letters_of(text, word);
 }
 
-/// A text and a place in it. Every function moves on from the place, and none goes back.
+/// A text and a place in it. The take and skip functions move the place on from where it is; none
+/// moves it back.
 class field_text {
 public:
     explicit field_text(std::string_view text) noexcept : m_text(text) {}
@@ -35,13 +36,13 @@ public:
     bool is_at(char c) const noexcept { return !at_end() && m_text[m_at] == c; }
     std::size_t place() const noexcept { return m_at; }
 
-    /// Passes over the byte if it is the one there. Returns whether it was.
+    /// Passes over the byte at the place if it is c. Returns whether it was.
     bool take(char c) noexcept;
-    /// The longest run of token characters.
+    /// The longest run of token characters at the place.
     std::string_view take_token() noexcept;
     /// The text up to the semicolon or white space that comes next, or up to the end.
     std::string_view take_to_semicolon_or_white_space() noexcept;
-    /// The white space that stands there.
+    /// The white space at the place.
     std::string_view take_white_space() noexcept;
 
     void skip_white_space_and_comments() noexcept {
@@ -52,15 +53,16 @@ public:
                 ++m_at;
         }
     }
-    /// A comment, which begins there. Comments nest, and "\\" quotes the byte behind it. A comment
-    /// that is not finished ends with the text.
+    /// Passes over a comment, which must begin at the place. Comments nest, and a backslash quotes
+    /// the byte behind it. A comment that is not finished ends with the text.
     void skip_comment() noexcept;
-    /// A quoted string, which begins there. Appends its value to `value`: quotes and "\\" gone. A
-    /// quoted string that is not finished ends with the text. @throws std::bad_alloc
+    /// Passes over a quoted string, which must begin at the place, and appends what it stands for
+    /// to `value`, without quotes and backslashes. A quoted string that is not finished ends with
+    /// the text. @throws std::bad_alloc
     void take_quoted_string(std::string& value);
-    /// To the next semicolon outside quoted strings and comments, or to the end.
+    /// Moves to the next semicolon outside quoted strings and comments, or to the end.
     void skip_to_semicolon() noexcept;
-    /// To the next semicolon outside comments, or to the end.
+    /// Moves to the next semicolon outside comments, or to the end.
     void skip_to_semicolon_outside_comments() noexcept;
 
 private:

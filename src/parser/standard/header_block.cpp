@@ -32,7 +32,7 @@ field_kind kind_of(std::string_view name) noexcept {
     return field_kind::other;
 }
 
-/// Appends a line's text to a value, which has no white space at its front.
+/// Appends a line's text to a value, but no white space at the front of the value.
 void append_text(std::string& value, std::string_view text) {
     if (!value.empty()) {
         value += text;
@@ -56,12 +56,13 @@ void add_text(standard_state& state, std::string_view text) {
 void set_type(standard_state& state, const media_type& type) {
     MimeObj& entity = state.m_open.innermost();
     state.m_block.m_has_content_type = true;
-    if (type.m_type.empty()) return; // malformed: text/plain, as the entity is by now
+    if (type.m_type.empty()) return; // malformed: the entity stays text/plain
     entity.m_type = type.m_type;
     entity.m_subtype = type.m_subtype;
 }
 
-/// A parameter counts, and has a place in the record, as long as the memory limit leaves room.
+/// Counts a parameter and adds it to the field's record, if there is one, as long as the memory
+/// limit leaves room.
 void record_parameter(standard_state& state, const parameter& found) {
     header_memory& memory = state.m_tree.m_memory;
     if (!memory.has_room()) return;
@@ -96,7 +97,7 @@ void end_transfer_encoding(standard_state& state) {
     state.m_open.innermost().m_encoding = transfer_encoding(state.m_field_text);
 }
 
-/// Ends the field that the block is at, if it is at one.
+/// Ends the field that is being read, if there is one: its last line has come.
 void end_field(standard_state& state) {
     header_block_state& block = state.m_block;
     const field_kind kind = std::exchange(block.m_kind, field_kind::none);
@@ -133,8 +134,8 @@ bool is_digest(const MimeObj* entity) noexcept {
     return entity != nullptr && entity->m_multipart && is_word(entity->m_subtype, "digest");
 }
 
-/// Whether the body is a message as it stands. An encoded one is not there in bytes, so nothing of
-/// it has a place in the input: the host decodes it and fills another tree.
+/// Whether the body is a message that can be read where it stands. The lines of an encoded message
+/// have no place in the input: the host decodes it and fills another tree.
 bool holds_message(const MimeObj& entity) noexcept {
     if (!is_word(entity.m_type, "message")) return false;
     const auto is_among = [](std::string_view text, const auto& words) {

@@ -13,8 +13,9 @@ namespace mail_structure_detail::standard {
 /// @throws std::bad_alloc
 void on_header_line(standard_state& state, const input_line& line);
 
-/// Ends the header block: the entity's type is known then. A multipart's delimiter comes into
-/// force; of an encapsulated message the header block begins. @throws std::bad_alloc
+/// Ends the header block, after which the entity's type is known. A multipart's delimiter comes
+/// into force; in an entity that holds a message, that message opens with its own header block.
+/// @throws std::bad_alloc
 void end_header_block(standard_state& state);
 
 } // namespace mail_structure_detail::standard

@@ -27,15 +27,15 @@ hash_key make_key() noexcept {
         std::random_device source;
         return {random_word(source), random_word(source)};
     } catch (...) {
-        // A system without random numbers. Where the loader put this library, and the time, are
-        // still hard to know from outside.
+        // The system has no random numbers. The address at which this library was loaded and the
+        // time are still hard to guess for a sender.
         const auto place = reinterpret_cast<std::uintptr_t>(&make_key);
         const auto time = std::chrono::steady_clock::now().time_since_epoch().count();
         return {std::uint64_t{place}, static_cast<std::uint64_t>(time)};
     }
 }
 
-/// The four words of the hash's state.
+/// The four words of SipHash's state, which begins with constants of that hash.
 class sip_state {
 public:
     explicit sip_state(const hash_key& key) noexcept

@@ -6,7 +6,7 @@ namespace mail_structure_detail::standard {
 
 namespace {
 
-/// The epilogue of an entity is its own alone.
+/// The epilogue lines of an entity are not those of its ancestors.
 constexpr kept_text epilogue_text{&MailStructure::MimeObj::m_epilogue_text, keepers::innermost};
 
 line_run as_run(const input_line& line) noexcept {
@@ -59,8 +59,8 @@ void standard_grammar::on_delimiter_line(const input_line& line, const delimiter
     }
 }
 
-/// Ends the header block that is being read, if there is one, and that of an encapsulated message,
-/// which begins and ends with it.
+/// Ends the header block that is being read, if there is one. Where this opens an encapsulated
+/// message, the header block of that message is ended too.
 void standard_grammar::end_header_blocks() {
     while (m_state.m_phase == phase::header) end_header_block(m_state);
 }

@@ -36,7 +36,8 @@ public:
     /// line. @throws std::bad_alloc, and then no line of the run has been taken
     void take_run(const line_run& lines);
 
-    /// The input has ended, and with it all open entities and header blocks. @throws std::bad_alloc
+    /// To be called when the input has ended: ends the header block that is being read, if there is
+    /// one. @throws std::bad_alloc
     void end_input();
 
 private:
@@ -49,9 +50,9 @@ private:
     standard_state m_state;
 };
 
-// What follows is called for every line or run, and compiled into the loop over lines.
+// These functions are inline because the loop over lines calls them for every line or run.
 
-/// The line with its end taken off as these rules have it: all CRs before the LF.
+/// The line without all CRs before its LF: these rules count them to the end of the line.
 inline input_line without_crs(input_line line) noexcept {
     while (line.m_text.ends_with('\r')) line.m_text.remove_suffix(1);
     return line;
@@ -64,7 +65,8 @@ inline void standard_grammar::take_line(const input_line& line) {
         route(line);
 }
 
-/// Takes the line where it belongs: every line may be a delimiter line, whatever is open.
+/// Gives the line to the function of the phase, unless it is a delimiter line: any line may be one,
+/// those of a header block too, and of any open multipart.
 inline void standard_grammar::route(const input_line& line) {
     if (!m_state.m_delimiters.empty()) {
         if (const auto match = m_state.m_delimiters.match(line.m_text)) {

@@ -17,7 +17,7 @@ namespace mail_structure_detail::standard {
 /// Which kind of lines the innermost entity takes now.
 enum class phase : std::uint8_t { header, body, epilogue };
 
-/// What a header block's last field line began, which a folded line continues.
+/// What the last line of a header block belongs to. A folded line continues it.
 enum class field_kind : std::uint8_t {
     none, // no field: the block's beginning, or a line that was passed over
     content_type,
@@ -28,10 +28,10 @@ enum class field_kind : std::uint8_t {
 /// The header block that is being read. Begins anew with each entity.
 struct header_block_state {
     field_kind m_kind = field_kind::none;
-    MailStructure::header* m_record = nullptr; // of the last field; null where it has none
-    bool m_has_content_type = false;           // the field has been read; later ones do not count
-    bool m_has_encoding = false;
-    std::optional<std::string> m_boundary; // of a multipart
+    MailStructure::header* m_record = nullptr; // of the last field; null where that has none
+    bool m_has_content_type = false;           // one has been read; later ones do not count
+    bool m_has_encoding = false;               // the same for Content-Transfer-Encoding
+    std::optional<std::string> m_boundary;     // of a multipart
 };
 
 struct standard_state {
@@ -53,7 +53,7 @@ struct standard_state {
     delimiters_in_force m_delimiters;
     header_block_state m_block;
     /// The text of the Content-Type field, or of a Content-Transfer-Encoding field, so far: from
-    /// behind the colon, the line ends taken out.
+    /// just past the colon on, without line ends.
     std::string m_field_text;
 };
 

@@ -16,7 +16,7 @@
 
 namespace mail_structure_detail {
 
-/// An estimate of what the header fields take, held against the host's limit.
+/// An estimate of the memory that the header fields take, compared with the host's limit.
 // Kept: the estimate is 32-bit and wraps, and so does its sum with a line.
 // keeps_estimate_that_wraps
 struct header_memory {
@@ -34,16 +34,16 @@ struct header_memory {
 
 class growing_tree {
 public:
-    /// Takes over the message's old tree and clears its root. Reads the message's options, which do
-    /// not change the parse from here on.
+    /// Takes over the message's old tree and clears its root. Reads m_keep_text and m_memlimit; a
+    /// later change of them has no effect on this parse.
     /// @param unset_body  what tells that a body range has not been set yet
     /// @throws std::bad_alloc
     growing_tree(MailStructure& message, unset_by unset_body)
         : m_open(message.m_root, unset_body), m_memory(MailStructure::m_memlimit),
           m_keep_text(message.m_keep_text) {}
 
-    /// Counts a field of the innermost entity and adds its record. Null, and no record, where the
-    /// limit leaves no room.
+    /// Counts a field of the innermost entity, adds its record and returns it. Returns null, and
+    /// adds none, where the limit leaves no room.
     /// @param line_bytes  bytes of the field's first line, its terminator included
     /// @throws std::bad_alloc
     MailStructure::header* add_field(std::uint32_t line_bytes);
@@ -52,9 +52,9 @@ public:
     /// @throws std::bad_alloc
     void keep_line(const kept_text& kept, std::string_view text);
     /// Reserves what keep_run will need. Returns the run's text in the form in which it is kept;
-    /// nothing if no text is kept. @throws std::bad_alloc
+    /// an empty text if none is kept. @throws std::bad_alloc
     std::string_view make_room(const kept_text& kept, const line_run& lines);
-    /// Appends to a kept text. Cannot fail where room was made.
+    /// Appends what make_room returned to a kept text, if text is kept. Cannot fail.
     void keep_run(const kept_text& kept, std::string_view text);
 
     open_entities m_open;
@@ -62,7 +62,7 @@ public:
 
 private:
     const bool m_keep_text;
-    std::string m_room; // for the kept form of some lines
+    std::string m_room; // for lines in the form in which they are kept
 };
 
 inline MailStructure::header* growing_tree::add_field(std::uint32_t line_bytes) {

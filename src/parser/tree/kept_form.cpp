@@ -16,7 +16,7 @@ std::string_view text_of(std::string_view line) noexcept {
 
 std::string_view kept_form(std::string_view lines, std::string& room) {
     room.clear();
-    std::size_t copied = 0; // bytes of the lines that are in the room already
+    std::size_t copied = 0; // bytes of the lines that have been copied to the room
     std::size_t start = 0;  // of the present line
     for (std::size_t lf = lines.find('\n'); lf != std::string_view::npos;
          lf = lines.find('\n', start)) {

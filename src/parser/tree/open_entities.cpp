@@ -30,7 +30,7 @@ open_entities::open_entities(MimeObj& root, unset_by unset_body) try
 open_entities::~open_entities() { settle_from(0); }
 
 void open_entities::open() {
-    // First what may fail: a child that is in no account would not be settled with.
+    // What may fail comes first: nothing would ever be settled for a child without an account.
     if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
     assert(m_accounts.capacity() >= m_entities.capacity());
     m_entities.push_back(&m_accounts.back().m_records.next_child(innermost()));
@@ -54,7 +54,7 @@ void open_entities::finalize() noexcept {
 void open_entities::add_header_line(std::uint32_t start, std::uint32_t end) {
     assert(m_body_tally.m_lines == m_accounts.back().m_body_lines_before);
     add_contents_line_to_ancestors(start, end);
-    innermost().add_header(start, end); // no body line has come yet, so no range of it is owed
+    innermost().add_header(start, end); // it has no body line yet, so no range of it is owed
 }
 
 void open_entities::add_contents_line_to_ancestors(std::uint32_t start, std::uint32_t end) {
@@ -108,7 +108,7 @@ void open_entities::make_room(const kept_text& kept, std::size_t bytes) {
         std::string& text = m_entities[index]->*kept.m_member;
         const std::size_t needed = text.size() + bytes;
         if (needed > text.capacity())
-            text.reserve(std::max(needed, 2 * text.capacity())); // linear over many runs
+            text.reserve(std::max(needed, 2 * text.capacity())); // many runs cost linear time
     }
 }
 
@@ -137,14 +137,14 @@ void open_entities::reserve_depth(std::size_t depth) {
     m_entities.reserve(depth);
 }
 
-/// Pays what is owed to the open entities from index `count` on, and cuts off their old records.
+/// Pays what is owed to the open entities from index `first` on, and cuts off their old records.
 /// Allocates nothing.
-void open_entities::settle_from(std::size_t count) noexcept {
-    m_mime.release(m_entities, count);
-    m_body.release(m_entities, count);
-    m_epilogue.release(m_entities, count);
-    m_contents.release(m_entities, count);
-    for (std::size_t index = count; index < m_entities.size(); ++index) {
+void open_entities::settle_from(std::size_t first) noexcept {
+    m_mime.release(m_entities, first);
+    m_body.release(m_entities, first);
+    m_epilogue.release(m_entities, first);
+    m_contents.release(m_entities, first);
+    for (std::size_t index = first; index < m_entities.size(); ++index) {
         MimeObj& entity = *m_entities[index];
         const account& settled = m_accounts[index];
         const std::uint64_t body_lines = m_body_tally.m_lines - settled.m_body_lines_before;

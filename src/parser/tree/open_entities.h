@@ -45,7 +45,7 @@ struct line_tally {
 class open_entities {
 public:
     /// Begins with the root alone, cleared. The records of its descendants wait to be used again.
-    /// The root's tree outlives this object; nobody else adds to the tree meanwhile.
+    /// The root's tree must outlive this object, and nothing else may add to the tree meanwhile.
     /// @param unset_body  what tells that a body range has not been set yet
     /// @throws std::bad_alloc, and then the root is cleared and has no descendants
     open_entities(MailStructure::MimeObj& root, unset_by unset_body);
@@ -79,12 +79,12 @@ public:
     MailStructure::header& add_field() {
         return m_accounts.back().m_records.next_field(innermost());
     }
-    /// Adds a parameter to the field of the innermost entity that was added last; one was.
+    /// Adds a parameter to the innermost entity's last field, which must have been added before.
     /// @throws std::bad_alloc, and then the parameter is not in the tree
     void add_parameter(std::string_view name, std::string_view value) {
         m_accounts.back().m_records.next_parameter(innermost(), name, value);
     }
-    /// Closes the innermost entity. The root stays open: what would close it changes nothing.
+    /// Closes the innermost entity. Does nothing where that is the root, which stays open.
     void close();
     /// Finalizes all open entities, the root first, at the end of the input. None is closed.
     void finalize() noexcept;
@@ -101,11 +101,11 @@ public:
     void add_body_lines(const line_run& lines);
     /// Epilogue lines of the innermost entity and of all its ancestors.
     void add_epilogue_lines(const line_run& lines);
-    /// Epilogue lines of the innermost entity alone. An entity is given either these or the lines
-    /// of add_epilogue_lines.
+    /// Epilogue lines of the innermost entity alone. A set of rules uses either this function or
+    /// add_epilogue_lines.
     void add_own_epilogue_lines(const line_run& lines) noexcept;
-    /// Whether adding lines will allocate nothing. Adding lines never allocates before
-    /// watch_for_lapses, and after it only for the first lines of an entity.
+    /// Whether adding such lines will allocate nothing. Adding lines never allocates before
+    /// watch_for_lapses is called, and after that only for the first lines of an entity.
     bool takes_body_lines_freely() const noexcept;
     bool takes_epilogue_lines_freely() const noexcept;
     bool takes_own_epilogue_lines_freely() const noexcept;
@@ -116,7 +116,7 @@ public:
     /// @throws std::bad_alloc  where no room was made
     void keep_text(const kept_text& kept, std::string_view text);
 
-    /// To be called when the input has passed 4 GiB. @throws std::bad_alloc
+    /// To be called when the input has passed 4 GiB; see shared_range. @throws std::bad_alloc
     void watch_for_lapses();
 
 private:
@@ -128,7 +128,7 @@ private:
     };
 
     void reserve_depth(std::size_t depth);
-    void settle_from(std::size_t count) noexcept;
+    void settle_from(std::size_t first) noexcept;
     std::size_t first_keeper(const kept_text& kept) const noexcept;
 
     std::vector<MailStructure::MimeObj*> m_entities; // the root first, the innermost last

@@ -12,12 +12,12 @@ namespace {
 using MimeObj = MailStructure::MimeObj;
 using header = MailStructure::header;
 
-/// Gives back the storage of a string or vector, and what it holds, where that is too much to be
-/// handed on. The size tells how much of the storage the last message used: since then nothing was
-/// added, and what that message did not use was cut off.
-// Were a fixed size the only measure, a sender could let each message leave its long fields at
-// other places, until all of a million fields hold that size. The quarter ties what is held to the
-// size of the last message.
+/// Frees the storage of a string or vector, with its contents, where that is too much to be used
+/// again. The size says how much of the storage the last message used: nothing has been added
+/// since, and what that message did not use was cut off.
+// With a fixed limit alone, a sender could put the long fields of each message at other places,
+// until each of a million fields holds that much storage. The quarter ties what is held to the size
+// of the last message.
 template <class Container>
 void give_back_excess(Container& held) noexcept {
     const std::size_t capacity = held.capacity() * sizeof(typename Container::value_type);
@@ -30,7 +30,8 @@ void set_word(std::string& held, std::string_view word) {
     held = word; // fits into any string object
 }
 
-/// As a new entity, with the storage of the old one and its records. They are old records then.
+/// Makes a child like a new entity that has storage already. Its own children and fields stay, as
+/// old records.
 void reset_child(MimeObj& child) {
     give_back_excess(child.m_children);
     give_back_excess(child.m_headers);

@@ -9,9 +9,9 @@
 // cut off.
 //
 // Storage that is handed on from message to message must not pile up. So a record other than the
-// root gives back what exceeds `kept_always` and of which the last message used less than a
-// quarter, and anything beyond `kept_at_most`. The root gives nothing back, as MimeObj::clear
-// promises.
+// root frees the storage of a string or vector if there is more of it than `kept_at_most`, or more
+// than `kept_always` of which the last message used less than a quarter. The root frees nothing, as
+// MimeObj::clear promises.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
 #define MAIL_STRUCTURE_PARSER_TREE_REUSED_RECORDS_H
@@ -32,18 +32,18 @@ constexpr std::size_t kept_at_most = std::size_t{16} << 10U;
 /// Empties a field and returns it. Its parameters stay, as old records.
 MailStructure::header& reset_field(MailStructure::header& field) noexcept;
 
-/// Makes the entity's child at the index as good as new and returns it. The child's own children
+/// Makes the entity's child at the index like a new one and returns it. The child's own children
 /// and fields stay, as old records.
 MailStructure::MimeObj& reused_child(MailStructure::MimeObj& entity, std::size_t index);
 
-/// Destroys the records from index `in_use` on, the last one first: what is allocated next then
-/// lies in rising order.
+/// Destroys the records from index `in_use` on, the last one first: later allocations are then
+/// likely to lie in rising order in memory.
 template <class Record>
 void cut_off(std::vector<Record>& records, std::size_t in_use) noexcept {
     while (records.size() > in_use) records.pop_back();
 }
 
-/// Sets the parameter at the index of a field: in place of an old one, or as a new one behind all.
+/// Sets the parameter at the index of a field, in place of an old one or behind all others.
 /// @throws std::bad_alloc, and then the parameter there is in no usable state
 void set_parameter(MailStructure::header& field, std::size_t index, std::string_view name,
                    std::string_view value);

@@ -8,11 +8,10 @@ void shared_range::give_line(const entity_stack& open, std::size_t count, std::u
                              std::uint32_t end) {
     release(open, count);
     if (m_watching) restart_lapsed(open, start);
-    m_last_end =
-        end; // holds for all that are followed by then, also if the next step fails half way
-    // Ranges begin with this line, or stay unset after it: a body line at offset 0 does not set the
-    // body range, nor a line of 2^32 bytes any other. Whoever is not set is told each line until it
-    // is.
+    m_last_end = end; // set first: the loop may throw half way, and this holds for all it followed
+    // The ranges that are not followed begin with this line, or stay unset: a body line at offset 0
+    // does not set the body range of the classic rules, nor a line of 2^32 bytes any other. An
+    // entity whose range is unset is given each line until one sets it.
     for (std::size_t index = m_followed; index < count; ++index) {
         MailStructure::MimeObj& entity = *open[index];
         grow(entity, start, end);
@@ -40,7 +39,7 @@ void shared_range::watch_for_lapses(const entity_stack& open) {
 
 /// Begins anew, at the line that starts here, each followed range that has come to a length of 0.
 void shared_range::restart_lapsed(const entity_stack& open, std::uint32_t start) {
-    if (start == m_last_end) return; // they would begin where they begin now
+    if (start == m_last_end) return; // a range that has lapsed begins there already
     for (;;) {
         const auto lapsed = m_begins.lower_bound({m_last_end, 0});
         if (lapsed == m_begins.end() || lapsed->first != m_last_end) return;

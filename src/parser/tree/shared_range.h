@@ -9,12 +9,12 @@
 //
 //     root        followed      beg = 0      }
 //     multipart   followed      beg = 120    }  len = m_last_end - beg, owed
-//     new part    no line yet                   beg and len are as they stand
+//     new part    no line yet                   beg and len are up to date
 //
-// Past 4 GiB an entity can come to be exactly 2^32 bytes long. Its length is then 0, its range
-// counts as unset, and the next line sets its beginning anew. From there on the followed ranges are
-// also kept sorted by their beginning, so that such a lapse is found without a look at every
-// entity.
+// Past 4 GiB a range can come to be exactly 2^32 bytes long. Its length is then 0, so it counts as
+// unset: the range has lapsed, and the next line sets its beginning anew. Once the input has passed
+// 4 GiB, the followed ranges are also kept sorted by their beginning, so that a lapse is found
+// without a look at every entity.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
 #define MAIL_STRUCTURE_PARSER_TREE_SHARED_RANGE_H
@@ -32,7 +32,7 @@
 
 namespace mail_structure_detail {
 
-/// What tells that a range has not been set yet.
+/// What tells that a range has not been set yet: that its length, or its offset, is 0.
 enum class unset_by : std::uint8_t { length, offset };
 
 class shared_range {
@@ -50,8 +50,8 @@ public:
         assert(lines.m_lines > 0 && count <= open.size());
         if (m_followed != count || m_watching) {
             give_line(open, count, lines.m_start, lines.m_first_end);
-            // One first line may leave a range unset, the next cannot. They stand for the whole
-            // rest of the run.
+            // The first line may leave a range unset; the second cannot, so it may stand for all
+            // the rest of the run.
             if (lines.m_first_end != lines.m_end)
                 give_line(open, count, lines.m_first_end, lines.m_end);
         }
@@ -66,8 +66,8 @@ public:
     /// Writes what is owed to the entities from index `count` on, and follows them no longer.
     void release(const entity_stack& open, std::size_t count) noexcept;
 
-    /// To be called once the input has passed 4 GiB: from now on a range may lapse.
-    /// From then on a line costs the logarithm of the depth.
+    /// To be called once the input has passed 4 GiB: from then on a range may lapse, and a line
+    /// costs the logarithm of the depth. @throws std::bad_alloc
     void watch_for_lapses(const entity_stack& open);
 
 private:
@@ -82,10 +82,10 @@ private:
     member m_len;
     unset_by m_unset_by;
     bool m_watching = false;
-    std::size_t m_followed = 0;   // open entities, counted from the root
+    std::size_t m_followed = 0;   // how many open entities are followed, from the root on
     std::uint32_t m_last_end = 0; // where all followed ranges end
-    std::set<std::pair<std::uint32_t, std::size_t>>
-        m_begins; // of the followed, with their index; while watching
+    /// Where each followed range begins, with the index of its entity. Empty unless m_watching.
+    std::set<std::pair<std::uint32_t, std::size_t>> m_begins;
 };
 
 } // namespace mail_structure_detail
