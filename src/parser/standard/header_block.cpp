@@ -53,9 +53,7 @@ void add_text(standard_state& state, std::string_view text) {
 }
 
 /// The first Content-Type field says what the entity is.
-void set_type(standard_state& state, const media_type& type) {
-    MimeObj& entity = state.m_open.innermost();
-    state.m_block.m_has_content_type = true;
+void set_type(MimeObj& entity, const media_type& type) {
     if (type.m_type.empty()) return; // malformed: the entity stays text/plain
     entity.m_type = type.m_type;
     entity.m_subtype = type.m_subtype;
@@ -76,20 +74,17 @@ void end_content_type(standard_state& state) {
     if (block.m_record != nullptr) block.m_record->m_value = value_before_parameters(text);
     content_type_reader reader(text);
     const media_type type = reader.read_type();
-    const bool has_boundary = !block.m_has_content_type && is_word(type.m_type, "multipart");
-    if (!block.m_has_content_type) set_type(state, type);
+    const bool counts = !std::exchange(block.m_has_content_type, true);
+    if (counts) set_type(state.m_open.innermost(), type);
 
-    parameter found;
-    if (!has_boundary) {
-        while (reader.read_parameter(found)) record_parameter(state, found);
-        return;
-    }
+    const bool is_multipart = counts && is_word(type.m_type, "multipart");
     boundary_parameter boundary;
+    parameter found;
     while (reader.read_parameter(found)) {
         record_parameter(state, found);
-        boundary.take(found.m_name, found.m_value);
+        if (is_multipart) boundary.take(found.m_name, found.m_value);
     }
-    block.m_boundary = boundary.value();
+    if (is_multipart) block.m_boundary = boundary.value();
 }
 
 void end_transfer_encoding(standard_state& state) {
