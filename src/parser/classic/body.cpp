@@ -27,10 +27,6 @@ void open_part(classic_state& state, const input_line& line) {
     state.m_open.add_contents_line_to_ancestors(line.m_start, line.m_end);
 }
 
-line_run as_run(const input_line& line) noexcept {
-    return one_line(line.m_start, line.m_end, line.m_text.empty());
-}
-
 void add_body_line(classic_state& state, const input_line& line) {
     state.m_open.add_body_lines(as_run(line));
     state.m_tree.keep_line(body_text, line.m_text);

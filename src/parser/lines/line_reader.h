@@ -33,6 +33,11 @@ struct input_line {
     std::uint32_t m_end = 0;      // offset just past its LF, or past the last byte of the input
 };
 
+/// The line as a run of its own.
+inline line_run as_run(const input_line& line) noexcept {
+    return one_line(line.m_start, line.m_end, line.m_text.empty());
+}
+
 class line_reader {
 public:
     /// @param first_offset  offset of the first byte that the stream yields: 0, except in tests of

@@ -9,10 +9,6 @@ namespace {
 /// The epilogue lines of an entity are not those of its ancestors.
 constexpr kept_text epilogue_text{&MailStructure::MimeObj::m_epilogue_text, keepers::innermost};
 
-line_run as_run(const input_line& line) noexcept {
-    return one_line(line.m_start, line.m_end, line.m_text.empty());
-}
-
 void add_body_lines(standard_state& state, const line_run& lines) {
     state.m_open.add_contents_lines(lines);
     state.m_open.add_body_lines(lines);
