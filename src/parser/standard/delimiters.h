@@ -42,7 +42,7 @@ public:
     /// CRs. A delimiter line of several multiparts belongs to the innermost of them. Linear in the
     /// text.
     std::optional<delimiter_match> match(std::string_view line_text) const noexcept {
-        if (!line_text.starts_with("--")) return std::nullopt;
+        if (m_delimiters.empty() || !line_text.starts_with("--")) return std::nullopt;
         return match_dashed(line_text);
     }
 

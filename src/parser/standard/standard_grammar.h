@@ -68,11 +68,9 @@ inline void standard_grammar::take_line(const input_line& line) {
 /// Gives the line to the function of the phase, unless it is a delimiter line: any line may be one,
 /// those of a header block too, and of any open multipart.
 inline void standard_grammar::route(const input_line& line) {
-    if (!m_state.m_delimiters.empty()) {
-        if (const auto match = m_state.m_delimiters.match(line.m_text)) {
-            on_delimiter_line(line, *match);
-            return;
-        }
+    if (const auto match = m_state.m_delimiters.match(line.m_text)) {
+        on_delimiter_line(line, *match);
+        return;
     }
     switch (m_state.m_phase) {
     case phase::header: on_header_line(m_state, line); break;
