@@ -44,9 +44,9 @@ bool read_line(Grammar& grammar, line_reader& reader, input_line& line) {
 
 template <class Grammar>
 void fill_by(MailStructure& message, std::istream& in, std::uint32_t first_offset) {
-    growing_tree tree(message, Grammar::m_unset_body);
+    growing_tree tree(message, Grammar::unset_body);
     Grammar grammar(tree);
-    line_reader reader(in, first_offset, Grammar::m_names);
+    line_reader reader(in, first_offset, Grammar::names);
     input_line line;
     for (;;) {
         take_run(grammar, reader);

@@ -29,9 +29,9 @@ public:
     void take_line(const input_line& line);
 
     /// What a field name may be made of.
-    static constexpr field_names m_names = field_names::letters;
+    static constexpr field_names names = field_names::letters;
     /// What tells that a body range has not been set yet; see grow_body_range.
-    static constexpr unset_by m_unset_body = unset_by::offset;
+    static constexpr unset_by unset_body = unset_by::offset;
 
     /// Whether lines that are nothing but text may be taken together, and what ends such a run.
     std::optional<run_limits> may_take_run() const noexcept;

@@ -23,9 +23,9 @@ public:
     explicit standard_grammar(growing_tree& tree);
 
     /// What a field name may be made of.
-    static constexpr field_names m_names = field_names::printable;
+    static constexpr field_names names = field_names::printable;
     /// What tells that a body range has not been set yet.
-    static constexpr unset_by m_unset_body = unset_by::length;
+    static constexpr unset_by unset_body = unset_by::length;
 
     /// Takes one line. @throws std::bad_alloc
     void take_line(const input_line& line);
