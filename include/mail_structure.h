@@ -62,8 +62,9 @@
 /// and locks nothing.
 ///
 /// **Trust.** Names and values in a tree are bytes of the message, as hostile as their sender:
-/// escape them before they reach a terminal, a shell or a database. They hold no line terminator,
-/// and may hold any other control character.
+/// escape them before they reach a terminal, a shell or a database. They hold no LF, and under
+/// rules::classic no CR. Under rules::standard a CR may stand in them, and under both any other
+/// control character.
 struct MAIL_STRUCTURE_API MailStructure {
     struct MimeObj;
 
