@@ -58,7 +58,8 @@ TEST_P(failed_json, hands_on_no_piece_and_leaks_nothing) {
     std::istringstream stream(text);
     MailStructure message;
     message.Fill(stream);
-    const json_message source = {"a file name that is kept outside the string", text, 0,
+    const json_message source = {"a file name that is kept outside the string",
+                                 {text, MailStructure::rules::classic},
                                  message.m_root};
     for (const memory afterwards : {memory::comes_back, memory::stays_out}) {
         std::size_t failing = 0;

@@ -33,7 +33,7 @@ TEST(failed_message_file, tells_that_memory_is_out) {
             MailStructure message;
             const allocation_trap trap(failing, memory::comes_back);
             std::optional<input_fault> fault;
-            EXPECT_NO_THROW(fault = file.parse(message)) << failing;
+            EXPECT_NO_THROW(fault = file.parse(message, MailStructure::rules::classic)) << failing;
             has_failed = trap.has_sprung();
             EXPECT_EQ(fault ? fault->m_what : "", has_failed ? "cannot parse: out of memory" : "")
                 << failing;

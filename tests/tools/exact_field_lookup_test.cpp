@@ -6,11 +6,19 @@
 #include "support/parse.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 
 namespace {
 
-MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
+using rules = MailStructure::rules;
+
+MailStructure parse(const std::string& input, rules by = rules::classic) {
+    MailStructure message;
+    std::istringstream stream(input);
+    EXPECT_EQ(test_support::fill(message, stream, 0, by), "");
+    return message;
+}
 
 TEST(field, is_found_by_its_whole_name_alone) {
     const MailStructure message = parse("Subject-Line: no\n"
@@ -59,10 +67,6 @@ const body_case body_cases[] = {
      "Content-Transfer-Encoding:\n"
      " base64\n",
      "base64", "", ""},
-    {"last_of_two",
-     "Content-Type: a/b; charset=c\n"
-     "Content-Type: d/e; charset=f\n",
-     "", "f", ""},
     {"longer_names_are_others",
      "Content-Transfer-Encoding-X: base64\n"
      "Content-Type-X: a/b; charset=c\n",
@@ -76,15 +80,57 @@ const body_case body_cases[] = {
      "c; d"},
 };
 
+void check(const body_case& row, rules by) {
+    SCOPED_TRACE(row.m_name);
+    const std::string input = std::string(row.m_fields) + "X: y\n\nbody\n";
+    const MailStructure message = parse(input, by);
+    EXPECT_EQ(transfer_encoding_of(message.m_root, by), row.m_encoding);
+    EXPECT_EQ(charset_of(message.m_root, {input, by}), row.m_charset);
+    EXPECT_EQ(file_name_of(message.m_root, {input, by}), row.m_file_name);
+}
+
 TEST(field, tells_encoding_charset_and_file_name) {
     for (const body_case& row : body_cases) {
-        SCOPED_TRACE(row.m_name);
-        const std::string input = std::string(row.m_fields) + "X: y\n\nbody\n";
-        const MailStructure message = parse(input);
-        EXPECT_EQ(transfer_encoding_of(message.m_root), row.m_encoding);
-        EXPECT_EQ(charset_of(message.m_root, input), row.m_charset);
-        EXPECT_EQ(file_name_of(message.m_root, input), row.m_file_name);
+        check(row, rules::standard);
+        check(row, rules::classic);
     }
+}
+
+const body_case classic_cases[] = {
+    {"last_of_two",
+     "Content-Type: a/b; charset=c\n"
+     "Content-Type: d/e; charset=f\n"
+     "Content-Transfer-Encoding: base64\n"
+     "Content-Transfer-Encoding: 8bit\n"
+     "Content-Disposition: a; filename=g\n"
+     "Content-Disposition: a; filename=h\n",
+     "8bit", "f", "h"},
+    {"all_but_comments_is_the_encoding", "Content-Transfer-Encoding: a b(c)\n", "a b", "", ""},
+    {"no_encoding_in_the_field", "Content-Transfer-Encoding: (x)\n", "", "", ""},
+    {"backslashes_of_a_path", "Content-Type: a/b; name=\"C:\\new\"\n", "", "", "C:\\new"},
+};
+
+const body_case standard_cases[] = {
+    {"first_of_two",
+     "Content-Type: a/b; charset=c\n"
+     "Content-Type: d/e; charset=f\n"
+     "Content-Transfer-Encoding: base64\n"
+     "Content-Transfer-Encoding: 8bit\n"
+     "Content-Disposition: a; filename=g\n"
+     "Content-Disposition: a; filename=h\n",
+     "base64", "c", "g"},
+    {"first_token_is_the_encoding", "Content-Transfer-Encoding: (x) a b\n", "a", "", ""},
+    {"no_encoding_in_the_field", "Content-Transfer-Encoding: (x)\n", "7bit", "", ""},
+    {"names_in_pieces_that_are_encoded",
+     "Content-Type: a/b; name*1*=%A4.txt; name*0*=utf-8''%C3;\n"
+     " charset (which?) = \"utf\\-8\" (this)\n",
+     "", "utf-8", "\u00e4.txt"},
+    {"of_a_malformed_field", "Content-Type: ; name=a\n", "", "", "a"},
+};
+
+TEST(field, that_counts_is_the_first_by_the_standard_rules_and_the_last_by_the_classic_ones) {
+    for (const body_case& row : standard_cases) check(row, rules::standard);
+    for (const body_case& row : classic_cases) check(row, rules::classic);
 }
 
 TEST(field, that_lies_outside_the_bytes_gives_nothing) {
@@ -92,7 +138,8 @@ TEST(field, that_lies_outside_the_bytes_gives_nothing) {
                               "\n"
                               "x\n";
     const MailStructure message = parse(input);
-    EXPECT_EQ(charset_of(message.m_root, input.substr(0, 20)), "");
+    const std::string beginning = input.substr(0, 20);
+    EXPECT_EQ(charset_of(message.m_root, {beginning, rules::classic}), "");
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <streambuf>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -22,10 +23,11 @@ namespace {
 constexpr unsigned strict = rapidjson::kParseValidateEncodingFlag | rapidjson::kParseIterativeFlag;
 
 std::string json_of(const MailStructure::MimeObj& root, json_form form,
-                    const std::string& file_name = "file") {
+                    const std::string& file_name = "file",
+                    MailStructure::rules by = MailStructure::rules::standard) {
     std::ostringstream text;
     json_output output(text);
-    write_json(output, {file_name, "", 0, root}, form);
+    write_json(output, {file_name, {"", by}, root}, form);
     return text.str();
 }
 
@@ -354,7 +356,7 @@ TEST_P(depth, is_not_walked_to_its_end_for_an_output_that_takes_no_more) {
     full_buffer buffer(json_output::block_size + 1);
     std::ostream stream(&buffer);
     json_output output(stream);
-    write_json(output, {"file", "", 0, root}, GetParam());
+    write_json(output, {"file", {}, root}, GetParam());
     EXPECT_TRUE(output.is_refused());
     EXPECT_EQ(buffer.asked(), 2 * json_output::block_size);
 }

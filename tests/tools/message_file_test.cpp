@@ -15,6 +15,7 @@ namespace {
 
 MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
 using test_support::tree_text;
+using rules = MailStructure::rules;
 
 /// A file with these contents that is removed when this object ends.
 class temporary_file {
@@ -69,6 +70,14 @@ const start_case start_cases[] = {
      "from a\n"
      "A: b\n",
      0},
+    {"field_with_a_blank_before_its_colon",
+     "From : a\n"
+     "\n",
+     0},
+    {"colon_in_the_line",
+     "From a : b\n"
+     "A: b\n",
+     11},
     {"quoted",
      ">From a\n"
      "A: b\n",
@@ -92,7 +101,7 @@ TEST(message_file, begins_past_a_separator_line) {
         EXPECT_EQ(file.message_start(), row.m_start);
         EXPECT_EQ(file.bytes(), row.m_contents);
         MailStructure message;
-        EXPECT_FALSE(file.parse(message));
+        EXPECT_FALSE(file.parse(message, rules::classic));
         EXPECT_TRUE(message.m_done);
     }
 }
@@ -119,7 +128,7 @@ TEST(message_file, counts_all_offsets_from_the_start_of_the_file) {
     const temporary_file on_disk(separator + nested);
     message_file file(on_disk.name());
     MailStructure message;
-    ASSERT_FALSE(file.parse(message));
+    ASSERT_FALSE(file.parse(message, rules::classic));
 
     MailStructure expected = parse(nested);
     move_ranges(expected.m_root, static_cast<std::uint32_t>(separator.size()));
@@ -256,25 +265,50 @@ TEST(message_file, tells_what_is_wrong_and_where) {
         SCOPED_TRACE(row.m_name);
         const temporary_file on_disk(row.m_contents);
         MailStructure message;
-        const std::optional<input_fault> fault = message_file(on_disk.name()).parse(message);
+        const std::optional<input_fault> fault =
+            message_file(on_disk.name()).parse(message, rules::classic);
         EXPECT_EQ(fault ? fault->m_what : "", row.m_what);
         EXPECT_EQ(fault ? fault->m_offset : 0, row.m_offset);
+    }
+}
+
+TEST(message_file, has_no_fault_by_the_standard_rules) {
+    for (const fault_case& row : fault_cases) {
+        SCOPED_TRACE(row.m_name);
+        const temporary_file on_disk(row.m_contents);
+        MailStructure message;
+        EXPECT_FALSE(message_file(on_disk.name()).parse(message, rules::standard));
+        EXPECT_TRUE(message.m_done);
+    }
+}
+
+TEST(message_file, leaves_a_separator_line_out_by_any_rules) {
+    const temporary_file on_disk("From ada Mon\n>From b\nA: b\n\nx\n");
+    for (const rules by : {rules::classic, rules::standard}) {
+        message_file file(on_disk.name());
+        MailStructure message;
+        ASSERT_FALSE(file.parse(message, by));
+        EXPECT_EQ(file.message_start(), 13U);
+        EXPECT_EQ(message.m_root.m_mime_beg, 13U);
+        EXPECT_EQ(message.m_root.m_headers.size(), by == rules::standard ? 1U : 0U);
     }
 }
 
 TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
     MailStructure message;
     const std::optional<input_fault> missing =
-        message_file(testing::TempDir() + "no/such/file").parse(message);
+        message_file(testing::TempDir() + "no/such/file").parse(message, rules::classic);
     ASSERT_TRUE(missing);
     EXPECT_EQ(missing->m_what, "cannot open: No such file or directory");
-    const std::optional<input_fault> folder = message_file(testing::TempDir()).parse(message);
+    const std::optional<input_fault> folder =
+        message_file(testing::TempDir()).parse(message, rules::classic);
     ASSERT_TRUE(folder);
     EXPECT_EQ(folder->m_what, "cannot read: Is a directory");
 
     const temporary_file on_disk("");
     ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);
-    const std::optional<input_fault> large = message_file(on_disk.name()).parse(message);
+    const std::optional<input_fault> large =
+        message_file(on_disk.name()).parse(message, rules::classic);
     ASSERT_TRUE(large);
     EXPECT_EQ(large->m_what,
               "too big: no more than 4294967295 bytes can be read, and the input goes on");

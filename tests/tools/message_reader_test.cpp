@@ -46,7 +46,7 @@ const std::string large = multipart + repeated("--b\nA: b\n\nx\n", 100000); // m
 
 TEST(message_reader, gives_each_file_its_own_tree) {
     const rewritten_file file;
-    message_reader reader;
+    message_reader reader(MailStructure::rules::classic);
     for (const std::string& contents : {small, parts, large, parts, small, large, large, small}) {
         ASSERT_TRUE(reader.read(file.with(contents)));
         EXPECT_EQ(reader.file().bytes(), contents);
@@ -57,7 +57,7 @@ TEST(message_reader, gives_each_file_its_own_tree) {
 
 TEST(message_reader, moves_the_ranges_of_an_mbox_file_and_of_no_other) {
     const rewritten_file file;
-    message_reader reader;
+    message_reader reader(MailStructure::rules::classic);
     for (const std::string separator : {"", "From ada\n", ""}) {
         ASSERT_TRUE(reader.read(file.with(separator + small)));
         EXPECT_EQ(reader.message().m_root.m_headers.at(0).m_beg, separator.size());
@@ -68,7 +68,7 @@ TEST(message_reader, moves_the_ranges_of_an_mbox_file_and_of_no_other) {
 TEST(message_reader, holds_the_text_if_it_is_told_to) {
     const rewritten_file file;
     for (const bool keep_text : {false, true}) {
-        message_reader reader(keep_text);
+        message_reader reader(MailStructure::rules::classic, keep_text);
         for (const std::string& contents : {large, small, small}) {
             ASSERT_TRUE(reader.read(file.with(contents)));
             EXPECT_EQ(reader.message().m_root.m_body_text.empty(), !keep_text);
@@ -77,9 +77,23 @@ TEST(message_reader, holds_the_text_if_it_is_told_to) {
     }
 }
 
+TEST(message_reader, reads_by_the_rules_that_it_is_given) {
+    const rewritten_file file;
+    const std::string& name = file.with("From ada\nX-2: y\nSubject: z\n\nx\n");
+    for (const auto by : {MailStructure::rules::classic, MailStructure::rules::standard}) {
+        message_reader reader(by);
+        ASSERT_TRUE(reader.read(name));
+        EXPECT_EQ(reader.message().m_root.m_headers.size(),
+                  by == MailStructure::rules::standard ? 2U : 0U);
+        EXPECT_EQ(reader.source().m_rules, by);
+        EXPECT_EQ(reader.source().m_message_start, 9U);
+        EXPECT_EQ(reader.source().m_bytes, reader.file().bytes());
+    }
+}
+
 TEST(message_reader, complains_once_and_reads_the_next_file) {
     const rewritten_file file;
-    message_reader reader;
+    message_reader reader(MailStructure::rules::classic);
     ASSERT_TRUE(reader.read(file.with(parts)));
     const std::string name = file.with("A: b\n\na\rb\n");
     testing::internal::CaptureStderr();

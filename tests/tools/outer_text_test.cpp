@@ -1,19 +1,41 @@
 // The text before the first part of a multipart and the text after its last part.
 
 #include "common/outer_text.h"
+#include "support/escape.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
+#include "support/standard_message_generator.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace {
 
-MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
+using rules = MailStructure::rules;
+
+MailStructure parse(const std::string& input, rules by = rules::classic) {
+    MailStructure message;
+    std::istringstream stream(input);
+    test_support::fill(message, stream, 0, by); // of a message at fault, what was read before
+    return message;
+}
+
+std::string cut(const std::string& input, const byte_range& range) {
+    return input.substr(range.m_offset, range.m_length);
+}
+
+std::string preamble_in(const std::string& input, const MailStructure::MimeObj& entity, rules by) {
+    return cut(input, preamble_of(entity, {input, by}));
+}
+
+std::string epilogue_in(const std::string& input, const MailStructure::MimeObj& entity, rules by) {
+    return cut(input, epilogue_of(entity, {input, by}));
+}
 
 struct outer_case {
     const char* m_name;
@@ -119,6 +141,17 @@ const outer_case cases[] = {
      "--b\n"
      "A: b\n",
      "before\n", ""},
+    {"no_final_newline",
+     "before\n"
+     "--b\n"
+     "\n"
+     "x\n"
+     "--b--\n"
+     "after",
+     "before\n", "after"},
+};
+
+const outer_case classic_cases[] = {
     {"part_after_the_closing_line",
      "before\n"
      "--b--\n"
@@ -132,27 +165,97 @@ const outer_case cases[] = {
      "--b\n"
      "A: b\n",
      "before\n", "after\n"},
-    {"no_final_newline",
+};
+
+const outer_case standard_cases[] = {
+    {"separator_after_the_closing_line",
+     "before\n"
+     "--b--\n"
+     "--b\n"
+     "A: b\n",
+     "before\n",
+     "--b\n"
+     "A: b\n"},
+    {"separator_after_the_epilogue",
+     "before\n"
+     "--b--\n"
+     "after\n"
+     "--b\n"
+     "A: b\n",
+     "before\n",
+     "after\n"
+     "--b\n"
+     "A: b\n"},
+    {"closing_line_after_parts_of_one_empty_line",
      "before\n"
      "--b\n"
      "\n"
-     "x\n"
-     "--b--\n"
-     "after",
-     "before\n", "after"},
+     "--b\n"
+     "\n"
+     "--b--\n",
+     "before\n", ""},
 };
 
-std::string cut(const std::string& input, const byte_range& range) {
-    return input.substr(range.m_offset, range.m_length);
+void check(const std::string& input, const outer_case& row, rules by) {
+    SCOPED_TRACE(row.m_name);
+    const MailStructure message = parse(input, by);
+    EXPECT_EQ(preamble_in(input, message.m_root, by), row.m_preamble);
+    EXPECT_EQ(epilogue_in(input, message.m_root, by), row.m_epilogue);
 }
 
 TEST(outer_text, is_what_no_part_holds) {
     for (const outer_case& row : cases) {
-        SCOPED_TRACE(row.m_name);
-        const std::string input = header + row.m_body;
-        const MailStructure message = parse(input);
-        EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), row.m_preamble);
-        EXPECT_EQ(cut(input, epilogue_of(message.m_root, input)), row.m_epilogue);
+        check(header + row.m_body, row, rules::classic);
+        check(header + row.m_body, row, rules::standard);
+    }
+    for (const outer_case& row : classic_cases) check(header + row.m_body, row, rules::classic);
+    for (const outer_case& row : standard_cases) check(header + row.m_body, row, rules::standard);
+}
+
+/// The boundary is "a b" in each of them.
+const char* const fields[] = {
+    "Content-Type: multipart/mixed; boundary=\"a b\"\n",
+    "Content-Type: multipart/mixed; boundary=\"a b \"\n",
+    "Content-Type: multipart/mixed; boundary=a b (x;y)\n",
+    "Content-Type: multipart/mixed; boundary*=us-ascii'en'a%20b\n",
+    "Content-Type: multipart/mixed; boundary*1*=%20b; boundary*0=a\n",
+    "Content-Type: multipart/mixed (x; boundary=c);\n boundary =\n \"\\a\n b\n",
+    "X: y\nno field\nContent-Type: multipart/mixed; boundary=\"a b\"\nContent-Type: a/b\n",
+};
+
+TEST(outer_text, is_found_for_every_form_of_a_boundary) {
+    for (const std::string field : fields) {
+        SCOPED_TRACE(field);
+        for (const std::string blanks : {"", " ", "\t \r"}) {
+            const std::string separator = "--a b" + blanks + "\n";
+            const std::string closing = "--a b--" + blanks + "\n";
+            check(field + "\nx\n--a bc\n" + separator + "\ny\n" + closing + "z\n",
+                  {"parts", "", "x\n--a bc\n", "z\n"}, rules::standard);
+            check(field + "\nx\n" + separator + separator + closing,
+                  {"parts_without_lines", "", "x\n", ""}, rules::standard);
+            check(field + "\nx\n" + separator, {"open_part_without_lines", "", "x\n", ""},
+                  rules::standard);
+            check(field + "\nx\n" + closing + "z\n", {"no_parts", "", "x\n", "z\n"},
+                  rules::standard);
+            check(field + "\nx\n" + closing, {"no_parts_and_no_epilogue", "", "x\n", ""},
+                  rules::standard);
+            check(field + "\n" + closing, {"closing_line_alone", "", "", ""}, rules::standard);
+            check(field + "\nx\n--a b--" + blanks, {"closing_line_without_an_end", "", "x\n", ""},
+                  rules::standard);
+        }
+        check(field + "\nx\n--a b-- c\n", {"not_closed", "", "x\n--a b-- c\n", ""},
+              rules::standard);
+        check(field + "\n--c--", {"not_closed", "", "--c--", ""}, rules::standard);
+    }
+}
+
+TEST(outer_text, of_a_multipart_that_another_one_ends) {
+    const std::string outer = header + "--b\nContent-Type: multipart/mixed; boundary*=''c\n\nx\n";
+    for (const std::string last : {"--c-- \n", "", "--b \n--b\n"}) {
+        SCOPED_TRACE(last);
+        const std::string input = outer + last + "--b--\n";
+        const MailStructure message = parse(input, rules::standard);
+        EXPECT_EQ(preamble_in(input, message.m_root.m_children.at(0), rules::standard), "x\n");
     }
 }
 
@@ -168,13 +271,16 @@ TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
                                 "--c--\n"
                                 "two\n"
                               + "--b\n\ny\n--b--\n";
-    const MailStructure message = parse(input);
-    const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
-    EXPECT_EQ(cut(input, preamble_of(inner, input)), "one\n");
-    EXPECT_EQ(cut(input, epilogue_of(inner, input)), "two\n");
-    EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
-    EXPECT_NE(message.m_root.m_epilogue_len, 0U); // the library's range holds the inner epilogue
-    EXPECT_EQ(epilogue_of(message.m_root, input).m_length, 0U);
+    for (const rules by : {rules::classic, rules::standard}) {
+        const MailStructure message = parse(input, by);
+        const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
+        EXPECT_EQ(preamble_in(input, inner, by), "one\n");
+        EXPECT_EQ(epilogue_in(input, inner, by), "two\n");
+        EXPECT_EQ(preamble_in(input, message.m_root, by), "");
+        // The library's range holds the inner epilogue by the classic rules.
+        EXPECT_EQ(message.m_root.m_epilogue_len != 0, by == rules::classic);
+        EXPECT_EQ(epilogue_in(input, message.m_root, by), "");
+    }
 }
 
 TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
@@ -184,13 +290,12 @@ TEST(outer_text, after_an_epilogue_within_begins_past_the_closing_line) {
         SCOPED_TRACE(after);
         const std::string input = part + "--b--\n" + after;
         const MailStructure message = parse(input);
-        EXPECT_EQ(cut(input, epilogue_of(message.m_root.m_children.at(0), input)), "\n");
-        EXPECT_EQ(cut(input, epilogue_of(message.m_root, input)), after);
+        EXPECT_EQ(epilogue_in(input, message.m_root.m_children.at(0), rules::classic), "\n");
+        EXPECT_EQ(epilogue_in(input, message.m_root, rules::classic), after);
     }
     const MailStructure open = parse(part + "after");
-    EXPECT_EQ(cut(part + "after", epilogue_of(open.m_root.m_children.at(0), part + "after")),
-              "\nafter");
-    EXPECT_EQ(epilogue_of(open.m_root, part + "after").m_length, 0U);
+    EXPECT_EQ(epilogue_in(part + "after", open.m_root.m_children.at(0), rules::classic), "\nafter");
+    EXPECT_EQ(epilogue_of(open.m_root, {part + "after", rules::classic}).m_length, 0U);
 }
 
 TEST(outer_text, begins_with_the_last_boundary_of_several) {
@@ -201,7 +306,7 @@ TEST(outer_text, begins_with_the_last_boundary_of_several) {
                               "\n"
                               "x\n";
     const MailStructure message = parse(input);
-    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--b\n");
+    EXPECT_EQ(preamble_in(input, message.m_root, rules::classic), "--b\n");
 }
 
 TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
@@ -213,7 +318,7 @@ TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
                               "\n"
                               "x\n";
     const MailStructure message = parse(input);
-    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "--c\n");
+    EXPECT_EQ(preamble_in(input, message.m_root, rules::classic), "--c\n");
 }
 
 TEST(outer_text, is_none_of_what_is_no_multipart) {
@@ -223,14 +328,15 @@ TEST(outer_text, is_none_of_what_is_no_multipart) {
                               "\n"
                               "x\n";
     const MailStructure message = parse(input);
-    EXPECT_EQ(preamble_of(message.m_root, input).m_length, 0U);
-    EXPECT_EQ(preamble_of(message.m_root.m_children.at(0), input).m_length, 0U);
+    EXPECT_EQ(preamble_of(message.m_root, {input, rules::classic}).m_length, 0U);
+    EXPECT_EQ(preamble_of(message.m_root.m_children.at(0), {input, rules::classic}).m_length, 0U);
 }
 
 TEST(outer_text, is_looked_for_in_no_bytes_beyond_the_end) {
     const std::string input = header + "before\n--b\n\nx\n";
     const MailStructure message = parse(input);
-    EXPECT_EQ(preamble_of(message.m_root, std::string_view(input).substr(0, 3)).m_length, 0U);
+    const std::string beginning = input.substr(0, 3);
+    EXPECT_EQ(preamble_of(message.m_root, {beginning, rules::classic}).m_length, 0U);
 }
 
 TEST(outer_text, costs_no_more_than_the_length_of_the_message) {
@@ -240,9 +346,12 @@ TEST(outer_text, costs_no_more_than_the_length_of_the_message) {
     for (std::size_t parameter = 0; parameter < count; ++parameter) input += ";b=b";
     input += "\n\nbefore\n";
     for (std::size_t part = 0; part < count; ++part) input += "--b\n";
-    const MailStructure message = parse(input);
-    ASSERT_EQ(message.m_root.m_children.size(), count);
-    EXPECT_EQ(cut(input, preamble_of(message.m_root, input)), "before\n");
+    for (const rules by : {rules::classic, rules::standard}) {
+        if (by == rules::standard) input.replace(input.find("=c"), 2, "=b"); // its first counts
+        const MailStructure message = parse(input, by);
+        ASSERT_EQ(message.m_root.m_children.size(), count);
+        EXPECT_EQ(preamble_in(input, message.m_root, by), "before\n");
+    }
 }
 
 using child_path = std::vector<std::size_t>; // indices from the root on
@@ -258,42 +367,59 @@ const MailStructure::MimeObj* entity_at(const MailStructure::MimeObj& root,
     return entity;
 }
 
-/// The contents that the entity has in the longest beginning of the input, cut at a line, in which
-/// it has no part and no epilogue.
-std::string contents_before_parts(const std::string& input, const child_path& path) {
+/// The contents of the entity before its first part and its closing line. They are found by parsing
+/// longer and longer beginnings of the input, each once more with a line that may be epilogue.
+std::string contents_before_parts(const std::string& input, const child_path& path, rules by) {
     std::string contents;
     for (std::size_t end = 0; end < input.size();) {
         end = std::min(input.find('\n', end), input.size() - 1) + 1;
-        const MailStructure message = parse(input.substr(0, end));
+        const std::string beginning = input.substr(0, end);
+        const MailStructure message = parse(beginning, by);
         const MailStructure::MimeObj* const entity = entity_at(message.m_root, path);
-        if (entity == nullptr) continue;
+        if (entity == nullptr || !entity->m_multipart) continue; // not yet
         if (!entity->m_children.empty() || entity->m_epilogue_len != 0) break;
+        const std::string line_end = beginning.back() == '\n' ? "" : "\n";
+        const MailStructure longer = parse(beginning + line_end + "x\n", by);
+        if (entity_at(longer.m_root, path)->m_epilogue_len != 0) break;
         contents = input.substr(entity->m_contents_beg, entity->m_contents_len);
     }
     return contents;
 }
 
-TEST(outer_text, of_random_messages_is_what_they_have_before_the_first_part) {
-    std::uint64_t preambles = 0;
-    for (std::uint64_t seed = 1; seed <= 3000 && !testing::Test::HasFailure(); ++seed) {
-        const std::string input = test_support::generate_message(seed).m_input;
-        const test_support::parse_outcome parsed = test_support::parse(input);
-        if (!parsed.m_error.empty()) continue;
-        std::vector<child_path> waiting = {{}};
-        while (!waiting.empty()) {
-            child_path path = std::move(waiting.back());
-            waiting.pop_back();
-            const MailStructure::MimeObj& entity = *entity_at(parsed.m_message.m_root, path);
-            const std::string preamble = cut(input, preamble_of(entity, input));
-            if (entity.m_multipart && !entity.m_message) {
-                EXPECT_EQ(preamble, contents_before_parts(input, path)) << "seed " << seed;
-            }
-            preambles += preamble.empty() ? 0 : 1;
-            path.push_back(0);
-            for (; path.back() < entity.m_children.size(); ++path.back()) waiting.push_back(path);
+/// Compares the preambles of all multiparts in the message. Returns how many there are.
+std::size_t check_preambles(const std::string& input, rules by) {
+    std::size_t preambles = 0;
+    const MailStructure message = parse(input, by);
+    std::vector<child_path> waiting = {{}};
+    while (!waiting.empty()) {
+        child_path path = std::move(waiting.back());
+        waiting.pop_back();
+        const MailStructure::MimeObj& entity = *entity_at(message.m_root, path);
+        const std::string preamble = preamble_in(input, entity, by);
+        if (entity.m_multipart && !entity.m_message) {
+            EXPECT_EQ(preamble, contents_before_parts(input, path, by));
         }
+        preambles += preamble.empty() ? 0 : 1;
+        path.push_back(0);
+        for (; path.back() < entity.m_children.size(); ++path.back()) waiting.push_back(path);
     }
-    EXPECT_GT(preambles, 100U);
+    return preambles;
+}
+
+TEST(outer_text, of_random_messages_is_what_they_have_before_the_first_part) {
+    for (const rules by : {rules::classic, rules::standard}) {
+        std::size_t preambles = 0;
+        for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
+            const std::string input = by == rules::standard
+                                          ? test_support::generate_standard_message(seed).m_input
+                                          : test_support::generate_message(seed).m_input;
+            if (!test_support::parse(input).m_error.empty() && by == rules::classic) continue;
+            preambles += check_preambles(input, by);
+            if (testing::Test::HasFailure())
+                FAIL() << "seed " << seed << ": " << test_support::escaped(input);
+        }
+        EXPECT_GT(preambles, 100U);
+    }
 }
 
 } // namespace

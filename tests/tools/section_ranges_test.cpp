@@ -6,10 +6,12 @@
 #include "support/escape.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
+#include "support/standard_message_generator.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -32,10 +34,17 @@ section_place find(const MimeObj& root, const std::string& name) {
                                                         : section_place{&root};
 }
 
-std::string bytes_of(const std::string& input, const std::string& name) {
-    const test_support::parse_outcome parsed = test_support::parse(input);
-    const MimeObj& root = parsed.m_message.m_root;
-    const byte_range range = section_ranges(root, input, 0).of(find(root, name));
+/// Parses the message, and returns what Fill has thrown, if anything.
+std::string parse(MailStructure& message, const std::string& input, MailStructure::rules by) {
+    std::istringstream stream(input);
+    return test_support::fill(message, stream, 0, by);
+}
+
+std::string bytes_of(const std::string& input, const std::string& name, MailStructure::rules by) {
+    MailStructure message;
+    EXPECT_EQ(parse(message, input, by), "");
+    section_ranges ranges(message.m_root, {input, by});
+    const byte_range range = ranges.of(find(message.m_root, name));
     return input.substr(range.m_offset, range.m_length);
 }
 
@@ -45,6 +54,8 @@ struct bytes_case {
     const char* m_section;
     const char* m_bytes;
 };
+
+// ---- The same by both sets of rules
 
 constexpr const char* two_parts = "Content-Type: multipart/mixed; boundary=X\n"
                                   "\n"
@@ -127,27 +138,7 @@ const bytes_case bytes_cases[] = {
     {"message_without_a_header", messages, "3",
      "Hi there\n"
      "(ho)"},
-    {"no_header", messages, "3.HEADER", ""},
-    {"text_without_a_header", messages, "3.TEXT",
-     "Hi there\n"
-     "(ho)"},
 
-    {"no_header_at_all",
-     "Hi there\n"
-     "(ho)\n",
-     "HEADER", ""},
-    {"text_from_the_first_byte",
-     "Hi there\n"
-     "(ho)\n",
-     "TEXT",
-     "Hi there\n"
-     "(ho)\n"},
-    {"part_from_the_first_byte",
-     "Hi there\n"
-     "(ho)\n",
-     "1",
-     "Hi there\n"
-     "(ho)\n"},
     {"empty_line_first", "\nhi\n", "HEADER", "\n"},
     {"only_a_header",
      "a: b\n"
@@ -227,18 +218,6 @@ const bytes_case bytes_cases[] = {
      "--X\n"
      "--X--\n",
      "1.MIME", ""},
-    {"fields_behind_the_empty_line_that_was_dropped",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--X--\n",
-     "1.MIME",
-     "a: b\n"
-     "\n"},
 
     {"multipart_with_its_epilogue",
      "Content-Type: multipart/mixed; boundary=X\n"
@@ -328,14 +307,6 @@ const bytes_case bytes_cases[] = {
      "\n"
      "--X--\n",
      "1", "Hi there\n"},
-    {"dropped_line_at_the_end_of_the_file",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Hi there\n"
-     "\n",
-     "1.TEXT",
-     "Hi there\n"
-     "\n"},
     {"boundary_line_that_opens_a_message",
      "Content-Type: multipart/mixed; boundary=X1\n"
      "\n"
@@ -344,6 +315,51 @@ const bytes_case bytes_cases[] = {
      "\n"
      "--X1--\n",
      "1", ""},
+};
+
+// ---- By the rules of one set alone
+
+const bytes_case classic_cases[] = {
+    {"no_header", messages, "3.HEADER", ""},
+    {"text_without_a_header", messages, "3.TEXT",
+     "Hi there\n"
+     "(ho)"},
+    {"no_header_at_all",
+     "Hi there\n"
+     "(ho)\n",
+     "HEADER", ""},
+    {"text_from_the_first_byte",
+     "Hi there\n"
+     "(ho)\n",
+     "TEXT",
+     "Hi there\n"
+     "(ho)\n"},
+    {"part_from_the_first_byte",
+     "Hi there\n"
+     "(ho)\n",
+     "1",
+     "Hi there\n"
+     "(ho)\n"},
+    {"fields_behind_the_empty_line_that_was_dropped",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--X--\n",
+     "1.MIME",
+     "a: b\n"
+     "\n"},
+    {"dropped_line_at_the_end_of_the_file",
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Hi there\n"
+     "\n",
+     "1.TEXT",
+     "Hi there\n"
+     "\n"},
     {"parts_beside_a_message_within",
      "Content-Type: message/rfc822\n"
      "Content-Type: multipart/mixed; boundary=X\n"
@@ -372,19 +388,111 @@ const bytes_case bytes_cases[] = {
      "1.TEXT", "hi"},
 };
 
-class section_bytes : public testing::TestWithParam<bytes_case> {};
+const bytes_case standard_cases[] = {
+    {"lines_that_are_no_fields_are_header",
+     "Hi there\n"
+     "(ho)\n",
+     "HEADER",
+     "Hi there\n"
+     "(ho)\n"},
+    {"no_body_after_them",
+     "Hi there\n"
+     "(ho)\n",
+     "1", ""},
+    {"empty_line_after_the_separator_is_the_header",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--X--\n",
+     "1.MIME", "\n"},
+    {"fields_after_it_are_the_body",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "\n"
+     "a: b\n"
+     "\n"
+     "hi\n"
+     "--X--\n",
+     "1",
+     "a: b\n"
+     "\n"
+     "hi"},
+    {"message_after_a_line_that_is_no_field",
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Hi there\n"
+     "\n"
+     "hi\n",
+     "1.HEADER",
+     "Hi there\n"
+     "\n"},
+    {"message_within_with_its_epilogue",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=\"Y\"\n"
+     "\n"
+     "--Y\n"
+     "--Y--  \n"
+     "end\n"
+     "--X  \n",
+     "1.TEXT",
+     "--Y\n"
+     "--Y--  \n"
+     "end"},
+    {"inner_part_that_the_outer_delimiter_ends",
+     "Content-Type: multipart/mixed; boundary=X\n"
+     "\n"
+     "--X\n"
+     "Content-Type: message/rfc822\n"
+     "\n"
+     "Content-Type: multipart/mixed; boundary=\"Y\"\n"
+     "\n"
+     "--Y\n"
+     "\n"
+     "hi\n"
+     "--X \n"
+     "\n"
+     "ho\n",
+     "1.1", "hi"},
+    {"header_that_ends_with_several_crs",
+     "a: b\r\r\n"
+     "\r\r\n"
+     "\n"
+     "hi\n",
+     "HEADER",
+     "a: b\r\r\n"
+     "\r\r\n"},
+    {"message_of_no_lines", "Content-Type: message/rfc822\n\n", "1.1.MIME", ""},
+};
 
-TEST_P(section_bytes, with_lf) {
-    EXPECT_EQ(bytes_of(GetParam().m_input, GetParam().m_section), GetParam().m_bytes);
+void check_bytes(const bytes_case& row, MailStructure::rules by) {
+    EXPECT_EQ(bytes_of(row.m_input, row.m_section, by), row.m_bytes);
+    EXPECT_EQ(bytes_of(with_cr(row.m_input), row.m_section, by), with_cr(row.m_bytes));
 }
 
-TEST_P(section_bytes, with_cr_lf) {
-    EXPECT_EQ(bytes_of(with_cr(GetParam().m_input), GetParam().m_section),
-              with_cr(GetParam().m_bytes));
+class classic_section : public testing::TestWithParam<bytes_case> {};
+class standard_section : public testing::TestWithParam<bytes_case> {};
+
+TEST_P(classic_section, has_these_bytes) { check_bytes(GetParam(), MailStructure::rules::classic); }
+
+TEST_P(standard_section, has_these_bytes) {
+    check_bytes(GetParam(), MailStructure::rules::standard);
 }
 
-INSTANTIATE_TEST_SUITE_P(cases, section_bytes, testing::ValuesIn(bytes_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+std::string name_of(const testing::TestParamInfo<bytes_case>& row) { return row.param.m_name; }
+
+INSTANTIATE_TEST_SUITE_P(common, classic_section, testing::ValuesIn(bytes_cases), name_of);
+INSTANTIATE_TEST_SUITE_P(common, standard_section, testing::ValuesIn(bytes_cases), name_of);
+INSTANTIATE_TEST_SUITE_P(own, classic_section, testing::ValuesIn(classic_cases), name_of);
+INSTANTIATE_TEST_SUITE_P(own, standard_section, testing::ValuesIn(standard_cases), name_of);
 
 TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     const std::string file = "From ada Mon\n"
@@ -397,7 +505,7 @@ TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     for (std::uint32_t* begin :
          {&root.m_header_beg, &root.m_mime_beg, &root.m_body_beg, &root.m_contents_beg})
         *begin += 13;
-    section_ranges ranges(root, file, 13);
+    section_ranges ranges(root, {file, MailStructure::rules::classic, 13});
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_offset, 13U);
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_length, message.size());
     EXPECT_EQ(ranges.of({&root, piece::header_block, true}).m_offset, 13U);
@@ -413,8 +521,8 @@ std::string_view without_line_end(std::string_view text) {
 /// Checks that the sections of one message obey rules.
 class rules {
 public:
-    rules(const std::string& input, const MimeObj& root)
-        : m_input(input), m_root(root), m_ranges(root, input, 0) {}
+    rules(const std::string& input, const MimeObj& root, MailStructure::rules by)
+        : m_input(input), m_root(root), m_ranges(root, {input, by}) {}
 
     void check() {
         check_message("", section_place{&m_root, piece::whole, true}, m_root);
@@ -468,19 +576,26 @@ private:
     std::uint64_t m_entities = 0;
 };
 
-TEST(section_ranges_of_random_messages, obey_the_rules) {
+void check_random_messages(MailStructure::rules by) {
     std::uint64_t entities = 0;
-    for (std::uint64_t seed = 1; seed <= 20000 && !testing::Test::HasFailure(); ++seed) {
-        const std::string input = test_support::generate_message(seed).m_input;
-        const test_support::parse_outcome parsed = test_support::parse(input);
-        if (!parsed.m_error.empty()) continue;
-        rules checked(input, parsed.m_message.m_root);
+    for (std::uint64_t seed = 1; seed <= 20000; ++seed) {
+        const std::string input = by == MailStructure::rules::standard
+                                      ? test_support::generate_standard_message(seed).m_input
+                                      : test_support::generate_message(seed).m_input;
+        MailStructure message;
+        if (!parse(message, input, by).empty()) continue;
+        rules checked(input, message.m_root, by);
         checked.check();
         entities += checked.entities();
         if (testing::Test::HasFailure())
             FAIL() << "seed " << seed << ": " << test_support::escaped(input);
     }
     EXPECT_GT(entities, 20000U);
+}
+
+TEST(section_ranges_of_random_messages, obey_the_rules) {
+    check_random_messages(MailStructure::rules::classic);
+    check_random_messages(MailStructure::rules::standard);
 }
 
 } // namespace

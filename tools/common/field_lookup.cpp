@@ -10,15 +10,39 @@
 
 namespace {
 
-/// The parameters of the entity's last field of that name.
-std::vector<field_parameter> parameters_of(const MailStructure::MimeObj& entity,
-                                           std::string_view field_name, std::string_view bytes) {
-    const MailStructure::header* const field = last_field(entity, field_name);
+using MimeObj = MailStructure::MimeObj;
+using rules = MailStructure::rules;
+
+/// The field of that name that counts, or null.
+const MailStructure::header* field_that_counts(const MimeObj& entity, std::string_view name,
+                                               rules by) {
+    return by == rules::standard ? first_field(entity, name) : last_field(entity, name);
+}
+
+/// The parameters of the field, read from its bytes in the file.
+std::vector<field_parameter> parameters_in_bytes_of(const MailStructure::header* field,
+                                                    std::string_view bytes) {
     if (field == nullptr || field->m_beg >= field->m_end || field->m_end > bytes.size()) return {};
     const std::string_view text = bytes.substr(field->m_beg, field->m_end - field->m_beg);
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos) return {};
     return parameters_in(text.substr(colon + 1));
+}
+
+/// The standard rules record every parameter of this field, without quotes and comments, and the
+/// list of the tree is used. The classic ones record none with a digit or a star in its name, and
+/// end a value at a semicolon within quotes: a name in pieces, for instance, would be lost, so that
+/// the field is read from its bytes again. So is Content-Disposition, whose parameters the library
+/// does not record by any rules.
+std::vector<field_parameter> content_type_parameters(const MimeObj& entity,
+                                                     const tree_source& source) {
+    const MailStructure::header* const field =
+        field_that_counts(entity, "content-type", source.m_rules);
+    if (source.m_rules == rules::classic) return parameters_in_bytes_of(field, source.m_bytes);
+    std::vector<field_parameter> parameters;
+    if (field == nullptr) return parameters;
+    for (const auto& [name, value] : field->m_params) parameters.push_back({name, value});
+    return parameters;
 }
 
 } // namespace
@@ -41,18 +65,21 @@ const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
     return found == entity.m_headers.rend() ? nullptr : &*found;
 }
 
-std::string transfer_encoding_of(const MailStructure::MimeObj& entity) {
-    const MailStructure::header* const field = last_field(entity, "content-transfer-encoding");
-    return field == nullptr ? "" : without_comments(field->m_value);
+std::string transfer_encoding_of(const MimeObj& entity, rules by) {
+    const MailStructure::header* const field =
+        field_that_counts(entity, "content-transfer-encoding", by);
+    if (field == nullptr) return "";
+    return by == rules::standard ? entity.m_encoding : without_comments(field->m_value);
 }
 
-std::string charset_of(const MailStructure::MimeObj& entity, std::string_view bytes) {
-    return decoded_parameter(parameters_of(entity, "content-type", bytes), "charset");
+std::string charset_of(const MimeObj& entity, const tree_source& source) {
+    return decoded_parameter(content_type_parameters(entity, source), "charset");
 }
 
-std::string file_name_of(const MailStructure::MimeObj& entity, std::string_view bytes) {
+std::string file_name_of(const MimeObj& entity, const tree_source& source) {
+    const MailStructure::header* const disposition =
+        field_that_counts(entity, "content-disposition", source.m_rules);
     const std::string name =
-        decoded_parameter(parameters_of(entity, "content-disposition", bytes), "filename");
-    return name.empty() ? decoded_parameter(parameters_of(entity, "content-type", bytes), "name")
-                        : name;
+        decoded_parameter(parameters_in_bytes_of(disposition, source.m_bytes), "filename");
+    return name.empty() ? decoded_parameter(content_type_parameters(entity, source), "name") : name;
 }

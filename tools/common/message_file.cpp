@@ -36,9 +36,13 @@ public:
     }
 };
 
-/// The length of the From line of an mbox, if the bytes begin with one; else 0.
+/// The length of the From line of an mbox, if the bytes begin with one; else 0. (The standard rules
+/// would pass over that line as over any line of a header block that is no field. It belongs to the
+/// mbox, though, and not to the message, so that neither set of rules gets to see it.)
 std::uint32_t from_line_bytes(std::string_view bytes) {
     if (bytes.substr(0, 5) != "From ") return 0;
+    const std::size_t name_end = bytes.find_first_not_of(" \t", 4);
+    if (name_end != std::string_view::npos && bytes[name_end] == ':') return 0; // a field, "From :"
     const std::size_t line_end = bytes.find('\n');
     return static_cast<std::uint32_t>(line_end == std::string_view::npos ? bytes.size()
                                                                          : line_end + 1);
@@ -91,11 +95,11 @@ void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
 /// @return what is wrong with the message, if anything; its offset counts from the first of these
 ///         bytes
 std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
-                                std::uint32_t distance) {
+                                std::uint32_t distance, MailStructure::rules by) {
     memory_stream_buffer buffer(bytes);
     std::istream stream(&buffer);
     try {
-        message.Fill(stream);
+        message.Fill(stream, by);
         if (distance != 0) move_ranges(message.m_root, distance);
     } catch (const std::length_error&) {
         return input_fault{"bad header line: a name without a colon, ended by CR LF",
@@ -121,10 +125,10 @@ std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) c
     return bytes().substr(offset, length);
 }
 
-std::optional<input_fault> message_file::parse(MailStructure& message) {
+std::optional<input_fault> message_file::parse(MailStructure& message, MailStructure::rules by) {
     if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
     std::optional<input_fault> fault =
-        fill(message, bytes().substr(m_message_start), m_message_start);
+        fill(message, bytes().substr(m_message_start), m_message_start, by);
     if (fault) fault->m_offset += m_message_start;
     return fault;
 }

@@ -7,6 +7,7 @@
 #include <mail_structure.h>
 
 #include "common/file_bytes.h"
+#include "common/tree_source.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,8 +22,8 @@ struct input_fault {
 };
 
 /// A file that holds one message. If the file begins with the From line of an mbox (a line that
-/// begins with "From "), the message begins after that line. Offsets count from the start of the
-/// file all the same.
+/// begins with "From " and is no field), the message begins after that line. Offsets count from the
+/// start of the file all the same.
 class message_file {
 public:
     /// Opens and reads, or maps, the named file; "-" is standard input, from its present position
@@ -36,10 +37,10 @@ public:
     /// The bytes of a range of the tree, as far as they lie within the input.
     std::string_view cut(std::uint32_t offset, std::uint32_t length) const;
 
-    /// Fills the message. Every range that is not empty, and the place of every header field, then
+    /// Fills the message by the given rules. Every range that is not empty, and the place of every header field, then
     /// counts from the start of the file.
     /// @return what is wrong with the input, and the tree is then not to be used; else nothing
-    std::optional<input_fault> parse(MailStructure& message);
+    std::optional<input_fault> parse(MailStructure& message, MailStructure::rules by);
 
 private:
     file_bytes m_file;

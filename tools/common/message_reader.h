@@ -14,18 +14,22 @@
 /// parse can hold the last tree beside the new one, the tree of a large file is freed first.
 class message_reader {
 public:
-    explicit message_reader(bool keep_text = false) { m_message.m_keep_text = keep_text; }
+    explicit message_reader(MailStructure::rules by, bool keep_text = false) : m_rules(by) {
+        m_message.m_keep_text = keep_text;
+    }
 
     /// Opens and parses the named file; "-" is standard input. What read() gave before is gone.
     /// @return false if the file cannot be read or is no message. One line on standard error says
     ///         so, and neither file() nor message() may be used then.
     bool read(const std::string& file_name);
 
-    /// The file that was read last, and its message. Both hold until the next call of read().
+    /// The file that was read last, its message, and where the tree comes from. These hold until the next call of read().
     const message_file& file() const { return m_file.value(); }
     const MailStructure& message() const { return m_message; }
+    tree_source source() const { return {file().bytes(), m_rules, file().message_start()}; }
 
 private:
+    MailStructure::rules m_rules;
     std::optional<message_file> m_file;
     MailStructure m_message;
 };

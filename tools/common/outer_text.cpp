@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,59 @@ std::string_view last_line_of(std::string_view lines) {
     const std::size_t line_feed_before = lines.substr(0, lines.size() - 1).rfind('\n');
     return line_feed_before == std::string_view::npos ? lines : lines.substr(line_feed_before + 1);
 }
+
+/// The contents as bytes of the file.
+std::string_view contents_of(const MimeObj& entity, std::string_view bytes) {
+    return bytes.substr(entity.m_contents_beg, entity.m_contents_len);
+}
+
+/// The first part that has lines, or the end of the list.
+auto first_with_lines(const std::vector<MimeObj>& parts) {
+    return std::find_if(parts.begin(), parts.end(),
+                        [](const MimeObj& each) { return each.m_mime_len != 0; });
+}
+
+// ---- The standard rules. Each part takes one line of the contents, its separator, and then its
+// own lines, if it has any.
+
+/// Whether the last line in the contents of a multipart without parts is its closing line. The
+/// ranges do not tell, unless there is an epilogue. So the library is asked: it reads the header
+/// block once more, that line, and a line after it, which is epilogue if the multipart is closed.
+bool ends_with_closing_line(const MimeObj& childless, std::string_view bytes) {
+    if (childless.m_epilogue_len != 0) return true;
+    std::string beginning(bytes.substr(childless.m_header_beg, childless.m_header_len));
+    beginning += last_line_of(contents_of(childless, bytes));
+    if (beginning.back() != '\n') beginning += '\n';
+    std::istringstream stream(beginning + "epilogue?\n");
+    MailStructure again;
+    again.Fill(stream, MailStructure::rules::standard);
+    return again.m_root.m_epilogue_len != 0;
+}
+
+/// Whether the last line in the contents of a multipart, none of whose parts has a line, is its
+/// closing line. That is a body line, and separators are none.
+bool is_closed(const MimeObj& multipart, std::string_view bytes) {
+    if (multipart.m_children.empty()) return ends_with_closing_line(multipart, bytes);
+    return multipart.m_body_len != 0
+           && end_of(multipart.m_body_beg, multipart.m_body_len)
+                  == end_of(multipart.m_contents_beg, multipart.m_contents_len);
+}
+
+std::string_view standard_preamble_of(const MimeObj& multipart, std::string_view bytes) {
+    std::string_view lines = contents_of(multipart, bytes);
+    const auto part = first_with_lines(multipart.m_children);
+    auto delimiter_lines = static_cast<std::size_t>(part - multipart.m_children.begin());
+    if (part != multipart.m_children.end()) {
+        lines = lines.substr(0, part->m_mime_beg - multipart.m_contents_beg);
+        ++delimiter_lines;
+    } else if (is_closed(multipart, bytes)) {
+        ++delimiter_lines;
+    }
+    for (; delimiter_lines != 0; --delimiter_lines) lines.remove_suffix(last_line_of(lines).size());
+    return lines;
+}
+
+// ---- The classic rules.
 
 /// Knows the closing line of a multipart. This is all that the tools know of delimiter lines: where
 /// a separator is follows from the part that it opens, but the library records a closing line as it
@@ -89,11 +143,9 @@ struct first_lines {
 
 first_lines first_lines_of(const MimeObj& multipart, std::string_view bytes) {
     const std::vector<MimeObj>& parts = multipart.m_children;
-    const auto part = std::find_if(parts.begin(), parts.end(),
-                                   [](const MimeObj& each) { return each.m_mime_len != 0; });
+    const auto part = first_with_lines(parts);
     const auto before = static_cast<std::size_t>(part - parts.begin());
-    const std::string_view contents =
-        bytes.substr(multipart.m_contents_beg, multipart.m_contents_len);
+    const std::string_view contents = contents_of(multipart, bytes);
     if (part == parts.end()) return {contents, before};
     return {contents.substr(0, part->m_mime_beg - multipart.m_contents_beg), before + 1};
 }
@@ -104,23 +156,17 @@ std::uint64_t end_of_epilogue_within(const MimeObj& entity) {
     return end_of(entity.m_children.back().m_epilogue_beg, entity.m_children.back().m_epilogue_len);
 }
 
-} // namespace
-
-byte_range preamble_of(const MimeObj& entity, std::string_view bytes) {
-    const bool has_one = entity.m_multipart && !entity.m_message && entity.m_contents_len != 0;
-    if (!has_one || entity.m_contents_beg >= bytes.size()) return {};
+std::string_view classic_preamble_of(const MimeObj& entity, std::string_view bytes) {
     const closing_line closing(entity);
     auto [lines, separators] = first_lines_of(entity, bytes);
     for (; separators != 0; --separators) lines = without_separator(closing.cut_from(lines));
     // The root is never closed: parts can follow its closing line and its epilogue.
     if (entity.m_epilogue_len != 0 && entity.m_epilogue_beg > entity.m_contents_beg)
         lines = lines.substr(0, entity.m_epilogue_beg - entity.m_contents_beg);
-    lines = closing.cut_from(lines);
-    return {entity.m_contents_beg, static_cast<std::uint32_t>(lines.size())};
+    return closing.cut_from(lines);
 }
 
-byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
-    if (entity.m_epilogue_len == 0) return {};
+byte_range classic_epilogue_of(const MimeObj& entity, std::string_view bytes) {
     const std::uint64_t end =
         std::min<std::uint64_t>(end_of(entity.m_epilogue_beg, entity.m_epilogue_len), bytes.size());
     std::uint64_t begin = std::max<std::uint64_t>(entity.m_epilogue_beg,
@@ -133,4 +179,22 @@ byte_range epilogue_of(const MimeObj& entity, std::string_view bytes) {
     }
     if (begin >= end) return {};
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end - begin)};
+}
+
+} // namespace
+
+byte_range preamble_of(const MimeObj& entity, const tree_source& source) {
+    const bool has_one = entity.m_multipart && !entity.m_message && entity.m_contents_len != 0;
+    if (!has_one || entity.m_contents_beg >= source.m_bytes.size()) return {};
+    const std::string_view lines = source.m_rules == MailStructure::rules::standard
+                                       ? standard_preamble_of(entity, source.m_bytes)
+                                       : classic_preamble_of(entity, source.m_bytes);
+    return {entity.m_contents_beg, static_cast<std::uint32_t>(lines.size())};
+}
+
+byte_range epilogue_of(const MimeObj& entity, const tree_source& source) {
+    if (entity.m_epilogue_len == 0) return {};
+    if (source.m_rules == MailStructure::rules::standard)
+        return {entity.m_epilogue_beg, entity.m_epilogue_len};
+    return classic_epilogue_of(entity, source.m_bytes);
 }

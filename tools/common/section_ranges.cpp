@@ -45,7 +45,7 @@ byte_range between(std::uint32_t begin, std::uint32_t end) {
 
 byte_range section_ranges::of(const section_place& place) {
     switch (place.m_piece) {
-    case section_place::piece::whole: return between(m_message_start, file_end());
+    case section_place::piece::whole: return between(m_source.m_message_start, file_end());
     case section_place::piece::header_block: return header_block_of(place);
     case section_place::piece::body: break;
     }
@@ -66,7 +66,7 @@ byte_range section_ranges::header_block_of(const section_place& place) {
 /// nothing.
 byte_range section_ranges::unrecorded_header_block_of(const section_place& place) const {
     const MimeObj& entity = *place.m_entity;
-    if (&entity == &m_root) return {m_message_start, 0};
+    if (&entity == &m_root) return {m_source.m_message_start, 0};
     const std::uint32_t begin = recorded_lines_of(entity).m_begin;
     // The message within begins with its first line, before which nothing is dropped.
     const std::uint32_t dropped = place.m_is_message ? 0 : dropped_line_before(begin);
@@ -113,7 +113,9 @@ const MimeObj& section_ranges::last_holding_lines(const MimeObj& entity) {
 /// The length of the empty line, terminator included, that begins where recorded lines end; 0 if
 /// another line begins there.
 std::uint32_t section_ranges::dropped_line_at(std::uint32_t offset) const {
-    const std::string_view rest = m_bytes.substr(std::min<std::size_t>(offset, m_bytes.size()));
+    if (m_source.m_rules == MailStructure::rules::standard) return 0;
+    const std::string_view rest =
+        m_source.m_bytes.substr(std::min<std::size_t>(offset, m_source.m_bytes.size()));
     if (rest.substr(0, 1) == "\n") return 1;
     return rest.substr(0, 2) == "\r\n" || rest == "\r"
                ? static_cast<std::uint32_t>(rest.substr(0, 2).size())
@@ -123,6 +125,7 @@ std::uint32_t section_ranges::dropped_line_at(std::uint32_t offset) const {
 /// The length of the empty line that ends where the recorded lines of a part begin; 0 if the line
 /// before is the separator, which is never empty.
 std::uint32_t section_ranges::dropped_line_before(std::uint32_t offset) const {
+    if (m_source.m_rules == MailStructure::rules::standard) return 0;
     const std::uint32_t terminator = line_terminator_before(offset);
     return terminator != 0 && line_terminator_before(offset - terminator) != 0 ? terminator : 0;
 }
@@ -136,7 +139,7 @@ bool section_ranges::ends_with_empty_line(std::uint32_t begin, std::uint32_t end
 
 /// The length of the line terminator that ends there; 0 if none does.
 std::uint32_t section_ranges::line_terminator_before(std::uint32_t offset) const {
-    const std::string_view before = m_bytes.substr(0, offset);
+    const std::string_view before = m_source.m_bytes.substr(0, offset);
     if (before.empty() || before.back() != '\n') return 0;
     return before.size() > 1 && before[before.size() - 2] == '\r' ? 2 : 1;
 }

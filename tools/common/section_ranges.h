@@ -3,7 +3,7 @@
 //
 // - The line terminator before a delimiter line belongs to that line, and not to the part that ends
 //   there.
-// - Every line belongs to a section. The parser drops the empty line after a separator, and the one
+// - Every line belongs to a section. The classic rules drop the empty line after a separator, and the one
 //   after the first line of a message within: that line is in no recorded range. Here it ends the
 //   header block, as it does for any other reader of the message.
 //
@@ -17,11 +17,13 @@
 //
 // So 1.HEADER and 1.TEXT together are 1, and HEADER and TEXT together are the whole message.
 //
-// Dropped lines are looked for by dropped_line_at and dropped_line_before alone. They find nothing
-// in a tree that records every line, whose sections then follow from its ranges.
+// The standard rules drop no line: their header block, contents and epilogue lie end to end, and
+// sections follow from them. Only the classic rules drop lines, which dropped_line_at and
+// dropped_line_before alone look for.
 //
-// A part that holds a message ends where the message does. Its recorded ranges can go on, for one
-// delimiter line does not close all that it would close for another parser (see doc/behaviour.md).
+// A part that holds a message ends where the message does. By the classic rules its recorded ranges
+// can go on, for one delimiter line does not close all that it would close for another parser (see
+// doc/behaviour.md).
 
 #ifndef TOOLS_COMMON_SECTION_RANGES_H
 #define TOOLS_COMMON_SECTION_RANGES_H
@@ -30,19 +32,15 @@
 
 #include "common/byte_range.h"
 #include "common/section_lookup.h"
+#include "common/tree_source.h"
 
 #include <cstdint>
-#include <string_view>
 
 class section_ranges {
 public:
-    /// All three must outlive the object.
-    /// @param root           the message, its ranges counted from the start of the file
-    /// @param bytes          the whole file, less than 4 GiB
-    /// @param message_start  where in the file the message begins
-    section_ranges(const MailStructure::MimeObj& root, std::string_view bytes,
-                   std::uint32_t message_start)
-        : m_root(root), m_bytes(bytes), m_message_start(message_start) {}
+    /// The message and the bytes of its source must outlive the object.
+    section_ranges(const MailStructure::MimeObj& root, const tree_source& source)
+        : m_root(root), m_source(source) {}
 
     /// Linear in the number of messages within one another that the entity holds. In the order of a
     /// walk, constant on average.
@@ -58,11 +56,10 @@ private:
     std::uint32_t dropped_line_before(std::uint32_t offset) const;
     bool ends_with_empty_line(std::uint32_t begin, std::uint32_t end) const;
     std::uint32_t line_terminator_before(std::uint32_t offset) const;
-    std::uint32_t file_end() const { return static_cast<std::uint32_t>(m_bytes.size()); }
+    std::uint32_t file_end() const { return static_cast<std::uint32_t>(m_source.m_bytes.size()); }
 
     const MailStructure::MimeObj& m_root;
-    std::string_view m_bytes;
-    std::uint32_t m_message_start;
+    tree_source m_source;
     // For last_holding_lines: the entity that it was asked for last, and its answer.
     const MailStructure::MimeObj* m_asked_last = nullptr;
     const MailStructure::MimeObj* m_innermost = nullptr;

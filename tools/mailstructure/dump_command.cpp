@@ -38,7 +38,7 @@ void describe_dump(CLI::App& command, dump_options& options) {
 
 exit_status run_dump(const dump_options& options) {
     MailStructure::m_memlimit = options.m_memlimit;
-    message_reader reader(options.m_keep_text);
+    message_reader reader(options.m_rules, options.m_keep_text);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;

@@ -3,6 +3,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_DUMP_COMMAND_H
 
+#include <mail_structure.h>
+
 #include "common/complaint.h"
 
 #include <CLI/CLI.hpp>
@@ -11,6 +13,7 @@
 #include <vector>
 
 struct dump_options {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
     bool m_keep_text = false;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
     std::vector<std::string> m_files; // "-" is standard input

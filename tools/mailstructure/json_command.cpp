@@ -38,9 +38,7 @@ outcome print_tree(const json_message& message, json_form form) {
 
 outcome print_file(message_reader& reader, const std::string& file_name, json_form form) {
     if (!reader.read(file_name)) return outcome::not_printed;
-    const message_file& file = reader.file();
-    return print_tree({file_name, file.bytes(), file.message_start(), reader.message().m_root},
-                      form);
+    return print_tree({file_name, reader.source(), reader.message().m_root}, form);
 }
 
 } // namespace
@@ -56,7 +54,7 @@ void describe_json(CLI::App& command, json_options& options) {
 }
 
 exit_status run_json(const json_options& options) {
-    message_reader reader;
+    message_reader reader(options.m_rules);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;

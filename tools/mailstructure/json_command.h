@@ -3,6 +3,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_JSON_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_JSON_COMMAND_H
 
+#include <mail_structure.h>
+
 #include "common/complaint.h"
 
 #include <CLI/CLI.hpp>
@@ -10,6 +12,7 @@
 #include <vector>
 
 struct json_options {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
     bool m_pretty = false;
     bool m_flat = false;
     std::vector<std::string> m_files; // "-" is standard input

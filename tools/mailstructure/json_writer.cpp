@@ -12,6 +12,7 @@
 #include <optional>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/writer.h>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -78,8 +79,8 @@ template <class writer>
 void tree_writer<writer>::write_document() {
     m_writer.StartObject();
     write_string("file", m_message.m_file_name);
-    write_number("size", m_message.m_bytes.size());
-    write_number("message_start", m_message.m_message_start);
+    write_number("size", m_message.m_source.m_bytes.size());
+    write_number("message_start", m_message.m_source.m_message_start);
     write_odd_values();
     write_key("root");
     std::size_t open = 0; // entities begun and not ended
@@ -140,9 +141,10 @@ void tree_writer<writer>::write_members(const numbered_entity& visited) {
     write_string("type", entity.m_type);
     write_string("subtype", entity.m_subtype);
     write_string("encoding", entity.m_encoding);
-    write_string_or_null("transfer_encoding", transfer_encoding_of(entity));
-    write_string_or_null("charset", charset_of(entity, m_message.m_bytes));
-    write_string_or_null("filename", file_name_of(entity, m_message.m_bytes));
+    write_string_or_null("transfer_encoding",
+                         transfer_encoding_of(entity, m_message.m_source.m_rules));
+    write_string_or_null("charset", charset_of(entity, m_message.m_source));
+    write_string_or_null("filename", file_name_of(entity, m_message.m_source));
     write_flag("multipart", entity.m_multipart);
     write_flag("message", entity.m_message);
     write_ranges(entity);

@@ -5,11 +5,11 @@
 
 #include <mail_structure.h>
 
+#include "common/tree_source.h"
 #include "mailstructure/json_output.h"
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 enum class json_form : std::uint8_t {
     line,   // one line for the message, its entities nested
@@ -19,9 +19,8 @@ enum class json_form : std::uint8_t {
 
 /// A message whose parse has succeeded.
 struct json_message {
-    std::string m_file_name;           // as the user gave it
-    std::string_view m_bytes;          // the whole file
-    std::uint32_t m_message_start = 0; // where the message begins in it
+    std::string m_file_name; // as the user gave it
+    tree_source m_source;
     const MailStructure::MimeObj& m_root;
 };
 

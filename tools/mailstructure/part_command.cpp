@@ -40,8 +40,8 @@ byte_range range_of(const MimeObj& entity, recorded_range range) {
 }
 
 /// The piece that the options name. If there is none, this complains and returns nothing.
-std::optional<chosen_piece> choose(const part_options& options, const message_file& file,
-                                   const MimeObj& root) {
+std::optional<chosen_piece> choose(const part_options& options, const message_reader& reader) {
+    const MimeObj& root = reader.message().m_root;
     const auto found = find_section(root, options.m_section);
     if (const auto* const none = std::get_if<no_section>(&found)) {
         const std::string nearest = none->m_nearest.empty() ? "the whole message" : none->m_nearest;
@@ -52,8 +52,7 @@ std::optional<chosen_piece> choose(const part_options& options, const message_fi
     const section_place& place = std::get<section_place>(found);
     if (options.m_range)
         return chosen_piece{place.m_entity, range_of(*place.m_entity, *options.m_range)};
-    section_ranges ranges(root, file.bytes(), file.message_start());
-    return chosen_piece{place.m_entity, ranges.of(place)};
+    return chosen_piece{place.m_entity, section_ranges(root, reader.source()).of(place)};
 }
 
 /// Hands the bytes of the piece to the sink, decoded if that is wanted.
@@ -92,12 +91,21 @@ bool write_to_file(const part_options& options, const message_file& file, const 
     return false;
 }
 
-bool write_piece(const part_options& options, const message_file& file, const MimeObj& root) {
-    const std::optional<chosen_piece> piece = choose(options, file, root);
+/// The name of the encoding to undo. Under the standard rules that of an entity into which the
+/// library has looked has no effect: its parts, or its message, are there as they are.
+std::string encoding_in_effect(const MimeObj& entity, MailStructure::rules by) {
+    const bool looked_into = entity.m_multipart || entity.m_message;
+    return by == MailStructure::rules::standard && looked_into ? ""
+                                                               : transfer_encoding_of(entity, by);
+}
+
+bool write_piece(const part_options& options, const message_reader& reader) {
+    const message_file& file = reader.file();
+    const std::optional<chosen_piece> piece = choose(options, reader);
     if (!piece) return false;
     transfer_encoding encoding = transfer_encoding::none;
     if (options.m_decode) {
-        const std::string name = transfer_encoding_of(*piece->m_entity);
+        const std::string name = encoding_in_effect(*piece->m_entity, options.m_rules);
         const std::optional<transfer_encoding> known = transfer_encoding_named(name);
         if (!known) {
             const std::string shown =
@@ -203,13 +211,11 @@ void describe_part(CLI::App& command, part_options& options) {
 }
 
 exit_status run_part(const part_options& options) {
-    message_reader reader;
+    message_reader reader(options.m_rules);
     if (!reader.read(options.m_file)) return some_input_failed;
-    const message_file& file = reader.file();
-    const MimeObj& root = reader.message().m_root;
-    if (!options.m_list) return write_piece(options, file, root) ? all_well : some_input_failed;
+    if (!options.m_list) return write_piece(options, reader) ? all_well : some_input_failed;
     errno = 0;
-    const std::size_t left_out = list_sections(std::cout, root, file.bytes(), file.message_start());
+    const std::size_t left_out = list_sections(std::cout, reader.message().m_root, reader.source());
     if (!output_got_out()) return some_input_failed;
     if (left_out != 0)
         complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)

@@ -3,6 +3,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 
+#include <mail_structure.h>
+
 #include "common/complaint.h"
 #include "common/section_lookup.h"
 
@@ -15,6 +17,7 @@
 enum class recorded_range : std::uint8_t { header, mime, body, contents, epilogue };
 
 struct part_options {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
     std::string m_section_text; // as the user wrote it
     section m_section;
     std::optional<recorded_range> m_range;

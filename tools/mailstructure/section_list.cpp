@@ -8,6 +8,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -66,9 +67,8 @@ void print_sections_of(const numbered_entity& numbered, section_printer& printer
 
 } // namespace
 
-std::size_t list_sections(std::ostream& to, const MimeObj& root, std::string_view bytes,
-                          std::uint32_t message_start) {
-    section_ranges ranges(root, bytes, message_start);
+std::size_t list_sections(std::ostream& to, const MimeObj& root, const tree_source& source) {
+    section_ranges ranges(root, source);
     section_printer printer(to, ranges);
     std::size_t left_out = 0;
     entity_walk walk(root);

@@ -159,27 +159,28 @@ void add_heading(page& to, const MailStructure::MimeObj& root, const row_style& 
     }
 }
 
-void print_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style,
-                page& to) {
+void print_tree(const MailStructure::MimeObj& root, const tree_source& source,
+                const row_style& style, page& to) {
     add_heading(to, root, style);
     column_widths widths;
-    draw_tree(root, bytes, style, [&widths](const tree_line& line) { widen_for(widths, line); });
-    draw_tree(root, bytes, style, [&](const tree_line& line) { add_line(to, line, widths); });
+    draw_tree(root, source, style, [&widths](const tree_line& line) { widen_for(widths, line); });
+    draw_tree(root, source, style, [&](const tree_line& line) { add_line(to, line, widths); });
 }
 
 /// Draws one file after the other; if there are several, each one's name stands before its tree.
 class tree_printer {
 public:
     explicit tree_printer(const tree_options& options)
-        : m_style{options.m_ascii ? character_set::ascii : locale_character_set(),
-                  options.m_exact_sizes},
+        : m_reader(options.m_rules), m_style{options.m_ascii ? character_set::ascii
+                                                             : locale_character_set(),
+                                             options.m_exact_sizes},
           m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
 
     /// False, and nothing printed, if the file is no message.
     bool print(const std::string& file_name) {
         if (!m_reader.read(file_name)) return false;
         if (m_several) add_name(file_name);
-        print_tree(m_reader.message().m_root, m_reader.file().bytes(), m_style, m_page);
+        print_tree(m_reader.message().m_root, m_reader.source(), m_style, m_page);
         m_page.print();
         return true;
     }

@@ -3,6 +3,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_TREE_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_TREE_COMMAND_H
 
+#include <mail_structure.h>
+
 #include "common/complaint.h"
 #include "common/terminal.h"
 
@@ -11,6 +13,7 @@
 #include <vector>
 
 struct tree_options {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
     bool m_ascii = false;
     bool m_exact_sizes = false;
     color_choice m_color = color_choice::automatic;

@@ -31,9 +31,10 @@ struct open_entity {
 
 class drawer {
 public:
-    drawer(std::string_view bytes, const row_style& style,
+    drawer(const tree_source& source, const row_style& style,
            const std::function<void(const tree_line&)>& take)
-        : m_bytes(bytes), m_style(style), m_strokes(strokes_in(style.m_characters)), m_take(take) {}
+        : m_source(source), m_style(style), m_strokes(strokes_in(style.m_characters)),
+          m_take(take) {}
 
     void draw(const MimeObj& root) {
         entity_walk walk(root);
@@ -48,9 +49,9 @@ private:
     void open(const numbered_entity& numbered) {
         const MimeObj& entity = *numbered.m_entity;
         const bool last = is_last(entity);
-        m_take({strokes_to(last), row_of(numbered, m_bytes, m_style)});
-        m_open.push_back({&entity, epilogue_of(entity, m_bytes), last});
-        const byte_range preamble = preamble_of(entity, m_bytes);
+        m_take({strokes_to(last), row_of(numbered, m_source, m_style)});
+        m_open.push_back({&entity, epilogue_of(entity, m_source), last});
+        const byte_range preamble = preamble_of(entity, m_source);
         if (preamble.m_length == 0) return;
         const bool alone = entity.m_children.empty() && m_open.back().m_epilogue.m_length == 0;
         m_take({strokes_to(alone), row_of("(preamble)", preamble, m_style)});
@@ -84,7 +85,7 @@ private:
         return strokes + (last ? m_strokes.m_last : m_strokes.m_branch);
     }
 
-    std::string_view m_bytes;
+    const tree_source& m_source;
     const row_style& m_style;
     const stroke_set& m_strokes;
     const std::function<void(const tree_line&)>& m_take;
@@ -93,7 +94,7 @@ private:
 
 } // namespace
 
-void draw_tree(const MimeObj& root, std::string_view bytes, const row_style& style,
+void draw_tree(const MimeObj& root, const tree_source& source, const row_style& style,
                const std::function<void(const tree_line&)>& take) {
-    drawer(bytes, style, take).draw(root);
+    drawer(source, style, take).draw(root);
 }

@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-#include <string_view>
 
 /// The number of levels for which strokes are drawn. Deeper lines are not indented further but give
 /// their depth as a number: otherwise the strokes of a deep tree would take the square of its
@@ -22,8 +21,7 @@ struct tree_line {
 
 /// Calls a function for each line of the drawing in order: for an entity, then for its preamble,
 /// its descendants and its epilogue. Does not recurse; linear in the tree.
-/// @param bytes  the whole file
-void draw_tree(const MailStructure::MimeObj& root, std::string_view bytes, const row_style& style,
-               const std::function<void(const tree_line&)>& take);
+void draw_tree(const MailStructure::MimeObj& root, const tree_source& source,
+               const row_style& style, const std::function<void(const tree_line&)>& take);
 
 #endif

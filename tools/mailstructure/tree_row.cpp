@@ -69,18 +69,19 @@ std::string size_text(std::uint64_t bytes, const row_style& style) {
     return std::to_string(tenths() / 10) + '.' + std::to_string(tenths() % 10) + units.at(at);
 }
 
-tree_row row_of(const numbered_entity& numbered, std::string_view bytes, const row_style& style) {
+tree_row row_of(const numbered_entity& numbered, const tree_source& source,
+                const row_style& style) {
     const MimeObj& entity = *numbered.m_entity;
     tree_row row;
     row.m_section = numbered.m_section.empty() ? ellipsis(style) : std::string(numbered.m_section);
     row.m_type = type_text(entity, style);
     row.m_container = entity.m_multipart || entity.m_message || !entity.m_children.empty();
-    row.m_encoding = or_dash(shown(transfer_encoding_of(entity), style));
-    row.m_charset = or_dash(shown(charset_of(entity, bytes), style));
+    row.m_encoding = or_dash(shown(transfer_encoding_of(entity, source.m_rules), style));
+    row.m_charset = or_dash(shown(charset_of(entity, source), style));
     row.m_size = size_text(entity.m_body_len, style);
     row.m_lines = lines_text(entity.m_lines);
     row.m_place = place_text(entity.m_mime_beg, entity.m_mime_len);
-    const std::string file_name = file_name_of(entity, bytes);
+    const std::string file_name = file_name_of(entity, source);
     if (!file_name.empty()) row.m_file_name = quoted(shown(file_name, style));
     if (!numbered.m_is_message_within) return row;
     if (const MailStructure::header* const subject = first_field(entity, "subject")) {

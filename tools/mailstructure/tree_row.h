@@ -8,6 +8,7 @@
 #include "common/outer_text.h"
 #include "common/printable.h"
 #include "common/sections.h"
+#include "common/tree_source.h"
 
 #include <cstdint>
 #include <string>
@@ -35,8 +36,7 @@ struct tree_row {
     bool m_container = false; // the entity holds parts or a message
 };
 
-/// @param bytes  the whole file
-tree_row row_of(const numbered_entity& numbered, std::string_view bytes, const row_style& style);
+tree_row row_of(const numbered_entity& numbered, const tree_source& source, const row_style& style);
 
 /// The row of a preamble or an epilogue: it has a name in place of a type, a size and a place.
 tree_row row_of(std::string_view name, const byte_range& range, const row_style& style);
