@@ -12,6 +12,8 @@ import sys
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
 TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
 
+RULE_SETS = ("standard", "classic")
+
 # Left out of the comparison of a field's value with its bytes in the file.
 BLANKS = bytes(range(9, 14)) + b" \0"
 
@@ -38,7 +40,7 @@ def flattened(document):
         entity, parent, depth = waiting.pop()
         children = entity["children"]
         line = {name: value for name, value in entity.items() if name != "children"}
-        line.update(file=document["file"], index=len(lines), parent=parent, depth=depth,
+        line.update(file=document["file"], rules=document["rules"], index=len(lines), parent=parent, depth=depth,
                     child_count=len(children))
         line["not_utf8"] = document["not_utf8"] + line["not_utf8"]
         waiting.extend((child, line["index"], depth + 1) for child in reversed(children))
@@ -82,7 +84,8 @@ def check_line(line, message):
         written = message[begin : begin + field["range"]["length"]].translate(None, BLANKS)
         place = f"/fields/{number}"
         name, value = exact[place + "/name"], exact[place + "/value"].translate(None, BLANKS)
-        # Between them is one byte: a colon, unless the library has taken a line without one for a
-        # field.
+        # Between them is one byte: a colon, unless the classic rules have taken a line without one
+        # for a field.
         assert written.startswith(name), (written, name)
+        assert line["rules"] == "classic" or written[len(name) :].startswith(b":"), written
         assert written[len(name) + 1 :].startswith(value), (written, value)

@@ -69,15 +69,22 @@ class Output(unittest.TestCase):
     """The forms of every sample that is a message, and of hostile messages."""
 
     def check(self, path):
-        """Checks the forms for one file. Returns whether the file is a message."""
-        line_form, status = printed.run(path)
-        flat_form, flat_status = printed.run("--flat", path)
-        pretty_form, pretty_status = printed.run("--pretty", path)
+        """Checks the forms for one file. Returns whether it is a message by the classic rules, too;
+        by the standard rules it must be one."""
+        self.assertTrue(self.check_by("standard", path))
+        return self.check_by("classic", path)
+
+    def check_by(self, rules, path):
+        """Checks the forms for one file. Returns whether the file is a message by these rules."""
+        line_form, status = printed.run("--rules", rules, path)
+        flat_form, flat_status = printed.run("--rules", rules, "--flat", path)
+        pretty_form, pretty_status = printed.run("--rules", rules, "--pretty", path)
         self.assertEqual({status, flat_status, pretty_status}, {status})
         if status != 0:
             self.assertEqual(line_form + flat_form + pretty_form, b"")
             return False
         [document] = printed.lines_of(line_form)
+        self.assertEqual(document["rules"], rules)
         DOCUMENT.validate(document)
         WHOLE.validate(document)
         self.assertEqual(json.loads(pretty_form), document)
@@ -168,6 +175,7 @@ class Schema(unittest.TestCase):
 
     def test_refuses_bad_values(self):
         for name, value in (
+            ("rules", "strict"),
             ("section", "0"),
             ("section", ""),
             ("depth", -1),

@@ -41,13 +41,13 @@ offers '-dash.eml a b.eml dump folder json letter.eml part tree' ''
 offers 'tree' t
 offers 'letter.eml' l
 offers 'json' j
-offers '--ascii --bytes --color --help --version' -
+offers '--ascii --bytes --color --help --rules --version' -
 offers '--version' --v
-offers '--ascii --bytes --color --help' tree -
-offers '--ascii --bytes --color --help' letter.eml -
-offers '--flat --help --pretty' json -
-offers '--help --keep-text --memlimit' dump --
-offers '--decode --force --help --list --output --range' part --
+offers '--ascii --bytes --color --help --rules' tree -
+offers '--ascii --bytes --color --help --rules' letter.eml -
+offers '--flat --help --pretty --rules' json -
+offers '--help --keep-text --memlimit --rules' dump --
+offers '--decode --force --help --list --output --range --rules' part --
 offers '-dash.eml a b.eml folder letter.eml' json ''
 offers 'a b.eml' json a
 offers 'letter.eml' tree --ascii letter.eml l
@@ -58,10 +58,13 @@ offers '' dump --memlimit ''
 offers 'letter.eml' dump --memlimit 5 l
 offers 'body contents epilogue header mime' part --range ''
 offers 'header' part --range = h
+offers 'classic standard' json --rules = ''
+offers 'standard' tree --rules s
 offers 'letter.eml' part -o l
 offers 'HEADER TEXT' part ''
 offers 'HEADER' part --decode --range body -o out H
 offers 'HEADER' part --range = body H
+offers 'HEADER' part --rules = classic H
 offers '1 1.MIME 2 2.1 2.1.MIME 2.HEADER 2.MIME 2.TEXT 3 3.MIME HEADER TEXT' part @ letter.eml
 offers '2 2.1 2.1.MIME 2.HEADER 2.MIME 2.TEXT' part @2 letter.eml
 offers 'letter.eml' part 2 l

@@ -228,19 +228,35 @@ TEST(json_members, are_all_that_is_recorded) {
     root.m_encoding = "encoding";
     root.m_headers.resize(1);
     root.m_headers[0] = {"name", "value", 20, 25, {{"p", "v"}, {"p", "w"}}};
-    EXPECT_EQ(json_of(root, json_form::flat),
-              R"({"file":"file","index":0,"parent":null,"depth":0,"section":"1",)"
-              R"("type":"type","subtype":"subtype",)"
-              R"("encoding":"encoding","transfer_encoding":null,"charset":null,"filename":null,)"
-              R"("multipart":true,"message":true,)"
-              R"("header":{"offset":1,"length":2},"mime":{"offset":3,"length":4},)"
-              R"("body":{"offset":5,"length":6},"contents":{"offset":7,"length":8},)"
-              R"("epilogue":{"offset":9,"length":10},"lines":4294967295,)"
-              R"("body_last_empty":true,"epilogue_last_empty":true,)"
-              R"("fields":[{"name":"name","value":"value","range":{"offset":20,"length":5},)"
-              R"("params":[{"name":"p","value":"v"},{"name":"p","value":"w"}]}],)"
-              R"("child_count":0,"not_utf8":[]})"
-              "\n");
+    EXPECT_EQ(
+        json_of(root, json_form::flat),
+        R"({"file":"file","rules":"standard","index":0,"parent":null,"depth":0,"section":"1",)"
+        R"("type":"type","subtype":"subtype",)"
+        R"("encoding":"encoding","transfer_encoding":null,"charset":null,"filename":null,)"
+        R"("multipart":true,"message":true,)"
+        R"("header":{"offset":1,"length":2},"mime":{"offset":3,"length":4},)"
+        R"("body":{"offset":5,"length":6},"contents":{"offset":7,"length":8},)"
+        R"("epilogue":{"offset":9,"length":10},"lines":4294967295,)"
+        R"("body_last_empty":true,"epilogue_last_empty":true,)"
+        R"("fields":[{"name":"name","value":"value","range":{"offset":20,"length":5},)"
+        R"("params":[{"name":"p","value":"v"},{"name":"p","value":"w"}]}],)"
+        R"("child_count":0,"not_utf8":[]})"
+        "\n");
+}
+
+TEST(json_members, name_the_rules_in_every_form) {
+    MailStructure::MimeObj root;
+    root.get_obj();
+    for (const auto& [by, name] : {std::pair(MailStructure::rules::standard, "standard"),
+                                   std::pair(MailStructure::rules::classic, "classic")}) {
+        for (const json_form form : {json_form::line, json_form::pretty}) {
+            const rapidjson::Document document = read_json(json_of(root, form, "file", by));
+            EXPECT_EQ(string_at(document, "/rules"), name);
+        }
+        std::istringstream lines(json_of(root, json_form::flat, "file", by));
+        for (std::string text; std::getline(lines, text);)
+            EXPECT_EQ(string_at(read_json(text), "/rules"), name);
+    }
 }
 
 TEST(json_members, of_the_flat_form_tell_the_tree) {

@@ -56,6 +56,16 @@ void describe_choice(CLI::App& command, const std::string& option,
         ->type_name(placeholder);
 }
 
+void describe_rules(CLI::App& command, MailStructure::rules& by) {
+    describe_choice(
+        command, "--rules", {"standard", "classic"}, "RULES",
+        [&by](std::size_t choice) {
+            by = choice == 0 ? MailStructure::rules::standard : MailStructure::rules::classic;
+        },
+        "Rules to read messages by: standard, as mail readers do (the default), or classic, the "
+        "older rules of the library");
+}
+
 std::optional<std::uint32_t> parse_number(std::string_view text) {
     const bool hex = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
     if (hex) text.remove_prefix(2);

@@ -3,6 +3,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_COMMAND_LINE_H
 #define TOOLS_MAILSTRUCTURE_COMMAND_LINE_H
 
+#include <mail_structure.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <functional>
@@ -29,6 +31,9 @@ std::string standard_input();
 void describe_choice(CLI::App& command, const std::string& option,
                      const std::vector<std::string>& words, const std::string& placeholder,
                      const std::function<void(std::size_t)>& take, const std::string& description);
+
+/// Adds the option --rules.
+void describe_rules(CLI::App& command, MailStructure::rules& by);
 
 /// The value of "4096" or "0x1000"; nothing for any other text, or if it does not fit in 32 bits.
 std::optional<std::uint32_t> parse_number(std::string_view text);

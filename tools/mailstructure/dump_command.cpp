@@ -33,6 +33,7 @@ void describe_dump(CLI::App& command, dump_options& options) {
             "Bound for the memory of the header fields, in bytes; decimal, or hexadecimal after 0x")
         ->check(number_complaint)
         ->type_name("N");
+    describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }
 

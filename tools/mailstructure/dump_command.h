@@ -13,7 +13,7 @@
 #include <vector>
 
 struct dump_options {
-    MailStructure::rules m_rules = MailStructure::rules::classic;
+    MailStructure::rules m_rules = MailStructure::rules::standard;
     bool m_keep_text = false;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
     std::vector<std::string> m_files; // "-" is standard input

@@ -50,6 +50,7 @@ void describe_json(CLI::App& command, json_options& options) {
         .add_flag("--flat", options.m_flat,
                   "One line for each entity instead of one for each message")
         ->excludes(pretty);
+    describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 struct json_options {
-    MailStructure::rules m_rules = MailStructure::rules::classic;
+    MailStructure::rules m_rules = MailStructure::rules::standard;
     bool m_pretty = false;
     bool m_flat = false;
     std::vector<std::string> m_files; // "-" is standard input

@@ -56,6 +56,7 @@ private:
     void write_number(std::string_view name, std::uint64_t value);
     void write_flag(std::string_view name, bool value);
     void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
+    void write_rules();
     void write_line_members(const numbered_entity& visited, std::size_t index);
     void write_members(const numbered_entity& visited);
     void write_ranges(const MailStructure::MimeObj& entity);
@@ -81,6 +82,7 @@ void tree_writer<writer>::write_document() {
     write_string("file", m_message.m_file_name);
     write_number("size", m_message.m_source.m_bytes.size());
     write_number("message_start", m_message.m_source.m_message_start);
+    write_rules();
     write_odd_values();
     write_key("root");
     std::size_t open = 0; // entities begun and not ended
@@ -118,10 +120,17 @@ void tree_writer<writer>::write_lines() {
     }
 }
 
+template <class writer>
+void tree_writer<writer>::write_rules() {
+    const bool standard = m_message.m_source.m_rules == MailStructure::rules::standard;
+    write_string("rules", standard ? "standard" : "classic");
+}
+
 /// The members that stand for the nesting of the other forms.
 template <class writer>
 void tree_writer<writer>::write_line_members(const numbered_entity& visited, std::size_t index) {
     write_string("file", m_message.m_file_name);
+    write_rules();
     write_number("index", index);
     m_path.resize(visited.m_depth);
     write_key("parent");

@@ -191,6 +191,7 @@ void describe_part(CLI::App& command, part_options& options) {
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },
         "Write a range that the library has recorded for the entity: header, mime, body, contents "
         "or epilogue");
+    describe_rules(command, options.m_rules);
     command.add_flag("--list", options.m_list,
                      "List all sections: offset, length, type and name of each");
     const CLI::Option* const first =

@@ -17,7 +17,7 @@
 enum class recorded_range : std::uint8_t { header, mime, body, contents, epilogue };
 
 struct part_options {
-    MailStructure::rules m_rules = MailStructure::rules::classic;
+    MailStructure::rules m_rules = MailStructure::rules::standard;
     std::string m_section_text; // as the user wrote it
     section m_section;
     std::optional<recorded_range> m_range;

@@ -213,6 +213,7 @@ void describe_tree(CLI::App& command, tree_options& options) {
         command, "--color", {"auto", "always", "never"}, "WHEN",
         [&options](std::size_t choice) { options.m_color = static_cast<color_choice>(choice); },
         "Colour the tree: auto (on a terminal, unless NO_COLOR is set), always or never");
+    describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }
 

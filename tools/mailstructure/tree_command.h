@@ -13,7 +13,7 @@
 #include <vector>
 
 struct tree_options {
-    MailStructure::rules m_rules = MailStructure::rules::classic;
+    MailStructure::rules m_rules = MailStructure::rules::standard;
     bool m_ascii = false;
     bool m_exact_sizes = false;
     color_choice m_color = color_choice::automatic;
