@@ -58,8 +58,8 @@
 /// @endverbatim
 ///
 /// **Threads.** Any number of threads may each use parser objects and trees of their own; one
-/// object is for one thread at a time. All objects share m_memlimit. The library starts no thread
-/// and locks nothing.
+/// object is for one thread at a time. All objects share m_memlimit. The library starts no thread,
+/// and no parser waits for another.
 ///
 /// **Trust.** Names and values in a tree are bytes of the message, as hostile as their sender:
 /// escape them before they reach a terminal, a shell or a database. They hold no LF, and under

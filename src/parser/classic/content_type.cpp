@@ -13,7 +13,9 @@ constexpr std::uint32_t whole_name = 0xFFFFFFFF;
 // is compared until a closing line removes it. keeps_beginnings_of_boundary_as_boundary
 // keeps_every_boundary_registered
 bool is_boundary_name(std::string_view name) {
-    return strncasecmp(std::string(name), "boundary", whole_name);
+    constexpr std::string_view boundary = "boundary";
+    return name.size() <= boundary.size()
+           && strncasecmp(std::string(name), boundary.data(), whole_name);
 }
 
 /// Stores a parameter in the record of the field, if the field has one in the tree. It

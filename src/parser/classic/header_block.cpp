@@ -32,7 +32,7 @@ MailStructure::header& begin_record(classic_state& state, const input_line& line
     if (record == nullptr) {
         // Kept: a field without a record has an empty name, and so is analysed as a Content-Type
         // field. keeps_fields_left_out_analysed_as_content_type
-        state.m_scratch = {};
+        state.m_scratch.m_value.clear(); // its name stays empty
         record = &state.m_scratch;
     } else {
         record->m_name = line.m_text.substr(0, colon);

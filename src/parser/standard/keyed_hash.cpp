@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstring>
+#include <exception>
 #include <random>
 
 namespace mail_structure_detail::standard {
@@ -22,11 +23,11 @@ std::uint64_t random_word(std::random_device& source) {
 }
 
 /// Made once for the process, when the first delimiter comes into force.
-hash_key make_key() noexcept {
+hash_key make_key() {
     try {
         std::random_device source;
         return {random_word(source), random_word(source)};
-    } catch (...) {
+    } catch (const std::exception&) {
         // The system has no random numbers. The address at which this library was loaded and the
         // time are still hard to guess for a sender.
         const auto place = reinterpret_cast<std::uintptr_t>(&make_key);
@@ -81,7 +82,7 @@ std::uint64_t load(const char* p, std::size_t bytes) noexcept {
 
 } // namespace
 
-std::uint64_t keyed_hash(std::string_view bytes) noexcept {
+std::uint64_t keyed_hash(std::string_view bytes) {
     static const hash_key key = make_key();
     sip_state state(key);
     const std::uint64_t length = std::uint64_t{bytes.size()} << 56;

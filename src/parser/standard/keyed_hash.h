@@ -10,8 +10,8 @@
 
 namespace mail_structure_detail::standard {
 
-/// The hash of the bytes. Linear. Throws nothing.
-std::uint64_t keyed_hash(std::string_view bytes) noexcept;
+/// The hash of the bytes. Linear. The first call draws the key; no call throws.
+std::uint64_t keyed_hash(std::string_view bytes);
 
 } // namespace mail_structure_detail::standard
 
