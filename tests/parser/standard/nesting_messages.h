@@ -1,29 +1,17 @@
-// What the reference parser of the rule set "standard" makes of multiparts, of messages within
-// messages, and of delimiter lines.
+// Messages that show multiparts, messages within messages, and delimiter lines.
 
-#include "reference/standard_message_case.h"
-#include "support/case_name.h"
-#include "support/line_tree_text.h"
+#ifndef TESTS_PARSER_STANDARD_NESTING_MESSAGES_H
+#define TESTS_PARSER_STANDARD_NESTING_MESSAGES_H
 
-#include <gtest/gtest.h>
+#include "parser/standard/message_case.h"
+
 #include <string_view>
 
-namespace reference {
-namespace {
+namespace standard_rules {
 
 using namespace std::string_view_literals;
 
-class nested_structure : public testing::TestWithParam<message_case> {};
-
-TEST_P(nested_structure, is) {
-    const message parsed = parse_text(GetParam());
-    EXPECT_EQ(test_support::line_tree_text(parsed, GetParam().m_input), GetParam().m_tree);
-    EXPECT_TRUE(parsed.m_done);
-}
-
-// ---------------------------------------------------------------------- multiparts and messages
-
-const message_case type_cases[] = {
+inline constexpr message_case type_cases[] = {
     {"multipart_without_a_boundary_is_a_leaf",
      "Content-Type: multipart/mixed\n"
      "\n"
@@ -162,13 +150,40 @@ const message_case type_cases[] = {
     {"message_ended_within_its_header_block", "Content-Type: message/rfc822",
      "1 message/rfc822 message h=1-1 m=1-1\n"
      "1.1 text/plain\n"},
+    {"encoding_behind_a_comment_or_before_other_text_keeps_a_message_closed",
+     "Content-Type: multipart/digest; boundary=b\n"
+     "\n"
+     "--b\n"
+     "Content-Transfer-Encoding: (a) BASE64\n"
+     "\n"
+     "QTogYg==\n"
+     "--b\n"
+     "Content-Transfer-Encoding: base64; junk\n"
+     "--b\n"
+     "Content-Transfer-Encoding: \"base64\"\n"
+     "\n"
+     "A: b\n"
+     "--b--\n",
+     "1 multipart/digest multipart h=1-2 m=1-13 b=6-13 c=3-13 n=2\n"
+     "1.1 message/rfc822 enc=BASE64 h=4-5 m=4-6 b=6-6 c=6-6 n=1\n"
+     "1.2 message/rfc822 enc=base64 h=8-8 m=8-8\n"
+     "1.3 message/rfc822 message h=10-11 m=10-11 c=12-12\n"
+     "1.3.1 text/plain h=12-12 m=12-12\n"},
+    {"digest_is_for_its_own_parts_alone",
+     "Content-Type: multipart/digest; boundary=b\n"
+     "\n"
+     "--b\n"
+     "Content-Type: multipart/mixed; boundary=c\n"
+     "\n"
+     "--c\n"
+     "\n"
+     "--b--\n",
+     "1 multipart/digest multipart h=1-2 m=1-8 b=8-8 c=3-8 n=1\n"
+     "1.1 multipart/mixed multipart h=4-5 m=4-5 c=6-7\n"
+     "1.1.1 text/plain h=7-7 m=7-7\n"},
 };
-INSTANTIATE_TEST_SUITE_P(types, nested_structure, testing::ValuesIn(type_cases),
-                         test_support::case_name<message_case>);
 
-// -------------------------------------------------------------------------- delimiter lines
-
-const message_case delimiter_cases[] = {
+inline constexpr message_case delimiter_cases[] = {
     {"padding",
      "Content-Type: multipart/x; boundary=b\n"
      "\n"
@@ -300,9 +315,43 @@ const message_case delimiter_cases[] = {
      "\n"
      "--b--\n",
      "1 multipart/x multipart h=1-2 m=1-3 b=3-3 e=4-6 c=3-3 n=1\n"},
+    {"found_in_header_blocks_bodies_and_epilogues",
+     "Content-Type: multipart/x; boundary=b\n"
+     "\n"
+     "--b\n"
+     "A: b\n"
+     "--b\n"
+     "\n"
+     "text\n"
+     "--b\n"
+     "Content-Type: multipart/y; boundary=c\n"
+     "\n"
+     "--c--\n"
+     "epilogue\n"
+     "--b--\n",
+     "1 multipart/x multipart h=1-2 m=1-13 b=7-13 c=3-13 n=3\n"
+     "1.1 text/plain h=4-4 m=4-4\n"
+     "1.2 text/plain h=6-6 m=6-7 b=7-7 c=7-7 n=1\n"
+     "1.3 multipart/y multipart h=9-10 m=9-11 b=11-11 e=12-12 c=11-11 n=1\n"},
+    {"boundary_with_a_nul",
+     "Content-Type: multipart/x; boundary=\"a\0b\"\n"
+     "\n"
+     "--a\n"
+     "--a\0b\n"
+     "\n"
+     "--a\0b--\n"sv,
+     "1 multipart/x multipart h=1-2 m=1-6 b=3-6 c=3-6 n=2\n"
+     "1.1 text/plain h=5-5 m=5-5\n"},
+    {"boundary_of_81_bytes_is_compared_to_its_end",
+     "Content-Type: multipart/x;\n"
+     " boundary=aaaaaaaaaaabbbbbbbbbbccccccccccddddddddddeeeeeeeeeeffffffffffgggggggggghhhhhhhh81\n"
+     "\n"
+     "--aaaaaaaaaaabbbbbbbbbbccccccccccddddddddddeeeeeeeeeeffffffffffgggggggggghhhhhhhh82\n"
+     "--aaaaaaaaaaabbbbbbbbbbccccccccccddddddddddeeeeeeeeeeffffffffffgggggggggghhhhhhhh81\n",
+     "1 multipart/x multipart h=1-3 m=1-4 b=4-4 c=4-5 n=1\n"
+     "1.1 text/plain\n"},
 };
-INSTANTIATE_TEST_SUITE_P(delimiters, nested_structure, testing::ValuesIn(delimiter_cases),
-                         test_support::case_name<message_case>);
 
-} // namespace
-} // namespace reference
+} // namespace standard_rules
+
+#endif
