@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Every behaviour that doc/behaviour.md names is marked where the code decides it: by a comment that
 # begins with "Kept:" and names its tests. A mark without a test fails, and so does one whose test
-# does not exist.
+# does not exist. With --list it checks nothing and prints each mark on a line, after its place.
 
 set -euo pipefail
 
@@ -22,6 +22,10 @@ marks() {
 }
 named() { grep -oE '\bkeeps_[a-z0-9_]+' | sort -u; }
 
+if [[ ${1-} == --list ]]; then
+    marks
+    exit
+fi
 if marks | grep -v keeps_ >&2; then
     echo "these marks name no test" >&2
     status=1
