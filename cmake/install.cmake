@@ -89,7 +89,7 @@ install(
   DESTINATION ${document_dir}
   COMPONENT development)
 install(
-  FILES doc/architecture.md doc/behaviour.md
+  FILES doc/architecture.md doc/behaviour.md doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
