@@ -29,6 +29,7 @@ fuzz_input read_input(const std::uint8_t* data, std::size_t size) {
     if ((data[0] & 8U) != 0)
         input.m_exceptions = exception_masks[data[2] % std::size(exception_masks)];
     input.m_dump = (data[0] & 16U) != 0;
+    if ((data[0] & 32U) != 0) input.m_rules = MailStructure::rules::standard;
     input.m_stream_kind = data[1] % fuzz_input::stream_kinds;
     input.m_place = data[3];
     // The one place where bytes become characters.

@@ -9,11 +9,15 @@
 //                                               reference: offsets that wrap
 //     H  @..F                   a stream with an exception mask, the third byte tells which (bit 3)
 //     T                         parse: as D, and with the dump                      (bits 2 and 4)
+//     `, a, b, d, h, t          as @, A, B, D, H and T, by the standard rules instead of the
+//                               classic ones                                        (bit 5)
 //        A..O                   the second byte: how the stream hands out its bytes
 //          *  *                 third and fourth: the limit; the place of a fault or of the wrap
 
 #ifndef FUZZ_FUZZ_OPTIONS_H
 #define FUZZ_FUZZ_OPTIONS_H
+
+#include <mail_structure.h>
 
 #include "support/streams.h"
 
@@ -28,6 +32,7 @@
 namespace fuzz {
 
 struct fuzz_input {
+    MailStructure::rules m_rules = MailStructure::rules::classic;
     bool m_keep_text = false;
     bool m_rare_steps = false;
     std::ios_base::iostate m_exceptions = std::ios_base::goodbit; // of the stream

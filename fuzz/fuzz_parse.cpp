@@ -6,7 +6,7 @@
 #include "fuzz_options.h"
 #include "require.h"
 #include "same_tree.h"
-#include "tree_rules.h"
+#include "support/tree_rules.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +15,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <streambuf>
+#include <string>
 
 namespace {
 
@@ -24,7 +25,7 @@ outcome fill(MailStructure& message, const fuzz::fuzz_input& input) {
     fuzz::input_stream stream(input);
     message.m_done = false;
     try {
-        message.Fill(stream.get());
+        message.Fill(stream.get(), input.m_rules);
     } catch (const std::length_error&) {
         fuzz::require(!message.m_done, "m_done stays when an exception leaves Fill");
         return outcome::length_error;
@@ -105,8 +106,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MailStructure message;
     message.m_keep_text = input.m_keep_text;
     const outcome first = fill(message, input);
-    fuzz::require_tree_rules(message, {input.m_message, input.m_keep_text, input.has_memlimit(),
-                                       first == outcome::length_error});
+    fuzz::require(message.m_root.m_parent == nullptr, "the root has no parent");
+    const bool all_read =
+        !input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit;
+    const std::string broken = test_support::check_tree(
+        message, {input.m_rules, input.m_message, input.m_keep_text, input.has_memlimit(),
+                  first == outcome::length_error, all_read});
+    fuzz::require(broken.empty(), broken);
 
     MailStructure::MimeObj copy(message.m_root);
     fuzz::require_same_tree(copy, message.m_root, fuzz::parents::equal);

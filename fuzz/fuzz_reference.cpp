@@ -1,13 +1,14 @@
-// Compares the library with the reference parser: the whole tree, the error, and how the stream is
+// Compares the library with the reference parser of the same rule set: the whole tree, the error, and how the stream is
 // left.
 
 #include <mail_structure.h>
 
 #include "fuzz_options.h"
 #include "reference/reference_parser.h"
+#include "reference/standard_parser.h"
 #include "require.h"
 #include "support/compare.h"
-#include "support/parse.h"
+#include "support/fill_unchecked.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,13 +24,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         wanted.m_first_offset = 0U - std::uint32_t{input.m_place}; // wraps inside the message
 
     fuzz::input_stream reference_stream(input);
-    const reference::message expected = reference::parse(reference_stream.get(), wanted);
+    const auto parse = input.m_rules == MailStructure::rules::standard ? reference::parse_standard
+                                                                       : reference::parse;
+    const reference::message expected = parse(reference_stream.get(), wanted);
 
     MailStructure::m_memlimit = input.m_memlimit;
     MailStructure message;
     message.m_keep_text = input.m_keep_text;
     fuzz::input_stream stream(input);
-    const std::string error = test_support::fill(message, stream.get(), wanted.m_first_offset);
+    const std::string error =
+        test_support::fill_unchecked(message, stream.get(), wanted.m_first_offset, input.m_rules);
 
     const std::string difference = test_support::first_difference(message, error, expected);
     fuzz::require(difference.empty(), difference);

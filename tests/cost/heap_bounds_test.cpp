@@ -5,7 +5,7 @@
 #include "cost/documents.h"
 #include "cost/heap_meter.h"
 #include "support/build_kind.h"
-#include "support/parse.h"
+#include "support/fill_unchecked.h"
 #include "support/streams.h"
 
 #include <algorithm>
@@ -93,7 +93,7 @@ std::size_t peak_of_fill(const std::string& text, std::size_t chunk) {
     MailStructure message;
     in.peek(); // what the stream itself allocates is not the library's
     const heap_meter meter;
-    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(test_support::fill_unchecked(message, in), "");
     return meter.peak();
 }
 
@@ -165,7 +165,7 @@ TEST(heap_bounds, block_for_a_plain_file_is_the_documented_one) {
     ASSERT_TRUE(file);
     MailStructure message;
     const heap_meter meter;
-    EXPECT_EQ(test_support::fill(message, file), "");
+    EXPECT_EQ(test_support::fill_unchecked(message, file), "");
     const double block =
         1024 * cost::figure("doc/behaviour.md", "([0-9]+) KiB more while a plain file is read");
     EXPECT_LE(static_cast<double>(meter.peak()), cost::message_bytes() + block);
@@ -178,7 +178,7 @@ void fill_with_value(MailStructure& message, std::size_t bytes) {
     const std::string text =
         "C: multipart/a; boundary=b\n\n--b\nA: " + std::string(bytes, 'x') + "\n\nhi\n";
     test_support::delivered_stream in(text, {"", test_support::all_bytes});
-    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(test_support::fill_unchecked(message, in), "");
 }
 
 /// What an object holds of a field value after messages whose value at that place is short.

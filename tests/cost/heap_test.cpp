@@ -6,7 +6,7 @@
 #include "cost/documents.h"
 #include "cost/heap_meter.h"
 #include "cost/shapes.h"
-#include "support/parse.h"
+#include "support/fill_unchecked.h"
 #include "support/streams.h"
 
 #include <algorithm>
@@ -94,7 +94,7 @@ TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
         const heap_meter meter;
         {
             MailStructure message;
-            test_support::fill(message, in);
+            test_support::fill_unchecked(message, in);
             const std::size_t peak = meter.peak();
             const std::size_t after = meter.now();
             const tree_size size = size_of(message.m_root);
@@ -126,7 +126,7 @@ TEST(heap, holds_nothing_of_a_message_of_one_gibibyte) {
     repeating_stream in("Content-Type: application/octet-stream\r\n\r\n", line, gibibyte);
     MailStructure message;
     const heap_meter meter;
-    EXPECT_EQ(test_support::fill(message, in), "");
+    EXPECT_EQ(test_support::fill_unchecked(message, in), "");
     EXPECT_EQ(message.m_root.m_mime_len, gibibyte);
     const std::size_t peak = meter.peak();
     EXPECT_LE(static_cast<double>(peak), cost::message_bytes());
@@ -144,7 +144,7 @@ std::size_t held_after(MailStructure& message, const heap_meter& meter, std::str
     {
         text_buffer buffer(text);
         std::istream in(&buffer);
-        test_support::fill(message, in);
+        test_support::fill_unchecked(message, in);
     }
     std::string().swap(text);
     return meter.now();

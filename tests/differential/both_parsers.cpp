@@ -2,6 +2,7 @@
 
 #include "support/compare.h"
 #include "support/escape.h"
+#include "support/fill_unchecked.h"
 #include "support/parse.h"
 #include "support/shrink.h"
 
@@ -24,7 +25,11 @@ void parse_with_library(const rule_set& by, library_result& result, const std::s
     result.m_message.m_keep_text = wanted.m_keep_text;
     result.m_message.m_done = false;
     test_support::delivered_stream in(input, way);
-    result.m_error = test_support::fill(result.m_message, in, wanted.m_first_offset, by.m_rules);
+    result.m_error =
+        test_support::fill_unchecked(result.m_message, in, wanted.m_first_offset, by.m_rules);
+    if (wanted.m_first_offset == 0)
+        test_support::check_filled_tree(result.m_message, result.m_error,
+                                        {wanted.m_keep_text, wanted.m_memlimit, by.m_rules}, input);
     MailStructure::m_memlimit = 0xFFFFFFFF;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <istream>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,7 @@ namespace test_support {
 struct parse_options {
     bool m_keep_text = false;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
+    MailStructure::rules m_rules = MailStructure::rules::classic;
 };
 
 struct parse_outcome {
@@ -40,11 +42,21 @@ private:
     std::uint32_t m_before;
 };
 
-/// Fills the object from the stream. Returns the exception that left Fill, in the words above.
+/// Fills the object from the stream. Returns the exception that left Fill, in the words above. A
+/// tree whose offsets begin at 0 is then checked by the rules of support/tree_rules.h: a broken
+/// rule is a failure of the test that runs. The functions parse do the same.
 /// @param first_offset  offset of the first byte, for tests of the wrap
 /// @param by            the rules that the message is taken apart by
 std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset = 0,
                  MailStructure::rules by = MailStructure::rules::classic);
+
+/// Fails the test that runs if the tree that Fill left behind breaks a rule of
+/// support/tree_rules.h.
+/// @param error    in the words above; a tree that lack of memory broke off is not checked
+/// @param options  as they were when Fill began
+/// @param input    all bytes that the stream could hand out, if they are known
+void check_filled_tree(const MailStructure& message, const std::string& error,
+                       const parse_options& options, std::optional<std::string_view> input);
 
 parse_outcome parse(std::istream& in, const parse_options& options = {});
 /// The text as one stream that hands out all bytes at once.

@@ -1,4 +1,4 @@
-// The rules, and why they are no stricter:
+// The rules about the trees of the classic rule set, and why they are no stricter:
 //
 //     whole entity    header block and body, so it ends with the last body line or, without one,
 //                     with the header block. A child's header block is in no range of the parent
@@ -12,9 +12,8 @@
 //                     has ended.
 //     siblings        one after another: the next opens when the one before has closed.
 
-#include "tree_rules.h"
-
-#include "require.h"
+#include "support/tree_ranges.h"
+#include "support/tree_rules.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -22,43 +21,12 @@
 #include <initializer_list>
 #include <string>
 #include <utility>
-#include <vector>
 
-namespace fuzz {
+namespace test_support {
 namespace {
 
 using entity = MailStructure::MimeObj;
 using field = MailStructure::header;
-
-/// A range as begin and end. An unset range is all zero, and obeys no other rule.
-struct range {
-    std::uint64_t m_beg;
-    std::uint64_t m_end;
-
-    bool is_set() const { return m_beg != m_end; }
-    bool lies_in(const range& other) const {
-        return !is_set() || (other.m_beg <= m_beg && m_end <= other.m_end);
-    }
-};
-
-range range_of(std::uint32_t beg, std::uint32_t len) { return {beg, std::uint64_t{beg} + len}; }
-range header_of(const entity& of) { return range_of(of.m_header_beg, of.m_header_len); }
-range mime_of(const entity& of) { return range_of(of.m_mime_beg, of.m_mime_len); }
-range body_of(const entity& of) { return range_of(of.m_body_beg, of.m_body_len); }
-range epilogue_of(const entity& of) { return range_of(of.m_epilogue_beg, of.m_epilogue_len); }
-range contents_of(const entity& of) { return range_of(of.m_contents_beg, of.m_contents_len); }
-
-/// From the first byte of any range of the entity to the last.
-range extent_of(const entity& of) {
-    range all{0, 0};
-    for (const range& one :
-         {header_of(of), mime_of(of), body_of(of), epilogue_of(of), contents_of(of)}) {
-        if (!one.is_set()) continue;
-        if (!all.is_set()) all = one;
-        all = {std::min(all.m_beg, one.m_beg), std::max(all.m_end, one.m_end)};
-    }
-    return all;
-}
 
 bool is_name_byte(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-'; }
 
@@ -85,20 +53,13 @@ std::uint32_t keep_lines(std::string_view text, std::string& kept,
     return lines;
 }
 
-bool ends_with_empty_line(std::string_view kept) {
-    return kept == "\r\n" || kept.ends_with("\r\n\r\n");
-}
-
-std::string_view cut(std::string_view input, const range& where) {
-    return input.substr(where.m_beg, where.m_end - where.m_beg);
-}
-
 void require_ranges(const entity& of, const parse_facts& facts) {
     const range header = header_of(of);
     const range mime = mime_of(of);
     const range body = body_of(of);
     for (const range& one : {header, mime, body, epilogue_of(of), contents_of(of)}) {
-        require(one.m_end <= facts.m_input.size(), "a range ends inside the input");
+        require(!facts.m_input || one.m_end <= facts.m_input->size(),
+                "a range ends inside the input");
         require(one.is_set() || one.m_beg == 0, "an unset range is all zero");
     }
     require(body.is_set() == (of.m_lines != 0), "a body range and body lines come together");
@@ -137,7 +98,8 @@ void require_field(const field& of, const range& header, const parse_facts& fact
     }
     require(of.m_beg < of.m_end && of.m_beg >= header.m_beg && of.m_end <= header.m_end,
             "a field lies in its header block");
-    require(facts.m_input.substr(of.m_beg).starts_with(of.m_name), "a field begins with its name");
+    require(!facts.m_input || facts.m_input->substr(of.m_beg).starts_with(of.m_name),
+            "a field begins with its name");
     require(of.m_value.size() <= of.m_end - of.m_beg, "a value is no longer than its field");
 }
 
@@ -180,28 +142,29 @@ void require_kept_text(const entity& of, bool keep_text) {
 
 /// Without children, body and epilogue are unbroken runs of the entity's own lines.
 /// @param parent  null for the root
-void require_leaf(const entity& of, const entity* parent, const parse_facts& facts,
-                  std::string& scratch) {
+void require_leaf(const entity& of, const entity* parent, const parse_facts& facts) {
     const range body = body_of(of);
     const range epilogue = epilogue_of(of);
     require(!epilogue.is_set() || epilogue.m_beg >= body.m_end,
             "a leaf's epilogue follows its body");
     if (of.m_lines != 0)
         require(!of.m_type.empty() && !of.m_subtype.empty(), "a body line gives a default type");
+    if (!facts.m_input) return;
+    std::string scratch;
     // When a body begins at offset 0, its first line is missing in the body range, but not in the
     // whole-entity range.
     const range lines = header_of(of).is_set() ? body : mime_of(of);
-    std::uint32_t count = keep_lines(cut(facts.m_input, lines), scratch);
+    std::uint32_t count = keep_lines(cut(*facts.m_input, lines), scratch);
     // An encapsulated message that begins with a body line loses the next line if that is empty. In
     // the tree, such a message cannot be distinguished from a part that a separator opened, which
     // keeps the line.
     if (count != of.m_lines && parent != nullptr && parent->m_message && !header_of(of).is_set())
-        count = keep_lines(cut(facts.m_input, lines), scratch, second_line::dropped_if_empty);
+        count = keep_lines(cut(*facts.m_input, lines), scratch, second_line::dropped_if_empty);
     require(count == of.m_lines, "a leaf's lines are those of its body");
     require(of.m_body_last_empty == ends_with_empty_line(scratch),
             "a leaf's flag tells of its last body line");
     if (facts.m_keep_text) require(scratch == of.m_body_text, "a leaf's text is that of its body");
-    keep_lines(cut(facts.m_input, epilogue), scratch);
+    keep_lines(cut(*facts.m_input, epilogue), scratch);
     require(of.m_epilogue_last_empty == ends_with_empty_line(scratch),
             "a leaf's flag tells of its epilogue");
     if (facts.m_keep_text)
@@ -239,35 +202,16 @@ void require_children(const entity& of, bool in_place) {
     require(lines <= of.m_lines, "children's lines count in the parent");
 }
 
-/// An entity yet to be looked at. The entities in place are the root, its last child, that one's
-/// last child ...
-struct waiting_entity {
-    const entity* m_entity;
-    const entity*
-        m_parent; // found by the walk, because m_parent is valid only for entities in place
-    bool m_in_place;
-};
-
 } // namespace
 
-void require_tree_rules(const MailStructure& message, const parse_facts& facts) {
-    static std::vector<waiting_entity>
-        waiting; // these two keep their storage from one input to the next
-    static std::string scratch;
-    require(message.m_root.m_parent == nullptr, "the root has no parent");
-    waiting.assign(1, {&message.m_root, nullptr, true});
-    while (!waiting.empty()) {
-        const auto [of, parent, in_place] = waiting.back();
-        waiting.pop_back();
-        const bool is_leaf = of->m_children.empty();
-        require_ranges(*of, facts);
-        require_fields(*of, facts, of == &message.m_root, in_place && is_leaf);
-        require_kept_text(*of, facts.m_keep_text);
-        if (is_leaf) require_leaf(*of, parent, facts, scratch);
-        require_children(*of, in_place);
-        for (const entity& child : of->m_children)
-            waiting.push_back({&child, of, in_place && &child == &of->m_children.back()});
-    }
+void check_classic_entity(const visited_entity& visited, const parse_facts& facts) {
+    const auto [of, parent, in_place] = visited;
+    const bool is_leaf = of->m_children.empty();
+    require_ranges(*of, facts);
+    require_fields(*of, facts, parent == nullptr, in_place && is_leaf);
+    require_kept_text(*of, facts.m_keep_text);
+    if (is_leaf) require_leaf(*of, parent, facts);
+    require_children(*of, in_place);
 }
 
-} // namespace fuzz
+} // namespace test_support
