@@ -5,6 +5,7 @@
 #include "support/line_list.h"
 #include "support/parse.h"
 
+#include <sstream>
 #include <stdexcept>
 #include <streambuf>
 #include <typeinfo>
@@ -72,14 +73,15 @@ after_reading after_getline(std::istream& in, std::size_t lines, const std::stri
     return left_by(error, in);
 }
 
-after_reading after_fill(MailStructure& message, std::istream& in) {
-    const std::string error = fill(message, in);
+after_reading after_fill(MailStructure& message, std::istream& in, MailStructure::rules by) {
+    const std::string error = fill(message, in, 0, by);
     return left_by(error, in);
 }
 
-erroneous_line first_erroneous_line(std::string_view text) {
-    const parse_steps steps(text, {});
-    if (steps.at_end().m_error.empty()) return {};
+erroneous_line first_erroneous_line(const differential::rule_set& by, std::string_view text) {
+    std::istringstream in{std::string(text)};
+    if (by.m_parse(in, {}).m_error.empty()) return {};
+    const parse_steps steps(by, text, {});
     std::size_t lines = 0;
     while (steps.after(lines).m_error.empty()) ++lines;
     return {lines, steps.after(lines).m_error};

@@ -6,6 +6,8 @@
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
+
 #include <cstddef>
 #include <ios>
 #include <istream>
@@ -39,7 +41,7 @@ after_reading after_getline(std::istream& in, std::size_t lines = all_lines,
                             const std::string& own_error = "");
 
 /// Calls Fill, and then reads the rest of the stream.
-after_reading after_fill(MailStructure& message, std::istream& in);
+after_reading after_fill(MailStructure& message, std::istream& in, MailStructure::rules by);
 
 /// The line at which the parse of a text ends with an error in the text itself.
 struct erroneous_line {
@@ -47,7 +49,7 @@ struct erroneous_line {
     std::string m_error;
 };
 
-erroneous_line first_erroneous_line(std::string_view text);
+erroneous_line first_erroneous_line(const differential::rule_set& by, std::string_view text);
 
 } // namespace test_support
 

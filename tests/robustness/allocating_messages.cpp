@@ -1,7 +1,5 @@
 #include "robustness/allocating_messages.h"
 
-#include "support/message_generator.h"
-
 #include <cstddef>
 #include <utility>
 
@@ -162,6 +160,92 @@ void add_tree_messages(std::vector<allocating_message>& all) {
          with_crlf(open_multiparts(12) + "Subject: " + letters(30) + "\n" + letters(30) + "\n")});
 }
 
+/// Multiparts within each other, so many that the table of delimiters grows more than once. Each
+/// boundary has to be allocated.
+std::string distinct_multiparts(std::size_t depth, const std::string& rest) {
+    std::string result;
+    for (std::size_t level = 0; level < depth; ++level) {
+        const std::string boundary = letters(16) + std::to_string(level);
+        result += multipart(boundary) + "--" + boundary + "\n";
+    }
+    return result + rest;
+}
+
+std::string multipart_with(const std::string& parameters, const std::string& boundary) {
+    return "Content-Type: multipart/mixed" + parameters + "\n\n--" + boundary + "\n\n" + letters(30)
+           + "\n--" + boundary + "--\n" + letters(30) + "\n";
+}
+
+/// For the rule set "standard": each way to a boundary, and texts that do not stand in the message as
+/// they are.
+void add_standard_messages(std::vector<allocating_message>& all) {
+    const std::string word = letters(20);
+    all.push_back(
+        {"boundary_with_escapes",
+         multipart_with("; boundary=\"" + word + "\\\"" + word + "\"", word + '"' + word)});
+    all.push_back({"unquoted_boundary_with_comments",
+                   multipart_with("; boundary=" + word + " (" + word + ") " + word + "  (b) ;x",
+                                  word + "  " + word)});
+    all.push_back(
+        {"extended_boundary",
+         multipart_with("; boundary*=us-ascii'en'" + word + "%41" + word, word + 'A' + word)});
+    all.push_back(
+        {"boundary_in_sections",
+         multipart_with("; boundary*12345678901234567890=" + word + "; boundary*3*=a'b'%42" + word
+                            + "; boundary*03=x; boundary*7*=" + word + "%43",
+                        'B' + word + word + 'C' + word)});
+    std::string many_sections;
+    for (int number = 40; number > 0; --number)
+        many_sections += "; boundary*" + std::to_string(number) + "=" + letters(3);
+    all.push_back(
+        {"boundary_in_many_sections", multipart_with(many_sections, repeated(40, letters(3)))});
+    all.push_back({"plain_boundary_among_others",
+                   multipart_with("; boundary*=a'b'" + word + "; boundary*1=" + word
+                                      + "; boundary=" + word + "; boundary=x",
+                                  word)});
+    all.push_back({"folded_content_type",
+                   multipart_with(";\n" + repeated(6, " name=\"" + word + "\n " + word + "\";\n")
+                                      + "\tboundary=\"" + word + "\n  " + word + "\"",
+                                  word + "  " + word)});
+    all.push_back({"comments_in_every_place", "Content-Type (" + word + "): x\nContent-Type: ("
+                                                  + word + "(a)) multipart (b) / " + word
+                                                  + " (;) ; (c) boundary (d) = (e) " + word
+                                                  + "\n\n--" + word + "\n"});
+    all.push_back({"long_types_and_encoding", "Content-Transfer-Encoding: (a)" + word
+                                                  + " b\nContent-Type: " + word + "/" + word + "; "
+                                                  + word + "=" + word + "\n\n" + word + "\n"});
+    all.push_back({"folded_encoding", "Content-Transfer-Encoding:\n"
+                                          + repeated(9, " (" + word + ")\n") + " " + word
+                                          + "\n\nhi\n"});
+    all.push_back(
+        {"second_content_type", multipart_with("; boundary=" + word + "\nContent-Type: " + word
+                                                   + "/" + word + "; " + word + "=" + word,
+                                               word)});
+    all.push_back({"distinct_boundaries_at_depth", distinct_multiparts(40, "\n" + word + "\n")});
+    all.push_back(
+        {"distinct_boundaries_closed_from_outside",
+         distinct_multiparts(20, word + ": " + word + "\n--" + letters(16) + "1\n\n" + word + "\n--"
+                                     + letters(16) + "0--\n" + word + "\n")});
+    all.push_back({"equal_boundaries_at_depth", repeated(20, multipart(word) + "--" + word + "\n")
+                                                    + repeated(25, "--" + word + "--\n")});
+    all.push_back({"block_ended_by_a_delimiter",
+                   multipart(word) + "--" + word + "\nContent-Type: message/rfc822\nSubject: "
+                       + word + "\n--" + word + "\nContent-Type: multipart/mixed;\n boundary=\""
+                       + word + word + "\n--" + word + "--\n"});
+    all.push_back(
+        {"digests_within_digests",
+         repeated(6, "Content-Type: multipart/digest; boundary=" + word + "\n\n--" + word + "\n\n")
+             + "\n" + word + "\n--" + word + "\n--" + word + "--\n" + word + "\n"});
+    all.push_back({"message_without_lines", "Content-Type: message/global"});
+    all.push_back({"lines_ended_by_crs", "a: b\r\r\n\r\r\n" + word + "\r\r\r\n" + word + "\r\n"
+                                             + word + "\n" + word + "\r"});
+    all.push_back({"wrap_in_distinct_boundaries", distinct_multiparts(20, "\n" + word + "\n"),
+                   0xFFFFFFFF, 0xFFFFFFFF - 700});
+    all.push_back({"standard_parameters_past_the_limit",
+                   multipart_with("; a=" + word + "; boundary=" + word + "; b=" + word, word),
+                   160});
+}
+
 void add_limited_messages(std::vector<allocating_message>& all) {
     const std::string fields = repeated(4, letters(20) + ": " + letters(30) + "\n")
                                + "C: " + letters(20) + "/" + letters(20) + "; " + letters(20) + "="
@@ -183,9 +267,10 @@ void add_wrapping_messages(std::vector<allocating_message>& all) {
     all.push_back({"wrap_at_the_first_byte", closed_multiparts(5), 0xFFFFFFFF, 0xFFFFFFFF});
 }
 
-void add_generated_messages(std::vector<allocating_message>& all) {
+void add_generated_messages(std::vector<allocating_message>& all,
+                            const differential::rule_set& by) {
     for (std::uint64_t seed = 1; seed <= 24; ++seed) {
-        generated_message made = generate_message(seed);
+        generated_message made = by.m_random_message(seed);
         all.push_back({"generated_" + std::to_string(seed), std::move(made.m_input),
                        made.m_memlimit, made.m_first_offset});
     }
@@ -193,15 +278,16 @@ void add_generated_messages(std::vector<allocating_message>& all) {
 
 } // namespace
 
-std::vector<allocating_message> allocating_messages() {
+std::vector<allocating_message> allocating_messages(const differential::rule_set& by) {
     std::vector<allocating_message> all;
     add_header_messages(all);
+    if (by.m_rules == MailStructure::rules::standard) add_standard_messages(all);
     add_content_type_messages(all);
     add_body_messages(all);
     add_tree_messages(all);
     add_limited_messages(all);
     add_wrapping_messages(all);
-    add_generated_messages(all);
+    add_generated_messages(all, by);
     return all;
 }
 

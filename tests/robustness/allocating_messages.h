@@ -5,6 +5,8 @@
 #ifndef TESTS_ROBUSTNESS_ALLOCATING_MESSAGES_H
 #define TESTS_ROBUSTNESS_ALLOCATING_MESSAGES_H
 
+#include "differential/rule_sets.h"
+
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -25,8 +27,9 @@ inline void PrintTo(const allocating_message& message, std::ostream* out) {
     *out << message.m_name;
 }
 
-/// The messages written for these tests, then some from the message generator.
-std::vector<allocating_message> allocating_messages();
+/// The messages written for these tests that mean something to the rule set, then some from its
+/// message generator.
+std::vector<allocating_message> allocating_messages(const differential::rule_set& by);
 
 } // namespace test_support
 

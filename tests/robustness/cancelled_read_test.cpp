@@ -3,6 +3,8 @@
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
+
 #include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -36,22 +38,26 @@ struct reading {
     std::ifstream m_in;
     MailStructure m_message;
     int m_reads = 0;
+    MailStructure::rules m_rules = MailStructure::rules::classic;
 };
 
 void* fill(void* argument) {
     auto& own = *static_cast<reading*>(argument);
     reads_left = own.m_reads;
-    own.m_message.Fill(own.m_in);
+    own.m_message.Fill(own.m_in, own.m_rules);
     return nullptr;
 }
 
-TEST(cancelled_read, leaves_the_file_behind_the_last_line) {
+class cancelled_read : public testing::TestWithParam<const differential::rule_set*> {};
+
+TEST_P(cancelled_read, leaves_the_file_behind_the_last_line) {
     const std::string place = testing::TempDir() + "mailstructure_cancelled_read_test.eml";
     std::ofstream(place, std::ios_base::binary) << input;
     for (const int reads : {1, 2}) {
         reading own;
         own.m_in.open(place, std::ios_base::binary);
         own.m_reads = reads;
+        own.m_rules = GetParam()->m_rules;
         pthread_t thread{};
         ASSERT_EQ(pthread_create(&thread, nullptr, fill, &own), 0);
         void* result = nullptr;
@@ -64,5 +70,8 @@ TEST(cancelled_read, leaves_the_file_behind_the_last_line) {
     }
     std::remove(place.c_str());
 }
+
+INSTANTIATE_TEST_SUITE_P(rules, cancelled_read, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
 #include "robustness/allocating_messages.h"
 #include "robustness/failing_new.h"
 #include "robustness/window_stream.h"
@@ -26,6 +27,7 @@
 namespace {
 
 using MimeObj = MailStructure::MimeObj;
+using differential::rule_set;
 using test_support::allocating_message;
 using test_support::allocation_trap;
 using test_support::live_allocations;
@@ -90,15 +92,18 @@ std::size_t allocations_of(const std::function<void()>& act) {
 /// A tree in an object of its own, and what the reference parser makes of the same message.
 class filled_tree {
 public:
-    explicit filled_tree(const allocating_message& message) {
+    explicit filled_tree(const allocating_message& message,
+                         const rule_set& by = differential::classic)
+        : m_by(by) {
         const test_support::memory_limit limit(message.m_memlimit);
         m_message.m_keep_text = true;
         test_support::window_stream in(message.m_input, test_support::all_bytes);
-        m_error = test_support::fill(m_message, in);
+        m_error = test_support::fill(m_message, in, 0, by.m_rules);
         std::istringstream again(message.m_input);
-        m_wanted = reference::parse(again, {true, message.m_memlimit, 0});
+        m_wanted = by.m_parse(again, {true, message.m_memlimit, 0});
     }
 
+    const rule_set& by() const { return m_by; }
     MimeObj& root() { return m_message.m_root; }
     /// Says where the tree is no longer as Fill left it; empty if it is.
     std::string change() const {
@@ -106,6 +111,7 @@ public:
     }
 
 private:
+    const rule_set& m_by;
     MailStructure m_message;
     std::string m_error;
     reference::message m_wanted;
@@ -130,11 +136,13 @@ MimeObj& innermost_last(MimeObj& root) {
 
 /// Calls a check with each message and its tree, until a check fails.
 void for_each_message(const std::function<void(const allocating_message&, filled_tree&)>& check) {
-    for (const allocating_message& message : test_support::allocating_messages()) {
-        SCOPED_TRACE(message.m_name);
-        filled_tree original(message);
-        check(message, original);
-        if (testing::Test::HasFailure()) return;
+    for (const rule_set* by : differential::all_rule_sets) {
+        for (const allocating_message& message : test_support::allocating_messages(*by)) {
+            SCOPED_TRACE(by->m_name + (": " + message.m_name));
+            filled_tree original(message, *by);
+            check(message, original);
+            if (testing::Test::HasFailure()) return;
+        }
     }
 }
 
@@ -171,7 +179,7 @@ TEST(failed_operation, assignment_from_the_innermost_leaves_the_tree_as_it_was) 
     for_each_message([](const allocating_message& message, filled_tree& original) {
         const std::string wanted = test_support::full_tree_text(innermost_last(original.root()));
         for (const memory afterwards : all_outcomes) {
-            filled_tree tree(message);
+            filled_tree tree(message, original.by());
             fail_each(
                 afterwards, [&] { tree.root() = innermost_last(tree.root()); },
                 [&] { EXPECT_EQ(tree.change(), ""); });
@@ -184,7 +192,7 @@ TEST(failed_operation, assignment_to_the_innermost_leaves_the_tree_as_it_was) {
     for_each_message([](const allocating_message& message, filled_tree& original) {
         const std::string wanted = test_support::full_tree_text(original.root());
         for (const memory afterwards : all_outcomes) {
-            filled_tree tree(message);
+            filled_tree tree(message, original.by());
             MimeObj& target = innermost_last(tree.root());
             fail_each(
                 afterwards, [&] { target = tree.root(); }, [&] { EXPECT_EQ(tree.change(), ""); });
@@ -196,7 +204,7 @@ TEST(failed_operation, assignment_to_the_innermost_leaves_the_tree_as_it_was) {
 TEST(failed_operation, get_obj_adds_a_child_or_changes_nothing) {
     for_each_message([](const allocating_message& message, filled_tree& original) {
         for (std::size_t count = original.root().m_children.size(); count < 20; ++count) {
-            filled_tree tree(message);
+            filled_tree tree(message, original.by());
             while (tree.root().m_children.size() < count) tree.root().get_obj()->m_lines = 7;
             const MimeObj* const first_child = tree.root().m_children.data();
             const std::string before = test_support::full_tree_text(tree.root());
@@ -219,7 +227,7 @@ TEST(failed_operation, get_obj_adds_a_child_or_changes_nothing) {
 TEST(failed_operation, get_header_adds_a_field_or_changes_nothing) {
     for_each_message([](const allocating_message& message, filled_tree& original) {
         for (std::size_t count = original.root().m_headers.size(); count < 20; ++count) {
-            filled_tree tree(message);
+            filled_tree tree(message, original.by());
             while (tree.root().m_headers.size() < count) tree.root().get_header()->m_end = 7;
             const MailStructure::header* const first_field = tree.root().m_headers.data();
             const std::string before = test_support::full_tree_text(tree.root());

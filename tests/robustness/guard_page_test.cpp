@@ -3,8 +3,8 @@
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
 #include "parser/lines/scanners.h"
-#include "reference/reference_parser.h"
 #include "robustness/guarded_memory.h"
 #include "robustness/window_stream.h"
 #include "support/case_name.h"
@@ -21,10 +21,12 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace {
 
+using differential::rule_set;
 using test_support::guarded_memory;
 using test_support::seeded_random;
 using test_support::window_stream;
@@ -123,50 +125,79 @@ const content contents[] = {
     {"blanks", "a: b\n", " \t"},
     {"parameters", "C: a/b", "; name=\"value\""},
     {"parameter_folds", "C: multipart/b;\n", "\t b = \"Y\" ;\n"},
+    {"comments", "Content-Type: multipart/(a", "(b\\) c)"},
+    {"quotes", "Content-Type: multipart/x;boundary=\"", "a\\\" b"},
+    {"sections", "Content-Type: multipart/x", ";boundary*1*=%41'%"},
+    {"named_separators",
+     "Content-Type: multipart/x; boundary=XY\n"
+     "\n",
+     "--XY \t\r\r\n"
+     "\n"
+     "--XYZ\n"
+     "--XY--\t\n"},
+    {"digests", "",
+     "Content-Type: multipart/digest; boundary=XY\n"
+     "\n"
+     "--XY\n"
+     "\n"},
+    {"long_blanks",
+     "Content-Type: multipart/x; boundary=XY\n"
+     "\n"
+     "--XY",
+     " \t\r"},
     {"bytes_above_127", "\n", "\x80\xFF\xA0\n"},
 };
 
-class guard_page : public testing::TestWithParam<content> {};
+class guard_page : public testing::TestWithParam<std::tuple<const rule_set*, content>> {};
 
 void PrintTo(const content& what, std::ostream* out) { *out << what.m_name; }
 
 /// Parses the bytes in place, in windows of that size, and compares the tree with that of the
 /// reference parser.
-std::string difference(std::string_view bytes, std::size_t window,
+std::string difference(const rule_set& by, std::string_view bytes, std::size_t window,
                        const reference::message& wanted) {
     MailStructure message;
     message.m_keep_text = true;
     window_stream in(bytes, window);
-    const std::string error = test_support::fill(message, in);
+    const std::string error = test_support::fill(message, in, 0, by.m_rules);
     return test_support::first_difference(message, error, wanted);
 }
 
 TEST_P(guard_page, is_not_touched) {
+    const rule_set& by = *std::get<0>(GetParam());
+    const content& what = std::get<1>(GetParam());
     guarded_memory memory(most_bytes);
     for (const std::size_t length : telling_lengths()) {
-        const std::string first = GetParam().m_first.substr(0, length);
+        const std::string first = what.m_first.substr(0, length);
         const std::size_t left = length - first.size();
         // The text is cut at either end, so that lines and boundaries end right before the page or
         // would continue in it.
-        for (const std::string& rest : {head_of_repeated(GetParam().m_repeated, left),
-                                        tail_of_repeated(GetParam().m_repeated, left)}) {
+        for (const std::string& rest :
+             {head_of_repeated(what.m_repeated, left), tail_of_repeated(what.m_repeated, left)}) {
             const std::string text = first + rest;
             std::istringstream in(text);
-            const reference::message wanted = reference::parse(in, {true, 0xFFFFFFFF, 0});
-            ASSERT_EQ(difference(memory.at_the_end(text), test_support::all_bytes, wanted), "")
+            const reference::message wanted = by.m_parse(in, {true, 0xFFFFFFFF, 0});
+            ASSERT_EQ(difference(by, memory.at_the_end(text), test_support::all_bytes, wanted), "")
                 << "length " << length;
             if (length > 5000) continue;
             for (const std::size_t window : {std::size_t{0}, std::size_t{61}, std::size_t{4096}})
-                ASSERT_EQ(difference(memory.at_the_end(text), window, wanted), "")
+                ASSERT_EQ(difference(by, memory.at_the_end(text), window, wanted), "")
                     << "length " << length;
-            ASSERT_EQ(difference(memory.at_the_start(text), test_support::all_bytes, wanted), "")
+            ASSERT_EQ(difference(by, memory.at_the_start(text), test_support::all_bytes, wanted),
+                      "")
                 << "length " << length;
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(before_the_page, guard_page, testing::ValuesIn(contents),
-                         test_support::case_name<content>);
+std::string name_of(const testing::TestParamInfo<guard_page::ParamType>& info) {
+    return std::get<0>(info.param)->m_name + ('_' + std::string(std::get<1>(info.param).m_name));
+}
+
+INSTANTIATE_TEST_SUITE_P(before_the_page, guard_page,
+                         testing::Combine(testing::ValuesIn(differential::all_rule_sets),
+                                          testing::ValuesIn(contents)),
+                         name_of);
 
 /// A scanner of the parser and its plain twin. Both return what they find as numbers.
 struct scanner {

@@ -6,9 +6,11 @@
 
 #include <mail_structure.h>
 
+#include "differential/rule_sets.h"
 #include "reference/reference_parser.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -19,7 +21,8 @@ namespace test_support {
 /// The trees that the reference parser holds after each line of an input.
 class parse_steps {
 public:
-    parse_steps(std::string_view input, const reference::options& wanted);
+    parse_steps(const differential::rule_set& by, std::string_view input,
+                const reference::options& wanted);
 
     /// The number of whole lines in the first so many bytes of the input. A last line without LF is
     /// whole if it includes the last byte of the input.
@@ -36,12 +39,22 @@ private:
         m_trees; // one more than there are lines; a vector would copy them to grow
 };
 
+/// What the end of the input does to a header block.
+enum class end_of_input : std::uint8_t {
+    leaves_blocks_open,
+    ends_blocks // so the reference parser's trees hold what a parser learns only from the end
+};
+
 /// Says where the tree is not between two trees of the reference parser; "" if it is. A tree is
 /// between them if each range, count and flag is as in one of them, each text is at least as long
 /// as in `before` and is the beginning of the text in `after`, it has all entities, fields and
 /// parameters of `before`, and it has none that `after` lacks.
+/// @param end  where the end of the input ends header blocks, what `before` holds beyond an entity's
+///             open header block may be missing: its types, its flags, the message within, and value
+///             and parameters of the last field
 std::string progress_difference(const MailStructure::MimeObj& found,
-                                const reference::entity& before, const reference::entity& after);
+                                const reference::entity& before, const reference::entity& after,
+                                end_of_input end);
 
 } // namespace test_support
 

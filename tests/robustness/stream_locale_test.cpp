@@ -3,7 +3,7 @@
 
 #include <mail_structure.h>
 
-#include "reference/reference_parser.h"
+#include "differential/rule_sets.h"
 #include "robustness/after_reading.h"
 #include "support/compare.h"
 #include "support/expect_tree_text.h"
@@ -22,6 +22,7 @@
 
 namespace {
 
+using differential::rule_set;
 using test_support::delivery;
 
 /// A character facet in which another byte ends a line, as in some encodings that are not ASCII.
@@ -50,32 +51,36 @@ std::string with_line_end(std::string text, char end) {
 }
 
 /// Compares the library and the reference parser over streams with the locale.
-std::string difference(const std::string& text, const std::locale& locale, const delivery& way) {
+std::string difference(const rule_set& by, const std::string& text, const std::locale& locale,
+                       const delivery& way) {
     test_support::delivered_stream for_fill(text, way);
     test_support::delivered_stream for_reference(text, way);
     for_fill.imbue(locale);
     for_reference.imbue(locale);
     MailStructure message;
-    const std::string error = test_support::fill(message, for_fill);
+    const std::string error = test_support::fill(message, for_fill, 0, by.m_rules);
     std::string report =
-        test_support::first_difference(message, error, reference::parse(for_reference, {}));
+        test_support::first_difference(message, error, by.m_parse(for_reference, {}));
     if (report.empty() && for_fill.rdstate() != for_reference.rdstate())
         report = "the states differ";
     return report;
 }
 
-std::string tree_of(const std::string& text, char line_end) {
+std::string tree_of(const std::string& text, char line_end,
+                    MailStructure::rules by = MailStructure::rules::classic) {
     std::istringstream in(text);
     in.imbue(locale_with_line_end(line_end));
-    return test_support::outcome_text(test_support::parse(in));
+    return test_support::outcome_text(test_support::parse(in, {.m_rules = by}));
 }
 
-TEST(stream_locale, lines_end_where_its_line_feed_is) {
+class stream_locale : public testing::TestWithParam<const rule_set*> {};
+
+TEST(classic_stream_locale, lines_end_where_its_line_feed_is) {
     EXPECT_TREE_TEXT(tree_of("a: b||hi|", '|'), "1 text/plain h=0+6 m=0+9 b=6+3 c=6+3 n=1\n");
     EXPECT_TREE_TEXT(tree_of("a: b\r|\r|hi", '|'), "1 text/plain h=0+8 m=0+10 b=8+2 c=8+2 n=1\n");
 }
 
-TEST(stream_locale, line_feeds_inside_lines_are_stray_bytes) {
+TEST(classic_stream_locale, line_feeds_inside_lines_are_stray_bytes) {
     EXPECT_TREE_TEXT(tree_of("|1\nhi|", '|'), "1 / h=0+1 m=0+1\n"
                                               "! runtime_error: error in io input data\n");
     EXPECT_TREE_TEXT(tree_of("|\nhi|", '|'), "1 / h=0+1 m=0+1\n"
@@ -91,28 +96,43 @@ TEST(stream_locale, line_feeds_inside_lines_are_stray_bytes) {
     }
 }
 
-TEST(stream_locale, keeps_a_line_feed_before_the_end_of_the_line_unseen) {
+TEST(classic_stream_locale, keeps_a_line_feed_before_the_end_of_the_line_unseen) {
     EXPECT_TREE_TEXT(tree_of("|hi\n|", '|'), "1 text/plain h=0+1 m=0+5 b=1+4 c=1+4 n=1\n");
     EXPECT_TREE_TEXT(tree_of("|hi|\n", '|'), "1 text/plain h=0+1 m=0+5 b=1+4 c=1+4 n=2\n");
 }
 
-TEST(stream_locale, any_byte_can_end_the_lines) {
+TEST(standard_stream_locale, lines_end_where_its_line_feed_is) {
+    constexpr auto standard = MailStructure::rules::standard;
+    EXPECT_TREE_TEXT(tree_of("a: b||hi|", '|', standard),
+                     "1 text/plain enc=7bit h=0+6 m=0+9 b=6+3 c=6+3 n=1\n");
+    EXPECT_TREE_TEXT(tree_of("a: b\r|\r\r|hi", '|', standard),
+                     "1 text/plain enc=7bit h=0+9 m=0+11 b=9+2 c=9+2 n=1\n");
+}
+
+TEST(standard_stream_locale, line_feeds_inside_lines_are_bytes_like_others) {
+    EXPECT_TREE_TEXT(tree_of("a: b\nc||h\ni\n|", '|', MailStructure::rules::standard),
+                     "1 text/plain enc=7bit h=0+8 m=0+13 b=8+5 c=8+5 n=1\n");
+}
+
+TEST_P(stream_locale, any_byte_can_end_the_lines) {
+    const rule_set& by = *GetParam();
     const char ends[] = {'|', '\0', '\r', ' ', ':', '-', 'a', '\x80', '\xFF'};
     for (const char end : ends) {
         const std::locale locale = locale_with_line_end(end);
         for (std::uint64_t seed = 1; seed <= 60; ++seed) {
-            const std::string text = test_support::generate_message(seed).m_input;
+            const std::string text = by.m_random_message(seed).m_input;
             const delivery& way =
                 test_support::all_deliveries[seed % test_support::all_deliveries.size()];
-            ASSERT_EQ(difference(with_line_end(text, end), locale, way), "")
+            ASSERT_EQ(difference(by, with_line_end(text, end), locale, way), "")
                 << int{end} << ", seed " << seed;
-            ASSERT_EQ(difference(text, locale, way), "")
+            ASSERT_EQ(difference(by, text, locale, way), "")
                 << "with LF, " << int{end} << ", seed " << seed;
         }
     }
 }
 
-TEST(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
+TEST_P(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
+    const rule_set& by = *GetParam();
     const std::string text = "a: b||hi|ho";
     const std::locale locale = locale_with_line_end('|');
     for (std::size_t offset = 0; offset <= text.size(); ++offset) {
@@ -123,7 +143,7 @@ TEST(stream_locale, faults_at_any_offset_leave_the_stream_as_by_getline) {
                 for_fill.imbue(locale);
                 for_getline.imbue(locale);
                 MailStructure message;
-                EXPECT_EQ(test_support::after_fill(message, for_fill),
+                EXPECT_EQ(test_support::after_fill(message, for_fill, by.m_rules),
                           test_support::after_getline(for_getline))
                     << "offset " << offset << ", " << way.m_name;
             }
@@ -148,7 +168,8 @@ std::locale locale_without_character_type() {
     return {std::locale::classic(), new no_character_type};
 }
 
-TEST(stream_locale, without_a_character_type_gives_bad_cast) {
+TEST_P(stream_locale, without_a_character_type_gives_bad_cast) {
+    const rule_set& by = *GetParam();
     ASSERT_FALSE(std::has_facet<std::ctype<char>>(locale_without_character_type()));
     const auto make = [] {
         auto in = std::make_unique<std::istringstream>("a: b\n\nhi\n");
@@ -159,38 +180,43 @@ TEST(stream_locale, without_a_character_type_gives_bad_cast) {
     const auto for_getline = make();
     MailStructure message;
     message.m_root.get_obj();
-    const auto found = test_support::after_fill(message, *for_fill);
+    const auto found = test_support::after_fill(message, *for_fill, by.m_rules);
     EXPECT_EQ(found, test_support::after_getline(*for_getline));
     EXPECT_EQ(found.m_error, "bad_cast");
     EXPECT_EQ(found.m_rest, "a: b\n\nhi\n");
-    EXPECT_EQ(test_support::first_difference(message, found.m_error, reference::parse(*make(), {})),
-              "");
+    EXPECT_EQ(test_support::first_difference(message, found.m_error, by.m_parse(*make(), {})), "");
 }
 
 /// Sets the global locale for as long as the object lives.
-class global_locale {
+class changed_global_locale {
 public:
-    explicit global_locale(const std::locale& locale) : m_before(std::locale::global(locale)) {}
-    ~global_locale() { std::locale::global(m_before); }
-    global_locale(const global_locale&) = delete;
-    global_locale& operator=(const global_locale&) = delete;
+    explicit changed_global_locale(const std::locale& locale)
+        : m_before(std::locale::global(locale)) {}
+    ~changed_global_locale() { std::locale::global(m_before); }
+    changed_global_locale(const changed_global_locale&) = delete;
+    changed_global_locale& operator=(const changed_global_locale&) = delete;
 
 private:
     std::locale m_before;
 };
 
-TEST(global_locale, without_a_character_type_gives_bad_cast_at_the_first_field_value) {
+class global_locale : public testing::TestWithParam<const rule_set*> {};
+
+/// Under the standard rules the global locale has no meaning.
+TEST_P(global_locale, without_a_character_type_gives_bad_cast_where_it_is_asked) {
+    const rule_set& by = *GetParam();
     std::istringstream for_fill("a: b\n\nhi\n");
     std::istringstream for_reference("a: b\n\nhi\n");
     MailStructure message;
     std::string error;
     reference::message wanted;
     {
-        const global_locale changed(locale_without_character_type());
-        error = test_support::fill(message, for_fill);
-        wanted = reference::parse(for_reference, {});
+        const changed_global_locale changed(locale_without_character_type());
+        error = test_support::fill(message, for_fill, 0, by.m_rules);
+        wanted = by.m_parse(for_reference, {});
     }
-    EXPECT_EQ(error, "bad_cast");
+    const bool is_asked = by.m_rules == MailStructure::rules::classic;
+    EXPECT_EQ(error, is_asked ? "bad_cast" : "");
     EXPECT_EQ(test_support::first_difference(message, error, wanted), "");
 }
 
@@ -212,22 +238,30 @@ private:
     }
 };
 
-TEST(global_locale, tells_what_is_trimmed_off_values_and_nothing_else) {
+TEST_P(global_locale, tells_at_most_what_is_trimmed_off_values) {
+    const rule_set& by = *GetParam();
     const std::locale before = std::locale::global({std::locale::classic(), new spacious_letters});
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
-        const std::string text = test_support::generate_message(seed).m_input;
-        EXPECT_EQ(difference(text, std::locale::classic(), test_support::all_deliveries[0]), "")
+        const std::string text = by.m_random_message(seed).m_input;
+        EXPECT_EQ(difference(by, text, std::locale::classic(), test_support::all_deliveries[0]), "")
             << "seed " << seed;
     }
     const auto outcome = test_support::parse("a: xx\xA0 v x\r\n"
                                              "xx: x\n"
                                              "\n"
-                                             "hi\n");
+                                             "hi\n",
+                                             {.m_rules = by.m_rules});
     std::locale::global(before);
+    const bool trims_x = by.m_rules == MailStructure::rules::classic;
     ASSERT_EQ(outcome.m_message.m_root.m_headers.size(), 2U);
-    EXPECT_EQ(outcome.m_message.m_root.m_headers[0].m_value, "v");
+    EXPECT_EQ(outcome.m_message.m_root.m_headers[0].m_value, trims_x ? "v" : "xx\xA0 v x");
     EXPECT_EQ(outcome.m_message.m_root.m_headers[1].m_name, "xx");
-    EXPECT_EQ(outcome.m_message.m_root.m_headers[1].m_value, "");
+    EXPECT_EQ(outcome.m_message.m_root.m_headers[1].m_value, trims_x ? "" : "x");
 }
+
+INSTANTIATE_TEST_SUITE_P(rules, stream_locale, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
+INSTANTIATE_TEST_SUITE_P(rules, global_locale, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
 
 } // namespace

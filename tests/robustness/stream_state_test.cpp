@@ -3,7 +3,7 @@
 
 #include <mail_structure.h>
 
-#include "reference/reference_parser.h"
+#include "differential/rule_sets.h"
 #include "robustness/after_reading.h"
 #include "robustness/window_stream.h"
 #include "support/case_name.h"
@@ -23,10 +23,12 @@
 #include <streambuf>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 namespace {
 
 using namespace std::string_view_literals;
+using differential::rule_set;
 using test_support::after_fill;
 using test_support::after_getline;
 using test_support::after_reading;
@@ -72,6 +74,18 @@ constexpr named_message messages[] = {
                   "1\n"
                   "--X--\n"
                   "epi\n"},
+    {"message_in_a_part", "Content-Type: multipart/digest; boundary=X\n"
+                          "\n"
+                          "--X\n"
+                          "\n"
+                          "a: b\r\r\n"
+                          " c\n"
+                          "Content-Type: message/rfc822\n"
+                          "--X--\n"
+                          "epi\n"},
+    {"block_not_ended", "a: b\n"
+                        "Content-Type: message/rfc822;\n"
+                        " a=b"},
     {"stray_byte", "a: b\n"
                    "\n"
                    "hi\n"
@@ -103,17 +117,19 @@ enum class bytes_ready : bool { count, do_not_count };
 
 /// Compares three readers, each with a stream made in the same way: Fill, a loop over std::getline,
 /// and the reference parser.
+/// @param by           the rules, and their reference parser
 /// @param make_stream  makes one of the streams
 /// @param own          the line at which the text itself would end the parse
 /// @return "" or what differs
 template <class Make>
-std::string difference(Make make_stream, const test_support::erroneous_line& own,
+std::string difference(const rule_set& by, Make make_stream,
+                       const test_support::erroneous_line& own,
                        bytes_ready ready = bytes_ready::count) {
     const auto for_fill = make_stream();
     const auto for_getline = make_stream();
     const auto for_reference = make_stream();
     MailStructure message;
-    after_reading found = after_fill(message, *for_fill);
+    after_reading found = after_fill(message, *for_fill, by.m_rules);
     const after_reading wanted = after_getline(*for_getline, own.m_lines, own.m_error);
     if (ready == bytes_ready::do_not_count) found.m_available = wanted.m_available;
     if (found != wanted) {
@@ -121,16 +137,16 @@ std::string difference(Make make_stream, const test_support::erroneous_line& own
         report << "found " << found << "\nwanted " << wanted;
         return report.str();
     }
-    return test_support::first_difference(message, found.m_error,
-                                          reference::parse(*for_reference, {}));
+    return test_support::first_difference(message, found.m_error, by.m_parse(*for_reference, {}));
 }
 
-class faulty_streams : public testing::TestWithParam<named_message> {
+class faulty_streams : public testing::TestWithParam<std::tuple<const rule_set*, named_message>> {
 protected:
     void expect_as_getline(fault kind) const {
-        const std::string_view text = GetParam().m_text;
+        const rule_set& by = *std::get<0>(GetParam());
+        const std::string_view text = std::get<1>(GetParam()).m_text;
         for (std::size_t offset = 0; offset <= text.size(); ++offset) {
-            const auto own = test_support::first_erroneous_line(text.substr(0, offset));
+            const auto own = test_support::first_erroneous_line(by, text.substr(0, offset));
             for (const delivery& way : test_support::all_deliveries) {
                 for (unsigned mask = 0; mask < 8; ++mask) {
                     const auto make = [&] {
@@ -139,7 +155,7 @@ protected:
                         in->exceptions(state_of(mask));
                         return in;
                     };
-                    ASSERT_EQ(difference(make, own), "")
+                    ASSERT_EQ(difference(by, make, own), "")
                         << "at offset " << offset << ", " << way.m_name << ", mask "
                         << state_of(mask);
                 }
@@ -156,8 +172,14 @@ TEST_P(faulty_streams, that_set_badbit_are_left_as_by_getline) {
     expect_as_getline(fault::sets_badbit);
 }
 
-INSTANTIATE_TEST_SUITE_P(messages, faulty_streams, testing::ValuesIn(messages),
-                         test_support::case_name<named_message>);
+std::string name_of(const testing::TestParamInfo<faulty_streams::ParamType>& info) {
+    return std::get<0>(info.param)->m_name + ('_' + std::string(std::get<1>(info.param).m_name));
+}
+
+INSTANTIATE_TEST_SUITE_P(messages, faulty_streams,
+                         testing::Combine(testing::ValuesIn(differential::all_rule_sets),
+                                          testing::ValuesIn(messages)),
+                         name_of);
 
 /// A buffer that reports the end of its input at an offset, and has more bytes when it is asked
 /// again.
@@ -223,10 +245,14 @@ private:
     Buffer m_buffer;
 };
 
-TEST(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
+class stream_state : public testing::TestWithParam<const rule_set*> {};
+
+TEST_P(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
+    const rule_set& by = *GetParam();
     for (const named_message& message : messages) {
         for (std::size_t offset = 0; offset <= message.m_text.size(); ++offset) {
-            const auto own = test_support::first_erroneous_line(message.m_text.substr(0, offset));
+            const auto own =
+                test_support::first_erroneous_line(by, message.m_text.substr(0, offset));
             for (const std::size_t window :
                  {std::size_t{0}, std::size_t{1}, std::size_t{5}, offset}) {
                 const auto make = [&] {
@@ -236,26 +262,29 @@ TEST(stream_state, input_that_goes_on_after_its_end_is_left_as_by_getline) {
                 // With windows of 5 bytes, the pause comes at the end of a window, which may be
                 // later.
                 if (window == 5 && offset % 5 != 0) continue;
-                ASSERT_EQ(difference(make, own), "") << message.m_name << " at offset " << offset;
+                ASSERT_EQ(difference(by, make, own), "")
+                    << message.m_name << " at offset " << offset;
             }
         }
     }
 }
 
-TEST(stream_state, nothing_but_bytes_is_asked_of_the_buffer) {
+TEST_P(stream_state, nothing_but_bytes_is_asked_of_the_buffer) {
+    const rule_set& by = *GetParam();
     for (const named_message& message : messages) {
-        const auto own = test_support::first_erroneous_line(message.m_text);
+        const auto own = test_support::first_erroneous_line(by, message.m_text);
         for (const std::size_t window : {0U, 1U, 7U, 1000U}) {
             const auto make = [&] {
                 return std::make_unique<stream_over<one_way_buffer>>(message.m_text, window);
             };
-            EXPECT_EQ(difference(make, own), "")
+            EXPECT_EQ(difference(by, make, own), "")
                 << message.m_name << " through a window of " << window;
         }
     }
 }
 
-TEST(stream_state, a_stream_that_is_not_good_stays_unread) {
+TEST_P(stream_state, a_stream_that_is_not_good_stays_unread) {
+    const rule_set& by = *GetParam();
     for (unsigned state = 1; state < 8; ++state) {
         for (unsigned mask = 0; mask < 8; ++mask) {
             const auto make = [&] {
@@ -267,26 +296,28 @@ TEST(stream_state, a_stream_that_is_not_good_stays_unread) {
                 }
                 return in;
             };
-            EXPECT_EQ(difference(make, {}), "")
+            EXPECT_EQ(difference(by, make, {}), "")
                 << "state " << state_of(state) << ", mask " << state_of(mask);
         }
     }
 }
 
-TEST(stream_state, a_stream_without_a_buffer_stays_as_it_is) {
+TEST_P(stream_state, a_stream_without_a_buffer_stays_as_it_is) {
+    const rule_set& by = *GetParam();
     const auto make = [] { return std::make_unique<std::istream>(nullptr); };
-    EXPECT_EQ(difference(make, {}), "");
+    EXPECT_EQ(difference(by, make, {}), "");
     std::istream in(nullptr);
     MailStructure message;
-    message.Fill(in);
+    EXPECT_EQ(test_support::fill(message, in, 0, by.m_rules), "");
     EXPECT_TRUE(message.m_done);
     EXPECT_EQ(message.m_root.m_mime_len, 0U);
 }
 
-TEST(stream_state, reading_begins_where_the_stream_stands) {
+TEST_P(stream_state, reading_begins_where_the_stream_stands) {
+    const rule_set& by = *GetParam();
     for (const named_message& message : messages) {
         const std::string text = "xyz" + std::string(message.m_text);
-        const auto own = test_support::first_erroneous_line(message.m_text);
+        const auto own = test_support::first_erroneous_line(by, message.m_text);
         for (const delivery& way : test_support::all_deliveries) {
             const auto make = [&] {
                 auto in = std::make_unique<test_support::delivered_stream>(text, way);
@@ -294,12 +325,12 @@ TEST(stream_state, reading_begins_where_the_stream_stands) {
                 in->read(taken, 3); // gcount is 3 and stays so
                 return in;
             };
-            EXPECT_EQ(difference(make, own), "") << message.m_name << ' ' << way.m_name;
+            EXPECT_EQ(difference(by, make, own), "") << message.m_name << ' ' << way.m_name;
         }
     }
 }
 
-TEST(stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
+TEST(classic_stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
     const std::string_view text = "a: b\n"
                                   "\n"
                                   "h\ri\n"
@@ -318,7 +349,8 @@ TEST(stream_state, a_second_fill_finds_the_lines_after_the_erroneous_one) {
     }
 }
 
-TEST(stream_state, width_and_blank_skipping_mean_nothing) {
+TEST_P(stream_state, width_and_blank_skipping_mean_nothing) {
+    const rule_set& by = *GetParam();
     for (const bool skips : {false, true}) {
         const auto make = [&] {
             auto in = std::make_unique<std::istringstream>("a: b\n"
@@ -333,15 +365,15 @@ TEST(stream_state, width_and_blank_skipping_mean_nothing) {
                 in->unsetf(std::ios_base::skipws);
             return in;
         };
-        EXPECT_EQ(difference(make, {}), "");
+        EXPECT_EQ(difference(by, make, {}), "");
         const auto in = make();
         MailStructure message;
-        message.Fill(*in);
+        EXPECT_EQ(test_support::fill(message, *in, 0, by.m_rules), "");
         EXPECT_EQ(in->width(), 2);
     }
 }
 
-TEST(stream_state, a_tied_stream_is_flushed_before_the_first_byte_is_asked_for) {
+TEST(tied_stream, is_flushed_before_the_first_byte_is_asked_for) {
     struct counting_buffer : std::stringbuf {
         int m_flushes = 0;
         int sync() override {
@@ -387,14 +419,15 @@ private:
     std::ostream m_out{&m_screen};
 };
 
-TEST(stream_state, a_stream_that_goes_bad_before_it_is_refilled_stays_unread) {
+TEST_P(stream_state, a_stream_that_goes_bad_before_it_is_refilled_stays_unread) {
+    const rule_set& by = *GetParam();
     for (const named_message& message : messages) {
         const auto make = [&] {
             auto in = std::make_unique<spoiled_stream>(message.m_text, std::size_t{1000});
             in->tie_itself();
             return in;
         };
-        EXPECT_EQ(difference(make, {}), "") << message.m_name;
+        EXPECT_EQ(difference(by, make, {}), "") << message.m_name;
     }
 }
 
@@ -404,7 +437,8 @@ std::streamoff position_of(std::istream& in) {
     return in.tellg();
 }
 
-TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
+TEST_P(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
+    const rule_set& by = *GetParam();
     std::string text;
     for (int line = 0; line < 3000; ++line)
         text += "1 line of a body that is longer than the buffers of files\n";
@@ -417,22 +451,22 @@ TEST(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
             std::ofstream file(place, std::ios_base::binary);
             file << damaged;
         }
-        const auto own =
-            test_support::first_erroneous_line(damaged.substr(0, damaged.find('\n', stray) + 1));
+        const auto own = test_support::first_erroneous_line(
+            by, damaged.substr(0, damaged.find('\n', stray) + 1));
         for (const bool from_file : {false, true}) {
             const auto make = [&]() -> std::unique_ptr<std::istream> {
                 if (from_file) return std::make_unique<std::ifstream>(place, std::ios_base::binary);
                 return std::make_unique<std::istringstream>(damaged);
             };
             const bytes_ready ready = from_file ? bytes_ready::do_not_count : bytes_ready::count;
-            EXPECT_EQ(difference(make, own, ready), "") << "stray byte at " << stray;
+            EXPECT_EQ(difference(by, make, own, ready), "") << "stray byte at " << stray;
             const auto for_fill = make();
             const auto for_getline = make();
             MailStructure message;
-            EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
+            EXPECT_EQ(test_support::fill(message, *for_fill, 0, by.m_rules), own.m_error);
             std::string line;
             for (std::size_t count = 0; count < own.m_lines; ++count)
-                std::getline(*for_getline, line);
+                if (!std::getline(*for_getline, line)) break;
             EXPECT_EQ(position_of(*for_fill), position_of(*for_getline))
                 << "stray byte at " << stray;
         }
@@ -457,8 +491,8 @@ public:
         return std::make_unique<std::ifstream>(m_place, std::ios_base::binary);
     }
     /// The line at which the text from there on ends the parse.
-    test_support::erroneous_line own_error_from(std::size_t offset) const {
-        return test_support::first_erroneous_line(std::string_view(m_text).substr(offset));
+    test_support::erroneous_line own_error_from(const rule_set& by, std::size_t offset) const {
+        return test_support::first_erroneous_line(by, std::string_view(m_text).substr(offset));
     }
 
 private:
@@ -468,7 +502,8 @@ private:
 
 constexpr std::size_t stray_places[] = {70, 8189, 8190, 8191, 8192, 10000};
 
-TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_back) {
+TEST_P(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_back) {
+    const rule_set& by = *GetParam();
     for (const std::size_t stray : stray_places) {
         const damaged_file file(stray);
         for (const bool taken_again : {false, true}) {
@@ -479,16 +514,16 @@ TEST(stream_state, files_stand_where_getline_leaves_them_after_a_byte_was_put_ba
                 if (taken_again) in->get();
                 return in;
             };
-            const auto own = file.own_error_from(taken_again ? 1 : 0);
-            EXPECT_EQ(difference(make, own, bytes_ready::do_not_count), "")
+            const auto own = file.own_error_from(by, taken_again ? 1 : 0);
+            EXPECT_EQ(difference(by, make, own, bytes_ready::do_not_count), "")
                 << "stray byte at " << stray;
             const auto for_fill = make();
             const auto for_getline = make();
             MailStructure message;
-            EXPECT_EQ(test_support::fill(message, *for_fill), own.m_error);
+            EXPECT_EQ(test_support::fill(message, *for_fill, 0, by.m_rules), own.m_error);
             std::string line;
             for (std::size_t count = 0; count < own.m_lines; ++count)
-                std::getline(*for_getline, line);
+                if (!std::getline(*for_getline, line)) break;
             EXPECT_EQ(position_of(*for_fill), position_of(*for_getline))
                 << "stray byte at " << stray;
         }
@@ -501,7 +536,8 @@ class stateful_conversion : public std::codecvt<char, char, std::mbstate_t> {
     int do_encoding() const noexcept override { return -1; }
 };
 
-TEST(stream_state, files_that_have_lost_their_conversion_are_left_as_by_getline) {
+TEST_P(stream_state, files_that_have_lost_their_conversion_are_left_as_by_getline) {
+    const rule_set& by = *GetParam();
     const damaged_file file(12000);
     std::size_t taken = 0;
     const auto make = [&] {
@@ -517,12 +553,17 @@ TEST(stream_state, files_that_have_lost_their_conversion_are_left_as_by_getline)
         const auto for_fill = make();
         const auto for_getline = make();
         MailStructure message;
-        EXPECT_EQ(test_support::fill(message, *for_fill), "") << taken;
-        std::uint32_t lines = 0;
-        for (std::string line; std::getline(*for_getline, line);) ++lines;
-        EXPECT_EQ(message.m_root.m_lines, lines) << taken;
+        EXPECT_EQ(test_support::fill(message, *for_fill, 0, by.m_rules), "") << taken;
+        std::string read;
+        for (std::string line; std::getline(*for_getline, line);) read += line + '\n';
+        std::istringstream for_reference(read);
+        EXPECT_EQ(test_support::first_difference(message, "", by.m_parse(for_reference, {})), "")
+            << taken;
         EXPECT_EQ(for_fill->rdstate(), for_getline->rdstate()) << taken;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(rules, stream_state, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
 
 } // namespace

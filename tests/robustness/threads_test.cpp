@@ -24,15 +24,19 @@ constexpr std::size_t thread_count = 16;
 constexpr std::size_t rounds = 3;
 
 struct expected_message {
+    MailStructure::rules m_rules;
     std::string m_input;
     std::string m_full_tree; // with the exception that left Fill, if any
 };
 
 std::vector<expected_message> expected_messages() {
     std::vector<expected_message> expected;
-    for (const allocating_message& message : test_support::allocating_messages())
-        expected.push_back({message.m_input, test_support::full_outcome_text(test_support::parse(
-                                                 message.m_input, {.m_keep_text = true}))});
+    for (const differential::rule_set* by : differential::all_rule_sets)
+        for (const allocating_message& message : test_support::allocating_messages(*by))
+            expected.push_back(
+                {by->m_rules, message.m_input,
+                 test_support::full_outcome_text(test_support::parse(
+                     message.m_input, {.m_keep_text = true, .m_rules = by->m_rules}))});
     return expected;
 }
 
@@ -42,11 +46,11 @@ std::size_t wrong_results(MailStructure& reused, const expected_message& expecte
     test_support::parse_outcome outcome;
     outcome.m_message.m_keep_text = reused.m_keep_text = true;
     test_support::delivered_stream in(expected.m_input, test_support::all_deliveries[way]);
-    outcome.m_error = test_support::fill(outcome.m_message, in);
+    outcome.m_error = test_support::fill(outcome.m_message, in, 0, expected.m_rules);
     std::size_t wrong = test_support::full_outcome_text(outcome) == expected.m_full_tree ? 0 : 1;
 
     test_support::delivered_stream again(expected.m_input, test_support::all_deliveries[0]);
-    test_support::fill(reused, again);
+    test_support::fill(reused, again, 0, expected.m_rules);
     outcome.m_message.m_root = reused.m_root;
     wrong += test_support::full_outcome_text(outcome) == expected.m_full_tree ? 0 : 1;
     outcome.m_message.m_root = std::move(reused.m_root);
