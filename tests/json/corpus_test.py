@@ -86,7 +86,8 @@ class Standard(unittest.TestCase):
             sum(line["body"]["length"] for line in self.lines),
         )
         print(
-            f"{self.rules}: {len(self.files)} files, {len(self.documents)} messages, {len(self.lines)} entities,"
+            f"{self.rules}: {len(self.files)} files, {len(self.documents)} messages,"
+            f" {len(self.lines)} entities,"
             f" {len(fields)} fields,"
             f" {len(params)} parameters,"
             f" {sum(len(line['not_utf8']) for line in self.lines)} values not UTF-8"

@@ -40,8 +40,8 @@ def flattened(document):
         entity, parent, depth = waiting.pop()
         children = entity["children"]
         line = {name: value for name, value in entity.items() if name != "children"}
-        line.update(file=document["file"], rules=document["rules"], index=len(lines), parent=parent, depth=depth,
-                    child_count=len(children))
+        line.update(file=document["file"], rules=document["rules"], index=len(lines),
+                    parent=parent, depth=depth, child_count=len(children))
         line["not_utf8"] = document["not_utf8"] + line["not_utf8"]
         waiting.extend((child, line["index"], depth + 1) for child in reversed(children))
         lines.append(line)

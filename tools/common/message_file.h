@@ -37,8 +37,8 @@ public:
     /// The bytes of a range of the tree, as far as they lie within the input.
     std::string_view cut(std::uint32_t offset, std::uint32_t length) const;
 
-    /// Fills the message by the given rules. Every range that is not empty, and the place of every header field, then
-    /// counts from the start of the file.
+    /// Fills the message by the given rules. Every range that is not empty, and the place of every
+    /// header field, then counts from the start of the file.
     /// @return what is wrong with the input, and the tree is then not to be used; else nothing
     std::optional<input_fault> parse(MailStructure& message, MailStructure::rules by);
 

@@ -3,9 +3,9 @@
 //
 // - The line terminator before a delimiter line belongs to that line, and not to the part that ends
 //   there.
-// - Every line belongs to a section. The classic rules drop the empty line after a separator, and the one
-//   after the first line of a message within: that line is in no recorded range. Here it ends the
-//   header block, as it does for any other reader of the message.
+// - Every line belongs to a section. The classic rules drop the empty line after a separator, and
+//   the one after the first line of a message within: that line is in no recorded range. Here it
+//   ends the header block, as it does for any other reader of the message.
 //
 //     --XY                                       of no section but those of the enclosing entities
 //     Content-Type: message/rfc822    1.MIME
