@@ -1,5 +1,5 @@
-// Compares the library with the reference parser of the same rule set: the whole tree, the error, and how the stream is
-// left.
+// Compares the library with the reference parser of the same rule set: the whole tree, the error,
+// and the state in which the stream is left.
 
 #include <mail_structure.h>
 

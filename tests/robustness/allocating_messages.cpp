@@ -176,8 +176,8 @@ std::string multipart_with(const std::string& parameters, const std::string& bou
            + "\n--" + boundary + "--\n" + letters(30) + "\n";
 }
 
-/// For the rule set "standard": each way to a boundary, and texts that do not stand in the message as
-/// they are.
+/// For the rule set "standard": each way to a boundary, and texts that the tree holds in another
+/// form than the message.
 void add_standard_messages(std::vector<allocating_message>& all) {
     const std::string word = letters(20);
     all.push_back(

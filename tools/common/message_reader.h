@@ -23,7 +23,7 @@ public:
     ///         so, and neither file() nor message() may be used then.
     bool read(const std::string& file_name);
 
-    /// The file that was read last, its message, and where the tree comes from. These hold until the
+    /// The file that was read last, its message, and where the tree comes from. They hold until the
     /// next call of read().
     const message_file& file() const { return m_file.value(); }
     const MailStructure& message() const { return m_message; }
