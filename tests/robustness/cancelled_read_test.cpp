@@ -51,7 +51,8 @@ void* fill(void* argument) {
 class cancelled_read : public testing::TestWithParam<const differential::rule_set*> {};
 
 TEST_P(cancelled_read, leaves_the_file_behind_the_last_line) {
-    const std::string place = testing::TempDir() + "mailstructure_cancelled_read_test.eml";
+    const std::string place = testing::TempDir() + "mailstructure_cancelled_read_test_"
+                              + std::to_string(getpid()) + ".eml";
     std::ofstream(place, std::ios_base::binary) << input;
     for (const int reads : {1, 2}) {
         reading own;

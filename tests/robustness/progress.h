@@ -50,8 +50,8 @@ enum class end_of_input : std::uint8_t {
 /// as in `before` and is the beginning of the text in `after`, it has all entities, fields and
 /// parameters of `before`, and it has none that `after` lacks.
 /// @param end  where the end of the input ends header blocks, the tree may lack what only the end
-///             of a header block brings: its types, its flags, the message within, and the value and
-///             parameters of its last field
+///             of a header block brings: its types, its flags, the message within, and the value
+///             and parameters of its last field
 std::string progress_difference(const MailStructure::MimeObj& found,
                                 const reference::entity& before, const reference::entity& after,
                                 end_of_input end);

@@ -24,6 +24,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unistd.h>
 
 namespace {
 
@@ -442,7 +443,8 @@ TEST_P(stream_state, files_and_string_streams_stand_where_getline_leaves_them) {
     std::string text;
     for (int line = 0; line < 3000; ++line)
         text += "1 line of a body that is longer than the buffers of files\n";
-    const std::string place = testing::TempDir() + "mailstructure_stream_state_test.eml";
+    const std::string place =
+        testing::TempDir() + "mailstructure_stream_state_test_" + std::to_string(getpid()) + ".eml";
     for (const std::size_t stray : {std::size_t{0}, std::size_t{70}, std::size_t{8190},
                                     std::size_t{65535}, std::size_t{65536}, text.size() - 3}) {
         std::string damaged = text;
@@ -496,7 +498,8 @@ public:
     }
 
 private:
-    std::string m_place = testing::TempDir() + "mailstructure_damaged_file_test.eml";
+    std::string m_place =
+        testing::TempDir() + "mailstructure_damaged_file_test_" + std::to_string(getpid()) + ".eml";
     std::string m_text;
 };
 
