@@ -4,20 +4,43 @@
 #ifndef TESTS_COST_SHAPES_H
 #define TESTS_COST_SHAPES_H
 
+#include <mail_structure.h>
+
 #include <cstddef>
-#include <span>
 #include <string>
+#include <vector>
 
 namespace cost {
 
+/// How a message says in as few bytes as it can what the shapes are made of.
+struct words {
+    MailStructure::rules m_rules;
+    std::string m_multipart; // a header block up to its end or to the first separator
+    std::string m_message;   // the header block of an entity that is a message, within another one
+    std::string m_first_block; // the end of the first block of messages
+    std::string m_field;       // the name of a Content-Type field and its colon
+    std::string m_boundary;    // a parameter that gives a multipart its boundary
+};
+
 struct shape {
     const char* m_name;
-    std::string (*m_message)(std::size_t n); // linear in n, both in bytes and in what it describes
-    std::size_t m_n; // a size that is counted in a second or two under an emulator
+    /// Linear in n, both in bytes and in what it describes.
+    std::string (*m_message)(const words& by, std::size_t n);
+    std::size_t m_n; // as small as still tells a cost that is more than linear
     bool m_keeps_text = false;
 };
 
-std::span<const shape> shapes();
+struct chosen_shape {
+    const words* m_by;
+    const shape* m_shape;
+
+    const char* name() const { return m_shape->m_name; }
+    std::size_t n() const { return m_shape->m_n; }
+    std::string message(std::size_t n) const { return m_shape->m_message(*m_by, n); }
+};
+
+/// Those that mean something to a rule set.
+std::vector<chosen_shape> shapes(MailStructure::rules by);
 
 } // namespace cost
 
