@@ -36,9 +36,11 @@ double figure(const std::string& name, const std::string& pattern) {
     return std::stod((*first)[1]);
 }
 
-std::map<std::string, heap_bound> heap_bounds() {
+std::map<std::string, heap_bound> heap_bounds(MailStructure::rules by) {
     std::ifstream file = opened(contract);
-    const std::regex heading(R"(\| each \| bytes of heap \| for each byte of input \|)");
+    const std::string rules = by == MailStructure::rules::classic ? "classic" : "standard";
+    const std::regex heading(R"(\| each, by the )" + rules
+                             + R"( rules \| bytes of heap \| for each byte of input \|)");
     const std::regex row(R"(\| (.+) \| ([0-9]+) \| ([0-9]+) \|)");
     std::map<std::string, heap_bound> bounds;
     std::string line;

@@ -4,6 +4,8 @@
 #ifndef TESTS_COST_DOCUMENTS_H
 #define TESTS_COST_DOCUMENTS_H
 
+#include <mail_structure.h>
+
 #include <cstddef>
 #include <map>
 #include <string>
@@ -20,15 +22,15 @@ std::string document(const std::string& name);
 /// @throws std::runtime_error  the pattern matches more often or not at all
 double figure(const std::string& name, const std::string& pattern);
 
-/// What one row of the table in doc/behaviour.md says that a message takes at the most, besides
-/// message_bytes().
+/// What one row of a rule set's table in doc/behaviour.md says that a message takes at the most,
+/// besides message_bytes().
 struct heap_bound {
     double m_of_element; // bytes of heap for each of the elements that the row names
     double m_of_byte;    // bytes of heap for each byte of input
 };
 
 /// The rows of that table by the text of their first cell.
-std::map<std::string, heap_bound> heap_bounds();
+std::map<std::string, heap_bound> heap_bounds(MailStructure::rules by);
 
 /// What doc/behaviour.md says that each message takes besides.
 double message_bytes();

@@ -6,6 +6,7 @@
 #include "cost/documents.h"
 #include "cost/heap_meter.h"
 #include "cost/shapes.h"
+#include "differential/rule_sets.h"
 #include "support/fill_unchecked.h"
 #include "support/streams.h"
 
@@ -70,30 +71,72 @@ std::size_t longest_line(const std::string& text) {
     return longest;
 }
 
-TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
+/// Bytes of the fields that have a record.
+std::size_t field_bytes(const MailStructure::MimeObj& root) {
+    std::size_t bytes = 0;
+    std::vector<const MailStructure::MimeObj*> waiting{&root};
+    while (!waiting.empty()) {
+        const MailStructure::MimeObj& entity = *waiting.back();
+        waiting.pop_back();
+        for (const MailStructure::header& field : entity.m_headers)
+            bytes += field.m_end - field.m_beg;
+        for (const MailStructure::MimeObj& child : entity.m_children) waiting.push_back(&child);
+    }
+    return bytes;
+}
+
+/// Bytes of the names, values and parameters of the root's fields.
+std::size_t value_bytes(const MailStructure::MimeObj& root) {
+    std::size_t bytes = 0;
+    for (const MailStructure::header& record : root.m_headers) {
+        bytes += record.m_value.size();
+        for (const auto& [name, value] : record.m_params) bytes += name.size() + value.size();
+    }
+    return bytes;
+}
+
+/// The documented bytes of heap for each entity, field and parameter, and for each byte of fields.
+struct element_bounds {
+    double m_entity;
+    double m_field;
+    double m_parameter;
+    double m_text;
+    std::size_t (*m_text_bytes)(const MailStructure::MimeObj& root);
+};
+
+element_bounds bounds_of(MailStructure::rules by) {
+    const std::map<std::string, cost::heap_bound> rows = cost::heap_bounds(by);
+    const auto of = [&](const char* row) { return rows.at(row).m_of_element; };
+    if (by == MailStructure::rules::classic)
+        return {of("part that is a separator line alone, of 4 bytes"), of("field, of 3 bytes"),
+                of("parameter that registers a delimiter, of 4 bytes"),
+                of("byte of a field's folded lines"), value_bytes};
+    return {of("part that is a separator line alone, of 3 bytes"), of("field, of 3 bytes"),
+            of("section of a boundary, of 12 bytes"), of("byte of an encoded boundary"),
+            field_bytes};
+}
+
+class heap_of_shapes : public testing::TestWithParam<const differential::rule_set*> {};
+
+TEST_P(heap_of_shapes, is_bounded_for_each_entity_field_and_parameter) {
     std::cout
         << "peak heap of Fill, and what the tree takes after it, in bytes of each input byte, and "
            "of each entity, field and parameter together:\n";
     mallopt(M_MMAP_THRESHOLD, 1 << 25); // so that no block is rounded up to whole pages
-    const std::map<std::string, cost::heap_bound> bounds = cost::heap_bounds();
-    const double besides = cost::message_bytes();
-    const double part = bounds.at("part that is a separator line alone, of 4 bytes").m_of_element;
-    const double field = bounds.at("field, of 3 bytes").m_of_element;
-    const double parameter =
-        bounds.at("parameter that registers a delimiter, of 4 bytes").m_of_element;
-    const double fold = bounds.at("byte of a field's folded lines").m_of_element;
+    const MailStructure::rules by = GetParam()->m_rules;
+    const element_bounds bounds = bounds_of(by);
     const auto bytes_of = [](double bound, std::size_t count) {
         return bound * static_cast<double>(count);
     };
-    for (const cost::chosen_shape& wanted : cost::shapes(MailStructure::rules::classic)) {
-        std::string text = wanted.message(wanted.n());
+    for (const cost::chosen_shape& wanted : cost::shapes(by)) {
         if (wanted.m_shape->m_keeps_text) continue; // bounded by its own size
+        std::string text = wanted.message(wanted.n());
         text_buffer buffer(text);
         std::istream in(&buffer);
         const heap_meter meter;
         {
             MailStructure message;
-            test_support::fill_unchecked(message, in);
+            test_support::fill_unchecked(message, in, 0, by);
             const std::size_t peak = meter.peak();
             const std::size_t after = meter.now();
             const tree_size size = size_of(message.m_root);
@@ -103,15 +146,11 @@ TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
                       << peak / elements << " peak, " << after / elements << " after, an element ("
                       << size.m_entities << " entities, " << size.m_fields << " fields, "
                       << size.m_parameters << " parameters)\n";
-            std::size_t header_text = 0;
-            for (const MailStructure::header& record : message.m_root.m_headers) {
-                header_text += record.m_value.size();
-                for (const auto& [name, value] : record.m_params)
-                    header_text += name.size() + value.size();
-            }
             EXPECT_LE(static_cast<double>(peak),
-                      besides + bytes_of(part, size.m_entities) + bytes_of(field, size.m_fields)
-                          + bytes_of(parameter, size.m_parameters) + bytes_of(fold, header_text)
+                      cost::message_bytes() + bytes_of(bounds.m_entity, size.m_entities)
+                          + bytes_of(bounds.m_field, size.m_fields)
+                          + bytes_of(bounds.m_parameter, size.m_parameters)
+                          + bytes_of(bounds.m_text, bounds.m_text_bytes(message.m_root))
                           + static_cast<double>(line_copies * longest_line(text)))
                 << wanted.name();
         }
@@ -119,13 +158,19 @@ TEST(heap, is_bounded_for_each_entity_field_and_parameter) {
     }
 }
 
-TEST(heap, holds_nothing_of_a_message_of_one_gibibyte) {
+INSTANTIATE_TEST_SUITE_P(rules, heap_of_shapes, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
+
+class heap : public testing::TestWithParam<const differential::rule_set*> {};
+
+TEST_P(heap, holds_nothing_of_a_message_of_one_gibibyte) {
+    const MailStructure::rules by = GetParam()->m_rules;
     constexpr std::uint64_t gibibyte = std::uint64_t{1} << 30;
     const std::string line = std::string(76, 'A') + "\r\n";
     repeating_stream in("Content-Type: application/octet-stream\r\n\r\n", line, gibibyte);
     MailStructure message;
     const heap_meter meter;
-    EXPECT_EQ(test_support::fill_unchecked(message, in), "");
+    EXPECT_EQ(test_support::fill_unchecked(message, in, 0, by), "");
     EXPECT_EQ(message.m_root.m_mime_len, gibibyte);
     const std::size_t peak = meter.peak();
     EXPECT_LE(static_cast<double>(peak), cost::message_bytes());
@@ -139,37 +184,41 @@ std::string repeated(std::size_t times, const std::string& text) {
 }
 
 /// What the object holds, beyond what it held when the meter began, after it has been filled.
-std::size_t held_after(MailStructure& message, const heap_meter& meter, std::string text) {
+std::size_t held_after(MailStructure& message, const heap_meter& meter, std::string text,
+                       MailStructure::rules by) {
     {
         text_buffer buffer(text);
         std::istream in(&buffer);
-        test_support::fill_unchecked(message, in);
+        test_support::fill_unchecked(message, in, 0, by);
     }
     std::string().swap(text);
     return meter.now();
 }
 
 const std::string small_message =
-    "Subject: hi\nC: multipart/mixed; boundary=b\n\n--b\nA: b\n\nhi\n--b--\n";
+    "Subject: hi\nContent-Type: multipart/mixed; boundary=b\n\n--b\nA: b\n\nhi\n--b--\n";
 
 /// The storage of the root's own vectors and texts stays, as clear() leaves it, and nothing else
 /// that is large.
-TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
-    const std::string part =
-        "--b\nA: " + std::string(500, 'x') + "\nC: a/b" + repeated(50, "; p=q") + "\n\nhi\n";
+TEST_P(heap, holds_little_of_a_large_message_after_a_small_one) {
+    const MailStructure::rules by = GetParam()->m_rules;
+    const std::string part = "--b\nA: " + std::string(500, 'x') + "\nContent-Type: a/b"
+                             + repeated(50, "; p=q") + "\n\nhi\n";
     const std::string large[] = {
         "A: " + std::string(10 << 20, 'x') + "\n\nhi\n",
-        "C: multipart/mixed; boundary=b\n\n" + repeated(2000, part) + "--b--\n",
-        "C: multipart/mixed; boundary=b\n\n--b\n" + repeated(20000, "A: b\n") + "\nhi\n--b--\n",
-        repeated(10000, "C: message\n\n") + "hi\n",
-        "C: multipart/mixed" + repeated(10000, "; boundary=" + std::string(50, 'b')) + "\n\nhi\n",
+        "Content-Type: multipart/mixed; boundary=b\n\n" + repeated(2000, part) + "--b--\n",
+        "Content-Type: multipart/mixed; boundary=b\n\n--b\n" + repeated(20000, "A: b\n")
+            + "\nhi\n--b--\n",
+        repeated(10000, "Content-Type: message/rfc822\n\n") + "hi\n",
+        "Content-Type: multipart/mixed" + repeated(10000, "; boundary=" + std::string(50, 'b'))
+            + "\n\nhi\n",
     };
     for (const std::string& text : large) {
         const heap_meter meter;
         MailStructure message;
-        const std::size_t after_large = held_after(message, meter, text);
-        held_after(message, meter, small_message);
-        const std::size_t after_small = held_after(message, meter, small_message);
+        const std::size_t after_large = held_after(message, meter, text, by);
+        held_after(message, meter, small_message, by);
+        const std::size_t after_small = held_after(message, meter, small_message, by);
         const std::size_t of_root =
             message.m_root.m_children.capacity() * sizeof(MailStructure::MimeObj)
             + message.m_root.m_headers.capacity() * sizeof(MailStructure::header);
@@ -181,26 +230,27 @@ TEST(heap, holds_little_of_a_large_message_after_a_small_one) {
 }
 
 /// Each message leaves long things at other places. Were all of that kept, it would pile up.
-TEST(heap, does_not_pile_up_from_message_to_message) {
+TEST_P(heap, does_not_pile_up_from_message_to_message) {
+    const MailStructure::rules by = GetParam()->m_rules;
     constexpr std::size_t places = 200;
-    const std::string long_texts = "--b\nC: " + std::string(2000, 't') + "/"
+    const std::string long_texts = "--b\nContent-Type: " + std::string(2000, 't') + "/"
                                    + std::string(2000, 's') + "; p=" + std::string(2000, 'v')
                                    + "\nA: " + std::string(2000, 'x') + "\n\n"
                                    + std::string(2000, 'y') + "\n";
-    const std::string many_records = "--b\nC: message" + repeated(50, "; p=q") + "\n"
+    const std::string many_records = "--b\nContent-Type: message" + repeated(50, "; p=q") + "\n"
                                      + repeated(100, "B: c\n") + "\nA: b\n\nhi\n";
-    const std::string short_one = "--b\nC: a/b; p=q\nA: x\n\ny\n";
+    const std::string short_one = "--b\nContent-Type: a/b; p=q\nA: x\n\ny\n";
     MailStructure message;
     message.m_keep_text = true;
     std::size_t most_at_first = 0;
     std::size_t most_at_last = 0;
     const heap_meter meter;
     for (std::size_t round = 0; round < 2 * places; ++round) {
-        std::string text = "C: multipart/mixed; boundary=b\n\n";
+        std::string text = "Content-Type: multipart/mixed; boundary=b\n\n";
         const std::string& long_one = round % 2 == 0 ? long_texts : many_records;
         for (std::size_t place = 0; place < places; ++place)
             text += place == round % places ? long_one : short_one;
-        const std::size_t held = held_after(message, meter, text + "--b--\n");
+        const std::size_t held = held_after(message, meter, text + "--b--\n", by);
         if (round < 4) most_at_first = std::max(most_at_first, held);
         if (round >= places) most_at_last = std::max(most_at_last, held);
     }
@@ -209,5 +259,8 @@ TEST(heap, does_not_pile_up_from_message_to_message) {
     std::cout << "held after a few messages: " << most_at_first
               << " bytes, after many: " << most_at_last << '\n';
 }
+
+INSTANTIATE_TEST_SUITE_P(rules, heap, testing::ValuesIn(differential::all_rule_sets),
+                         differential::rule_set_name);
 
 } // namespace
