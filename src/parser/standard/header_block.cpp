@@ -6,6 +6,7 @@
 #include "field_text.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -77,14 +78,14 @@ void end_content_type(standard_state& state) {
     const bool counts = !std::exchange(block.m_has_content_type, true);
     if (counts) set_type(state.m_open.innermost(), type);
 
-    const bool is_multipart = counts && is_word(type.m_type, "multipart");
-    boundary_parameter boundary;
+    std::optional<boundary_parameter> boundary;
+    if (counts && is_word(type.m_type, "multipart")) boundary.emplace();
     parameter found;
     while (reader.read_parameter(found)) {
         record_parameter(state, found);
-        if (is_multipart) boundary.take(found.m_name, found.m_value);
+        if (boundary) boundary->take(found.m_name, found.m_value);
     }
-    if (is_multipart) block.m_boundary = boundary.value();
+    if (boundary) block.m_boundary = boundary->value();
 }
 
 void end_transfer_encoding(standard_state& state) {
