@@ -37,9 +37,9 @@ struct shape {
 constexpr auto classic = MailStructure::rules::classic;
 constexpr auto standard = MailStructure::rules::standard;
 
-const char* const innermost_of_parts = "a:\n"
-                                       "\n"
-                                       "1\n";
+constexpr const char* innermost_of_parts = "a:\n"
+                                           "\n"
+                                           "1\n";
 
 std::string part_of(const std::string& type, const std::string& boundary) {
     return "Content-Type:" + type + ";boundary=" + boundary + "\n\n--" + boundary + '\n';
