@@ -20,12 +20,23 @@ void* operator new(std::size_t size) {
     return block;
 }
 
+// The sort of the standard library asks for room in this way. A sanitizer would take it from an
+// allocator of its own.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* block) noexcept {
     if (block != nullptr) allocated_bytes -= malloc_usable_size(block);
     std::free(block);
 }
 
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { operator delete(block); }
 
 namespace cost {
 
