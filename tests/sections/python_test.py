@@ -44,7 +44,7 @@ def listed_sections(path):
         return None
     sections = {}
     for line in listed.stdout.decode().splitlines():
-        offset, length, _, name = line.split("\t")
+        offset, length, _, name, *_ = line.split("\t")
         sections[name] = (int(offset), int(length))
     return sections
 

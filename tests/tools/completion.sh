@@ -41,10 +41,10 @@ offers '-dash.eml a b.eml dump folder json letter.eml part tree' ''
 offers 'tree' t
 offers 'letter.eml' l
 offers 'json' j
-offers '--ascii --bytes --color --help --rules --version' -
+offers '--all --ascii --bytes --color --decoded --help --rules --version' -
 offers '--version' --v
-offers '--ascii --bytes --color --help --rules' tree -
-offers '--ascii --bytes --color --help --rules' letter.eml -
+offers '--all --ascii --bytes --color --decoded --help --rules' tree -
+offers '--all --ascii --bytes --color --decoded --help --rules' letter.eml -
 offers '--flat --help --pretty --rules' json -
 offers '--help --keep-text --memlimit --rules' dump --
 offers '--decode --force --help --list --output --range --rules' part --

@@ -65,6 +65,11 @@ const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
     return found == entity.m_headers.rend() ? nullptr : &*found;
 }
 
+std::string media_type_of(const MimeObj& entity) {
+    if (entity.m_type.empty() && entity.m_subtype.empty()) return "(no type)";
+    return entity.m_type + '/' + entity.m_subtype;
+}
+
 std::string transfer_encoding_of(const MimeObj& entity, rules by) {
     const MailStructure::header* const field =
         field_that_counts(entity, "content-transfer-encoding", by);
@@ -72,8 +77,21 @@ std::string transfer_encoding_of(const MimeObj& entity, rules by) {
     return by == rules::standard ? entity.m_encoding : without_comments(field->m_value);
 }
 
+std::string encoding_in_effect(const MimeObj& entity, rules by) {
+    const bool looked_into = entity.m_multipart || entity.m_message;
+    return by == rules::standard && looked_into ? "" : transfer_encoding_of(entity, by);
+}
+
 std::string charset_of(const MimeObj& entity, const tree_source& source) {
     return decoded_parameter(content_type_parameters(entity, source), "charset");
+}
+
+std::string disposition_of(const MimeObj& entity, rules by) {
+    const MailStructure::header* const field = field_that_counts(entity, "content-disposition", by);
+    if (field == nullptr) return "";
+    std::string word = without_comments(field->m_value);
+    word.resize(std::min(word.find_first_of("; \t\r\n"), word.size()));
+    return word;
 }
 
 std::string file_name_of(const MimeObj& entity, const tree_source& source) {

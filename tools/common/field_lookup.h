@@ -1,5 +1,5 @@
 // Header fields by their exact names, and what the tools read out of them: transfer encoding,
-// charset and file name.
+// charset, disposition and file name. Beside them, the media type that the library has recorded.
 
 #ifndef TOOLS_COMMON_FIELD_LOOKUP_H
 #define TOOLS_COMMON_FIELD_LOOKUP_H
@@ -18,6 +18,10 @@ const MailStructure::header* first_field(const MailStructure::MimeObj& entity,
 const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
                                         std::string_view name);
 
+/// "text/plain": the media type that the library has recorded; "(no type)" if it has recorded none.
+/// The classic rules fill in the default type only when the body begins.
+std::string media_type_of(const MailStructure::MimeObj& entity);
+
 // Where an entity has several fields of one name that describe its body (Content-...), the
 // functions below read the one that counts for the library's media type: the first by the standard
 // rules, the last by the classic ones.
@@ -27,8 +31,17 @@ const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
 /// m_encoding, which the classic rules do not set.
 std::string transfer_encoding_of(const MailStructure::MimeObj& entity, MailStructure::rules by);
 
+/// The transfer encoding to undo, as transfer_encoding_of() gives it. By the standard rules that of
+/// an entity into which the library has looked has no effect: its parts, or its message, are there
+/// as they are. The result is then "".
+std::string encoding_in_effect(const MailStructure::MimeObj& entity, MailStructure::rules by);
+
 /// The charset parameter of the Content-Type field as written; "" if there is none.
 std::string charset_of(const MailStructure::MimeObj& entity, const tree_source& source);
+
+/// The word with which the Content-Disposition field begins, as written: "attachment", "inline" or
+/// what the sender chose; "" if there is no such field.
+std::string disposition_of(const MailStructure::MimeObj& entity, MailStructure::rules by);
 
 /// The entity's file name: the parameter filename of Content-Disposition or, if there is none, the
 /// parameter name of Content-Type; "" if there is neither. It is decoded as decoded_parameter()

@@ -91,14 +91,6 @@ bool write_to_file(const part_options& options, const message_file& file, const 
     return false;
 }
 
-/// The name of the encoding to undo. Under the standard rules that of an entity into which the
-/// library has looked has no effect: its parts, or its message, are there as they are.
-std::string encoding_in_effect(const MimeObj& entity, MailStructure::rules by) {
-    const bool looked_into = entity.m_multipart || entity.m_message;
-    return by == MailStructure::rules::standard && looked_into ? ""
-                                                               : transfer_encoding_of(entity, by);
-}
-
 bool write_piece(const part_options& options, const message_reader& reader) {
     const message_file& file = reader.file();
     const std::optional<chosen_piece> piece = choose(options, reader);
@@ -192,8 +184,10 @@ void describe_part(CLI::App& command, part_options& options) {
         "Write a range that the library has recorded for the entity: header, mime, body, contents "
         "or epilogue");
     describe_rules(command, options.m_rules);
-    command.add_flag("--list", options.m_list,
-                     "List all sections: offset, length, type and name of each");
+    command.add_flag(
+        "--list", options.m_list,
+        "List all sections: offset, length, type and name of each, and the disposition and file "
+        "name of a part");
     const CLI::Option* const first =
         command
             .add_option(
@@ -216,7 +210,8 @@ exit_status run_part(const part_options& options) {
     if (!reader.read(options.m_file)) return some_input_failed;
     if (!options.m_list) return write_piece(options, reader) ? all_well : some_input_failed;
     errno = 0;
-    const std::size_t left_out = list_sections(std::cout, reader.message().m_root, reader.source());
+    const std::size_t left_out =
+        list_sections(std::cout, reader.message().m_root, reader.source(), locale_character_set());
     if (!output_got_out()) return some_input_failed;
     if (left_out != 0)
         complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)

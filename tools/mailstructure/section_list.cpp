@@ -2,7 +2,7 @@
 
 #include "mailstructure/section_list.h"
 
-#include "common/printable.h"
+#include "common/field_lookup.h"
 #include "common/section_ranges.h"
 #include "common/sections.h"
 
@@ -17,24 +17,16 @@ using piece = section_place::piece;
 
 constexpr std::string_view type_of_header_blocks = "text/rfc822-headers";
 
-/// The entity's type. The library fills in the defaults only when the body begins, so an entity
-/// without a body gets them here.
-std::string type_of(const MimeObj& entity) {
-    const std::string& type = entity.m_type.empty() ? "text" : entity.m_type;
-    const std::string& subtype = entity.m_subtype.empty() ? "plain" : entity.m_subtype;
-    return printable(type + '/' + subtype, character_set::ascii);
-}
-
 class section_printer {
 public:
     section_printer(std::ostream& to, section_ranges& ranges) : m_to(to), m_ranges(ranges) {}
 
     void print(const section_place& place, std::string_view type, std::string_view name,
-               std::string_view word) {
+               std::string_view word, std::string_view file = "") {
         const byte_range range = m_ranges.of(place);
         const std::string_view dot = name.empty() || word.empty() ? "" : ".";
         m_to << range.m_offset << '\t' << range.m_length << '\t' << type << '\t' << name << dot
-             << word << '\n';
+             << word << file << '\n';
     }
 
 private:
@@ -48,11 +40,22 @@ std::string_view name_of_holder(std::string_view name) {
     return dot == std::string_view::npos ? "" : name.substr(0, dot);
 }
 
-void print_sections_of(const numbered_entity& numbered, section_printer& printer) {
+/// The columns that tell about the part as a file; "" if its header block tells nothing.
+std::string file_columns_of(const MimeObj& entity, const tree_source& source, character_set set) {
+    const std::string disposition = disposition_of(entity, source.m_rules);
+    const std::string name = file_name_of(entity, source);
+    if (disposition.empty() && name.empty()) return "";
+    const std::string shown_disposition =
+        disposition.empty() ? "-" : printable(disposition, character_set::ascii);
+    return '\t' + shown_disposition + (name.empty() ? "" : '\t' + printable(name, set));
+}
+
+void print_sections_of(const numbered_entity& numbered, const tree_source& source,
+                       character_set set, section_printer& printer) {
     const MimeObj* const entity = numbered.m_entity;
     const std::string_view name = numbered.m_section;
     const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
-    const std::string type = type_of(*entity);
+    const std::string type = printable(media_type_of(*entity), character_set::ascii);
     if (numbered.m_depth == 0)
         printer.print({entity, piece::whole, true}, "message/rfc822", "", "");
     if (is_message) {
@@ -62,12 +65,14 @@ void print_sections_of(const numbered_entity& numbered, section_printer& printer
         if (is_multipart(*entity)) return; // it has no number of its own
     }
     printer.print({entity, piece::header_block, is_message}, type_of_header_blocks, name, "MIME");
-    printer.print({entity, piece::body, is_message}, type, name, "");
+    printer.print({entity, piece::body, is_message}, type, name, "",
+                  file_columns_of(*entity, source, set));
 }
 
 } // namespace
 
-std::size_t list_sections(std::ostream& to, const MimeObj& root, const tree_source& source) {
+std::size_t list_sections(std::ostream& to, const MimeObj& root, const tree_source& source,
+                          character_set set) {
     section_ranges ranges(root, source);
     section_printer printer(to, ranges);
     std::size_t left_out = 0;
@@ -77,7 +82,7 @@ std::size_t list_sections(std::ostream& to, const MimeObj& root, const tree_sour
         if (numbered->m_section.empty())
             ++left_out;
         else
-            print_sections_of(*numbered, printer);
+            print_sections_of(*numbered, source, set, printer);
     }
     return left_out;
 }

@@ -42,6 +42,7 @@ struct column_widths {
     std::size_t m_encoding = 0;
     std::size_t m_charset = 0;
     std::size_t m_size = 0;
+    std::size_t m_decoded_size = 0;
     std::size_t m_lines = 0;
     std::size_t m_place = 0;
 };
@@ -66,6 +67,7 @@ void widen_for(column_widths& widths, const tree_line& line) {
     widen_for_value(widths.m_encoding, line.m_row.m_encoding);
     widen_for_value(widths.m_charset, line.m_row.m_charset);
     widen(widths.m_size, width_of(line.m_row.m_size), widest_column);
+    widen(widths.m_decoded_size, width_of(line.m_row.m_decoded_size), widest_column);
     widen(widths.m_lines, width_of(line.m_row.m_lines), widest_column);
     widen(widths.m_place, width_of(line.m_row.m_place), widest_column);
 }
@@ -137,9 +139,12 @@ void add_line(page& to, const tree_line& line, const column_widths& widths) {
     add_left_column(to, row.m_encoding, widths.m_encoding);
     add_left_column(to, row.m_charset, widths.m_charset);
     add_right_column(to, row.m_size, widths.m_size);
+    if (widths.m_decoded_size != 0) add_right_column(to, row.m_decoded_size, widths.m_decoded_size);
     add_right_column(to, row.m_lines, widths.m_lines);
     add_left_column(to, row.m_place, widths.m_place, look::faint);
-    if (!row.m_file_name.empty()) to.add("  ");
+    if (!row.m_disposition.empty()) to.add("  ");
+    to.add(row.m_disposition);
+    if (!row.m_file_name.empty()) to.add(row.m_disposition.empty() ? "  " : " ");
     to.add(row.m_file_name, look::green);
     if (!row.m_subject.empty()) to.add("  ");
     to.add(row.m_subject);
@@ -173,7 +178,8 @@ public:
     explicit tree_printer(const tree_options& options)
         : m_reader(options.m_rules), m_style{options.m_ascii ? character_set::ascii
                                                              : locale_character_set(),
-                                             options.m_exact_sizes},
+                                             options.m_exact_sizes, options.m_decoded,
+                                             options.m_all},
           m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
 
     /// False, and nothing printed, if the file is no message.
@@ -206,9 +212,13 @@ private:
 } // namespace
 
 void describe_tree(CLI::App& command, tree_options& options) {
+    command.add_flag("--all", options.m_all,
+                     "Draw preambles and epilogues of nothing but line ends too");
     command.add_flag("--ascii", options.m_ascii,
                      "Draw with ASCII characters alone, whatever the locale");
     command.add_flag("--bytes", options.m_exact_sizes, "Give sizes in bytes, not in KiB or MiB");
+    command.add_flag("--decoded", options.m_decoded,
+                     "Show the size that each part has when it is decoded");
     describe_choice(
         command, "--color", {"auto", "always", "never"}, "WHEN",
         [&options](std::size_t choice) { options.m_color = static_cast<color_choice>(choice); },

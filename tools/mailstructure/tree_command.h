@@ -16,6 +16,8 @@ struct tree_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     bool m_ascii = false;
     bool m_exact_sizes = false;
+    bool m_decoded = false;
+    bool m_all = false;
     color_choice m_color = color_choice::automatic;
     std::vector<std::string> m_files; // "-" is standard input
 };

@@ -31,13 +31,13 @@ struct open_entity {
 
 class drawer {
 public:
-    drawer(const tree_source& source, const row_style& style,
+    drawer(const MimeObj& root, const tree_source& source, const row_style& style,
            const std::function<void(const tree_line&)>& take)
-        : m_source(source), m_style(style), m_strokes(strokes_in(style.m_characters)),
-          m_take(take) {}
+        : m_root(root), m_ranges(root, source), m_source(source), m_style(style),
+          m_strokes(strokes_in(style.m_characters)), m_take(take) {}
 
-    void draw(const MimeObj& root) {
-        entity_walk walk(root);
+    void draw() {
+        entity_walk walk(m_root);
         while (const numbered_entity* const numbered = walk.next()) {
             close_down_to(numbered->m_depth);
             open(*numbered);
@@ -49,9 +49,9 @@ private:
     void open(const numbered_entity& numbered) {
         const MimeObj& entity = *numbered.m_entity;
         const bool last = is_last(entity);
-        m_take({strokes_to(last), row_of(numbered, m_source, m_style)});
-        m_open.push_back({&entity, epilogue_of(entity, m_source), last});
-        const byte_range preamble = preamble_of(entity, m_source);
+        m_take({strokes_to(last), row_of(numbered, m_ranges, m_source, m_style)});
+        m_open.push_back({&entity, drawn(epilogue_of(entity, m_source)), last});
+        const byte_range preamble = drawn(preamble_of(entity, m_source));
         if (preamble.m_length == 0) return;
         const bool alone = entity.m_children.empty() && m_open.back().m_epilogue.m_length == 0;
         m_take({strokes_to(alone), row_of("(preamble)", preamble, m_style)});
@@ -65,6 +65,15 @@ private:
                 m_take({strokes_to(true), row_of("(epilogue)", epilogue, m_style)});
             m_open.pop_back();
         }
+    }
+
+    /// The range if it is to be drawn, else an empty one. Nearly every multipart within another has
+    /// an epilogue of one line end, which is of no use to the user.
+    byte_range drawn(const byte_range& outer_text) const {
+        const std::string_view bytes =
+            m_source.m_bytes.substr(outer_text.m_offset, outer_text.m_length);
+        const bool holds_text = bytes.find_first_not_of("\r\n") != std::string_view::npos;
+        return holds_text || m_style.m_empty_lines ? outer_text : byte_range{};
     }
 
     bool is_last(const MimeObj& entity) const {
@@ -85,6 +94,8 @@ private:
         return strokes + (last ? m_strokes.m_last : m_strokes.m_branch);
     }
 
+    const MimeObj& m_root;
+    section_ranges m_ranges;
     const tree_source& m_source;
     const row_style& m_style;
     const stroke_set& m_strokes;
@@ -96,5 +107,5 @@ private:
 
 void draw_tree(const MimeObj& root, const tree_source& source, const row_style& style,
                const std::function<void(const tree_line&)>& take) {
-    drawer(source, style, take).draw(root);
+    drawer(root, source, style, take).draw();
 }

@@ -20,7 +20,8 @@ struct tree_line {
 };
 
 /// Calls a function for each line of the drawing in order: for an entity, then for its preamble,
-/// its descendants and its epilogue. Does not recurse; linear in the tree.
+/// its descendants and its epilogue. Does not recurse; linear in the tree, in the line ends of
+/// preambles and epilogues, and in the encoded bytes where decoded sizes are wanted.
 void draw_tree(const MailStructure::MimeObj& root, const tree_source& source,
                const row_style& style, const std::function<void(const tree_line&)>& take);
 

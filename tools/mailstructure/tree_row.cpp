@@ -2,6 +2,7 @@
 
 #include "mailstructure/tree_row.h"
 
+#include "common/decoded_size.h"
 #include "common/encoded_text.h"
 #include "common/field_lookup.h"
 
@@ -33,11 +34,6 @@ std::string quoted(const std::string& text) {
     return result + '"';
 }
 
-std::string type_text(const MimeObj& entity, const row_style& style) {
-    if (entity.m_type.empty() && entity.m_subtype.empty()) return "(no type)";
-    return shown(entity.m_type, style) + '/' + shown(entity.m_subtype, style);
-}
-
 /// "1 line " has a blank at its end so that the numbers line up in a column aligned to the right.
 std::string lines_text(std::uint32_t lines) {
     return std::to_string(lines) + (lines == 1 ? " line " : " lines");
@@ -48,6 +44,15 @@ std::string place_text(std::uint32_t offset, std::uint32_t length) {
     if (length == 0) return "-";
     const std::uint64_t end = std::uint64_t{offset} + length;
     return std::to_string(offset) + '-' + std::to_string(end);
+}
+
+std::string decoded_size_text(const numbered_entity& numbered, section_ranges& ranges,
+                              const tree_source& source, const row_style& style) {
+    const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
+    const auto size = decoded_size_of({numbered.m_entity, section_place::piece::body, is_message},
+                                      ranges, source);
+    if (!size) return "cannot decode";
+    return size_text(size->m_bytes, style) + (size->m_is_damaged ? " damaged" : " decoded");
 }
 
 } // namespace
@@ -69,18 +74,21 @@ std::string size_text(std::uint64_t bytes, const row_style& style) {
     return std::to_string(tenths() / 10) + '.' + std::to_string(tenths() % 10) + units.at(at);
 }
 
-tree_row row_of(const numbered_entity& numbered, const tree_source& source,
+tree_row row_of(const numbered_entity& numbered, section_ranges& ranges, const tree_source& source,
                 const row_style& style) {
     const MimeObj& entity = *numbered.m_entity;
     tree_row row;
     row.m_section = numbered.m_section.empty() ? ellipsis(style) : std::string(numbered.m_section);
-    row.m_type = type_text(entity, style);
+    row.m_type = shown(media_type_of(entity), style);
     row.m_container = entity.m_multipart || entity.m_message || !entity.m_children.empty();
     row.m_encoding = or_dash(shown(transfer_encoding_of(entity, source.m_rules), style));
     row.m_charset = or_dash(shown(charset_of(entity, source), style));
     row.m_size = size_text(entity.m_body_len, style);
+    if (style.m_decoded_sizes && !row.m_container)
+        row.m_decoded_size = decoded_size_text(numbered, ranges, source, style);
     row.m_lines = lines_text(entity.m_lines);
     row.m_place = place_text(entity.m_mime_beg, entity.m_mime_len);
+    row.m_disposition = shown(disposition_of(entity, source.m_rules), style);
     const std::string file_name = file_name_of(entity, source);
     if (!file_name.empty()) row.m_file_name = quoted(shown(file_name, style));
     if (!numbered.m_is_message_within) return row;

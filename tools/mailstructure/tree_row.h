@@ -7,6 +7,7 @@
 
 #include "common/outer_text.h"
 #include "common/printable.h"
+#include "common/section_ranges.h"
 #include "common/sections.h"
 #include "common/tree_source.h"
 
@@ -20,6 +21,8 @@ constexpr std::size_t longest_value_shown = 500;
 struct row_style {
     character_set m_characters = character_set::ascii;
     bool m_exact_sizes = false;
+    bool m_decoded_sizes = false;
+    bool m_empty_lines = false; // draw a preamble or an epilogue of nothing but line ends too
 };
 
 /// The texts of a line from left to right. Those from the message have passed through printable().
@@ -29,14 +32,18 @@ struct tree_row {
     std::string m_encoding;
     std::string m_charset;
     std::string m_size;
+    std::string m_decoded_size;
     std::string m_lines;
     std::string m_place;
+    std::string m_disposition;
     std::string m_file_name;  // in quotes
     std::string m_subject;    // only for a message within
     bool m_container = false; // the entity holds parts or a message
 };
 
-tree_row row_of(const numbered_entity& numbered, const tree_source& source, const row_style& style);
+/// @param ranges  made for the same source
+tree_row row_of(const numbered_entity& numbered, section_ranges& ranges, const tree_source& source,
+                const row_style& style);
 
 /// The row of a preamble or an epilogue: it has a name in place of a type, a size and a place.
 tree_row row_of(std::string_view name, const byte_range& range, const row_style& style);

@@ -1,0 +1,24 @@
+// Decodes and counts; see the header.
+
+#include "common/decoded_size.h"
+
+#include "common/field_lookup.h"
+#include "common/transfer_decoding.h"
+
+#include <string_view>
+
+std::optional<decoded_size> decoded_size_of(const section_place& body, section_ranges& ranges,
+                                            const tree_source& source) {
+    const std::optional<transfer_encoding> encoding =
+        transfer_encoding_named(encoding_in_effect(*body.m_entity, source.m_rules));
+    if (!encoding) return std::nullopt;
+    const byte_range range = ranges.of(body);
+    decoded_size size;
+    const auto damage = decode(*encoding, source.m_bytes.substr(range.m_offset, range.m_length),
+                               [&size](std::string_view bytes) {
+                                   size.m_bytes += bytes.size();
+                                   return true;
+                               });
+    size.m_is_damaged = damage.has_value();
+    return size;
+}
