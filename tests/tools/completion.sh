@@ -61,6 +61,11 @@ offers 'header' part --range = h
 offers 'classic standard' json --rules = ''
 offers 'standard' tree --rules s
 offers 'letter.eml' part -o l
+offers 'lenient strict' part --decode =
+offers 'lenient' part --decode = l
+offers 'letter.eml' part --decode = lenient 1 l
+offers 'HEADER' part --decode = lenient H
+offers 'HEADER TEXT' part --decode ''
 offers 'HEADER TEXT' part ''
 offers 'HEADER' part --decode --range body -o out H
 offers 'HEADER' part --range = body H

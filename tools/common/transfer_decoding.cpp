@@ -1,4 +1,5 @@
-// Decodes base64 with nettle, and quoted-printable with code of its own; see the header.
+// Decodes base64 with nettle where it must be sound, and with code of its own where it may be
+// damaged; quoted-printable with code of its own. See the header.
 
 #include "common/transfer_decoding.h"
 
@@ -71,19 +72,170 @@ private:
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
-/// Decodes quoted-printable, and gathers the decoded bytes in blocks.
+/// Gathers decoded bytes and hands them to a sink in blocks, until that wants no more.
+class block_gatherer {
+public:
+    explicit block_gatherer(const byte_sink& sink) : m_sink(sink) { m_block.reserve(block_bytes); }
+
+    bool is_wanted() const { return m_wanted; }
+
+    void put(std::string_view decoded) {
+        while (!decoded.empty() && m_wanted) {
+            const std::string_view fits = decoded.substr(0, block_bytes - m_block.size());
+            m_block += fits;
+            decoded.remove_prefix(fits.size());
+            if (m_block.size() == block_bytes) flush();
+        }
+    }
+
+    void flush() {
+        if (m_wanted && !m_block.empty()) m_wanted = m_sink(m_block);
+        m_block.clear();
+    }
+
+private:
+    const byte_sink& m_sink;
+    bool m_wanted = true; // the sink takes more
+    std::string m_block;
+};
+
+/// The first damage, and the count of the bytes at fault.
+class damage_counter {
+public:
+    void add(std::string_view what, std::size_t offset, std::size_t bytes = 1) {
+        if (bytes == 0) return;
+        if (!m_damage) m_damage = decoding_damage{std::string(what), offset, 0};
+        m_damage->m_bytes += bytes;
+    }
+    const std::optional<decoding_damage>& damage() const { return m_damage; }
+
+private:
+    std::optional<decoding_damage> m_damage;
+};
+
+/// The six bits that a character of base64 stands for; no_digit for any other.
+constexpr std::uint8_t no_digit = 64;
+constexpr std::array<std::uint8_t, 256> base64_digits = [] {
+    constexpr std::string_view digits =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::array<std::uint8_t, 256> values{};
+    values.fill(no_digit);
+    for (std::size_t at = 0; at < digits.size(); ++at)
+        values[static_cast<unsigned char>(digits[at])] = static_cast<std::uint8_t>(at);
+    return values;
+}();
+
+std::uint8_t base64_digit(char c) { return base64_digits[static_cast<unsigned char>(c)]; }
+
+bool is_white_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// Decodes what it can of base64, and counts what it passes over.
+class lenient_base64_decoder {
+public:
+    lenient_base64_decoder(std::string_view text, const byte_sink& sink)
+        : m_text(text), m_decoded(sink) {}
+
+    std::optional<decoding_damage> run() {
+        while (m_at < m_text.size() && m_decoded.is_wanted()) {
+            const char c = m_text[m_at];
+            if (const std::uint8_t digit = base64_digit(c); digit != no_digit) {
+                take_digit(digit);
+            } else if (c == '=') {
+                take_padding();
+            } else {
+                if (!is_white_space(c)) m_damage.add("not a base64 character", m_at);
+                ++m_at;
+            }
+        }
+        end_group();
+        m_decoded.flush();
+        return m_decoded.is_wanted() ? m_damage.damage() : std::nullopt;
+    }
+
+private:
+    void take_digit(std::uint8_t digit) {
+        if (m_digits == 0) m_group_begin = m_at;
+        m_damage.add("misplaced base64 padding", m_padding_begin, m_paddings);
+        m_paddings = 0;
+        m_bits = m_bits << 6 | digit;
+        ++m_at;
+        if (++m_digits == 4) put_group();
+    }
+
+    /// Hands over the bytes that the digits of the group make, and begins a new group.
+    void put_group() {
+        std::array<char, 3> bytes{};
+        const std::uint32_t bits = m_bits << (6 * (4 - m_digits));
+        for (std::size_t at = 0; at < bytes.size(); ++at)
+            bytes[at] = static_cast<char>(bits >> (16 - 8 * at) & 0xFF);
+        m_decoded.put({bytes.data(), m_digits * 3 / 4});
+        m_bits = m_digits = m_paddings = 0;
+    }
+
+    void take_padding() {
+        const bool belongs = m_digits >= 2;
+        if (!belongs) m_damage.add("misplaced base64 padding", m_at);
+        if (m_paddings == 0) m_padding_begin = m_at;
+        ++m_at;
+        if (!belongs || m_digits + ++m_paddings != 4) return;
+        if ((m_bits & (m_digits == 2 ? 0xFU : 0x3U)) != 0)
+            m_damage.add("bits before the base64 padding that should be 0", m_padding_begin);
+        put_group();
+        skip_to_base64_line();
+    }
+
+    /// Passes over the rest of the line and all that follows, up to a line that is base64.
+    void skip_to_base64_line() {
+        while (m_at < m_text.size() && !is_base64_line()) {
+            for (bool in_line = true; in_line && m_at < m_text.size(); ++m_at) {
+                in_line = m_text[m_at] != '\n';
+                if (!is_white_space(m_text[m_at]))
+                    m_damage.add("text behind the base64 padding", m_at);
+            }
+        }
+    }
+
+    /// Whether the line from here on is base64 up to its end, or up to its padding.
+    bool is_base64_line() const {
+        std::size_t end = m_at;
+        while (end < m_text.size() && base64_digit(m_text[end]) != no_digit) ++end;
+        const std::size_t digits = end - m_at;
+        if (digits == 0) return false;
+        if (end < m_text.size() && m_text[end] == '=') return digits % 4 >= 2;
+        while (end < m_text.size() && (is_blank(m_text[end]) || m_text[end] == '\r')) ++end;
+        return digits % 4 == 0 && (end == m_text.size() || m_text[end] == '\n');
+    }
+
+    /// The end of the text. Of a group that it cuts short, what makes a whole byte is there.
+    void end_group() {
+        if (m_digits == 0) return;
+        m_damage.add("base64 ends within a group of four characters", m_group_begin,
+                     m_digits + m_paddings);
+        put_group();
+    }
+
+    std::string_view m_text;
+    std::size_t m_at = 0;
+    block_gatherer m_decoded;
+    damage_counter m_damage;
+    // The group of four characters that is being read:
+    std::size_t m_group_begin = 0;
+    std::size_t m_padding_begin = 0;
+    std::uint32_t m_bits = 0;
+    std::uint32_t m_digits = 0;
+    std::uint32_t m_paddings = 0;
+};
+
 class quoted_printable_decoder {
 public:
     quoted_printable_decoder(std::string_view text, const byte_sink& sink)
-        : m_text(text), m_sink(sink) {
-        m_decoded.reserve(block_bytes);
-    }
+        : m_text(text), m_decoded(sink) {}
 
     std::optional<decoding_damage> run() {
-        while (m_at < m_text.size() && m_wanted) {
+        while (m_at < m_text.size() && m_decoded.is_wanted()) {
             const std::size_t plain_end =
                 std::min(m_text.find_first_of("= \t", m_at), m_text.size());
-            put(m_text.substr(m_at, plain_end - m_at));
+            m_decoded.put(m_text.substr(m_at, plain_end - m_at));
             m_at = plain_end;
             if (m_at == m_text.size()) break;
             if (m_text[m_at] == '=')
@@ -91,8 +243,8 @@ public:
             else
                 take_blanks();
         }
-        flush();
-        return m_wanted ? m_damage : std::nullopt;
+        m_decoded.flush();
+        return m_decoded.is_wanted() ? m_damage.damage() : std::nullopt;
     }
 
 private:
@@ -111,14 +263,15 @@ private:
     /// Blanks are text, unless they end a line.
     void take_blanks() {
         const std::size_t end = blanks_end(m_at);
-        if (end != m_text.size() && line_end_at(end) == 0) put(m_text.substr(m_at, end - m_at));
+        if (end != m_text.size() && line_end_at(end) == 0)
+            m_decoded.put(m_text.substr(m_at, end - m_at));
         m_at = end;
     }
 
     void take_equals_sign() {
         const std::size_t after = m_at + 1;
         if (const std::optional<char> byte = hex_byte(m_text.substr(after))) {
-            put({&*byte, 1});
+            m_decoded.put({&*byte, 1});
             m_at += 3;
             return;
         }
@@ -127,33 +280,15 @@ private:
             m_at = end + line_end; // a soft line break
             return;
         }
-        if (!m_damage)
-            m_damage = decoding_damage{
-                "an equals sign without two hexadecimal digits or a line end", m_at};
-        put(m_text.substr(m_at, 1));
+        m_damage.add("an equals sign without two hexadecimal digits or a line end", m_at);
+        m_decoded.put(m_text.substr(m_at, 1));
         ++m_at;
     }
 
-    void put(std::string_view decoded) {
-        while (!decoded.empty() && m_wanted) {
-            const std::string_view fits = decoded.substr(0, block_bytes - m_decoded.size());
-            m_decoded += fits;
-            decoded.remove_prefix(fits.size());
-            if (m_decoded.size() == block_bytes) flush();
-        }
-    }
-
-    void flush() {
-        if (m_wanted && !m_decoded.empty()) m_wanted = m_sink(m_decoded);
-        m_decoded.clear();
-    }
-
     std::string_view m_text;
-    const byte_sink& m_sink;
     std::size_t m_at = 0;
-    bool m_wanted = true; // the sink takes more
-    std::string m_decoded;
-    std::optional<decoding_damage> m_damage;
+    block_gatherer m_decoded;
+    damage_counter m_damage;
 };
 
 } // namespace
@@ -167,9 +302,11 @@ std::optional<transfer_encoding> transfer_encoding_named(std::string_view name) 
 }
 
 std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_view text,
-                                      const byte_sink& sink) {
+                                      const byte_sink& sink, strictness how) {
     switch (encoding) {
-    case transfer_encoding::base64: return base64_decoder(text, sink).run();
+    case transfer_encoding::base64:
+        return how == strictness::strict ? base64_decoder(text, sink).run()
+                                         : lenient_base64_decoder(text, sink).run();
     case transfer_encoding::quoted_printable: return quoted_printable_decoder(text, sink).run();
     case transfer_encoding::none: break;
     }

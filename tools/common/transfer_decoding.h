@@ -16,10 +16,14 @@ enum class transfer_encoding : std::uint8_t { none, base64, quoted_printable };
 /// for any other name.
 std::optional<transfer_encoding> transfer_encoding_named(std::string_view name);
 
+/// What to do about damage: to end at what cannot be decoded, or to pass over it.
+enum class strictness : std::uint8_t { strict, lenient };
+
 /// What is wrong with an encoded text, and where.
 struct decoding_damage {
-    std::string m_what;
-    std::size_t m_offset = 0; // in the encoded text
+    std::string m_what;       // of the first damage
+    std::size_t m_offset = 0; // of the first damage, in the encoded text
+    std::size_t m_bytes = 1;  // how many bytes of the encoded text are at fault, as far as decoded
 };
 
 /// Takes the decoded bytes in order, a block at a time. It returns false to stop the decoding.
@@ -32,11 +36,16 @@ using byte_sink = std::function<bool(std::string_view)>;
 /// decoding, and so do text after the padding, misplaced padding, and the end of the text within a
 /// group of four characters. The complete bytes before that are handed over.
 ///
-/// Quoted-printable: blanks at the end of a line are left out, line ends stay as they are, and
-/// lower-case digits are allowed. An equals sign without digits or a line end after it stays as it
-/// is, and the decoding goes on.
+/// Lenient base64: such bytes are passed over, and what follows them is decoded. After padding that
+/// ends a group, decoding goes on only with a line that is base64 to its end, as it stands where
+/// several encoded texts were joined; other lines, such as a footer that was added, are passed
+/// over. The last group may lack its padding.
+///
+/// Quoted-printable, strict or lenient: blanks at the end of a line are left out, line ends stay as
+/// they are, and lower-case digits are allowed. An equals sign without digits or a line end after
+/// it stays as it is, and the decoding goes on.
 /// @return the first damage; nothing if there is none, or if the sink has stopped the decoding
 std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_view text,
-                                      const byte_sink& sink);
+                                      const byte_sink& sink, strictness how = strictness::strict);
 
 #endif

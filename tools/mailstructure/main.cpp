@@ -19,10 +19,14 @@
 
 namespace {
 
-/// By default the option parser accepts "--flag=2" and "--flag=off".
+/// By default the option parser accepts "--flag=2" and "--flag=off". A flag that may have a value
+/// has one by default, too.
 void let_flags_take_no_value(CLI::App& line) {
-    for (CLI::Option* const option : line.get_options())
-        if (option->get_items_expected_max() == 0) option->disable_flag_override();
+    for (CLI::Option* const option : line.get_options()) {
+        const bool may_have_value = option->get_name(false, true).find('{') != std::string::npos;
+        if (option->get_items_expected_max() == 0 && !may_have_value)
+            option->disable_flag_override();
+    }
 }
 
 /// The option parser's help with a usage line of our own.

@@ -55,16 +55,25 @@ std::optional<chosen_piece> choose(const part_options& options, const message_re
     return chosen_piece{place.m_entity, section_ranges(root, reader.source()).of(place)};
 }
 
-/// Hands the bytes of the piece to the sink, decoded if that is wanted.
-/// @return false if they cannot be decoded; this has then complained
+/// Hands the bytes of the piece to the sink, decoded if that is wanted. Complains about damage.
+/// @return false if they cannot be decoded
 bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
                 transfer_encoding encoding, const byte_sink& sink) {
     const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
-    const std::optional<decoding_damage> damage = decode(encoding, bytes, sink);
+    const strictness how = options.m_decode.value_or(strictness::strict);
+    const std::optional<decoding_damage> damage = decode(encoding, bytes, sink, how);
     if (!damage) return true;
-    complain_about_input(options.m_file, "cannot decode: " + damage->m_what,
-                         piece.m_bytes.m_offset + damage->m_offset);
-    return false;
+    const std::uint64_t offset = piece.m_bytes.m_offset + damage->m_offset;
+    if (how == strictness::strict) {
+        complain_about_input(options.m_file, "cannot decode: " + damage->m_what, offset);
+        return false;
+    }
+    const std::string bytes_at_fault =
+        std::to_string(damage->m_bytes) + (damage->m_bytes == 1 ? " byte" : " bytes");
+    complain_about_input(
+        options.m_file,
+        "decoded with damage: " + bytes_at_fault + " at fault; first: " + damage->m_what, offset);
+    return true;
 }
 
 bool write_to_standard_output(const part_options& options, const message_file& file,
@@ -91,26 +100,32 @@ bool write_to_file(const part_options& options, const message_file& file, const 
     return false;
 }
 
+/// The encoding to undo. If it is unknown, this complains. Lenient decoding then takes the bytes as
+/// they are, as mail readers do; there is no result otherwise.
+std::optional<transfer_encoding> encoding_to_undo(const part_options& options,
+                                                  const chosen_piece& piece) {
+    if (!options.m_decode) return transfer_encoding::none;
+    const std::string name = encoding_in_effect(*piece.m_entity, options.m_rules);
+    std::optional<transfer_encoding> encoding = transfer_encoding_named(name);
+    if (encoding) return encoding;
+    const bool strict = options.m_decode == strictness::strict;
+    const std::string what = strict ? "cannot decode: " : "not decoded: ";
+    const std::string shown =
+        printable_beginning(name, locale_character_set(), longest_encoding_shown);
+    complain_about_input(options.m_file, what + "unknown transfer encoding " + shown,
+                         piece.m_bytes.m_offset);
+    if (!strict) encoding = transfer_encoding::none;
+    return encoding;
+}
+
 bool write_piece(const part_options& options, const message_reader& reader) {
     const message_file& file = reader.file();
     const std::optional<chosen_piece> piece = choose(options, reader);
     if (!piece) return false;
-    transfer_encoding encoding = transfer_encoding::none;
-    if (options.m_decode) {
-        const std::string name = encoding_in_effect(*piece->m_entity, options.m_rules);
-        const std::optional<transfer_encoding> known = transfer_encoding_named(name);
-        if (!known) {
-            const std::string shown =
-                printable_beginning(name, locale_character_set(), longest_encoding_shown);
-            complain_about_input(options.m_file,
-                                 "cannot decode: unknown transfer encoding " + shown,
-                                 piece->m_bytes.m_offset);
-            return false;
-        }
-        encoding = *known;
-    }
-    return options.m_output ? write_to_file(options, file, *piece, encoding)
-                            : write_to_standard_output(options, file, *piece, encoding);
+    const std::optional<transfer_encoding> encoding = encoding_to_undo(options, *piece);
+    if (!encoding) return false;
+    return options.m_output ? write_to_file(options, file, *piece, *encoding)
+                            : write_to_standard_output(options, file, *piece, *encoding);
 }
 
 /// The option parser's help with usage lines of our own.
@@ -119,6 +134,12 @@ public:
     std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
         return "Usage: mailstructure part [OPTIONS] SECTION [FILE]\n"
                "       mailstructure part [OPTIONS] --list [FILE]\n";
+    }
+
+    /// An option that may have a value would be shown with its default in braces.
+    std::string make_option_name(const CLI::Option* option, bool is_positional) const override {
+        if (option->get_name() == "--decode") return "--decode[=HOW]";
+        return CLI::Formatter::make_option_name(option, is_positional);
     }
 };
 
@@ -160,6 +181,9 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
         if (!parsed) throw CLI::ValidationError(complaint);
         options.m_section = std::move(*parsed);
     }
+    if (!options.m_decode_word.empty())
+        options.m_decode =
+            options.m_decode_word == "lenient" ? strictness::lenient : strictness::strict;
     const std::string complaint = complaint_about(options);
     if (!complaint.empty()) throw CLI::ValidationError(complaint);
     if (options.m_output == "-") options.m_output.reset(); // standard output
@@ -176,8 +200,14 @@ void describe_part(CLI::App& command, part_options& options) {
             "Write to the file, which must not exist yet; - is standard output")
         ->type_name("FILE");
     command.add_flag("--force", options.m_force, "Replace the output file if it exists");
-    command.add_flag("--decode", options.m_decode,
-                     "Undo base64 or quoted-printable, as the part's header field says");
+    command
+        .add_flag("--decode{strict}", options.m_decode_word,
+                  "Undo base64 or quoted-printable, as the part's header field says: strict, or "
+                  "lenient, which passes over damage")
+        ->check([](const std::string& word) {
+            return word == "strict" || word == "lenient" ? ""
+                                                         : "not one of strict, lenient: " + word;
+        });
     describe_choice(
         command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },

@@ -7,6 +7,7 @@
 
 #include "common/complaint.h"
 #include "common/section_lookup.h"
+#include "common/transfer_decoding.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
@@ -21,7 +22,8 @@ struct part_options {
     std::string m_section_text; // as the user wrote it
     section m_section;
     std::optional<recorded_range> m_range;
-    bool m_decode = false;
+    std::string m_decode_word; // "strict" or "lenient"; empty where nothing is decoded
+    std::optional<strictness> m_decode;
     bool m_list = false;
     bool m_force = false;
     std::optional<std::string> m_output;
