@@ -52,11 +52,15 @@ void write_error(const char* text, std::size_t bytes) {
     if (::write(STDERR_FILENO, text, bytes) < 0) return;
 }
 
-/// After a fault outside the mapped file this just returns: the same instruction faults again, and
-/// the signal, whose default action is restored by then, ends the program.
-void on_lost_page(int /*signal*/, siginfo_t* info, void* /*context*/) {
+/// After a fault outside the mapped file the signal is raised again: its default action, which is
+/// restored by then, ends the program as soon as this returns.
+void on_lost_page(int signal, siginfo_t* info, void* /*context*/) {
     const char* const place = static_cast<const char*>(info->si_addr);
-    if (in_use.m_begin == nullptr || place < in_use.m_begin || place >= in_use.m_end) return;
+    remove_unfinished_file();
+    if (in_use.m_begin == nullptr || place < in_use.m_begin || place >= in_use.m_end) {
+        static_cast<void>(::raise(signal));
+        return;
+    }
     constexpr std::string_view program = "mailstructure: ";
     constexpr std::string_view what =
         ": cannot read: the file was cut short, or failed, while it was in use at byte ";
@@ -68,7 +72,6 @@ void on_lost_page(int /*signal*/, siginfo_t* info, void* /*context*/) {
     write_error(in_use.m_name.data(), in_use.m_name_bytes);
     write_error(what.data(), what.size());
     write_error(offset.data(), static_cast<std::size_t>(end + 1 - offset.data()));
-    remove_unfinished_file();
     ::_exit(some_input_failed);
 }
 

@@ -2,11 +2,8 @@
 
 #include "common/output_file.h"
 
-#include "common/unfinished_file.h"
-
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
@@ -14,6 +11,9 @@
 #include <unistd.h>
 
 namespace {
+
+constexpr mode_t mode_of_new_files = 0666;    // less the umask
+constexpr mode_t mode_until_replacing = 0600; // the old file may be one that only its owner reads
 
 /// The name of the file that symbolic links lead to, so that the file is replaced and not the link;
 /// the given name if it cannot be resolved.
@@ -25,29 +25,25 @@ std::string real_name(const std::string& file_name) {
     return real ? std::string(real.get()) : file_name;
 }
 
-/// The permissions that open() would give a new file.
-mode_t mode_of_new_files() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
-
-/// The pattern of a temporary name in the same folder: mkstemp replaces its end.
-std::string name_beside(const std::string& file_name) {
-    return file_name.substr(0, file_name.rfind('/') + 1) + ".mailstructure-XXXXXX";
-}
-
-/// Fails with EEXIST if anything has the new name already.
-bool rename_to_new_name(const std::string& from, const std::string& to) {
-#ifdef RENAME_NOREPLACE
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS) return false;
+/// Opens the folder of a file; -1 and errno if it cannot be opened.
+int open_folder_of(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+#ifdef O_PATH
+    constexpr int to_find_files_in = O_PATH; // needs no permission to list the folder
+#else
+    constexpr int to_find_files_in = O_RDONLY;
 #endif
-    // The file system cannot do this in one step; for a moment the file has both names.
-    if (::link(from.c_str(), to.c_str()) != 0) return false;
-    ::unlink(from.c_str());
-    return true;
+    return ::open(folder.c_str(), to_find_files_in | O_DIRECTORY | O_CLOEXEC);
+}
+
+std::string name_in_folder(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// Whether the text can name a file in a folder, whatever exists there.
+bool names_a_new_file(const std::string& text) {
+    constexpr std::string_view not_in_names("/\0", 2);
+    return !text.empty() && text != "." && text != ".."
+           && text.find_first_of(not_in_names) == std::string::npos;
 }
 
 } // namespace
@@ -56,73 +52,85 @@ output_file::output_file(const std::string& file_name, existing_file existing)
     : m_existing(existing) {
     struct stat there = {};
     if (file_name.empty()) {
-        errno = ENOENT;
+        fail(ENOENT);
     } else if (existing == existing_file::is_kept) {
         if (::lstat(file_name.c_str(), &there) == 0)
-            errno = EEXIST;
+            fail(EEXIST);
         else
-            create_beside(file_name);
-    } else if (::stat(file_name.c_str(), &there) == 0 && !S_ISREG(there.st_mode)) {
-        m_descriptor = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+            create(file_name, mode_of_new_files);
+    } else if (::stat(file_name.c_str(), &there) != 0) {
+        create(file_name, mode_of_new_files);
+    } else if (S_ISREG(there.st_mode)) {
+        create(real_name(file_name), mode_until_replacing);
+        // Whoever could read the old file can read the new one.
+        if (m_error == 0 && ::fchmod(m_new_file->descriptor(), there.st_mode & 0777) != 0)
+            fail(errno);
     } else {
-        create_beside(real_name(file_name));
+        m_device = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+        if (m_device < 0) fail(errno);
     }
-    if (m_descriptor < 0) fail();
+}
+
+output_file::output_file(int folder) {
+    m_new_file.emplace(folder, mode_of_new_files);
+    if (m_new_file->error() != 0) fail(m_new_file->error());
 }
 
 output_file::~output_file() {
-    if (m_descriptor >= 0) ::close(m_descriptor);
-    if (m_writing.empty()) return;
-    ::unlink(m_writing.c_str());
-    forget_unfinished_file();
+    m_new_file.reset(); // needs the folder
+    if (m_device >= 0) ::close(m_device);
+    if (m_folder >= 0) ::close(m_folder);
 }
+
+void output_file::create(const std::string& path, mode_t mode) {
+    m_name = name_in_folder(path);
+    m_folder = open_folder_of(path);
+    if (m_folder < 0) {
+        fail(errno);
+        return;
+    }
+    m_new_file.emplace(m_folder, mode);
+    if (m_new_file->error() != 0) fail(m_new_file->error());
+}
+
+int output_file::descriptor() const { return m_new_file ? m_new_file->descriptor() : m_device; }
 
 bool output_file::write(std::string_view bytes) {
     constexpr std::size_t most_at_once = std::size_t{1}
                                          << 30; // Linux writes no more than 2 GiB a call
     while (m_error == 0 && !bytes.empty()) {
         const ssize_t count =
-            ::write(m_descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
+            ::write(descriptor(), bytes.data(), std::min(bytes.size(), most_at_once));
         if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
         else if (errno != EINTR)
-            fail();
+            fail(errno);
     }
     return m_error == 0;
 }
 
 bool output_file::keep() {
-    if (m_error != 0) return false;
-    const int descriptor = m_descriptor;
-    m_descriptor = -1;
-    if (::close(descriptor) != 0 || !move_to_target()) {
-        fail();
-        return false;
-    }
-    if (!m_writing.empty()) forget_unfinished_file();
-    m_writing.clear();
-    return true;
+    if (m_error != 0 || !hand_over()) return false;
+    if (!m_new_file) return true;
+    const int error = m_existing == existing_file::is_kept ? m_new_file->take_new_name(m_name)
+                                                           : m_new_file->take_name(m_name);
+    return error == 0 || fail(error);
 }
 
-bool output_file::move_to_target() const {
-    if (m_writing.empty()) return true;
-    if (m_existing == existing_file::is_kept) return rename_to_new_name(m_writing, m_target);
-    return ::rename(m_writing.c_str(), m_target.c_str()) == 0;
+bool output_file::keep_as(const std::string& name) {
+    if (m_error != 0 || !hand_over()) return false;
+    m_name_error = names_a_new_file(name) ? m_new_file->take_new_name(name) : EINVAL;
+    return m_name_error == 0;
 }
 
-void output_file::create_beside(const std::string& file_name) {
-    struct stat there = {};
-    const bool replaces =
-        m_existing == existing_file::is_replaced && ::stat(file_name.c_str(), &there) == 0;
-    std::string name = name_beside(file_name);
-    m_descriptor = create_unfinished_file(name);
-    if (m_descriptor < 0) return;
-    m_writing = name;
-    m_target = file_name;
-    // Whoever could read the old file can read the new one.
-    if (::fchmod(m_descriptor, replaces ? there.st_mode & 0777 : mode_of_new_files()) != 0) fail();
+/// Has the file system take all that was written. Some network file systems tell only when a
+/// descriptor is closed that they cannot take it, so a copy of the descriptor is closed.
+bool output_file::hand_over() {
+    const int copy = ::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0);
+    return (copy >= 0 && ::close(copy) == 0) || fail(errno);
 }
 
-void output_file::fail() {
-    if (m_error == 0) m_error = errno;
+bool output_file::fail(int error) {
+    if (m_error == 0) m_error = error;
+    return false;
 }

@@ -3,44 +3,59 @@
 #ifndef TOOLS_COMMON_OUTPUT_FILE_H
 #define TOOLS_COMMON_OUTPUT_FILE_H
 
+#include "common/unfinished_file.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 /// Whether a file that exists already may be replaced.
 enum class existing_file : std::uint8_t { is_kept, is_replaced };
 
-/// A file that is written under a temporary name in the same folder, and is renamed when it is
-/// complete. If the object ends before keep() has succeeded, or a signal ends the program, the file
-/// is removed. Where existing files may be replaced, a terminal, a pipe or a device is written to
-/// directly. There is one object at a time.
+/// A file that gets its name when it is complete. If the object ends before keep() or keep_as() has
+/// succeeded, or a signal ends the program, nothing of the file is left. Where existing files may
+/// be replaced, a terminal, a pipe or a device is written to directly. There is one object at a
+/// time.
 class output_file {
 public:
-    /// Creates the file; a failure shows in error().
+    /// Creates the file, to be kept by keep(); a failure shows in error().
     output_file(const std::string& file_name, existing_file existing);
+    /// Creates a file in an open folder, to be kept by keep_as(); a failure shows in error(). The
+    /// descriptor of the folder stays the caller's, and must outlive this object.
+    explicit output_file(int folder);
     ~output_file();
     output_file(const output_file&) = delete;
     output_file& operator=(const output_file&) = delete;
 
     /// Writes all the bytes. @return false if this or an earlier write has failed
     bool write(std::string_view bytes);
-    /// Closes the file and renames it. If existing files are kept, so is one of that name that has
-    /// been created in the meantime. @return false if this or an earlier step has failed
+
+    /// Gives the file its name. If existing files are kept, so is one of that name that has been
+    /// created in the meantime. @return false if this or an earlier step has failed
     bool keep();
+    /// Gives the file this name in the folder, if nothing there has it. Nothing is ever replaced,
+    /// and no link is followed. If this fails, error() tells why (EEXIST if something has the
+    /// name), and this can be called again with another name.
+    /// @param name  not empty, ".", "..", and without a slash or a NUL; else error() is EINVAL
+    bool keep_as(const std::string& name);
 
     /// The system's number for the first failure; 0 if there was none.
-    int error() const { return m_error; }
+    int error() const { return m_error != 0 ? m_error : m_name_error; }
 
 private:
-    void create_beside(const std::string& file_name);
-    bool move_to_target() const;
-    void fail();
+    void create(const std::string& path, mode_t mode);
+    int descriptor() const;
+    bool hand_over();
+    bool fail(int error);
 
-    existing_file m_existing;
-    std::string m_target;  // the name that the file gets in the end
-    std::string m_writing; // its temporary name; empty for a device, or if there is no file
-    int m_descriptor = -1;
+    existing_file m_existing = existing_file::is_kept;
+    int m_folder = -1;                         // the folder that this opened, if any
+    std::string m_name;                        // the name that the file gets in the folder
+    std::optional<unfinished_file> m_new_file; // none for a device
+    int m_device = -1;
     int m_error = 0;
+    int m_name_error = 0; // of the last call of keep_as()
 };
 
 #endif

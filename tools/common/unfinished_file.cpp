@@ -1,24 +1,33 @@
-// Keeps a file's name where a signal handler can read it; see the header.
+// Creates files without a name, or with a name that signal handlers can read; see the header.
 
 #include "common/unfinished_file.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <csignal>
-#include <cstdlib>
+#include <cstdio>
 #include <fcntl.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
 
-/// The signals, other than faults, that end a program by default. One that is ignored stays
-/// ignored.
-constexpr std::array ending_signals = {SIGHUP, SIGINT, SIGQUIT, SIGPIPE, SIGTERM, SIGXCPU, SIGXFSZ};
+/// These do not end the program by default, or cannot be handled. All others end it, real-time
+/// signals included.
+constexpr std::array signals_let_be = {SIGCHLD, SIGCONT, SIGSTOP,  SIGTSTP, SIGTTIN,
+                                       SIGTTOU, SIGURG,  SIGWINCH, SIGKILL};
 
-/// The name, ended by a NUL; empty if there is no file. The system accepts no longer name.
-std::array<char, PATH_MAX> unfinished{}; // NOLINT: a handler gets no argument
+constexpr std::string_view temporary_prefix = ".mailstructure-";
+constexpr std::size_t random_letters = 6;
+
+/// What the signal handlers remove, since they get no argument: a name, ended by a NUL, in a
+/// folder. The name is empty if there is nothing to remove.
+struct file_to_remove {
+    std::array<char, temporary_prefix.size() + random_letters + 1> m_name{};
+    int m_folder = -1;
+};
+file_to_remove unfinished; // NOLINT: see above
 
 /// The signal has its default action again by now, and takes it as soon as this returns.
 void on_ending_signal(int signal) {
@@ -26,8 +35,11 @@ void on_ending_signal(int signal) {
     static_cast<void>(::raise(signal));
 }
 
+/// A signal that is ignored stays ignored, and one that has a handler keeps it.
 void handle_ending_signals() {
-    for (const int signal : ending_signals) {
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+        if (std::find(signals_let_be.begin(), signals_let_be.end(), signal) != signals_let_be.end())
+            continue;
         struct sigaction present = {};
         if (::sigaction(signal, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
         struct sigaction action = {};
@@ -53,23 +65,113 @@ private:
     sigset_t m_before{};
 };
 
-} // namespace
-
-int create_unfinished_file(std::string& name) {
-    if (name.size() >= unfinished.size()) {
-        errno = ENAMETOOLONG;
-        return -1;
-    }
-    const signals_held held;
-    const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
-    if (descriptor < 0) return -1;
-    *std::copy(name.begin(), name.end(), unfinished.begin()) = '\0';
-    handle_ending_signals();
-    return descriptor;
+std::string random_name() {
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::array<unsigned char, random_letters> random{};
+    static_cast<void>(::getentropy(random.data(), random.size())); // a name in use is tried again
+    std::string name(temporary_prefix);
+    for (const unsigned char byte : random) name += letters[byte % letters.size()];
+    return name;
 }
 
-void forget_unfinished_file() { unfinished.front() = '\0'; }
+/// Calls the function with new names until one of them is not in use.
+/// @param create  @return false and errno if it could not create a file of that name
+/// @return the name; "" and errno if no file could be created
+template <typename function>
+std::string create_under_new_name(const function& create) {
+    for (int attempts = 0; attempts < 100; ++attempts) {
+        const std::string name = random_name();
+        if (create(name)) return name;
+        if (errno != EEXIST) return "";
+    }
+    return "";
+}
+
+/// The name under which the system shows an open file.
+std::string name_of_descriptor(int descriptor) {
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+} // namespace
+
+unfinished_file::unfinished_file(int folder, mode_t mode) : m_folder(folder) {
+    if (!create_unnamed(mode) && !create_named(mode)) m_error = errno;
+}
+
+unfinished_file::~unfinished_file() {
+    if (is_named()) ::unlinkat(m_folder, m_name.c_str(), 0);
+    unfinished.m_name.front() = '\0';
+    if (m_descriptor >= 0) ::close(m_descriptor);
+}
+
+/// The file can be given a name later only where /proc shows it.
+bool unfinished_file::create_unnamed(mode_t mode) {
+#ifdef O_TMPFILE
+    m_descriptor = ::openat(m_folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode);
+    if (m_descriptor < 0) return false;
+    if (::access(name_of_descriptor(m_descriptor).c_str(), F_OK) == 0) return true;
+    ::close(m_descriptor);
+    m_descriptor = -1;
+#endif
+    return false;
+}
+
+bool unfinished_file::create_named(mode_t mode) {
+    const signals_held held;
+    m_name = create_under_new_name([this, mode](const std::string& name) {
+        m_descriptor = ::openat(m_folder, name.c_str(),
+                                O_CREAT | O_EXCL | O_NOFOLLOW | O_RDWR | O_CLOEXEC, mode);
+        return m_descriptor >= 0;
+    });
+    if (m_name.empty()) return false;
+    *std::copy(m_name.begin(), m_name.end(), unfinished.m_name.begin()) = '\0';
+    unfinished.m_folder = m_folder;
+    handle_ending_signals();
+    return true;
+}
+
+int unfinished_file::take_new_name(const std::string& name) {
+    if (!is_named()) return link_as(name) ? 0 : errno;
+#ifdef RENAME_NOREPLACE
+    if (::renameat2(m_folder, m_name.c_str(), m_folder, name.c_str(), RENAME_NOREPLACE) == 0)
+        return now_has_a_lasting_name();
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+#endif
+    // The file system cannot do this in one step; for a moment the file has both names.
+    if (::linkat(m_folder, m_name.c_str(), m_folder, name.c_str(), 0) != 0) return errno;
+    ::unlinkat(m_folder, m_name.c_str(), 0);
+    return now_has_a_lasting_name();
+}
+
+int unfinished_file::take_name(const std::string& name) {
+    if (is_named()) {
+        if (::renameat(m_folder, m_name.c_str(), m_folder, name.c_str()) != 0) return errno;
+        return now_has_a_lasting_name();
+    }
+    // A link cannot replace a name, so that the file has a temporary one for a moment.
+    const signals_held held;
+    const std::string between =
+        create_under_new_name([this](const std::string& free) { return link_as(free); });
+    if (between.empty()) return errno;
+    if (::renameat(m_folder, between.c_str(), m_folder, name.c_str()) == 0) return 0;
+    const int error = errno;
+    ::unlinkat(m_folder, between.c_str(), 0);
+    return error;
+}
+
+bool unfinished_file::link_as(const std::string& name) const {
+    return ::linkat(AT_FDCWD, name_of_descriptor(m_descriptor).c_str(), m_folder, name.c_str(),
+                    AT_SYMLINK_FOLLOW)
+           == 0;
+}
+
+int unfinished_file::now_has_a_lasting_name() {
+    m_name.clear();
+    unfinished.m_name.front() = '\0';
+    return 0;
+}
 
 void remove_unfinished_file() {
-    if (unfinished.front() != '\0') ::unlink(unfinished.data());
+    if (unfinished.m_name.front() != '\0')
+        ::unlinkat(unfinished.m_folder, unfinished.m_name.data(), 0);
 }

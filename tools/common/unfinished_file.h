@@ -1,21 +1,54 @@
-// The file that is being written, which is removed if a signal ends the program.
+// A file that is being written. It disappears unless it gets a name that lasts.
 
 #ifndef TOOLS_COMMON_UNFINISHED_FILE_H
 #define TOOLS_COMMON_UNFINISHED_FILE_H
 
 #include <string>
+#include <sys/types.h>
 
-/// Creates a file of a new name that only the user can read and write. From now on the file is
-/// removed if a signal ends the program, be it sent by somebody or by the system because of a limit
-/// or a pipe; faults excepted. There is one such file at a time.
-/// @param name  ends in "XXXXXX", which is replaced so that the name is new
-/// @return a descriptor, or -1 and errno
-int create_unfinished_file(std::string& name);
+/// A new file in a folder, open for writing and reading. Where the file system allows it, the file
+/// has no name, and the system drops it when the program ends in whatever way. Elsewhere it has a
+/// temporary name, and is removed if a signal ends the program; SIGKILL excepted, which cannot be
+/// handled. There is one object at a time.
+class unfinished_file {
+public:
+    /// Creates the file; a failure shows in error().
+    /// @param folder  descriptor of the folder; it stays the caller's, and must outlive this object
+    /// @param mode    permissions of the file, from which the process's umask is taken
+    unfinished_file(int folder, mode_t mode);
+    ~unfinished_file();
+    unfinished_file(const unfinished_file&) = delete;
+    unfinished_file& operator=(const unfinished_file&) = delete;
 
-/// From now on no signal removes the file.
-void forget_unfinished_file();
+    /// The system's number for the failure to create the file; 0 if there was none.
+    int error() const { return m_error; }
+    int descriptor() const { return m_descriptor; }
+    /// Whether the file has a temporary name now.
+    bool is_named() const { return !m_name.empty(); }
 
-/// Removes the file, if there is one. Safe to call from a signal handler.
+    /// Gives the file a name in its folder that nothing has yet; a link is not followed. After a
+    /// failure another name can be tried. To be called until it succeeds once.
+    /// @return 0, or the system's number for the failure: EEXIST if something has the name
+    int take_new_name(const std::string& name);
+    /// Gives the file a name in its folder, in one step and instead of the file that has the name,
+    /// if there is one.
+    /// @return 0, or the system's number for the failure
+    int take_name(const std::string& name);
+
+private:
+    bool create_unnamed(mode_t mode);
+    bool create_named(mode_t mode);
+    bool link_as(const std::string& name) const;
+    int now_has_a_lasting_name();
+
+    int m_folder;
+    int m_descriptor = -1;
+    std::string m_name; // the temporary name; empty if the file has none
+    int m_error = 0;
+};
+
+/// Removes the unfinished file of a temporary name, if there is one. Safe to call from a signal
+/// handler.
 void remove_unfinished_file();
 
 #endif
