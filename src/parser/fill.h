@@ -7,11 +7,14 @@
 
 #include <cstdint>
 #include <istream>
+#include <string_view>
 
 namespace mail_structure_detail {
 
 /// As MailStructure::Fill, but the first byte read has the given offset.
 void fill_from(MailStructure& message, std::istream& in, std::uint32_t first_offset,
+               MailStructure::rules by = MailStructure::rules::classic);
+void fill_from(MailStructure& message, std::string_view bytes, std::uint32_t first_offset,
                MailStructure::rules by = MailStructure::rules::classic);
 
 } // namespace mail_structure_detail

@@ -24,9 +24,8 @@ void parse_with_library(const rule_set& by, library_result& result, const std::s
     MailStructure::m_memlimit = wanted.m_memlimit;
     result.m_message.m_keep_text = wanted.m_keep_text;
     result.m_message.m_done = false;
-    test_support::delivered_stream in(input, way);
-    result.m_error =
-        test_support::fill_unchecked(result.m_message, in, wanted.m_first_offset, by.m_rules);
+    result.m_error = test_support::fill_unchecked(result.m_message, input, way,
+                                                  wanted.m_first_offset, by.m_rules);
     if (wanted.m_first_offset == 0)
         test_support::check_filled_tree(result.m_message, result.m_error,
                                         {wanted.m_keep_text, wanted.m_memlimit, by.m_rules}, input);
@@ -56,7 +55,7 @@ std::string failure_report(const rule_set& by, const std::string& input,
     std::ostringstream report;
     const std::string difference = difference_of(input);
     if (difference.empty()) report << "none in a parser object that was not filled before; ";
-    report << difference << "\n  rules " << by.m_name << ", stream " << way.m_name << ", keep_text "
+    report << difference << "\n  rules " << by.m_name << ", " << way.m_name << ", keep_text "
            << wanted.m_keep_text << ", memlimit " << wanted.m_memlimit << ", first offset "
            << wanted.m_first_offset;
     if (difference.empty()) return report.str();

@@ -114,7 +114,7 @@ TEST_P(comparison, reports_the_change) {
         parse_with_reference(classic, message_with_everything, wanted);
     library_result result;
     parse_with_library(classic, result, message_with_everything, wanted,
-                       test_support::all_deliveries[0]);
+                       test_support::every_delivery[0]);
     ASSERT_EQ(test_support::first_difference(result.m_message, result.m_error, expected), "");
     GetParam().m_change(result);
     const std::string report =

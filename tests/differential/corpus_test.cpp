@@ -79,7 +79,7 @@ protected:
     }
 
     const test_support::delivery& next_delivery() {
-        return test_support::all_deliveries[m_inputs % test_support::all_deliveries.size()];
+        return test_support::every_delivery[m_inputs % test_support::every_delivery.size()];
     }
 
     std::vector<std::filesystem::path> m_files;
@@ -93,8 +93,8 @@ private:
 };
 
 TEST_P(corpus, whole_files_give_the_reference_tree) {
-    const std::vector<test_support::delivery> each(test_support::all_deliveries.begin(),
-                                                   test_support::all_deliveries.end());
+    const std::vector<test_support::delivery> each(test_support::every_delivery.begin(),
+                                                   test_support::every_delivery.end());
     for (const auto& file : m_files) {
         const std::string input = contents_of(file);
         for (const bool keep_text : {false, true}) {

@@ -116,7 +116,7 @@ TEST_P(deep_messages, give_the_reference_tree) {
         if (random.one_in(4))
             wanted.m_first_offset = 0U - static_cast<std::uint32_t>(random.below(input.size()));
         const reference::message expected = parse_with_reference(by, input, wanted);
-        const auto& way = test_support::all_deliveries[seed % test_support::all_deliveries.size()];
+        const auto& way = test_support::every_delivery[seed % test_support::every_delivery.size()];
         if (!library_difference(by, result, input, wanted, way, expected).empty())
             FAIL() << "seed " << seed << ": " << failure_report(by, input, wanted, way);
         entities += expected.m_entities.size();

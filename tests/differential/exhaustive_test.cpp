@@ -121,9 +121,9 @@ public:
         ++m_inputs;
         if (deliveries == options_taken::in_turn)
             return agree_through(
-                test_support::all_deliveries[m_inputs % test_support::all_deliveries.size()], input,
+                test_support::every_delivery[m_inputs % test_support::every_delivery.size()], input,
                 wanted, expected);
-        for (const test_support::delivery& way : test_support::all_deliveries) {
+        for (const test_support::delivery& way : test_support::every_delivery) {
             if (!agree_through(way, input, wanted, expected)) return false;
         }
         return true;

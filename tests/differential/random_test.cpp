@@ -48,7 +48,7 @@ TEST_P(random_messages, give_the_reference_tree) {
         const test_support::generated_message made = by->m_random_message(seed);
         const reference::options wanted = options_of(made);
         const reference::message expected = parse_with_reference(*by, made.m_input, wanted);
-        for (const test_support::delivery& way : test_support::all_deliveries) {
+        for (const test_support::delivery& way : test_support::every_delivery) {
             if (library_difference(*by, result, made.m_input, wanted, way, expected).empty())
                 continue;
             FAIL() << "seed " << seed << ": " << failure_report(*by, made.m_input, wanted, way);
@@ -57,7 +57,7 @@ TEST_P(random_messages, give_the_reference_tree) {
         errors += expected.m_error.empty() ? 0 : 1;
     }
     record_count("messages", last - first);
-    record_count("library_parses_compared", (last - first) * test_support::all_deliveries.size());
+    record_count("library_parses_compared", (last - first) * test_support::every_delivery.size());
     record_count("bytes", bytes);
     record_count("messages_that_end_in_an_error", errors);
 }

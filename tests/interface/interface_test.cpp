@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <istream>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -33,6 +34,8 @@ static_assert(std::is_same_v<decltype(_lib_version), const std::uint32_t>);
 [[maybe_unused]] constexpr void (MailStructure::*fill)(std::istream&) = &MailStructure::Fill;
 [[maybe_unused]] constexpr void (MailStructure::*fill_by_rules)(
     std::istream&, MailStructure::rules) = &MailStructure::Fill;
+[[maybe_unused]] constexpr void (MailStructure::*fill_from_memory)(
+    std::string_view, MailStructure::rules) = &MailStructure::Fill;
 static_assert(sizeof(MailStructure::rules) == 1);
 static_assert(static_cast<int>(MailStructure::rules::classic) == 0);
 static_assert(static_cast<int>(MailStructure::rules::standard) == 1);

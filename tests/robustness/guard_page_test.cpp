@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -163,6 +164,22 @@ std::string difference(const rule_set& by, std::string_view bytes, std::size_t w
     return test_support::first_difference(message, error, wanted);
 }
 
+/// The same without a stream.
+std::string difference_from_memory(const rule_set& by, std::string_view bytes,
+                                   const reference::message& wanted) {
+    MailStructure message;
+    message.m_keep_text = true;
+    std::string error;
+    try {
+        message.Fill(bytes, by.m_rules);
+    } catch (const std::length_error&) {
+        error = "length_error";
+    } catch (const std::runtime_error& thrown) {
+        error = std::string("runtime_error: ") + thrown.what();
+    }
+    return test_support::first_difference(message, error, wanted);
+}
+
 TEST_P(guard_page, is_not_touched) {
     const rule_set& by = *std::get<0>(GetParam());
     const content& what = std::get<1>(GetParam());
@@ -179,12 +196,16 @@ TEST_P(guard_page, is_not_touched) {
             const reference::message wanted = by.m_parse(in, {true, 0xFFFFFFFF, 0});
             ASSERT_EQ(difference(by, memory.at_the_end(text), test_support::all_bytes, wanted), "")
                 << "length " << length;
+            ASSERT_EQ(difference_from_memory(by, memory.at_the_end(text), wanted), "")
+                << "length " << length;
             if (length > 5000) continue;
             for (const std::size_t window : {std::size_t{0}, std::size_t{61}, std::size_t{4096}})
                 ASSERT_EQ(difference(by, memory.at_the_end(text), window, wanted), "")
                     << "length " << length;
             ASSERT_EQ(difference(by, memory.at_the_start(text), test_support::all_bytes, wanted),
                       "")
+                << "length " << length;
+            ASSERT_EQ(difference_from_memory(by, memory.at_the_start(text), wanted), "")
                 << "length " << length;
         }
     }

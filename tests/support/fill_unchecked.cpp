@@ -3,21 +3,19 @@
 #include "parser/fill.h"
 
 #include <ios>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <typeinfo>
 
 namespace test_support {
+namespace {
 
-std::string fill_unchecked(MailStructure& message, std::istream& in, std::uint32_t first_offset,
-                           MailStructure::rules by) {
+/// @return the exception that left the call, in words
+template <class Call>
+std::string error_of(const Call& call) {
     try {
-        if (first_offset != 0)
-            mail_structure_detail::fill_from(message, in, first_offset, by);
-        else if (by == MailStructure::rules::classic)
-            message.Fill(in);
-        else
-            message.Fill(in, by);
+        call();
         return {};
     } catch (const std::ios_base::failure&) { // before runtime_error, which it derives from
         return "ios_failure";
@@ -32,6 +30,53 @@ std::string fill_unchecked(MailStructure& message, std::istream& in, std::uint32
     } catch (...) {
         return "other";
     }
+}
+
+/// A copy of some bytes. No memory follows them that may be read.
+class exact_copy {
+public:
+    explicit exact_copy(std::string_view text)
+        : m_bytes(std::make_unique<char[]>(text.size())), m_size(text.size()) {
+        text.copy(m_bytes.get(), m_size);
+    }
+    std::string_view bytes() const { return {m_bytes.get(), m_size}; }
+
+private:
+    std::unique_ptr<char[]> m_bytes;
+    std::size_t m_size;
+};
+
+void fill_from_memory(MailStructure& message, std::string_view text, std::uint32_t first_offset,
+                      MailStructure::rules by) {
+    const exact_copy copy(text);
+    if (first_offset != 0)
+        mail_structure_detail::fill_from(message, copy.bytes(), first_offset, by);
+    else if (by == MailStructure::rules::classic)
+        message.Fill(copy.bytes());
+    else
+        message.Fill(copy.bytes(), by);
+}
+
+} // namespace
+
+std::string fill_unchecked(MailStructure& message, std::istream& in, std::uint32_t first_offset,
+                           MailStructure::rules by) {
+    return error_of([&] {
+        if (first_offset != 0)
+            mail_structure_detail::fill_from(message, in, first_offset, by);
+        else if (by == MailStructure::rules::classic)
+            message.Fill(in);
+        else
+            message.Fill(in, by);
+    });
+}
+
+std::string fill_unchecked(MailStructure& message, std::string_view text, const delivery& way,
+                           std::uint32_t first_offset, MailStructure::rules by) {
+    if (way.m_entrance == entrance::memory)
+        return error_of([&] { fill_from_memory(message, text, first_offset, by); });
+    delivered_stream in(text, way);
+    return fill_unchecked(message, in, first_offset, by);
 }
 
 } // namespace test_support

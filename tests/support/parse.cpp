@@ -45,6 +45,14 @@ std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_o
     return fill_and_check(message, in, by, std::nullopt);
 }
 
+std::string fill(MailStructure& message, std::string_view text, const delivery& way,
+                 std::uint32_t first_offset, MailStructure::rules by) {
+    const parse_options options{message.m_keep_text, MailStructure::m_memlimit, by};
+    std::string error = fill_unchecked(message, text, way, first_offset, by);
+    if (first_offset == 0) check_filled_tree(message, error, options, text);
+    return error;
+}
+
 parse_outcome parse(std::istream& in, const parse_options& options) {
     const memory_limit limit(options.m_memlimit);
     parse_outcome outcome;
@@ -59,6 +67,14 @@ parse_outcome parse(std::string_view input, const parse_options& options) {
     parse_outcome outcome;
     outcome.m_message.m_keep_text = options.m_keep_text;
     outcome.m_error = fill_and_check(outcome.m_message, in, options.m_rules, input);
+    return outcome;
+}
+
+parse_outcome parse(std::string_view input, const delivery& way, const parse_options& options) {
+    const memory_limit limit(options.m_memlimit);
+    parse_outcome outcome;
+    outcome.m_message.m_keep_text = options.m_keep_text;
+    outcome.m_error = fill(outcome.m_message, input, way, 0, options.m_rules);
     return outcome;
 }
 

@@ -5,6 +5,8 @@
 
 #include <mail_structure.h>
 
+#include "support/streams.h"
+
 #include <cstdint>
 #include <istream>
 #include <optional>
@@ -50,6 +52,11 @@ private:
 std::string fill(MailStructure& message, std::istream& in, std::uint32_t first_offset = 0,
                  MailStructure::rules by = MailStructure::rules::classic);
 
+/// The same for a text that is handed in in the given way.
+std::string fill(MailStructure& message, std::string_view text, const delivery& way,
+                 std::uint32_t first_offset = 0,
+                 MailStructure::rules by = MailStructure::rules::classic);
+
 /// Fails the test that runs if the tree that Fill left behind breaks a rule of
 /// support/tree_rules.h.
 /// @param error    in the words above; a tree that lack of memory broke off is not checked
@@ -61,6 +68,7 @@ void check_filled_tree(const MailStructure& message, const std::string& error,
 parse_outcome parse(std::istream& in, const parse_options& options = {});
 /// The text as one stream that hands out all bytes at once.
 parse_outcome parse(std::string_view input, const parse_options& options = {});
+parse_outcome parse(std::string_view input, const delivery& way, const parse_options& options);
 
 /// The tree as tree_text gives it, then, if an exception left Fill, a line "! " and m_error.
 std::string outcome_text(const parse_outcome& outcome);

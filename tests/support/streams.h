@@ -51,14 +51,22 @@ private:
     std::size_t m_taken = 0;
 };
 
+/// By which function of the library bytes are handed in.
+enum class entrance : std::uint8_t {
+    stream, // Fill, from a stream
+    memory  // Fill, from memory
+};
+
 /// One way of handing out bytes.
 struct delivery {
     const char* m_name;
-    std::size_t m_chunk; // bytes at a time; 0: no get area
+    std::size_t m_chunk; // bytes at a time; of a stream, 0: no get area; from memory, all_bytes
+    entrance m_entrance = entrance::stream;
 };
 
 inline constexpr std::size_t all_bytes = std::numeric_limits<std::size_t>::max();
 
+/// Those by a stream.
 inline constexpr std::array<delivery, 9> all_deliveries{{
     {"one_byte_at_a_time", 1},
     {"two_bytes_at_a_time", 2},
@@ -71,10 +79,26 @@ inline constexpr std::array<delivery, 9> all_deliveries{{
     {"without_a_get_area", 0},
 }};
 
+/// Those that are not by a stream.
+inline constexpr std::array<delivery, 1> other_deliveries{{
+    {"from_memory", all_bytes, entrance::memory},
+}};
+
+/// The deliveries of both lists.
+inline constexpr auto every_delivery = [] {
+    std::array<delivery, all_deliveries.size() + other_deliveries.size()> all{};
+    for (std::size_t index = 0; index < all.size(); ++index)
+        all[index] = index < all_deliveries.size()
+                         ? all_deliveries[index]
+                         : other_deliveries[index - all_deliveries.size()];
+    return all;
+}();
+
 /// A stream over a text that is handed out in the given way.
 class delivered_stream : public std::istream {
 public:
     /// @param text  must outlive the stream
+    /// @param way   by a stream
     delivered_stream(std::string_view text, const delivery& way);
 
 private:

@@ -12,8 +12,6 @@ namespace mail_structure_detail {
 
 namespace {
 
-constexpr std::uint64_t wrap = std::uint64_t{1} << 32;
-
 /// Whether a CR, LF or NUL stands before the line's last byte. A line can hold an LF only where the
 /// locale of the stream makes another byte end lines.
 bool holds_stray_byte(std::string_view line) noexcept {
@@ -26,18 +24,10 @@ bool holds_stray_byte(std::string_view line) noexcept {
     return false;
 }
 
-/// Whether the last line of a run, which ends with an LF, is empty.
-bool ends_with_empty_line(std::string_view run) noexcept {
-    run.remove_suffix(1);
-    while (run.ends_with('\r')) run.remove_suffix(1);
-    return run.empty() || run.ends_with('\n');
-}
-
 } // namespace
 
 line_reader::line_reader(std::istream& in, std::uint32_t first_offset, field_names names)
-    : m_in(in), m_state(in), m_scanners(chosen_scanners()), m_names(names),
-      m_position(first_offset) {
+    : m_in(in), m_state(in), m_finder(first_offset, names) {
 #ifndef MAILSTRUCTURE_PLAIN
     // Kept: lines end with what the locale of the stream widens LF to.
     // keeps_line_end_to_the_locale_of_the_stream
@@ -49,10 +39,10 @@ line_reader::line_reader(std::istream& in, std::uint32_t first_offset, field_nam
 
 bool line_reader::next(input_line& line) {
     const std::string_view bytes = ready();
-    const scanned_line found = m_scanners.m_scan_line(bytes, m_names);
+    const scanned_line found = m_finder.scan(bytes);
     if (!found.m_has_lf) return next_unfinished(line);
     get_area::consume(buffer(), found.m_bytes + 1);
-    describe(line, bytes.substr(0, found.m_bytes), found, 1);
+    m_finder.describe(line, bytes.substr(0, found.m_bytes), found, 1);
     return true;
 }
 
@@ -60,44 +50,19 @@ bool line_reader::next(input_line& line) {
 bool line_reader::next_unfinished(input_line& line) {
     std::string_view bytes;
     if (!read_unfinished_line(bytes)) return false;
-    scanned_line found = m_scanners.m_scan_line(bytes, m_names);
+    scanned_line found = m_finder.scan(bytes);
     found.m_stray = holds_stray_byte(bytes);
-    describe(line, bytes, found, m_state.eof() ? 0 : 1);
+    m_finder.describe(line, bytes, found, m_state.eof() ? 0 : 1);
     return true;
-}
-
-/// Sets all members of the line, and moves on past the line.
-/// @param bytes  the line without its terminator, the CR of a CR LF included
-void line_reader::describe(input_line& line, std::string_view bytes, const scanned_line& found,
-                           std::size_t terminator_bytes) {
-    line.m_start = static_cast<std::uint32_t>(m_position); // offsets wrap past 4 GiB
-    m_position += bytes.size() + terminator_bytes;
-    line.m_end = static_cast<std::uint32_t>(m_position);
-    line.m_stray_byte = found.m_stray;
-    line.m_name_bytes = found.m_name_bytes;
-    line.m_cr_stripped = bytes.ends_with('\r');
-    if (line.m_cr_stripped) bytes.remove_suffix(1);
-    line.m_text = bytes;
 }
 
 bool line_reader::find_run(line_run& run, run_limits limits) const noexcept {
-    // No run crosses a wrap of the offsets: the line that crosses it is read by itself.
-    const std::uint64_t to_next_wrap = wrap - m_position % wrap;
-    const std::string_view bytes = ready().substr(0, to_next_wrap - 1);
-    const scanned_lines found = m_scanners.m_scan_body(bytes, limits);
-    if (found.m_lines == 0) return false;
-    run.m_bytes = bytes.substr(0, found.m_bytes);
-    run.m_lines = found.m_lines;
-    run.m_start = static_cast<std::uint32_t>(m_position);
-    run.m_first_end = static_cast<std::uint32_t>(m_position + run.m_bytes.find('\n') + 1);
-    run.m_end = static_cast<std::uint32_t>(m_position + found.m_bytes);
-    run.m_last_empty = ends_with_empty_line(run.m_bytes);
-    return true;
+    return m_finder.find_run(run, ready(), limits);
 }
 
 void line_reader::take(const line_run& run) noexcept {
     assert(run.m_bytes.data() == ready().data()); // nothing was read since the run was found
-    m_position += run.m_bytes.size();
+    m_finder.take(run);
     get_area::consume(buffer(), run.m_bytes.size());
 }
 

@@ -10,9 +10,10 @@
 #ifndef MAIL_STRUCTURE_PARSER_LINES_LINE_READER_H
 #define MAIL_STRUCTURE_PARSER_LINES_LINE_READER_H
 
+#include "input_line.h"
+#include "line_finder.h"
 #include "line_run.h"
 #include "read_ahead.h"
-#include "scanners.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,21 +23,6 @@
 #include <string_view>
 
 namespace mail_structure_detail {
-
-struct input_line {
-    /// Without its LF and without one CR before that. Valid until the next line is read.
-    std::string_view m_text;
-    bool m_cr_stripped = false;   // a CR stood between the text and the LF or the end of the input
-    bool m_stray_byte = false;    // a CR, LF or NUL stands before the last byte of the line
-    std::size_t m_name_bytes = 0; // at the front of the line: those that a field name may hold
-    std::uint32_t m_start = 0;    // offset of the line's first byte
-    std::uint32_t m_end = 0;      // offset just past its LF, or past the last byte of the input
-};
-
-/// The line as a run of its own.
-inline line_run as_run(const input_line& line) noexcept {
-    return one_line(line.m_start, line.m_end, line.m_text.empty());
-}
 
 class line_reader {
 public:
@@ -58,15 +44,13 @@ public:
     void take(const line_run& run) noexcept;
 
     /// The input read so far has passed 4 GiB, so that offsets have wrapped.
-    bool has_wrapped() const noexcept { return m_position > 0xFFFFFFFF; }
+    bool has_wrapped() const noexcept { return m_finder.has_wrapped(); }
 
 private:
     const std::streambuf& buffer() const noexcept;
     std::streambuf& buffer() noexcept;
     std::string_view ready() const noexcept;
     bool next_unfinished(input_line& line);
-    void describe(input_line& line, std::string_view bytes, const scanned_line& found,
-                  std::size_t terminator_bytes);
     bool read_unfinished_line(std::string_view& line);
     bool read_straddling_line(std::string_view& line);
     bool read_by_getline(std::string_view& line);
@@ -76,11 +60,9 @@ private:
 
     std::istream& m_in;
     std::ios& m_state; // the virtual base of m_in, which is slow to reach from there
-    const scanner_set& m_scanners;
-    const field_names m_names;
+    line_finder m_finder;
     std::string m_carry;               // a line that straddles two fillings of the buffer
     bool m_in_place = false;           // LF ends lines, so the buffer may be searched for it
-    std::uint64_t m_position;          // of the next byte to be read
     std::optional<read_ahead> m_ahead; // reads a plain file in place of the stream's own buffer
 };
 

@@ -65,10 +65,9 @@ reference::message filled(MailStructure& message, std::string_view input,
     const test_support::memory_limit limit(wanted.m_memlimit);
     message.m_keep_text = wanted.m_keep_text;
     message.m_done = false;
-    test_support::delivered_stream in(input, way);
     reference::message found;
-    found.m_error =
-        test_support::fill(message, in, wanted.m_first_offset, MailStructure::rules::standard);
+    found.m_error = test_support::fill(message, input, way, wanted.m_first_offset,
+                                       MailStructure::rules::standard);
     found.m_done = message.m_done;
     copy_tree(message.m_root, found.m_entities);
     return found;

@@ -13,8 +13,8 @@
 
 namespace standard_rules {
 
-/// Fills the parser object, which may have been filled before, from a stream that hands out the
-/// input in the given way. Returns a copy of the tree.
+/// Fills the parser object, which may have been filled before, with the input, handed in in the
+/// given way. Returns a copy of the tree.
 reference::message filled(MailStructure& message, std::string_view input,
                           const reference::options& wanted, const test_support::delivery& way);
 

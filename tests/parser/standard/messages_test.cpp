@@ -61,13 +61,13 @@ std::vector<form> forms_of(const message_case& row) {
     return forms;
 }
 
-/// Fills one parser object from all forms and streams, and hands each tree to the check.
+/// Fills one parser object from all forms in every way, and hands each tree to the check.
 template <class Check>
 void for_each_tree(const message_case& row, const Check& check) {
     MailStructure message;
     for (const form& present : forms_of(row))
-        for (const test_support::delivery& way : test_support::all_deliveries) {
-            SCOPED_TRACE(std::string(present.m_name) + ", from a stream " + way.m_name);
+        for (const test_support::delivery& way : test_support::every_delivery) {
+            SCOPED_TRACE(std::string(present.m_name) + ", " + way.m_name);
             const reference::message found = filled(message, present.m_input, row.m_options, way);
             EXPECT_TRUE(found.m_done);
             check(found, present.m_input);
