@@ -2,13 +2,12 @@
 
 #include "mailstructure/part_command.h"
 
-#include "common/field_lookup.h"
 #include "common/message_reader.h"
 #include "common/output_file.h"
 #include "common/section_ranges.h"
 #include "common/terminal.h"
-#include "common/transfer_decoding.h"
 #include "mailstructure/command_line.h"
+#include "mailstructure/part_bytes.h"
 #include "mailstructure/section_list.h"
 
 #include <cerrno>
@@ -19,14 +18,6 @@
 namespace {
 
 using MimeObj = MailStructure::MimeObj;
-
-constexpr std::size_t longest_encoding_shown = 100; // bytes; the sender chose the name
-
-/// The bytes that were asked for, and the entity that they belong to.
-struct chosen_piece {
-    const MimeObj* m_entity = nullptr;
-    byte_range m_bytes;
-};
 
 byte_range range_of(const MimeObj& entity, recorded_range range) {
     switch (range) {
@@ -55,27 +46,6 @@ std::optional<chosen_piece> choose(const part_options& options, const message_re
     return chosen_piece{place.m_entity, section_ranges(root, reader.source()).of(place)};
 }
 
-/// Hands the bytes of the piece to the sink, decoded if that is wanted. Complains about damage.
-/// @return false if they cannot be decoded
-bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
-                transfer_encoding encoding, const byte_sink& sink) {
-    const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
-    const strictness how = options.m_decode.value_or(strictness::strict);
-    const std::optional<decoding_damage> damage = decode(encoding, bytes, sink, how);
-    if (!damage) return true;
-    const std::uint64_t offset = piece.m_bytes.m_offset + damage->m_offset;
-    if (how == strictness::strict) {
-        complain_about_input(options.m_file, "cannot decode: " + damage->m_what, offset);
-        return false;
-    }
-    const std::string bytes_at_fault =
-        std::to_string(damage->m_bytes) + (damage->m_bytes == 1 ? " byte" : " bytes");
-    complain_about_input(
-        options.m_file,
-        "decoded with damage: " + bytes_at_fault + " at fault; first: " + damage->m_what, offset);
-    return true;
-}
-
 bool write_to_standard_output(const part_options& options, const message_file& file,
                               const chosen_piece& piece, transfer_encoding encoding) {
     errno = 0;
@@ -98,24 +68,6 @@ bool write_to_file(const part_options& options, const message_file& file, const 
     complain(escaped(name) + ": cannot write: " + system_error_text(output.error())
              + (is_in_the_way ? "; --force replaces it" : ""));
     return false;
-}
-
-/// The encoding to undo. If it is unknown, this complains. Lenient decoding then takes the bytes as
-/// they are, as mail readers do; there is no result otherwise.
-std::optional<transfer_encoding> encoding_to_undo(const part_options& options,
-                                                  const chosen_piece& piece) {
-    if (!options.m_decode) return transfer_encoding::none;
-    const std::string name = encoding_in_effect(*piece.m_entity, options.m_rules);
-    std::optional<transfer_encoding> encoding = transfer_encoding_named(name);
-    if (encoding) return encoding;
-    const bool strict = options.m_decode == strictness::strict;
-    const std::string what = strict ? "cannot decode: " : "not decoded: ";
-    const std::string shown =
-        printable_beginning(name, locale_character_set(), longest_encoding_shown);
-    complain_about_input(options.m_file, what + "unknown transfer encoding " + shown,
-                         piece.m_bytes.m_offset);
-    if (!strict) encoding = transfer_encoding::none;
-    return encoding;
 }
 
 bool write_piece(const part_options& options, const message_reader& reader) {

@@ -1,0 +1,31 @@
+// The bytes of a piece of a message as `mailstructure part` writes them: as they are, or decoded.
+
+#ifndef TOOLS_MAILSTRUCTURE_PART_BYTES_H
+#define TOOLS_MAILSTRUCTURE_PART_BYTES_H
+
+#include <mail_structure.h>
+
+#include "common/byte_range.h"
+#include "common/message_file.h"
+#include "common/transfer_decoding.h"
+#include "mailstructure/part_command.h"
+
+#include <optional>
+
+/// The bytes that were asked for, and the entity that they belong to.
+struct chosen_piece {
+    const MailStructure::MimeObj* m_entity = nullptr;
+    byte_range m_bytes;
+};
+
+/// The encoding to undo. If it is unknown, this complains. Lenient decoding then takes the bytes as
+/// they are, as mail readers do; there is no result otherwise.
+std::optional<transfer_encoding> encoding_to_undo(const part_options& options,
+                                                  const chosen_piece& piece);
+
+/// Hands the bytes of the piece to the sink, decoded if that is wanted. Complains about damage.
+/// @return false if they cannot be decoded
+bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
+                transfer_encoding encoding, const byte_sink& sink);
+
+#endif
