@@ -25,9 +25,9 @@
 /// @code
 ///     std::ifstream file("message.eml", std::ios::binary);
 ///     MailStructure message;
-///     message.Fill(file); // one pass over the lines of the message
+///     message.Fill(file, MailStructure::rules::standard); // one pass over the lines
 ///     for (const MailStructure::MimeObj& part : message.m_root.m_children)
-///         use(part.m_type, part.m_body_beg, part.m_body_len);
+///         use(part.m_type, part.m_contents_beg, part.m_contents_len);
 /// @endcode
 ///
 /// A plain aggregate: a host sets the flags that it wants, calls Fill, and reads m_root, a tree of
@@ -262,6 +262,13 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// a tree too. Time is linear in the size of the input, whatever the nesting; kept text is
     /// linear in its own size. m_keep_text and m_memlimit are read once, before the first line.
     ///
+    /// The separator line of an mbox ("From " and what follows) is no part of a message, and Fill
+    /// cuts no input at such lines: it reads an mbox of several messages as one message. Under the
+    /// classic rules such a line at the beginning ends the header block, and the message then has
+    /// no fields and no parts. So a host passes over that line before it calls Fill, and adds its
+    /// length to the offsets, which count from the line after it. Under rules::standard the line
+    /// may stay: it is in the header block, and is passed over there.
+    ///
     /// References into the old tree of m_root are invalid as soon as Fill starts. The records of
     /// that tree and their storage are used again for the new message, and those that it does not
     /// need are freed. While Fill runs, the object may take as much memory as both trees together;
@@ -269,7 +276,8 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// leaves it; assign MailStructure() to free everything. No other code, not even that of the
     /// stream's buffer, may look at the tree while Fill runs.
     ///
-    /// @throws std::runtime_error  "error in io input data": a CR, LF or NUL stands inside a line
+    /// @throws std::runtime_error  "error in io input data": a CR or NUL stands inside a line, or
+    ///                             an LF where the stream's locale widens LF to another byte
     /// @throws std::length_error   a header line begins with a letter, consists of letters and
     ///                             hyphens without a colon, and ends with CR LF, or with CR and the
     ///                             end of the input
@@ -281,9 +289,10 @@ struct MAIL_STRUCTURE_API MailStructure {
     ///
     /// The stream itself throws what the host has set in its exception mask. Without a mask, a read
     /// error ends the input as the end of the data does; ask in.bad() afterwards. After an
-    /// exception the tree holds all lines before the one at fault, and whatever of that line was
-    /// already recorded; m_done is unchanged, and the object may be filled again. The stream is
-    /// left as std::getline leaves it.
+    /// exception the tree holds all lines before the one at fault. After std::length_error it also
+    /// holds the record of the field that the line begins, with its name and no range; where memory
+    /// ran out, it holds what was recorded of the line until then. m_done is unchanged, and the
+    /// object may be filled again. The stream is left as std::getline leaves it.
     /// @param in  the message; a buffer that holds all of it, over a mapped file for instance, is
     ///            scanned in place
     void Fill(std::istream& in);

@@ -21,6 +21,8 @@ void close_part(open_entities& open) {
 
 /// A separator begins a part of the innermost entity.
 void open_part(classic_state& state, const input_line& line) {
+    // Kept: until a field says otherwise the part is text/plain, in a multipart/digest too.
+    // keeps_part_of_a_digest_as_plain_text
     state.open_entity();
     // Kept: a separator extends the contents of the multipart and its ancestors, and no other
     // range. keeps_separator_in_the_contents_of_the_enclosing_entities_alone

@@ -47,7 +47,7 @@ header_line classify_letter_led(const input_line& line) noexcept {
     // keeps_line_of_letters_as_a_field_short_of_its_last_letter
     if (at == scan_end || line.m_text[at] == ':') return {header_line_kind::field, at};
     // Kept: a digit, '_', '.' or blank before the colon makes the line body text.
-    // keeps_digit_in_a_name_ending_the_block
+    // keeps_digit_in_a_name_ending_the_block keeps_mbox_separator_line_ending_the_block
     return not_of_the_block;
 }
 

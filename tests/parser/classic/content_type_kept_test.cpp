@@ -147,6 +147,19 @@ TEST(content_type, keeps_defaults_from_boundary_lines) {
                 "1 multipart/plain multipart h=0+38 m=0+44 b=38+6 n=1\n");
 }
 
+TEST(content_type, keeps_part_of_a_digest_as_plain_text) {
+    expect_tree("Content-Type: multipart/digest; boundary=X\n"
+                "\n"
+                "--X\n"
+                "\n"
+                "Subject: in\n"
+                "\n"
+                "hi\n"
+                "--X--\n",
+                "1 multipart/digest multipart h=0+44 m=0+71 b=62+9 c=44+27 n=2\n"
+                "1.1 text/plain enc=7bit h=49+13 m=49+16 b=62+3 c=62+3 n=1\n");
+}
+
 TEST(content_type, keeps_empty_value_as_a_message) {
     expect_tree("Content-Type:\n"
                 "\n"

@@ -359,6 +359,17 @@ TEST(header_block, keeps_digit_in_a_name_ending_the_block) {
                      "  0-5 \"a\" \"b\"\n");
 }
 
+TEST(header_block, keeps_mbox_separator_line_ending_the_block) {
+    expect_full_tree("From a@b.example Mon Nov  3 10:00:00 2025\n"
+                     "Content-Type: multipart/mixed; boundary=X\n"
+                     "\n"
+                     "--X\n"
+                     "\n"
+                     "hi\n"
+                     "--X--\n",
+                     "1 text/plain m=0+99 b=42+57 c=0+99 n=7\n");
+}
+
 TEST(header_block, keeps_line_of_letters_as_a_field_short_of_its_last_letter) {
     expect_full_tree("abc\n\n", "1 / h=0+5 m=0+5\n"
                                 "  0-4 \"ab\" \"\"\n");
