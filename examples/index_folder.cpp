@@ -3,10 +3,10 @@
 //
 //     index_folder mail.db add FOLDER         reads each file in the folder as a message
 //     index_folder mail.db find image/png     lists the parts of that type: number, length, file
-//     index_folder mail.db fetch 17           writes the body of that part
+//     index_folder mail.db fetch 17           writes the contents of that part
 //
 // The index holds offsets and lengths; the bytes stay in the files. A file that has changed since
-// it was indexed is refused.
+// it was indexed is refused. The parts are those that mail readers show (rules::standard).
 
 #include <mail_structure.h>
 
@@ -33,7 +33,7 @@ const char* const tables =
     "CREATE TABLE IF NOT EXISTS part ("
     " id INTEGER PRIMARY KEY, message INTEGER REFERENCES message ON DELETE CASCADE,"
     " type TEXT COLLATE NOCASE, header_beg INTEGER, header_len INTEGER,"
-    " body_beg INTEGER, body_len INTEGER, lines INTEGER);"
+    " beg INTEGER, len INTEGER, lines INTEGER);"
     "CREATE INDEX IF NOT EXISTS part_of_message ON part (message);"
     "CREATE INDEX IF NOT EXISTS part_by_type ON part (type);"
     "PRAGMA foreign_keys = ON;";
@@ -107,20 +107,6 @@ private:
     std::unique_ptr<sqlite3_stmt, finalizer> m_handle;
 };
 
-struct range {
-    std::uint32_t m_beg;
-    std::uint32_t m_len;
-};
-
-/// The place of the body. A part that holds a forwarded message has that message as its body, with
-/// the header block of that message. A multipart has all of its parts and the lines between them.
-range body_of(const MailStructure::MimeObj& part) {
-    if (part.m_message && !part.m_children.empty())
-        return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
-    if (part.m_multipart) return {part.m_contents_beg, part.m_contents_len};
-    return {part.m_body_beg, part.m_body_len};
-}
-
 /// The time of the last change, to recognise that a file has changed.
 std::int64_t time_of(const fs::path& file) {
     return fs::last_write_time(file).time_since_epoch().count();
@@ -135,7 +121,7 @@ void add_message(database& index, statement& add_part, const fs::path& file) {
     const std::int64_t size = size_of(file);
     const std::int64_t changed = time_of(file);
     if (size > 0xFFFFFFFF) throw std::runtime_error("4 GiB or more");
-    if (stream) message.Fill(stream);
+    if (stream) message.Fill(stream, MailStructure::rules::standard);
     if (!message.m_done || stream.bad()) throw std::runtime_error("cannot be read");
 
     const std::string name = file.string();
@@ -152,10 +138,9 @@ void add_message(database& index, statement& add_part, const fs::path& file) {
         const MailStructure::MimeObj& part = *pending.back();
         pending.pop_back();
         const std::string type = part.m_type + '/' + part.m_subtype;
-        const range body = body_of(part);
         add_part
-            .start(id, type, part.m_header_beg, part.m_header_len, body.m_beg, body.m_len,
-                   part.m_lines)
+            .start(id, type, part.m_header_beg, part.m_header_len, part.m_contents_beg,
+                   part.m_contents_len, part.m_lines)
             .next_row();
         for (auto child = part.m_children.rbegin(); child != part.m_children.rend(); ++child)
             pending.push_back(&*child);
@@ -171,9 +156,9 @@ int add_folder(database& index, const fs::path& folder) {
     std::sort(files.begin(), files.end());
 
     int status = 0;
-    statement add_part(
-        index, "INSERT INTO part (message, type, header_beg, header_len, body_beg, body_len, lines)"
-               " VALUES (?, ?, ?, ?, ?, ?, ?)");
+    statement add_part(index,
+                       "INSERT INTO part (message, type, header_beg, header_len, beg, len, lines)"
+                       " VALUES (?, ?, ?, ?, ?, ?, ?)");
     index.run("BEGIN");
     for (const fs::path& file : files) {
         index.run("SAVEPOINT one");
@@ -191,9 +176,9 @@ int add_folder(database& index, const fs::path& folder) {
 }
 
 int find_parts(database& index, const std::string& type) {
-    statement rows(
-        index, "SELECT part.id, body_len, file FROM part JOIN message ON message.id = part.message"
-               " WHERE type = ? ORDER BY part.id");
+    statement rows(index,
+                   "SELECT part.id, len, file FROM part JOIN message ON message.id = part.message"
+                   " WHERE type = ? ORDER BY part.id");
     rows.start(type);
     while (rows.next_row())
         std::cout << rows.number(0) << ' ' << rows.number(1) << ' ' << rows.text(2) << '\n';
@@ -201,7 +186,7 @@ int find_parts(database& index, const std::string& type) {
 }
 
 int fetch_part(database& index, std::int64_t id) {
-    statement row(index, "SELECT file, size, changed, body_beg, body_len FROM part"
+    statement row(index, "SELECT file, size, changed, beg, len FROM part"
                          " JOIN message ON message.id = part.message WHERE part.id = ?");
     if (!row.start(id).next_row()) throw std::runtime_error("no part of that number");
     const fs::path file = row.text(0);

@@ -1,4 +1,4 @@
-// Lists the attachments of a message: media type, place of the body in the file, and file name.
+// Lists the attachments of a message: media type, place of the contents in the file, and file name.
 //
 // A part is an attachment if its Content-Disposition field says so, or if there is a file name in
 // that field or in its Content-Type field. A forwarded message is one attachment; its own
@@ -7,7 +7,6 @@
 #include <mail_structure.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -30,15 +29,29 @@ const std::string* field_value(const entity& part, const char* name) {
     return nullptr;
 }
 
-/// The file name in a field such as `attachment; filename="a; b.pdf"`, or an empty text. Encoded
-/// names are not decoded.
+/// Whether a parameter has that name, or is a section of it or its encoded form (RFC 2231), whose
+/// names are such as "filename*0" and "filename*".
+bool is_parameter(const std::string& name, const std::string& wanted) {
+    return same_name(name.substr(0, name.find('*')), wanted);
+}
+
+/// The value in `filename=value`, or an empty text if it is another parameter.
+std::string value_of_file_name(const std::string& parameter) {
+    const std::size_t equals = parameter.find('=');
+    if (equals == std::string::npos || !is_parameter(parameter.substr(0, equals), "filename"))
+        return {};
+    return parameter.substr(equals + 1);
+}
+
+/// The file name in a field such as `attachment; filename="a; b.pdf"`, or an empty text. Of a name
+/// in sections this is the first one, and an encoded name is not decoded.
 std::string disposition_file_name(const std::string& disposition) {
     std::string parameter; // without quotes, and without blanks outside of quotes
     bool quoted = false;
     for (std::size_t at = 0; at < disposition.size(); ++at) {
         const char byte = disposition[at];
         if (!quoted && byte == ';') {
-            if (strncasecmp(parameter, "filename=", 9)) break;
+            if (const std::string name = value_of_file_name(parameter); !name.empty()) return name;
             parameter.clear();
         } else if (byte == '"') {
             quoted = !quoted;
@@ -48,7 +61,7 @@ std::string disposition_file_name(const std::string& disposition) {
             parameter += byte;
         }
     }
-    return strncasecmp(parameter, "filename=", 9) ? parameter.substr(9) : std::string();
+    return value_of_file_name(parameter);
 }
 
 std::string file_name(const entity& part, const std::string* disposition) {
@@ -56,22 +69,8 @@ std::string file_name(const entity& part, const std::string* disposition) {
     if (!name.empty()) return name;
     for (const MailStructure::header& field : part.m_headers)
         for (const auto& [parameter, value] : field.m_params)
-            if (same_name(parameter, "name")) return value;
+            if (is_parameter(parameter, "name")) return value;
     return {};
-}
-
-struct range {
-    std::uint32_t m_beg;
-    std::uint32_t m_len;
-};
-
-/// The place of the body. A part that holds a forwarded message has that message as its body, with
-/// the header block of that message. A multipart has all of its parts and the lines between them.
-range body_of(const entity& part) {
-    if (part.m_message && !part.m_children.empty())
-        return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
-    if (part.m_multipart) return {part.m_contents_beg, part.m_contents_len};
-    return {part.m_body_beg, part.m_body_len};
 }
 
 /// The text with a question mark for each byte that is not printable ASCII, because a name from a
@@ -93,9 +92,8 @@ void list(const entity& message) {
         const std::string name = file_name(part, disposition);
         if ((disposition != nullptr && strncasecmp(*disposition, "attachment", 10))
             || !name.empty()) {
-            const range body = body_of(part);
-            std::cout << printable(part.m_type + '/' + part.m_subtype) << ": " << body.m_len
-                      << " bytes from byte " << body.m_beg << ' '
+            std::cout << printable(part.m_type + '/' + part.m_subtype) << ": "
+                      << part.m_contents_len << " bytes from byte " << part.m_contents_beg << ' '
                       << (name.empty() ? "(no name)" : printable(name)) << '\n';
             continue;
         }
@@ -110,7 +108,7 @@ int main(int count, char** arguments) try {
     if (count != 2) return std::cerr << "usage: list_attachments MESSAGE\n", 2;
     std::ifstream file(arguments[1], std::ios::binary);
     MailStructure message;
-    if (file) message.Fill(file);
+    if (file) message.Fill(file, MailStructure::rules::standard);
     // Fill takes a read error for the end of the message; the stream tells the difference.
     if (!message.m_done || file.bad()) return std::cerr << arguments[1] << ": cannot be read\n", 1;
     file.clear();
@@ -118,7 +116,7 @@ int main(int count, char** arguments) try {
         return std::cerr << arguments[1] << ": 4 GiB or more\n", 1;
     list(message.m_root);
     return std::cout.flush() ? 0 : 1;
-} catch (const std::exception& error) { // bad bytes, a bad header line, or no memory left
+} catch (const std::exception& error) { // no memory left
     std::cerr << arguments[1] << ": " << error.what() << '\n';
     return 1;
 }

@@ -1,4 +1,4 @@
-// Writes the body of one part of a message: serve_section MESSAGE 1.2 > part
+// Writes the contents of one part of a message: serve_section 1.2 MESSAGE > part
 //
 // The numbers are those of IMAP. In a multipart they count its parts; in a forwarded message, the
 // parts of that message; and the body of a message that is not a multipart is its part 1.
@@ -70,20 +70,6 @@ public:
     }
 };
 
-struct range {
-    std::uint32_t m_beg;
-    std::uint32_t m_len;
-};
-
-/// The place of the body. A part that holds a forwarded message has that message as its body, with
-/// the header block of that message. A multipart has all of its parts and the lines between them.
-range body_of(const MailStructure::MimeObj& part) {
-    if (part.m_message && !part.m_children.empty())
-        return {part.m_children.front().m_mime_beg, part.m_children.front().m_mime_len};
-    if (part.m_multipart) return {part.m_contents_beg, part.m_contents_len};
-    return {part.m_body_beg, part.m_body_len};
-}
-
 /// The part that a path such as "1.2" names, or null if the message has no such part.
 const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
                                         std::string_view path) {
@@ -114,21 +100,21 @@ const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
 } // namespace
 
 int main(int count, char** arguments) try {
-    if (count != 3) return std::cerr << "usage: serve_section MESSAGE PATH\n", 2;
-    const mapped_file file(arguments[1]);
+    if (count != 3) return std::cerr << "usage: serve_section SECTION MESSAGE\n", 2;
+    const mapped_file file(arguments[2]);
     view_buffer buffer(file.bytes());
     std::istream stream(&buffer);
     MailStructure message;
-    message.Fill(stream);
+    message.Fill(stream, MailStructure::rules::standard);
 
-    const MailStructure::MimeObj* part = find_part(message.m_root, arguments[2]);
+    const MailStructure::MimeObj* part = find_part(message.m_root, arguments[1]);
     if (part == nullptr)
-        return std::cerr << arguments[1] << ": no section " << arguments[2] << '\n', 1;
-    const range place = body_of(*part);
-    const std::string_view body = file.bytes().substr(place.m_beg, place.m_len);
-    std::cout.write(body.data(), static_cast<std::streamsize>(body.size()));
+        return std::cerr << arguments[2] << ": no section " << arguments[1] << '\n', 1;
+    const std::string_view contents =
+        file.bytes().substr(part->m_contents_beg, part->m_contents_len);
+    std::cout.write(contents.data(), static_cast<std::streamsize>(contents.size()));
     return std::cout.flush() ? 0 : 1;
 } catch (const std::exception& error) {
-    std::cerr << arguments[1] << ": " << error.what() << '\n';
+    std::cerr << arguments[2] << ": " << error.what() << '\n';
     return 1;
 }

@@ -76,13 +76,13 @@ examples)
     compile "$work/parts.cpp" "$library" -o "$work/parts"
     diff <("$work/parts" "$sources/tests/examples/messages/attachments.eml") - << 'END'
 Plans, and what came in
-multipart/alternative: 68 bytes from byte 205
+multipart/alternative: 102 bytes from byte 171
 application/pdf: 13 bytes from byte 414
 image/png: 13 bytes from byte 474
 text/plain: 9 bytes from byte 558
 application/x-note: 8 bytes from byte 641
-message/rfc822: 13 bytes from byte 889
-message/rfc822: 13 bytes from byte 959
+message/rfc822: 159 bytes from byte 743
+message/rfc822: 32 bytes from byte 940
 END
 
     # The shorter ones, in a program that uses them.

@@ -4,7 +4,8 @@ here=$PWD
 # indexed ARGUMENT...: as show, but with HERE in place of the folder of the test.
 indexed() { show "$program" mail.db "$@" | sed "s#$here#HERE#g"; }
 
-echo '# A message with a stray byte is left out, the others are added:'
+truncate -s 4G messages/big.eml
+echo '# A message that is too big is left out, the others are added:'
 indexed add messages
 indexed find application/pdf
 indexed find IMAGE/PNG
@@ -15,7 +16,7 @@ indexed fetch 1000
 indexed fetch x
 
 echo '# Adding again replaces:'
-rm messages/stray.eml
+rm messages/big.eml
 indexed add messages
 indexed find image/png
 
