@@ -15,6 +15,26 @@ set(installed_libraries mailstructure)
 if(library_kind STREQUAL "SHARED_LIBRARY")
   list(APPEND installed_libraries mailstructure_static)
 endif()
+
+# This rule is the first, so that nothing is copied where a part of the build is missing.
+set(built_for_runtime "")
+set(built_for_development "")
+set(built_for_tool "")
+if(library_kind STREQUAL "SHARED_LIBRARY")
+  set(built_for_runtime "$<TARGET_FILE:mailstructure>")
+  set(built_for_development "$<TARGET_FILE:mailstructure_static>")
+else()
+  set(built_for_development "$<TARGET_FILE:mailstructure>")
+endif()
+if(MAILSTRUCTURE_TOOLS)
+  set(built_for_tool "$<TARGET_FILE:mailstructure_tool>")
+endif()
+install(CODE "set(built_for_runtime \"${built_for_runtime}\")
+set(built_for_development \"${built_for_development}\")
+set(built_for_tool \"${built_for_tool}\")
+set(build_folder \"${CMAKE_BINARY_DIR}\")" ALL_COMPONENTS)
+install(SCRIPT cmake/built.cmake ALL_COMPONENTS)
+
 install(
   TARGETS ${installed_libraries}
   EXPORT mailstructureTargets
@@ -85,12 +105,17 @@ install(
   DESTINATION ${document_dir}
   COMPONENT runtime)
 install(
-  FILES README.md SECURITY.md
+  FILES HACKING.md README.md SECURITY.md
   DESTINATION ${document_dir}
   COMPONENT development)
+# The description of the JSON belongs to the tool, but README.md and others have links to it.
 install(
-  FILES doc/architecture.md doc/behaviour.md doc/standard.md
+  FILES doc/architecture.md doc/behaviour.md doc/json.md doc/json.schema.json doc/standard.md
   DESTINATION ${document_dir}/doc
+  COMPONENT development)
+install(
+  FILES bench/profile.md bench/results.md bench/results.svg
+  DESTINATION ${document_dir}/bench
   COMPONENT development)
 install(
   FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp

@@ -47,6 +47,13 @@ pkg_config)
         -o "$work/consumer" $(pkg-config --cflags --libs mailstructure)
     run_consumer "$work/consumer"
     needs_library "$work/consumer"
+    # README.md: an installed example, with the folder of the library as its run path.
+    documents=$prefix/share/doc/mailstructure
+    # shellcheck disable=SC2046,SC2086
+    "$compiler" -std=c++17 $flags "$documents/examples/list_parts.cpp" -o "$work/list_parts" \
+        $(pkg-config --cflags --libs mailstructure) \
+        -Wl,-rpath,"$(pkg-config --variable=libdir mailstructure)"
+    "$work/list_parts" "$here/../examples/messages/attachments.eml" | grep -qx 'Plans, and what.*'
     [ -z "$flags" ] || exit 0 # a sanitizer has a shared library of its own
     # shellcheck disable=SC2046
     "$compiler" -std=c++17 -static "$here/main.cpp" -o "$work/static" \
@@ -76,6 +83,7 @@ files)
         diff -u "$here/installed_files.txt" -
     readelf -d "$prefix/$libdir/libmailstructure.so" | grep -q 'SONAME.*\[libmailstructure\.so\.1\]'
     test "$(readlink "$prefix/$libdir/libmailstructure.so.1")" = libmailstructure.so.1.0.0
+    "$here/../documents/links.sh" "$prefix/share/doc/mailstructure"
     # No text file names the folder in which the library was built or installed.
     ! grep -rlIF -e "$work" -e "$build" "$prefix" || exit 1
     ;;

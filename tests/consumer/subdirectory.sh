@@ -71,6 +71,7 @@ for file in include/mail_structure.h 'lib.*/libmailstructure\.a' \
     'share/man/man3/MailStructure\.3'; do
     grep -qx "./$file" "$work/files" || complain "not installed: $file"
 done
+"$here/../documents/links.sh" "$work/prefix/share/doc/mailstructure"
 ! grep -q '\.so\|bin/mailstructure' "$work/files" ||
     complain "installed, and nobody asked: $(cat "$work/files")"
 # Without a shared library, its name stands for the static one, in CMake and in the .pc file.

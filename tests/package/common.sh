@@ -18,8 +18,9 @@ skip_without() {
 # copy_sources FROM TO: copies the files of which the packages are made, and no others.
 copy_sources() {
     mkdir -p "$2"
-    (cd "$1" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json LICENSE README.md SECURITY.md \
-        cmake doc examples include man src tools "$2")
+    (cd "$1" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json HACKING.md LICENSE README.md \
+        SECURITY.md cmake doc examples include man src tools "$2" &&
+        mkdir "$2/bench" && cp bench/*.md bench/*.svg "$2/bench")
 }
 
 # make_packages SOURCES: makes the packages in SOURCES/build/package.
