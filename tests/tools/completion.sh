@@ -37,14 +37,17 @@ offers() {
     fi
 }
 
-offers '-dash.eml a b.eml dump folder json letter.eml part tree' ''
+offers '-dash.eml a b.eml dump folder help json letter.eml part tree' ''
 offers 'tree' t
 offers 'letter.eml' l
 offers 'json' j
-offers '--all --ascii --bytes --color --decoded --help --rules --version' -
+offers 'help' h
+offers 'dump help json part tree' help ''
+offers 'part' help p
+offers '--all --ascii --bytes --color --decoded --help --rules --utf8 --version' -
 offers '--version' --v
-offers '--all --ascii --bytes --color --decoded --help --rules' tree -
-offers '--all --ascii --bytes --color --decoded --help --rules' letter.eml -
+offers '--all --ascii --bytes --color --decoded --help --rules --utf8' tree -
+offers '--all --ascii --bytes --color --decoded --help --rules --utf8' letter.eml -
 offers '--flat --help --pretty --rules' json -
 offers '--help --keep-text --memlimit --rules' dump --
 offers '--decode --force --help --list --output --range --rules' part --

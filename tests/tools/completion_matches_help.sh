@@ -26,9 +26,9 @@ section_of_help() {
     "$tool" "${@:2}" --help | sed -n "/^$1:/,/^\$/p" | grep '^  '
 }
 
-# options_of [COMMAND]: prints the long names of the options in the help.
+# options_of [COMMAND]: prints the first long name of each option in the help.
 options_of() {
-    section_of_help Options "$@" | grep -oE '^ +-[^ ]*' | grep -oE -e '--[a-z-]+'
+    section_of_help Options "$@" | sed -nE 's/^ +(-.,)?(--[a-z0-9-]+).*/\2/p'
 }
 
 # words_for COMMAND OPTION: prints the words that the option takes, which the tool lists in its

@@ -21,6 +21,7 @@ void keep_standard_streams() {
 std::string escaped(std::string_view text) { return printable(text, locale_character_set()); }
 
 std::string display_name(const std::string& file_name) {
+    if (file_name.empty()) return "\"\"";
     return file_name == "-" ? "standard input" : escaped(file_name);
 }
 

@@ -18,7 +18,8 @@ enum exit_status : int { all_well = 0, some_input_failed = 1, wrong_usage = 2 };
 /// The text as printable() gives it, in the characters of the user's locale.
 std::string escaped(std::string_view text);
 
-/// The file as a complaint calls it: its escaped name, or "standard input" for "-".
+/// The file as a complaint calls it: its escaped name, "standard input" for "-", or two quotes for
+/// an empty name.
 std::string display_name(const std::string& file_name);
 
 /// Prints "mailstructure: what".

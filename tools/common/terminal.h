@@ -11,8 +11,8 @@
 enum class color_choice : std::uint8_t { automatic, always, never };
 
 /// UTF-8 if the user's locale says so, else ASCII. The first of LC_ALL, LC_CTYPE and LANG that is
-/// not empty names the locale. A name that ends in UTF-8 is enough: the locale need not be installed
-/// on this machine, and often is not when the user came over the network. The program's own locale
+/// not empty names the locale. A name that ends in UTF-8 is enough: the locale need not be
+/// installed here, and often is not when the user came over the network. The program's own locale
 /// does not change.
 character_set character_set_of_environment();
 

@@ -40,14 +40,15 @@ void describe_files(CLI::App& command, std::vector<std::string>& files) {
     });
 }
 
-void describe_choice(CLI::App& command, const std::string& option,
-                     const std::vector<std::string>& words, const std::string& placeholder,
-                     const std::function<void(std::size_t)>& take, const std::string& description) {
+CLI::Option* describe_choice(CLI::App& command, const std::string& option,
+                             const std::vector<std::string>& words, const std::string& placeholder,
+                             const std::function<void(std::size_t)>& take,
+                             const std::string& description) {
     const auto place = [words](const std::string& word) {
         return static_cast<std::size_t>(std::find(words.begin(), words.end(), word)
                                         - words.begin());
     };
-    command
+    return command
         .add_option_function<std::string>(
             option, [take, place](const std::string& word) { take(place(word)); }, description)
         ->check([words, place](const std::string& word) {

@@ -28,9 +28,10 @@ std::string standard_input();
 /// Adds an option that takes one of the given words; any other word is wrong usage.
 /// @param placeholder  stands for the word in the help
 /// @param take         receives the index of the word
-void describe_choice(CLI::App& command, const std::string& option,
-                     const std::vector<std::string>& words, const std::string& placeholder,
-                     const std::function<void(std::size_t)>& take, const std::string& description);
+CLI::Option* describe_choice(CLI::App& command, const std::string& option,
+                             const std::vector<std::string>& words, const std::string& placeholder,
+                             const std::function<void(std::size_t)>& take,
+                             const std::string& description);
 
 /// Adds the option --rules.
 void describe_rules(CLI::App& command, MailStructure::rules& by);

@@ -1,14 +1,17 @@
-// Lists the commands, each with the functions that declare its options and run it.
+// Lists the commands, each with the functions that declare its options and run it, and declares the
+// options of the program itself.
 
 #include "mailstructure/commands.h"
 
 #include "mailstructure/dump_command.h"
+#include "mailstructure/help_command.h"
 #include "mailstructure/json_command.h"
 #include "mailstructure/part_command.h"
 #include "mailstructure/tree_command.h"
 
 #include <algorithm>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -20,9 +23,35 @@ command_work declare(CLI::App& line) {
     return [chosen] { return run(*chosen); };
 }
 
+/// The option parser's help with a usage line of our own.
+class program_help final : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
+        return "Usage: mailstructure [COMMAND] [OPTIONS] [FILE...]\n";
+    }
+};
+
+command_work declare_program(CLI::App& line) {
+    line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION,
+                          "Print the version and exit");
+    line.formatter(std::make_shared<program_help>());
+    for (const command& each : all_commands)
+        line.add_subcommand(each.m_name, each.m_description)->group("Commands");
+    line.footer("Without a command, the files are drawn as trees.\n"
+                "Run `mailstructure help COMMAND` for a command's options.");
+    return [] { return all_well; };
+}
+
 } // namespace
 
-constexpr std::array<command, 4> all_commands = {{
+constexpr command program = {"", "Shows the structure of Internet mail.", declare_program};
+
+command_parser::command_parser(const command& parsed)
+    : m_line(parsed.m_description,
+             std::string("mailstructure") + (*parsed.m_name == '\0' ? "" : " ") + parsed.m_name),
+      m_work(parsed.m_declare(m_line)) {}
+
+constexpr std::array<command, 5> all_commands = {{
     {"tree", "Draw the tree of each message: parts, types, sizes, places",
      declare<tree_options, describe_tree, run_tree>},
     {"json", "Print the tree of each message as JSON, with all that is recorded",
@@ -31,6 +60,8 @@ constexpr std::array<command, 4> all_commands = {{
      declare<part_options, describe_part, run_part>},
     {"dump", "Print the library's own dump of each message: entities, ranges and fields",
      declare<dump_options, describe_dump, run_dump>},
+    {"help", "Print the help of the program or of a command",
+     declare<help_options, describe_help, run_help>},
 }};
 
 const command* find_command(std::string_view name) {

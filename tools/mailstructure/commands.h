@@ -22,9 +22,22 @@ struct command {
     command_work (*m_declare)(CLI::App& line);
 };
 
+/// The option parser of a command, and the command's work, which owns the options that parsing
+/// fills.
+struct command_parser {
+    explicit command_parser(const command& parsed);
+
+    CLI::App m_line;
+    command_work m_work;
+};
+
 /// All commands in the order in which the help lists them. The first one is meant where no command
 /// is named.
-extern const std::array<command, 4> all_commands;
+extern const std::array<command, 5> all_commands;
+
+/// The program itself, whose options stand in place of a command: --help and --version. The option
+/// parser prints both, so there is no work to do.
+extern const command program;
 
 /// The command of exactly that name, or null.
 const command* find_command(std::string_view name);

@@ -2,6 +2,7 @@
 
 #include "common/complaint.h"
 #include "common/file_bytes.h"
+#include "mailstructure/argument_check.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/commands.h"
 #include "mailstructure/misspelling.h"
@@ -11,7 +12,6 @@
 #include <cerrno>
 #include <exception>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -19,37 +19,7 @@
 
 namespace {
 
-/// By default the option parser accepts "--flag=2" and "--flag=off". A flag that may have a value
-/// has one by default, too.
-void let_flags_take_no_value(CLI::App& line) {
-    for (CLI::Option* const option : line.get_options()) {
-        const bool may_have_value = option->get_name(false, true).find('{') != std::string::npos;
-        if (option->get_items_expected_max() == 0 && !may_have_value)
-            option->disable_flag_override();
-    }
-}
-
-/// The option parser's help with a usage line of our own.
-class program_help final : public CLI::Formatter {
-public:
-    std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
-        return "Usage: mailstructure [COMMAND] [OPTIONS] [FILE...]\n";
-    }
-};
-
-/// Declares the options of the program itself, which stand in place of a command: its help and its
-/// version. The option parser prints both.
-command_work declare_program(CLI::App& line) {
-    line.set_version_flag("--version", "mailstructure " MAILSTRUCTURE_VERSION);
-    line.formatter(std::make_shared<program_help>());
-    for (const command& each : all_commands)
-        line.add_subcommand(each.m_name, each.m_description)->group("Commands");
-    line.footer("Without a command, the files are drawn as trees.\n"
-                "Run `mailstructure COMMAND --help` for a command's options.");
-    return [] { return all_well; };
-}
-
-constexpr command program = {"", "Shows the structure of Internet mail.", declare_program};
+constexpr const char* program_name = "mailstructure";
 
 /// The option parser would read "++" as the end of a command, "[a,b]" as a list and "{}" as an
 /// empty list. Written as "./++", "./[a,b]" and "./{}" they name files.
@@ -58,15 +28,24 @@ std::string protected_argument(const std::string& argument) {
     return list || argument == "++" || argument == "{}" ? "./" + argument : argument;
 }
 
-/// The command that the first word names, which is then removed from the arguments.
-const command& take_command(std::vector<std::string>& arguments) {
-    if (arguments.empty()) return all_commands.front();
-    const std::string first = arguments.front();
-    if (first == "--help" || first == "-h" || first == "--version") return program;
+/// What the user wants done: a command, and its arguments.
+struct request {
+    const command* m_command = nullptr;
+    bool m_named = true; // the first word named the command
+    std::vector<std::string> m_arguments;
+};
+
+request requested(const std::vector<std::string>& words) {
+    if (words.empty()) return {&all_commands.front(), false, {}};
+    const std::string& first = words.front();
+    if (first == "--version") return {&program, true, {first}};
+    if (first == "--help" || first == "-h") {
+        const command* const asked = words.size() > 1 ? find_command(words[1]) : nullptr;
+        return {asked == nullptr ? &program : asked, true, {first}};
+    }
     const command* const named = find_command(first);
-    if (named == nullptr) return all_commands.front();
-    arguments.erase(arguments.begin());
-    return *named;
+    if (named == nullptr) return {&all_commands.front(), false, words};
+    return {named, true, {words.begin() + 1, words.end()}};
 }
 
 /// The command that the first word probably means; "" if the word is a command, an option or the
@@ -77,13 +56,22 @@ std::string_view mistyped_command(const std::vector<std::string>& arguments) {
     return first.substr(0, 1) == "-" || names_a_file(first) ? "" : command_meant_by(first);
 }
 
+/// What is wrong with the arguments, as far as their findings tell; "" if nothing is.
+std::string fault_of(const request& wanted, const argument_findings& findings) {
+    const std::string& plain = findings.m_first_plain;
+    if (!wanted.m_named && find_command(plain) != nullptr && !names_a_file(plain))
+        return plain + ": no such file; the command comes before the options";
+    return findings.m_fault;
+}
+
 /// What the option parser says is wrong, in clearer words where it has none.
 std::string words_of(const CLI::ParseError& error) {
     std::string what = error.what();
-    if (error.get_name() != "ArgumentMismatch") return what;
-    const std::size_t flag_end = what.find(" was given a disallowed flag override");
-    return flag_end == std::string::npos ? what
-                                         : "--" + what.substr(0, flag_end) + " takes no value";
+    constexpr std::string_view excludes = " excludes ";
+    const std::size_t at = what.find(excludes);
+    if (error.get_name() == "ExcludesError" && at != std::string::npos)
+        what.replace(at, excludes.size(), " cannot be combined with ");
+    return what;
 }
 
 exit_status wrong_usage_of(const std::string& what, const std::string& program_and_command) {
@@ -91,30 +79,37 @@ exit_status wrong_usage_of(const std::string& what, const std::string& program_a
     return wrong_usage;
 }
 
-/// Reads the command line and runs the command it gives.
-exit_status run(int count, char** values) {
-    std::vector<std::string> arguments(values + std::min(count, 1), values + count);
-    if (const std::string_view meant = mistyped_command(arguments); !meant.empty()) {
-        return wrong_usage_of(arguments.front() + ": no such command or file; did you mean "
-                                  + std::string(meant) + "?",
-                              "mailstructure");
-    }
-    const command& chosen = take_command(arguments);
-    const std::string name = chosen.m_name;
-    CLI::App line(chosen.m_description, "mailstructure" + (name.empty() ? "" : ' ' + name));
+/// Reads the arguments of the command and does its work.
+exit_status run(const request& wanted) {
+    command_parser parser(*wanted.m_command);
+    const std::string name = wanted.m_named ? parser.m_line.get_name() : program_name;
+    const argument_findings findings =
+        check_arguments(wanted.m_command->m_name, parser.m_line, wanted.m_arguments);
+    std::vector<std::string> arguments = wanted.m_arguments;
+    if (findings.m_asks_for_help)
+        arguments = {"--help"};
+    else if (const std::string fault = fault_of(wanted, findings); !fault.empty())
+        return wrong_usage_of(fault, name);
     std::reverse(arguments.begin(), arguments.end());
     std::transform(arguments.begin(), arguments.end(), arguments.begin(), protected_argument);
-    const command_work work = chosen.m_declare(line);
-    let_flags_take_no_value(line);
     try {
-        line.parse(arguments); // in reverse order, as this function wants them
-        return work();
+        parser.m_line.parse(arguments); // in reverse order, as this function wants them
+        return parser.m_work();
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() != 0) return wrong_usage_of(words_of(error), line.get_name());
+        if (error.get_exit_code() != 0) return wrong_usage_of(words_of(error), name);
         errno = 0;
-        line.exit(error); // prints the help or the version
+        parser.m_line.exit(error); // prints the help or the version
         return output_got_out() ? all_well : some_input_failed;
     }
+}
+
+exit_status run(int count, char** values) {
+    const std::vector<std::string> words(values + std::min(count, 1), values + count);
+    const std::string_view meant = mistyped_command(words);
+    if (meant.empty()) return run(requested(words));
+    return wrong_usage_of(words.front() + ": no such command or file; did you mean "
+                              + std::string(meant) + "?",
+                          program_name);
 }
 
 } // namespace

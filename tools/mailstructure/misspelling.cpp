@@ -17,7 +17,6 @@ struct other_word {
 
 constexpr std::array other_words = {
     other_word{"list", "part --list"},
-    other_word{"help", "--help"},
     other_word{"version", "--version"},
 };
 

@@ -99,21 +99,22 @@ public:
 std::string complaint_about(const part_options& options) {
     if (options.m_list) {
         if (options.m_range || options.m_decode)
-            return "--list goes with no --range and no --decode";
-        if (options.m_output) return "--list goes with no --output; it prints to standard output";
+            return "--list cannot be combined with --range or --decode";
+        if (options.m_output)
+            return "--list cannot be combined with --output; it prints to standard output";
         return "";
     }
-    if (options.m_force && !options.m_output) return "--force goes with --output only";
+    if (options.m_force && !options.m_output) return "--force is for use with --output";
     const bool is_block = options.m_section.m_word == section::word::header
                           || options.m_section.m_word == section::word::mime;
     if (options.m_range && is_block)
-        return "--range goes with a section that names an entity: \"\", N, TEXT or N.TEXT";
+        return "--range needs a section that names an entity: \"\", N, TEXT or N.TEXT";
     if (!options.m_decode) return "";
     const bool is_body = options.m_range ? options.m_range == recorded_range::body
                                                || options.m_range == recorded_range::contents
                                          : !is_block && !options.m_section_text.empty();
     return is_body ? ""
-                   : "--decode goes with the body of a part: N, TEXT, N.TEXT, --range body or "
+                   : "--decode needs the body of a part: N, TEXT, N.TEXT, --range body or "
                      "--range contents";
 }
 
@@ -121,7 +122,7 @@ std::string complaint_about(const part_options& options) {
 void take_arguments(part_options& options, bool has_first, bool has_second) {
     bool has_file = has_second;
     if (options.m_list) {
-        if (has_second) throw CLI::ValidationError("--list goes with one FILE and no SECTION");
+        if (has_second) throw CLI::ValidationError("--list takes one FILE and no SECTION");
         options.m_file.swap(options.m_section_text);
         has_file = has_first;
     } else {
@@ -196,7 +197,8 @@ exit_status run_part(const part_options& options) {
         list_sections(std::cout, reader.message().m_root, reader.source(), locale_character_set());
     if (!output_got_out()) return some_input_failed;
     if (left_out != 0)
-        complain(display_name(options.m_file) + ": not listed are " + std::to_string(left_out)
-                 + " entities nested too deep");
+        complain(display_name(options.m_file) + ": " + std::to_string(left_out)
+                 + (left_out == 1 ? " entity is" : " entities are")
+                 + " not listed: nested too deep");
     return all_well;
 }

@@ -172,14 +172,17 @@ void print_tree(const MailStructure::MimeObj& root, const tree_source& source,
     draw_tree(root, source, style, [&](const tree_line& line) { add_line(to, line, widths); });
 }
 
+character_set characters_for(const tree_options& options) {
+    if (options.m_ascii) return character_set::ascii;
+    return options.m_utf8 ? character_set::utf8 : locale_character_set();
+}
+
 /// Draws one file after the other; if there are several, each one's name stands before its tree.
 class tree_printer {
 public:
     explicit tree_printer(const tree_options& options)
-        : m_reader(options.m_rules), m_style{options.m_ascii ? character_set::ascii
-                                                             : locale_character_set(),
-                                             options.m_exact_sizes, options.m_decoded,
-                                             options.m_all},
+        : m_reader(options.m_rules), m_style{characters_for(options), options.m_exact_sizes,
+                                             options.m_decoded, options.m_all},
           m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
 
     /// False, and nothing printed, if the file is no message.
@@ -214,15 +217,20 @@ private:
 void describe_tree(CLI::App& command, tree_options& options) {
     command.add_flag("--all", options.m_all,
                      "Draw preambles and epilogues of nothing but line ends too");
-    command.add_flag("--ascii", options.m_ascii,
-                     "Draw with ASCII characters alone, whatever the locale");
+    CLI::Option* const ascii = command.add_flag(
+        "--ascii", options.m_ascii, "Draw with ASCII characters alone, whatever the locale");
+    command
+        .add_flag("--utf8", options.m_utf8,
+                  "Draw with the characters of UTF-8, whatever the locale")
+        ->excludes(ascii);
     command.add_flag("--bytes", options.m_exact_sizes, "Give sizes in bytes, not in KiB or MiB");
     command.add_flag("--decoded", options.m_decoded,
                      "Show the size that each part has when it is decoded");
     describe_choice(
-        command, "--color", {"auto", "always", "never"}, "WHEN",
+        command, "--color,--colour", {"auto", "always", "never"}, "WHEN",
         [&options](std::size_t choice) { options.m_color = static_cast<color_choice>(choice); },
-        "Colour the tree: auto (on a terminal, unless NO_COLOR is set), always or never");
+        "Colour the tree: auto (on a terminal, unless NO_COLOR is set), always or never")
+        ->take_last();
     describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }

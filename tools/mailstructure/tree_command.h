@@ -15,6 +15,7 @@
 struct tree_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     bool m_ascii = false;
+    bool m_utf8 = false;
     bool m_exact_sizes = false;
     bool m_decoded = false;
     bool m_all = false;
