@@ -14,6 +14,8 @@ namespace mail_structure_detail {
 struct input_line {
     /// Without its LF and without one CR before that. Valid until the next line is read.
     std::string_view m_text;
+    /// The first byte of the next line; a blank if the source of lines does not know that byte.
+    char m_next_byte = ' ';
     bool m_cr_stripped = false;   // a CR stood between the text and the LF or the end of the input
     bool m_stray_byte = false;    // a CR, LF or NUL stands before the last byte of the line
     std::size_t m_name_bytes = 0; // at the front of the line: those that a field name may hold

@@ -26,12 +26,21 @@ public:
     scanned_line scan(std::string_view bytes) const noexcept {
         return m_scanners.m_scan_line(bytes, m_names);
     }
-    /// Sets all members of the line, and moves on past the line.
+    /// Sets all members of the line but m_next_byte, and moves on past the line.
     /// @param bytes             the line without its terminator, the CR of a CR LF included
     /// @param found             what scan found in these bytes
     /// @param terminator_bytes  1, or 0 where the end of the input ends the line
     void describe(input_line& line, std::string_view bytes, const scanned_line& found,
                   std::size_t terminator_bytes) noexcept;
+
+    /// The byte at the place, for m_next_byte of a line: a blank where the bytes end before it, and
+    /// in a build without fast paths, since knowing the byte only saves time.
+    static char byte_at(std::string_view bytes, std::size_t place) noexcept {
+#ifdef MAILSTRUCTURE_PLAIN
+        bytes = {};
+#endif
+        return place < bytes.size() ? bytes[place] : ' ';
+    }
 
     /// Finds the longest run of whole lines at the front of the bytes. False when there is none,
     /// since the first line ends the run or is not all there. The run is not taken yet.

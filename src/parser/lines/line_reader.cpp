@@ -41,6 +41,7 @@ bool line_reader::next(input_line& line) {
     const std::string_view bytes = ready();
     const scanned_line found = m_finder.scan(bytes);
     if (!found.m_has_lf) return next_unfinished(line);
+    line.m_next_byte = line_finder::byte_at(bytes, found.m_bytes + 1);
     get_area::consume(buffer(), found.m_bytes + 1);
     m_finder.describe(line, bytes.substr(0, found.m_bytes), found, 1);
     return true;
@@ -52,6 +53,7 @@ bool line_reader::next_unfinished(input_line& line) {
     if (!read_unfinished_line(bytes)) return false;
     scanned_line found = m_finder.scan(bytes);
     found.m_stray = holds_stray_byte(bytes);
+    line.m_next_byte = ' ';
     m_finder.describe(line, bytes, found, m_state.eof() ? 0 : 1);
     return true;
 }

@@ -51,6 +51,7 @@ inline bool memory_reader::next(input_line& line) noexcept {
     const std::size_t terminator_bytes = found.m_has_lf ? 1 : 0;
     m_finder.describe(line, m_rest.substr(0, found.m_bytes), found, terminator_bytes);
     m_rest.remove_prefix(found.m_bytes + terminator_bytes);
+    line.m_next_byte = line_finder::byte_at(m_rest, 0);
     return true;
 }
 

@@ -10,7 +10,8 @@ namespace mail_structure_detail::standard {
 
 namespace {
 
-constexpr std::string_view boundary_name = "boundary";
+constexpr char boundary_name[] = "boundary";
+constexpr std::size_t name_bytes = sizeof boundary_name - 1;
 
 /// The value of a hexadecimal digit; -1 for any other character.
 int hex_digit(char c) noexcept {
@@ -54,8 +55,8 @@ bool is_number(std::string_view text) noexcept {
 } // namespace
 
 void boundary_parameter::take(std::string_view name, std::string_view value) {
-    if (m_plain || !is_word(name.substr(0, boundary_name.size()), boundary_name)) return;
-    name.remove_prefix(boundary_name.size());
+    if (m_plain || !is_word(name.substr(0, name_bytes), boundary_name)) return;
+    name.remove_prefix(name_bytes);
     if (name.empty())
         m_plain = value;
     else if (name == "*") {

@@ -28,7 +28,8 @@ void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
     m_lengths |= length_bit(boundary.size());
 }
 
-void delimiters_in_force::pop_from(std::size_t index) noexcept {
+/// Does what pop_from does, where there is a delimiter at the index.
+void delimiters_in_force::pop_some_from(std::size_t index) noexcept {
     while (m_delimiters.size() > index) {
         const delimiter& last = m_delimiters.back();
         std::size_t& slot = m_slots[slot_of(last.m_boundary, last.m_hash)];
@@ -39,11 +40,13 @@ void delimiters_in_force::pop_from(std::size_t index) noexcept {
     if (m_delimiters.empty()) m_lengths = 0;
 }
 
+/// Does what match does, for a line that begins with "--" and is no delimiter line of the innermost
+/// multipart unless white space stands at its end.
 std::optional<delimiter_match>
-delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
+delimiters_in_force::match_trimmed(std::string_view line_text) const noexcept {
     while (is_blank(line_text.back()) || line_text.back() == '\r') line_text.remove_suffix(1);
     std::string_view boundary = line_text.substr(2);
-    if (const auto found = match_innermost(boundary)) return found; // nearly always
+    if (const auto found = match_innermost(boundary)) return found;
     const std::size_t separated = find(boundary);
     std::size_t closed = none;
     if (boundary.ends_with("--")) {
@@ -54,20 +57,6 @@ delimiters_in_force::match_dashed(std::string_view line_text) const noexcept {
     if (closed == none || (separated != none && separated > closed))
         return delimiter_match{separated, delimiter_kind::separator};
     return delimiter_match{closed, delimiter_kind::closing};
-}
-
-/// Whether the line is a delimiter line of the innermost multipart.
-/// @param boundary  the line's text without the dashes before the boundary and without the white
-///                  space at the end of the line; "--" may stand behind the boundary
-std::optional<delimiter_match>
-delimiters_in_force::match_innermost(std::string_view boundary) const noexcept {
-    const std::string_view innermost = m_delimiters.back().m_boundary;
-    if (!boundary.starts_with(innermost)) return std::nullopt;
-    boundary.remove_prefix(innermost.size());
-    const std::size_t index = m_delimiters.size() - 1;
-    if (boundary.empty()) return delimiter_match{index, delimiter_kind::separator};
-    if (boundary == "--") return delimiter_match{index, delimiter_kind::closing};
-    return std::nullopt;
 }
 
 /// The index of the innermost delimiter with the boundary, or none.

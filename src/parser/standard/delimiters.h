@@ -32,7 +32,9 @@ public:
     /// @throws std::bad_alloc, and then nothing has changed
     void push(std::string_view boundary, std::size_t depth);
     /// Takes the delimiters from the index on out of force. Allocates nothing.
-    void pop_from(std::size_t index) noexcept;
+    void pop_from(std::size_t index) noexcept {
+        if (index < m_delimiters.size()) pop_some_from(index);
+    }
 
     bool empty() const noexcept { return m_delimiters.empty(); }
     /// The number of open entities when the delimiter's multipart is the innermost.
@@ -43,7 +45,8 @@ public:
     /// text.
     std::optional<delimiter_match> match(std::string_view line_text) const noexcept {
         if (m_delimiters.empty() || !line_text.starts_with("--")) return std::nullopt;
-        return match_dashed(line_text);
+        if (const auto found = match_innermost(line_text.substr(2))) return found; // nearly always
+        return match_trimmed(line_text);
     }
 
 private:
@@ -56,8 +59,20 @@ private:
         std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
     };
 
-    std::optional<delimiter_match> match_dashed(std::string_view line_text) const noexcept;
-    std::optional<delimiter_match> match_innermost(std::string_view boundary) const noexcept;
+    /// Whether the line is a delimiter line of the innermost multipart.
+    /// @param boundary  the line's text without the dashes before the boundary; "--" may stand
+    ///                  behind the boundary, but no white space
+    std::optional<delimiter_match> match_innermost(std::string_view boundary) const noexcept {
+        const std::string_view innermost = m_delimiters.back().m_boundary;
+        if (!boundary.starts_with(innermost)) return std::nullopt;
+        boundary.remove_prefix(innermost.size());
+        const std::size_t index = m_delimiters.size() - 1;
+        if (boundary.empty()) return delimiter_match{index, delimiter_kind::separator};
+        if (boundary == "--") return delimiter_match{index, delimiter_kind::closing};
+        return std::nullopt;
+    }
+    std::optional<delimiter_match> match_trimmed(std::string_view line_text) const noexcept;
+    void pop_some_from(std::size_t index) noexcept;
     std::size_t find(std::string_view boundary) const noexcept;
     std::size_t slot_of(std::string_view boundary, std::uint64_t hash) const noexcept;
     void grow_table();

@@ -1,27 +1,6 @@
 #include "field_text.h"
 
-#include <array>
-
 namespace mail_structure_detail::standard {
-
-namespace {
-
-/// For each byte, whether a token may hold it: any above 32 but DEL and the special characters of
-/// RFC 2045.
-constexpr std::array<bool, 256> make_token_characters() noexcept {
-    std::array<bool, 256> held{};
-    for (std::size_t byte = ' ' + 1; byte < held.size(); ++byte) held[byte] = byte != 127;
-    for (const char special : std::string_view("()<>@,;:\\\"/[]?="))
-        held[static_cast<unsigned char>(special)] = false;
-    return held;
-}
-
-bool is_token_character(char c) noexcept {
-    static constexpr std::array<bool, 256> held = make_token_characters();
-    return held[static_cast<unsigned char>(c)];
-}
-
-} // namespace
 
 std::string_view trimmed_at_end(std::string_view text) noexcept {
     while (!text.empty() && is_space(text.back())) text.remove_suffix(1);
@@ -33,37 +12,8 @@ std::string_view trimmed(std::string_view text) noexcept {
     return trimmed_at_end(text);
 }
 
-bool has_letters_of(std::string_view text, std::string_view word) noexcept {
-    // The letters of the word have the bit that tells lower case from upper case. A digit or hyphen
-    // with that bit changed is a byte that the text does not hold.
-    constexpr int lower_case = 0x20;
-    for (std::size_t at = 0; at < word.size(); ++at)
-        if ((text[at] | lower_case) != word[at]) return false;
-    return true;
-}
-
-bool field_text::take(char c) noexcept {
-    if (!is_at(c)) return false;
-    ++m_at;
-    return true;
-}
-
-std::string_view field_text::take_token() noexcept {
-    const std::size_t begin = m_at;
-    while (!at_end() && is_token_character(m_text[m_at])) ++m_at;
-    return m_text.substr(begin, m_at - begin);
-}
-
 std::string_view field_text::take_to_semicolon_or_white_space() noexcept {
-    const std::size_t begin = m_at;
-    while (!at_end() && m_text[m_at] != ';' && !is_space(m_text[m_at])) ++m_at;
-    return m_text.substr(begin, m_at - begin);
-}
-
-std::string_view field_text::take_white_space() noexcept {
-    const std::size_t begin = m_at;
-    while (!at_end() && is_space(m_text[m_at])) ++m_at;
-    return m_text.substr(begin, m_at - begin);
+    return take_while([](char c) { return c != ';' && !is_space(c); });
 }
 
 void field_text::skip_comment() noexcept {

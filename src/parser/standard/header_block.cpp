@@ -6,7 +6,6 @@
 #include "field_text.h"
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -69,40 +68,65 @@ void record_parameter(standard_state& state, const parameter& found) {
     if (state.m_block.m_record != nullptr) state.m_open.add_parameter(found.m_name, found.m_value);
 }
 
-void end_content_type(standard_state& state) {
+void read_parameters(standard_state& state, content_type_reader& reader) {
+    parameter found;
+    while (reader.read_parameter(found)) record_parameter(state, found);
+}
+
+/// Reads the parameters of a multipart, one of which gives its boundary.
+void read_multipart_parameters(standard_state& state, content_type_reader& reader) {
+    boundary_parameter boundary;
+    parameter found;
+    while (reader.read_parameter(found)) {
+        record_parameter(state, found);
+        boundary.take(found.m_name, found.m_value);
+    }
+    state.m_block.m_boundary = boundary.value();
+}
+
+void end_content_type(standard_state& state, std::string_view text) {
     header_block_state& block = state.m_block;
-    const std::string_view text = state.m_field_text;
     if (block.m_record != nullptr) block.m_record->m_value = value_before_parameters(text);
     content_type_reader reader(text);
     const media_type type = reader.read_type();
     const bool counts = !std::exchange(block.m_has_content_type, true);
     if (counts) set_type(state.m_open.innermost(), type);
-
-    std::optional<boundary_parameter> boundary;
-    if (counts && is_word(type.m_type, "multipart")) boundary.emplace();
-    parameter found;
-    while (reader.read_parameter(found)) {
-        record_parameter(state, found);
-        if (boundary) boundary->take(found.m_name, found.m_value);
-    }
-    if (boundary) block.m_boundary = boundary->value();
+    if (counts && is_word(type.m_type, "multipart"))
+        read_multipart_parameters(state, reader);
+    else
+        read_parameters(state, reader);
 }
 
-void end_transfer_encoding(standard_state& state) {
+void end_transfer_encoding(standard_state& state, std::string_view text) {
     if (std::exchange(state.m_block.m_has_encoding, true)) return; // the first one counts
-    state.m_open.innermost().m_encoding = transfer_encoding(state.m_field_text);
+    state.m_open.innermost().m_encoding = transfer_encoding(text);
+}
+
+/// Does what a field says of the entity, when its last line has come.
+/// @param text  from just past the colon on, without line ends
+void apply_field(standard_state& state, field_kind kind, std::string_view text) {
+    if (kind == field_kind::content_type) end_content_type(state, text);
+    if (kind == field_kind::transfer_encoding) end_transfer_encoding(state, text);
 }
 
 /// Ends the field that is being read, if there is one: its last line has come.
 void end_field(standard_state& state) {
     header_block_state& block = state.m_block;
     const field_kind kind = std::exchange(block.m_kind, field_kind::none);
-    if (kind == field_kind::content_type) end_content_type(state);
-    if (kind == field_kind::transfer_encoding) end_transfer_encoding(state);
+    apply_field(state, kind, state.m_field_text);
     if (block.m_record != nullptr && kind != field_kind::content_type) {
         std::string& value = block.m_record->m_value;
         value.resize(trimmed_at_end(value).size());
     }
+    block.m_record = nullptr;
+}
+
+/// Takes the text of a field that has one line only.
+void take_whole_field(standard_state& state, field_kind kind, std::string_view text) {
+    header_block_state& block = state.m_block;
+    apply_field(state, kind, text);
+    if (block.m_record != nullptr && kind != field_kind::content_type)
+        block.m_record->m_value = trimmed(text);
     block.m_record = nullptr;
 }
 
@@ -115,9 +139,12 @@ void begin_field(standard_state& state, const input_line& line, std::size_t colo
         block.m_record->m_beg = line.m_start;
         block.m_record->m_end = line.m_end;
     }
+    const field_kind kind = kind_of(name);
+    const std::string_view text = line.m_text.substr(colon + 1);
+    if (!is_blank(line.m_next_byte)) return take_whole_field(state, kind, text);
+    block.m_kind = kind;
     state.m_field_text.clear();
-    block.m_kind = kind_of(name);
-    add_text(state, line.m_text.substr(colon + 1));
+    add_text(state, text);
 }
 
 /// A line that begins with a blank. It continues the line before it, whatever that was.
@@ -134,15 +161,12 @@ bool is_digest(const MimeObj* entity) noexcept {
 /// have no place in the input: the host decodes it and fills another tree.
 bool holds_message(const MimeObj& entity) noexcept {
     if (!is_word(entity.m_type, "message")) return false;
-    const auto is_among = [](std::string_view text, const auto& words) {
-        for (const std::string_view word : words)
-            if (is_word(text, word)) return true;
-        return false;
+    const auto is_among = [](std::string_view text, const auto&... words) {
+        return (is_word(text, words) || ...);
     };
-    constexpr std::string_view messages[] = {"rfc822", "rfc2822", "global", "news"};
-    constexpr std::string_view encodings[] = {"base64", "quoted-printable", "x-uuencode",
-                                              "uuencode", "x-uue"};
-    return is_among(entity.m_subtype, messages) && !is_among(entity.m_encoding, encodings);
+    return is_among(entity.m_subtype, "rfc822", "rfc2822", "global", "news")
+           && !is_among(entity.m_encoding, "base64", "quoted-printable", "x-uuencode", "uuencode",
+                        "x-uue");
 }
 
 } // namespace

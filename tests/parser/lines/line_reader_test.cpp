@@ -1,10 +1,14 @@
 // How the input is cut into lines: terminators, offsets, stray bytes, and the last line.
 
+#include "parser/lines/line_reader.h"
+#include "parser/lines/memory_reader.h"
+#include "support/build_kind.h"
 #include "support/parse.h"
 #include "support/tree_case.h"
 
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -251,6 +255,26 @@ TEST(line_reader, thousands_of_short_lines_are_counted) {
         input += count % 3 == 0 ? "\n" : count % 3 == 1 ? "ab\n" : "\r\n";
     expect_full_tree(input,
                      "1 text/plain h=0+1 m=0+6001 b=1+6000 c=1+6000 n=3000 body-last-empty\n");
+}
+
+/// What the reader tells of the line after each line.
+template <class Reader>
+std::string next_bytes(Reader& reader) {
+    std::string bytes;
+    mail_structure_detail::input_line line;
+    while (reader.next(line)) bytes += line.m_next_byte;
+    return bytes;
+}
+
+TEST(line_reader, tells_the_first_byte_of_the_next_line_where_it_is_in_memory) {
+    using mail_structure_detail::field_names;
+    const std::string input = "a\n\tb\nc\n\nd";
+    const std::string expected = test_support::is_plain_build ? "     " : "\tc\nd ";
+    mail_structure_detail::memory_reader from_memory(input, 0, field_names::letters);
+    EXPECT_EQ(next_bytes(from_memory), expected);
+    std::istringstream in(input);
+    mail_structure_detail::line_reader from_stream(in, 0, field_names::letters);
+    EXPECT_EQ(next_bytes(from_stream), expected);
 }
 
 } // namespace
