@@ -300,10 +300,12 @@ TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
         message_file(testing::TempDir() + "no/such/file").parse(message, rules::classic);
     ASSERT_TRUE(missing);
     EXPECT_EQ(missing->m_what, "cannot open: No such file or directory");
+    EXPECT_FALSE(missing->m_offset);
     const std::optional<input_fault> folder =
         message_file(testing::TempDir()).parse(message, rules::classic);
     ASSERT_TRUE(folder);
     EXPECT_EQ(folder->m_what, "cannot read: Is a directory");
+    EXPECT_FALSE(folder->m_offset);
 
     const temporary_file on_disk("");
     ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);

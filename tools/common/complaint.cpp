@@ -5,18 +5,8 @@
 #include "common/terminal.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <iostream>
 #include <system_error>
-#include <unistd.h>
-
-void keep_standard_streams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(stream, F_GETFD) < 0
-            && ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0)
-            return;
-    }
-}
 
 std::string escaped(std::string_view text) { return printable(text, locale_character_set()); }
 
@@ -30,8 +20,9 @@ void complain(const std::string& what) {
 }
 
 void complain_about_input(const std::string& file_name, const std::string& what,
-                          std::uint64_t offset) {
-    complain(display_name(file_name) + ": " + what + " at byte " + std::to_string(offset));
+                          std::optional<std::uint64_t> offset) {
+    complain(display_name(file_name) + ": " + what
+             + (offset ? " at byte " + std::to_string(*offset) : ""));
 }
 
 std::string system_error_text(int error) { return std::generic_category().message(error); }

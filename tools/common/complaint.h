@@ -4,13 +4,9 @@
 #define TOOLS_COMMON_COMPLAINT_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
-
-/// Opens /dev/null for each standard stream that is closed, so that using the stream still fails.
-/// Otherwise the next file to be opened would get the stream's number, and would then receive the
-/// program's output or its complaints. To be called before anything else.
-void keep_standard_streams();
 
 /// The status with which the program ends.
 enum exit_status : int { all_well = 0, some_input_failed = 1, wrong_usage = 2 };
@@ -25,9 +21,10 @@ std::string display_name(const std::string& file_name);
 /// Prints "mailstructure: what".
 void complain(const std::string& what);
 
-/// Prints "mailstructure: FILE: what at byte OFFSET".
+/// Prints "mailstructure: FILE: what at byte OFFSET", or without an offset "mailstructure: FILE:
+/// what".
 void complain_about_input(const std::string& file_name, const std::string& what,
-                          std::uint64_t offset);
+                          std::optional<std::uint64_t> offset);
 
 /// The system's description of an error number.
 std::string system_error_text(int error);

@@ -3,6 +3,7 @@
 #include "common/file_bytes.h"
 
 #include "common/complaint.h"
+#include "common/descriptor_io.h"
 #include "common/unfinished_file.h"
 
 #include <algorithm>
@@ -48,9 +49,7 @@ void forget_mapping(const char* begin) {
 }
 
 /// Writes in a signal handler, where a failure to write can be reported to nobody.
-void write_error(const char* text, std::size_t bytes) {
-    if (::write(STDERR_FILENO, text, bytes) < 0) return;
-}
+void write_error(std::string_view text) { static_cast<void>(write_all(STDERR_FILENO, text)); }
 
 /// After a fault outside the mapped file the signal is raised again: its default action, which is
 /// restored by then, ends the program as soon as this returns.
@@ -68,10 +67,10 @@ void on_lost_page(int signal, siginfo_t* info, void* /*context*/) {
     char* const end =
         std::to_chars(offset.data(), offset.data() + offset.size() - 1, place - in_use.m_begin).ptr;
     *end = '\n';
-    write_error(program.data(), program.size());
-    write_error(in_use.m_name.data(), in_use.m_name_bytes);
-    write_error(what.data(), what.size());
-    write_error(offset.data(), static_cast<std::size_t>(end + 1 - offset.data()));
+    write_error(program);
+    write_error({in_use.m_name.data(), in_use.m_name_bytes});
+    write_error(what);
+    write_error({offset.data(), static_cast<std::size_t>(end + 1 - offset.data())});
     ::_exit(some_input_failed);
 }
 
@@ -141,8 +140,7 @@ void file_bytes::read_all(int descriptor) {
     std::size_t capacity = 0;
     for (;;) {
         if (m_size == capacity && !grow(capacity)) return;
-        const ssize_t count = ::read(descriptor, m_data + m_size, capacity - m_size);
-        if (count < 0 && errno == EINTR) continue;
+        const ssize_t count = read_some(descriptor, m_data + m_size, capacity - m_size);
         if (count < 0) return fail(failure::cannot_read, errno);
         if (count == 0) return;
         m_size += static_cast<std::size_t>(count);

@@ -64,13 +64,14 @@ std::string stray_byte_text(char byte) {
 
 input_fault fault_of(const file_bytes& file) {
     const std::uint64_t before = file.bytes_before_failure();
+    const std::optional<std::uint64_t> place = before == 0 ? std::nullopt : std::optional(before);
     switch (file.failed()) {
     case file_bytes::failure::cannot_open:
-        return {"cannot open: " + system_error_text(file.error()), 0};
+        return {"cannot open: " + system_error_text(file.error()), std::nullopt};
     case file_bytes::failure::cannot_read:
-        return {"cannot read: " + system_error_text(file.error()), before};
+        return {"cannot read: " + system_error_text(file.error()), place};
     case file_bytes::failure::too_big: return {too_big_text, file_bytes::size_limit - 1};
-    default: return {"cannot read: out of memory", before};
+    default: return {"cannot read: out of memory", place};
     }
 }
 
@@ -129,7 +130,7 @@ std::optional<input_fault> message_file::parse(MailStructure& message, MailStruc
     if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
     std::optional<input_fault> fault =
         fill(message, bytes().substr(m_message_start), m_message_start, by);
-    if (fault) fault->m_offset += m_message_start;
+    if (fault) *fault->m_offset += m_message_start; // fill() always tells a place
     return fault;
 }
 

@@ -15,10 +15,10 @@
 #include <string>
 #include <string_view>
 
-/// What is wrong with an input, and where in the file.
+/// What is wrong with an input, and where in the file; without a place if nothing could be read.
 struct input_fault {
     std::string m_what;
-    std::uint64_t m_offset = 0;
+    std::optional<std::uint64_t> m_offset;
 };
 
 /// A file that holds one message. If the file begins with the From line of an mbox (a line that

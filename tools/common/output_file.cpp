@@ -2,7 +2,8 @@
 
 #include "common/output_file.h"
 
-#include <algorithm>
+#include "common/descriptor_io.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -96,17 +97,7 @@ void output_file::create(const std::string& path, mode_t mode) {
 int output_file::descriptor() const { return m_new_file ? m_new_file->descriptor() : m_device; }
 
 bool output_file::write(std::string_view bytes) {
-    constexpr std::size_t most_at_once = std::size_t{1}
-                                         << 30; // Linux writes no more than 2 GiB a call
-    while (m_error == 0 && !bytes.empty()) {
-        const ssize_t count =
-            ::write(descriptor(), bytes.data(), std::min(bytes.size(), most_at_once));
-        if (count >= 0)
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            fail(errno);
-    }
-    return m_error == 0;
+    return m_error == 0 && (write_all(descriptor(), bytes) || fail(errno));
 }
 
 bool output_file::keep() {

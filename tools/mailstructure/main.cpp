@@ -2,6 +2,7 @@
 
 #include "common/complaint.h"
 #include "common/file_bytes.h"
+#include "common/standard_streams.h"
 #include "mailstructure/argument_check.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/commands.h"
@@ -116,7 +117,7 @@ exit_status run(int count, char** values) {
 
 int main(int count, char** values) {
     try {
-        keep_standard_streams();
+        prepare_standard_streams();
         end_on_lost_pages();
         return run(count, values);
     } catch (const std::bad_alloc&) {
