@@ -24,7 +24,9 @@ HOSTILE = {
     "no_header": b"\njust text\n",
     "latin_1": b"Subject: Gr\xfc\xdfe\nContent-Type: te\xffxt/pl\xfeain; "
     b"name=\xe4.txt; charset=\xe9\n"
-    b"Content-Transfer-Encoding: \xf8bit\n\nx\n",
+    b"Content-Transfer-Encoding: \xf8bit\n"
+    b"Content-Disposition: \xe0; x\nContent-ID: <\xe1>\nMessage-ID: <\xe2>\nDate: \xe3\n"
+    b"From: \xe5 <\xe6@mail.example>\nTo: \xe7\nCc: a, \xe8\n\nx\n",
     "lone_surrogate": b"Subject: \xed\xa0\x80\nX: \xed\xbf\xbf\n\n",
     "overlong": b"Subject: \xc0\xaf\nX: \xe0\x80\x80\nY: \xf0\x80\x80\x80\n\n",
     "too_high": b"Subject: \xf4\x90\x80\x80\nX: \xff\xfe\n\n",
@@ -136,6 +138,15 @@ class Output(unittest.TestCase):
         self.assertEqual(exact["/charset"], b"\xe9")
         self.assertEqual(exact["/transfer_encoding"], b"\xf8bit")
         self.assertEqual(exact["/fields/1/params/0/value"], b"\xe4.txt")
+        self.assertEqual(exact["/subject"], b"Gr\xfc\xdfe")
+        self.assertEqual(exact["/disposition"], b"\xe0")
+        self.assertEqual(exact["/content_id"], b"\xe1")
+        self.assertEqual(exact["/message_id"], b"\xe2")
+        self.assertEqual(exact["/date"], b"\xe3")
+        self.assertEqual(exact["/from/0/name"], b"\xe5")
+        self.assertEqual(exact["/from/0/address"], b"\xe6@mail.example")
+        self.assertEqual(exact["/to/0/address"], b"\xe7")
+        self.assertEqual(exact["/cc/1/address"], b"\xe8")
 
 
 class Schema(unittest.TestCase):
@@ -182,6 +193,13 @@ class Schema(unittest.TestCase):
             ("index", 1),
             ("charset", ""),
             ("lines", 2**32),
+            ("decoded_size", -1),
+            ("damaged", None),
+            ("subject", ""),
+            ("date_utc", "2025-03-04 17:40:12"),
+            ("from", [{"name": "Ada"}]),
+            ("to", ["ada@mail.example"]),
+            ("not_utf8", [{"member": "/from/name", "base64": "AAAA"}]),
             ("not_utf8", [{"member": "/children/0/type", "base64": "AAAA"}]),
             ("not_utf8", [{"member": "/type", "base64": "AAA"}]),
         ):

@@ -68,7 +68,7 @@ std::string exact_at(const rapidjson::Value& record, const std::string& place) {
 MailStructure::MimeObj entity_with_field(const std::string& value) {
     MailStructure::MimeObj entity;
     MailStructure::header& field = *entity.get_header();
-    field.m_name = "Subject";
+    field.m_name = "X-Note"; // a field that no other member is made of
     field.m_value = value;
     field.m_beg = 0;
     field.m_end = 1;
@@ -232,7 +232,9 @@ TEST(json_members, are_all_that_is_recorded) {
         json_of(root, json_form::flat),
         R"({"file":"file","rules":"standard","index":0,"parent":null,"depth":0,"section":"1",)"
         R"("type":"type","subtype":"subtype",)"
-        R"("encoding":"encoding","transfer_encoding":null,"charset":null,"filename":null,)"
+        R"("encoding":"encoding","transfer_encoding":null,"charset":null,"disposition":null,)"
+        R"("filename":null,"content_id":null,"decoded_size":null,"damaged":false,"subject":null,)"
+        R"("from":[],"to":[],"cc":[],"date":null,"date_utc":null,"message_id":null,)"
         R"("multipart":true,"message":true,)"
         R"("header":{"offset":1,"length":2},"mime":{"offset":3,"length":4},)"
         R"("body":{"offset":5,"length":6},"contents":{"offset":7,"length":8},)"
@@ -242,6 +244,36 @@ TEST(json_members, are_all_that_is_recorded) {
         R"("params":[{"name":"p","value":"v"},{"name":"p","value":"w"}]}],)"
         R"("child_count":0,"not_utf8":[]})"
         "\n");
+}
+
+TEST(json_members, have_decoded_what_header_fields_say) {
+    MailStructure::MimeObj root;
+    root.m_headers = {
+        {"SUBJECT", "=?latin1?q?caf=E9?=", 0, 0, {}},
+        {"From", "=?utf-8?q?Ad=C3=A9?= <ada@mail.example>", 0, 0, {}},
+        {"To", "Friends: ben@mail.example, x\xFF <>;", 0, 0, {}},
+        {"Cc", "", 0, 0, {}},
+        {"Date", "Tue, 4 Mar 2025 18:40:12 +0100 (CET)", 0, 0, {}},
+        {"Message-ID", "<a@mail.example>", 0, 0, {}},
+        {"Content-ID", "<b@mail.example>", 0, 0, {}},
+        {"Content-Disposition", "Attachment; filename=x", 0, 0, {}},
+        {"Subject", "second", 0, 0, {}},
+    };
+    const rapidjson::Document line = read_json(json_of(root, json_form::flat));
+    EXPECT_EQ(string_at(line, "/subject"), "caf\u00e9");
+    EXPECT_EQ(string_at(line, "/from/0/name"), "Ad\u00e9");
+    EXPECT_EQ(string_at(line, "/from/0/address"), "ada@mail.example");
+    ASSERT_EQ(line["to"].Size(), 2U);
+    EXPECT_TRUE(line["to"][0]["name"].IsNull());
+    EXPECT_EQ(string_at(line, "/to/0/address"), "ben@mail.example");
+    EXPECT_EQ(exact_at(line, "/to/1/name"), "x\xFF");
+    EXPECT_TRUE(line["to"][1]["address"].IsNull());
+    EXPECT_EQ(line["cc"].Size(), 0U);
+    EXPECT_EQ(string_at(line, "/date"), "Tue, 4 Mar 2025 18:40:12 +0100 (CET)");
+    EXPECT_EQ(string_at(line, "/date_utc"), "2025-03-04T17:40:12Z");
+    EXPECT_EQ(string_at(line, "/message_id"), "a@mail.example");
+    EXPECT_EQ(string_at(line, "/content_id"), "b@mail.example");
+    EXPECT_EQ(string_at(line, "/disposition"), "Attachment");
 }
 
 TEST(json_members, name_the_rules_in_every_form) {

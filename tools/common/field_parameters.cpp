@@ -3,6 +3,7 @@
 #include "common/field_parameters.h"
 
 #include "common/ascii_case.h"
+#include "common/charset_conversion.h"
 #include "common/encoded_text.h"
 
 #include <algorithm>
@@ -184,7 +185,8 @@ std::string joined(const pieces_by_number& pieces) {
         decoded += piece.m_encoded ? decode_percent_signs(value) : std::string(value);
     }
     if (!pieces.begin()->second.m_encoded) return decoded;
-    const std::optional<std::string> text = to_utf8(decoded, charset);
+    // The charset may be left out; what is UTF-8 or ASCII then is taken for that.
+    const std::optional<std::string> text = to_utf8(decoded, charset.empty() ? "utf-8" : charset);
     return text ? *text : as_written;
 }
 

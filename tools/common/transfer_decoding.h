@@ -3,6 +3,8 @@
 #ifndef TOOLS_COMMON_TRANSFER_DECODING_H
 #define TOOLS_COMMON_TRANSFER_DECODING_H
 
+#include "common/strictness.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -15,9 +17,6 @@ enum class transfer_encoding : std::uint8_t { none, base64, quoted_printable };
 /// The encoding of that name, ASCII case ignored: "7bit", "8bit", "binary" and "" are none. Nothing
 /// for any other name.
 std::optional<transfer_encoding> transfer_encoding_named(std::string_view name);
-
-/// What to do about damage: to end at what cannot be decoded, or to pass over it.
-enum class strictness : std::uint8_t { strict, lenient };
 
 /// What is wrong with an encoded text, and where.
 struct decoding_damage {

@@ -3,7 +3,10 @@
 
 #include "mailstructure/json_writer.h"
 
+#include "common/decoded_size.h"
 #include "common/field_lookup.h"
+#include "common/message_date.h"
+#include "common/message_fields.h"
 #include "common/sections.h"
 
 #include <cstddef>
@@ -37,7 +40,8 @@ class tree_writer {
 public:
     /// @param gap  is written after each colon and comma of a range
     tree_writer(json_output& output, const json_message& message, std::string gap)
-        : m_output(output), m_writer(output), m_message(message), m_gap(std::move(gap)) {}
+        : m_output(output), m_writer(output), m_message(message), m_gap(std::move(gap)),
+          m_ranges(message.m_root, message.m_source) {}
 
     writer& settings() { return m_writer; }
     void write_document();
@@ -59,6 +63,10 @@ private:
     void write_rules();
     void write_line_members(const numbered_entity& visited, std::size_t index);
     void write_members(const numbered_entity& visited);
+    void write_description(const numbered_entity& visited);
+    void write_decoded_size(const numbered_entity& visited);
+    void write_message_fields(const MailStructure::MimeObj& entity);
+    void write_addresses(std::string_view name, const MailStructure::MimeObj& entity);
     void write_ranges(const MailStructure::MimeObj& entity);
     void write_fields(const MailStructure::MimeObj& entity);
     void write_field(const MailStructure::header& field);
@@ -70,6 +78,7 @@ private:
     writer m_writer;
     const json_message& m_message;
     const std::string m_gap;
+    section_ranges m_ranges;
     // These describe the record that is being written:
     std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
     std::vector<odd_value> m_odd_values;
@@ -147,13 +156,8 @@ template <class writer>
 void tree_writer<writer>::write_members(const numbered_entity& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     write_string_or_null("section", std::string(visited.m_section));
-    write_string("type", entity.m_type);
-    write_string("subtype", entity.m_subtype);
-    write_string("encoding", entity.m_encoding);
-    write_string_or_null("transfer_encoding",
-                         transfer_encoding_of(entity, m_message.m_source.m_rules));
-    write_string_or_null("charset", charset_of(entity, m_message.m_source));
-    write_string_or_null("filename", file_name_of(entity, m_message.m_source));
+    write_description(visited);
+    write_message_fields(entity);
     write_flag("multipart", entity.m_multipart);
     write_flag("message", entity.m_message);
     write_ranges(entity);
@@ -161,6 +165,70 @@ void tree_writer<writer>::write_members(const numbered_entity& visited) {
     write_flag("body_last_empty", entity.m_body_last_empty);
     write_flag("epilogue_last_empty", entity.m_epilogue_last_empty);
     write_fields(entity);
+}
+
+/// What the Content-... fields say of the entity.
+template <class writer>
+void tree_writer<writer>::write_description(const numbered_entity& visited) {
+    const MailStructure::MimeObj& entity = *visited.m_entity;
+    const MailStructure::rules by = m_message.m_source.m_rules;
+    write_string("type", entity.m_type);
+    write_string("subtype", entity.m_subtype);
+    write_string("encoding", entity.m_encoding);
+    write_string_or_null("transfer_encoding", transfer_encoding_of(entity, by));
+    write_string_or_null("charset", charset_of(entity, m_message.m_source));
+    write_string_or_null("disposition", disposition_of(entity, by));
+    write_string_or_null("filename", file_name_of(entity, m_message.m_source));
+    write_string_or_null("content_id", identifier_of(entity, "content-id"));
+    write_decoded_size(visited);
+}
+
+/// The size of an entity without parts, decoded.
+template <class writer>
+void tree_writer<writer>::write_decoded_size(const numbered_entity& visited) {
+    const MailStructure::MimeObj& entity = *visited.m_entity;
+    const bool is_message = visited.m_depth == 0 || visited.m_is_message_within;
+    std::optional<decoded_size> size;
+    if (!entity.m_multipart && !entity.m_message && entity.m_children.empty()) {
+        size = decoded_size_of({&entity, section_place::piece::body, is_message}, m_ranges,
+                               m_message.m_source);
+    }
+    if (size) {
+        write_number("decoded_size", size->m_bytes);
+    } else {
+        write_key("decoded_size");
+        m_writer.Null();
+    }
+    write_flag("damaged", size && size->m_is_damaged);
+}
+
+template <class writer>
+void tree_writer<writer>::write_message_fields(const MailStructure::MimeObj& entity) {
+    write_string_or_null("subject", subject_of(entity));
+    write_addresses("from", entity);
+    write_addresses("to", entity);
+    write_addresses("cc", entity);
+    write_string_or_null("date", written_date_of(entity));
+    const std::optional<std::chrono::sys_seconds> date = date_of(entity);
+    write_string_or_null("date_utc", date ? utc_text(*date) : "");
+    write_string_or_null("message_id", identifier_of(entity, "message-id"));
+}
+
+template <class writer>
+void tree_writer<writer>::write_addresses(std::string_view name,
+                                          const MailStructure::MimeObj& entity) {
+    write_key(name);
+    m_writer.StartArray();
+    std::size_t index = 0;
+    for (const mail_address& each : addresses_of(entity, name)) {
+        m_place = '/' + std::string(name) + '/' + std::to_string(index++);
+        m_writer.StartObject();
+        write_string_or_null("name", each.m_name);
+        write_string_or_null("address", each.m_address);
+        m_writer.EndObject();
+    }
+    m_writer.EndArray();
+    m_place.clear();
 }
 
 template <class writer>
