@@ -3,21 +3,44 @@
 #include "mailstructure/dump_command.h"
 
 #include "common/message_reader.h"
+#include "common/printable_stream.h"
+#include "common/terminal.h"
 #include "mailstructure/command_line.h"
 
 #include <cerrno>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
-bool dump_file(message_reader& reader, const std::string& file_name) {
-    if (!reader.read(file_name)) return false;
-    std::ifstream not_read;
-    reader.message().Dump(not_read);
-    return true;
-}
+/// Prints the dump of the file, or one line of complaint instead.
+class dump_printer {
+public:
+    explicit dump_printer(const dump_options& options)
+        : m_reader(options.m_rules, options.m_keep_text),
+          m_output_is_terminal(::isatty(STDOUT_FILENO) != 0),
+          m_errors_are_terminal(::isatty(STDERR_FILENO) != 0) {}
+
+    bool print(const std::string& file_name) {
+        if (!m_reader.read(file_name)) return false;
+        // The library prints the bytes of the message, and complaints are spelled out already.
+        std::optional<printable_stream> output;
+        std::optional<printable_stream> errors;
+        if (m_output_is_terminal) output.emplace(std::cout, locale_character_set());
+        if (m_errors_are_terminal) errors.emplace(std::cerr, locale_character_set());
+        std::ifstream not_read;
+        m_reader.message().Dump(not_read);
+        return true;
+    }
+
+private:
+    message_reader m_reader;
+    bool m_output_is_terminal;
+    bool m_errors_are_terminal;
+};
 
 } // namespace
 
@@ -39,11 +62,11 @@ void describe_dump(CLI::App& command, dump_options& options) {
 
 exit_status run_dump(const dump_options& options) {
     MailStructure::m_memlimit = options.m_memlimit;
-    message_reader reader(options.m_rules, options.m_keep_text);
+    dump_printer printer(options);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;
-        if (!dump_file(reader, file_name)) status = some_input_failed;
+        if (!printer.print(file_name)) status = some_input_failed;
         if (!output_got_out() || !std::cerr) return some_input_failed;
     }
     return status;
