@@ -50,7 +50,7 @@ offers '--all --ascii --bytes --color --decoded --help --rules --utf8' tree -
 offers '--all --ascii --bytes --color --decoded --help --rules --utf8' letter.eml -
 offers '--flat --help --pretty --rules' json -
 offers '--help --keep-text --memlimit --rules' dump --
-offers '--decode --force --help --list --output --range --rules' part --
+offers '--charset --decode --force --help --list --output --range --rules' part --
 offers '-dash.eml a b.eml folder letter.eml' json ''
 offers 'a b.eml' json a
 offers 'letter.eml' tree --ascii letter.eml l
@@ -64,6 +64,8 @@ offers 'header' part --range = h
 offers 'classic standard' json --rules = ''
 offers 'standard' tree --rules s
 offers 'letter.eml' part -o l
+offers 'utf-8' part --charset ''
+offers 'HEADER' part --charset = utf-8 H
 offers 'lenient strict' part --decode =
 offers 'lenient' part --decode = l
 offers 'letter.eml' part --decode = lenient 1 l

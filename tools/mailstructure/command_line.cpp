@@ -2,6 +2,9 @@
 
 #include "mailstructure/command_line.h"
 
+#include "common/ascii_case.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstddef>
@@ -45,8 +48,11 @@ CLI::Option* describe_choice(CLI::App& command, const std::string& option,
                              const std::function<void(std::size_t)>& take,
                              const std::string& description) {
     const auto place = [words](const std::string& word) {
-        return static_cast<std::size_t>(std::find(words.begin(), words.end(), word)
-                                        - words.begin());
+        const auto found =
+            std::find_if(words.begin(), words.end(), [&word](const std::string& each) {
+                return equal_ignoring_case(each, word);
+            });
+        return static_cast<std::size_t>(found - words.begin());
     };
     return command
         .add_option_function<std::string>(

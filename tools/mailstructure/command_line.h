@@ -25,7 +25,8 @@ bool names_a_file(const std::string& name);
 ///                               the message
 std::string standard_input();
 
-/// Adds an option that takes one of the given words; any other word is wrong usage.
+/// Adds an option that takes one of the given words, in upper or lower case; any other word is
+/// wrong usage.
 /// @param placeholder  stands for the word in the help
 /// @param take         receives the index of the word
 CLI::Option* describe_choice(CLI::App& command, const std::string& option,

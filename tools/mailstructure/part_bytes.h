@@ -1,4 +1,5 @@
-// The bytes of a piece of a message as `mailstructure part` writes them: as they are, or decoded.
+// The bytes of a piece of a message as `mailstructure part` writes them: as they are, decoded,
+// or in UTF-8.
 
 #ifndef TOOLS_MAILSTRUCTURE_PART_BYTES_H
 #define TOOLS_MAILSTRUCTURE_PART_BYTES_H
@@ -23,8 +24,9 @@ struct chosen_piece {
 std::optional<transfer_encoding> encoding_to_undo(const part_options& options,
                                                   const chosen_piece& piece);
 
-/// Hands the bytes of the piece to the sink, decoded if that is wanted. Complains about damage.
-/// @return false if they cannot be decoded
+/// Hands the bytes of the piece to the sink, decoded, and in UTF-8, if that is wanted. Complains
+/// about damage.
+/// @return false if they cannot be decoded or converted
 bool give_piece(const part_options& options, const message_file& file, const chosen_piece& piece,
                 transfer_encoding encoding, const byte_sink& sink);
 

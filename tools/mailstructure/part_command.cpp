@@ -99,7 +99,7 @@ public:
 std::string complaint_about(const part_options& options) {
     if (options.m_list) {
         if (options.m_range || options.m_decode)
-            return "--list cannot be combined with --range or --decode";
+            return "--list cannot be combined with --range, --decode or --charset";
         if (options.m_output)
             return "--list cannot be combined with --output; it prints to standard output";
         return "";
@@ -113,9 +113,11 @@ std::string complaint_about(const part_options& options) {
     const bool is_body = options.m_range ? options.m_range == recorded_range::body
                                                || options.m_range == recorded_range::contents
                                          : !is_block && !options.m_section_text.empty();
+    const std::string option = options.m_decode_word.empty() ? "--charset" : "--decode";
     return is_body ? ""
-                   : "--decode needs the body of a part: N, TEXT, N.TEXT, --range body or "
-                     "--range contents";
+                   : option
+                         + " needs the body of a part: N, TEXT, N.TEXT, --range body or --range "
+                           "contents";
 }
 
 /// Assigns the arguments: SECTION [FILE], or [FILE] with --list.
@@ -137,6 +139,7 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
     if (!options.m_decode_word.empty())
         options.m_decode =
             options.m_decode_word == "lenient" ? strictness::lenient : strictness::strict;
+    if (options.m_to_utf8 && !options.m_decode) options.m_decode = strictness::strict;
     const std::string complaint = complaint_about(options);
     if (!complaint.empty()) throw CLI::ValidationError(complaint);
     if (options.m_output == "-") options.m_output.reset(); // standard output
@@ -161,6 +164,10 @@ void describe_part(CLI::App& command, part_options& options) {
             return word == "strict" || word == "lenient" ? ""
                                                          : "not one of strict, lenient: " + word;
         });
+    describe_choice(
+        command, "--charset", {"utf-8"}, "CHARSET",
+        [&options](std::size_t /*only choice*/) { options.m_to_utf8 = true; },
+        "Write text in this charset, utf-8; implies --decode");
     describe_choice(
         command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },

@@ -24,6 +24,7 @@ struct part_options {
     std::optional<recorded_range> m_range;
     std::string m_decode_word; // "strict" or "lenient"; empty where nothing is decoded
     std::optional<strictness> m_decode;
+    bool m_to_utf8 = false; // text is converted; it is decoded, too
     bool m_list = false;
     bool m_force = false;
     std::optional<std::string> m_output;
