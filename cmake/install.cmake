@@ -86,7 +86,8 @@ install(
 
 # A page is installed under the name of what it describes. The sources have a dot for the colons,
 # which some file systems do not allow in names.
-foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::header)
+foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::feeder
+             MailStructure::header)
   string(REPLACE "::" "." file ${page})
   install(
     FILES man/${file}.3

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,10 @@
 #else
 #define MAIL_STRUCTURE_API
 #endif
+
+namespace mail_structure_detail {
+class chunk_parse;
+}
 
 /// The parser, and the tree that it leaves.
 ///
@@ -307,7 +312,65 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// @param bytes  the whole message. The bytes must stay unchanged until Fill returns, and must
     ///               not lie in the tree of this object; the tree does not point to them. A C
     ///               string ends at its first NUL, so hand in a view where a NUL may occur.
+    /// @param by     the rules
     void Fill(std::string_view bytes, rules by = rules::classic);
+
+    /// Parses a message while it arrives in pieces, from a network connection for instance:
+    ///
+    /// @code
+    ///     MailStructure message;
+    ///     MailStructure::feeder feeder(message, MailStructure::rules::standard);
+    ///     while (receive(buffer)) feeder.feed(buffer); // any number of bytes at a time
+    ///     feeder.finish();
+    /// @endcode
+    ///
+    /// However the message is cut, the tree, m_done and the exceptions are those of one Fill over
+    /// all of its bytes. Only lack of memory can show elsewhere.
+    ///
+    /// **Cost.** Time is linear in the bytes, even if a long line comes byte by byte. Lines are
+    /// looked at in the caller's buffer. The feeder copies the beginning of a line whose end has
+    /// not come yet, and nothing else.
+    ///
+    /// **Lifetime.** The parser object must outlive the feeder. From the constructor until the
+    /// feeder has ended, the tree is in between: nothing may look at it, and the parser object must
+    /// not be moved, assigned or filled. A feeder ends when finish returns, when feed or finish
+    /// throws, and when it is destroyed or assigned to. After that the object may be filled again.
+    ///
+    /// **Broken off.** A feeder may be destroyed at any time. Where that ends it, the tree holds
+    /// what had come: it is the tree that Fill over these bytes leaves, and the beginning of a last
+    /// line counts as that line. But m_done is unchanged, and an exception that Fill would throw is
+    /// not thrown.
+    class MAIL_STRUCTURE_API feeder {
+    public:
+        /// Begins a message, as Fill does: the old tree of m_root is taken over, and m_keep_text
+        /// and m_memlimit are read.
+        /// @param message  gets the tree
+        /// @param by       the rules
+        /// @throws std::bad_alloc  and then m_root is as clear leaves it
+        explicit feeder(MailStructure& message, rules by = rules::classic);
+        /// Goes on with the other's message. The other feeder has then ended.
+        feeder(feeder&& other) noexcept;
+        /// Ends this feeder as its destructor does, and goes on with the other's message. The other
+        /// feeder has then ended.
+        feeder& operator=(feeder&& other) noexcept;
+        /// Ends the feeder; see "Broken off". May be called at any time.
+        ~feeder();
+
+        /// Takes the next bytes of the message. They are not needed after the call.
+        /// @throws what Fill throws, as soon as the line at fault is whole; the tree is then what
+        ///         that exception of Fill leaves, and the feeder has ended
+        /// @throws std::logic_error  the feeder has ended
+        void feed(std::string_view bytes);
+        /// Ends the message, and the feeder with it; sets m_done.
+        /// @throws what Fill throws at the end of the input, and then the feeder has ended too
+        /// @throws std::logic_error  the feeder has ended
+        void finish();
+
+    private:
+        void break_off() noexcept;
+
+        std::unique_ptr<mail_structure_detail::chunk_parse> m_parse; // null when ended
+    };
 
     /// Prints the tree for diagnosis: the entities with their ranges and header fields to
     /// std::cerr, and the kept text of each entity without children, between two lines of dashes,

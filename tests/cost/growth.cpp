@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -82,6 +83,7 @@ public:
         std::ifstream unread;
         const MailStructure::rules by = m_shape.m_by->m_rules;
         stage("fill", [&] { test_support::fill_unchecked(*message, in, 0, by); });
+        stage("feed", [&] { feed(*message, by); });
         stage("copy", [&] { copy = std::make_unique<MailStructure::MimeObj>(message->m_root); });
         stage("assign", [&] { *copy = message->m_root; });
         stage("dump", [&] { message->Dump(unread); });
@@ -90,6 +92,15 @@ public:
     }
 
 private:
+    /// One byte at a time, so that every line straddles as many chunks as it has bytes.
+    void feed(MailStructure& message, MailStructure::rules by) const {
+        try {
+            MailStructure::feeder feeder(message, by);
+            for (const char& byte : m_text) feeder.feed({&byte, 1});
+            feeder.finish();
+        } catch (const std::exception&) {} // Fill has thrown it too
+    }
+
     template <class Work>
     void stage(const char* name, Work work) {
         const std::string trigger = m_name + name;

@@ -18,6 +18,7 @@
 #include <map>
 #include <streambuf>
 #include <string>
+#include <string_view>
 #include <vector>
 
 using cost::heap_meter;
@@ -175,6 +176,53 @@ TEST_P(heap, holds_nothing_of_a_message_of_one_gibibyte) {
     const std::size_t peak = meter.peak();
     EXPECT_LE(static_cast<double>(peak), cost::message_bytes());
     std::cout << "peak heap of Fill: " << peak << " bytes\n";
+}
+
+/// What a feeder holds apart from lines.
+constexpr std::size_t of_the_feeder = 1024;
+
+/// Feeds each byte of the text by itself, and does not finish.
+void feed_bytes(MailStructure::feeder& feeder, std::string_view text) {
+    for (; !text.empty(); text.remove_prefix(1)) feeder.feed(text.substr(0, 1));
+}
+
+/// A string that grows takes up to three times its size for a moment: it doubles, and the text is
+/// copied to the new place.
+TEST_P(heap, holds_a_line_that_comes_in_chunks_once) {
+    constexpr std::size_t line_bytes = 1 << 20;
+    constexpr std::size_t most_idle = 65536; // what is kept for the next line
+    const auto besides = static_cast<std::size_t>(cost::message_bytes()) + of_the_feeder;
+    const std::string line(line_bytes, 'x');
+    MailStructure message;
+    const heap_meter meter;
+    {
+        MailStructure::feeder feeder(message, GetParam()->m_rules);
+        feeder.feed("A: b\n\n");
+        feed_bytes(feeder, line);
+        EXPECT_LE(meter.now(), besides + 2 * line_bytes);
+        feeder.feed("\nnext");
+        EXPECT_LE(meter.now(), besides + most_idle);
+        feed_bytes(feeder, line);
+        feeder.feed("\n");
+        feeder.feed("more\n");
+        EXPECT_LE(meter.now(), besides + most_idle);
+        EXPECT_LE(meter.peak(), besides + 3 * line_bytes);
+        feeder.finish();
+    }
+    EXPECT_EQ(message.m_root.m_lines, 3U);
+    EXPECT_LE(meter.now(), besides);
+}
+
+TEST_P(heap, holds_next_to_nothing_of_a_message_that_comes_in_chunks) {
+    const auto besides = static_cast<std::size_t>(cost::message_bytes()) + of_the_feeder;
+    const std::string line = std::string(76, 'A') + "\r\n";
+    MailStructure message;
+    const heap_meter meter;
+    MailStructure::feeder feeder(message, GetParam()->m_rules);
+    feeder.feed("A: b\n\n");
+    for (int lines = 0; lines < 10000; ++lines) feed_bytes(feeder, line);
+    feeder.finish();
+    EXPECT_LE(meter.peak(), besides + 3 * line.size()); // the string of a line grows
 }
 
 std::string repeated(std::size_t times, const std::string& text) {

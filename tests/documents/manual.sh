@@ -6,14 +6,19 @@
 set -euo pipefail
 way=$1 sources=$2
 
-# declared FILE: the lines of a header without comments, directives and empty lines.
-declared() { sed 's# *//.*##; s/MAIL_STRUCTURE_API //' "$1" | grep -vE '^ *(#.*)?$'; }
+# declared FILE: the lines of a header without comments, directives and empty lines, and without
+# what is not public.
+declared() {
+    sed -E '/^namespace mail_structure_detail/,/^}/d; /^    private:/,/^    };/{/^    };/!d}
+        s# *//.*##; s/MAIL_STRUCTURE_API //' "$1" | grep -vE '^ *(#.*)?$'
+}
 
 # declarations PAGE: those that belong to it. Nested records and Fill have pages of their own.
 declarations() {
     declared "$sources/include/mail_structure.h" | awk -v page="$1" '
         /^    struct header \{/ { record = "MailStructure.header" }
         /^    struct MimeObj \{/ { record = "MailStructure.MimeObj" }
+        /^    class feeder \{/ { record = "MailStructure.feeder" }
         { owner = record == "" ? "MailStructure" : record }
         record != "" && /^    \};/ { record = "" }
         /^    void Fill\(/ { owner = "MailStructure.Fill" }
@@ -23,8 +28,8 @@ declarations() {
 # with_synopsis PAGE: the page, with its declarations in the first display.
 with_synopsis() {
     declarations "$1" > "$work/declarations"
-    sed -E 's/^(struct |void )(MimeObj|header|Fill)\b/\1MailStructure::\2/' "$work/declarations" \
-        > "$work/shown"
+    sed -E 's/^(struct |class |void )(MimeObj|header|feeder|Fill)\b/\1MailStructure::\2/' \
+        "$work/declarations" > "$work/shown"
     awk -v shown="$work/shown" '
         /^\.Ed/ { skip = 0 }
         !skip { print }
@@ -50,7 +55,7 @@ lint)
 members)
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    for page in MailStructure MailStructure.Fill MailStructure.MimeObj MailStructure.header; do
+    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header}; do
         with_synopsis "$page" > "$work/page"
         cat "$work/declarations" >> "$work/all"
         if [[ ${3-} == --update ]]; then
@@ -90,6 +95,7 @@ END
         printf '#include <%s>\n' mail_structure.h iostream istream streambuf string string_view \
             vector
         literal MailStructure.Fill.3 2
+        literal MailStructure.feeder.3 2
         literal MailStructure.header.3 2
         echo 'void use(const MailStructure::MimeObj& part) {'
         echo '    std::cout << part.m_subtype << charset_of(part) << ";";'
@@ -101,10 +107,14 @@ int main() {
     parse(message, "Content-Type: multipart/x; boundary=a\n\n"
                    "--a\nContent-Type: text/html; CharSet=\"utf-8\"\n\n--a--\n");
     visit(message.m_root);
+    const std::string pieces[] = {"Content-Type: te", "xt/csv\n", "\nhello"};
+    std::size_t next = 0;
+    parse_pieces(message, [&] { return next < 3 ? std::string_view(pieces[next++]) : ""; });
+    use(message.m_root);
 }
 END
     } > "$work/rest.cpp"
     compile "$work/rest.cpp" "$library" -o "$work/rest"
-    [[ $("$work/rest") == "x;htmlutf-8;" ]]
+    [[ $("$work/rest") == "x;htmlutf-8;csv;" ]]
     ;;
 esac

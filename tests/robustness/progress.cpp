@@ -1,5 +1,6 @@
 #include "robustness/progress.h"
 
+#include "support/compare.h"
 #include "support/escape.h"
 #include "support/line_list.h"
 
@@ -169,6 +170,13 @@ parse_steps::parse_steps(const differential::rule_set& by, std::string_view inpu
 std::size_t parse_steps::lines_within(std::size_t bytes) const {
     return static_cast<std::size_t>(std::upper_bound(m_line_ends.begin(), m_line_ends.end(), bytes)
                                     - m_line_ends.begin());
+}
+
+bool is_as_cleared(const MailStructure& message) {
+    reference::message cleared;
+    reference::entity& root = cleared.m_entities.emplace_back();
+    root.m_type = root.m_subtype = root.m_encoding = "";
+    return first_difference(message, "", cleared).empty();
 }
 
 std::string progress_difference(const MimeObj& found, const reference::entity& before,

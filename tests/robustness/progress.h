@@ -39,6 +39,9 @@ private:
         m_trees; // one more than there are lines; a vector would copy them to grow
 };
 
+/// Whether the root is as clear leaves it: with empty types, and without anything else.
+bool is_as_cleared(const MailStructure& message);
+
 /// What the end of the input does to a header block.
 enum class end_of_input : std::uint8_t {
     leaves_blocks_open,

@@ -1,7 +1,10 @@
 #include "support/fill_unchecked.h"
 
+#include "parser/chunk_parse.h"
 #include "parser/fill.h"
+#include "support/seeded_random.h"
 
+#include <algorithm>
 #include <ios>
 #include <memory>
 #include <new>
@@ -57,6 +60,31 @@ void fill_from_memory(MailStructure& message, std::string_view text, std::uint32
         message.Fill(copy.bytes(), by);
 }
 
+/// Hands the text in chunk by chunk. The sizes of random chunks depend on the size of the text, so
+/// that a failure comes again.
+template <class Feeder>
+void feed_chunks(Feeder& feeder, std::string_view text, std::size_t chunk) {
+    seeded_random random(text.size());
+    while (!text.empty()) {
+        const std::size_t wanted = chunk != 0 ? chunk : random.below(random.one_in(4) ? 1000 : 20);
+        const std::size_t bytes = std::min(wanted, text.size());
+        feeder.feed(exact_copy(text.substr(0, bytes)).bytes());
+        text.remove_prefix(bytes);
+    }
+    feeder.finish();
+}
+
+void feed(MailStructure& message, std::string_view text, std::size_t chunk,
+          std::uint32_t first_offset, MailStructure::rules by) {
+    if (first_offset == 0) {
+        MailStructure::feeder feeder(message, by);
+        feed_chunks(feeder, text, chunk);
+    } else {
+        const auto parse = mail_structure_detail::begin_chunk_parse(message, first_offset, by);
+        feed_chunks(*parse, text, chunk);
+    }
+}
+
 } // namespace
 
 std::string fill_unchecked(MailStructure& message, std::istream& in, std::uint32_t first_offset,
@@ -75,6 +103,8 @@ std::string fill_unchecked(MailStructure& message, std::string_view text, const 
                            std::uint32_t first_offset, MailStructure::rules by) {
     if (way.m_entrance == entrance::memory)
         return error_of([&] { fill_from_memory(message, text, first_offset, by); });
+    if (way.m_entrance == entrance::feeder)
+        return error_of([&] { feed(message, text, way.m_chunk, first_offset, by); });
     delivered_stream in(text, way);
     return fill_unchecked(message, in, first_offset, by);
 }

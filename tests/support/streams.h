@@ -54,13 +54,16 @@ private:
 /// By which function of the library bytes are handed in.
 enum class entrance : std::uint8_t {
     stream, // Fill, from a stream
-    memory  // Fill, from memory
+    memory, // Fill, from memory
+    feeder  // MailStructure::feeder
 };
 
 /// One way of handing out bytes.
 struct delivery {
     const char* m_name;
-    std::size_t m_chunk; // bytes at a time; of a stream, 0: no get area; from memory, all_bytes
+    /// Bytes at a time. 0: a stream without a get area; of a feeder, chunks of random sizes. From
+    /// memory there is only all_bytes.
+    std::size_t m_chunk;
     entrance m_entrance = entrance::stream;
 };
 
@@ -80,8 +83,11 @@ inline constexpr std::array<delivery, 9> all_deliveries{{
 }};
 
 /// Those that are not by a stream.
-inline constexpr std::array<delivery, 1> other_deliveries{{
+inline constexpr std::array<delivery, 4> other_deliveries{{
     {"from_memory", all_bytes, entrance::memory},
+    {"fed_one_byte_at_a_time", 1, entrance::feeder},
+    {"fed_64_bytes_at_a_time", 64, entrance::feeder},
+    {"fed_in_chunks_of_random_sizes", 0, entrance::feeder},
 }};
 
 /// The deliveries of both lists.
