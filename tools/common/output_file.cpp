@@ -2,7 +2,10 @@
 
 #include "common/output_file.h"
 
+#include "common/complaint.h"
 #include "common/descriptor_io.h"
+#include "common/replaced_file.h"
+#include "common/signals_held.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -49,26 +52,16 @@ bool names_a_new_file(const std::string& text) {
 
 } // namespace
 
-output_file::output_file(const std::string& file_name, existing_file existing)
-    : m_existing(existing) {
+output_file::output_file(const std::string& file_name, existing_file existing) {
     struct stat there = {};
     if (file_name.empty()) {
         fail(ENOENT);
-    } else if (existing == existing_file::is_kept) {
-        if (::lstat(file_name.c_str(), &there) == 0)
-            fail(EEXIST);
-        else
-            create(file_name, mode_of_new_files);
-    } else if (::stat(file_name.c_str(), &there) != 0) {
-        create(file_name, mode_of_new_files);
-    } else if (S_ISREG(there.st_mode)) {
-        create(real_name(file_name), mode_until_replacing);
-        // Whoever could read the old file can read the new one.
-        if (m_error == 0 && ::fchmod(m_new_file->descriptor(), there.st_mode & 0777) != 0)
-            fail(errno);
+    } else if (existing == existing_file::is_replaced) {
+        replace_or_create(file_name);
+    } else if (::lstat(file_name.c_str(), &there) == 0) {
+        fail(S_ISDIR(there.st_mode) ? EISDIR : EEXIST);
     } else {
-        m_device = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-        if (m_device < 0) fail(errno);
+        create(file_name, mode_of_new_files);
     }
 }
 
@@ -79,8 +72,43 @@ output_file::output_file(int folder) {
 
 output_file::~output_file() {
     m_new_file.reset(); // needs the folder
-    if (m_device >= 0) ::close(m_device);
-    if (m_folder >= 0) ::close(m_folder);
+    for (const int descriptor : {m_existing, m_folder})
+        if (descriptor >= 0) ::close(descriptor);
+}
+
+/// As cp does, this writes only to what the user may write to, and creates no file that a link
+/// leads to.
+void output_file::replace_or_create(const std::string& file_name) {
+    struct stat there = {};
+    m_existing = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    const int error = errno;
+    m_is_dangling_link = m_existing < 0 && error == ENOENT
+                         && ::lstat(file_name.c_str(), &there) == 0 && S_ISLNK(there.st_mode);
+    if (m_existing < 0 && error == ENOENT && !m_is_dangling_link)
+        create(file_name, mode_of_new_files);
+    else if (m_existing < 0 || ::fstat(m_existing, &there) != 0)
+        fail(m_existing < 0 ? error : errno);
+    else if (S_ISREG(there.st_mode))
+        prepare_to_replace(real_name(file_name), there);
+}
+
+/// A new file is to take the name of the existing one, in one step, if nothing is lost by that.
+/// Else the existing one is overwritten when all is ready.
+void output_file::prepare_to_replace(const std::string& path, const struct stat& existing) {
+    struct stat named = {};
+    create(path, mode_until_replacing);
+    if (m_error == 0) {
+        m_swaps = ::fstatat(m_folder, m_name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0
+                  && named.st_dev == existing.st_dev && named.st_ino == existing.st_ino
+                  && make_alike(m_new_file->descriptor(), m_existing);
+        return;
+    }
+    // No new file can be created in that folder.
+    m_error = 0;
+    m_new_file.reset();
+    const signals_held held; // the file may have a name for a moment
+    m_elsewhere.reset(std::tmpfile());
+    if (!m_elsewhere) fail(errno);
 }
 
 void output_file::create(const std::string& path, mode_t mode) {
@@ -94,7 +122,10 @@ void output_file::create(const std::string& path, mode_t mode) {
     if (m_new_file->error() != 0) fail(m_new_file->error());
 }
 
-int output_file::descriptor() const { return m_new_file ? m_new_file->descriptor() : m_device; }
+int output_file::descriptor() const {
+    if (m_new_file) return m_new_file->descriptor();
+    return m_elsewhere ? ::fileno(m_elsewhere.get()) : m_existing;
+}
 
 bool output_file::write(std::string_view bytes) {
     return m_error == 0 && (write_all(descriptor(), bytes) || fail(errno));
@@ -102,10 +133,16 @@ bool output_file::write(std::string_view bytes) {
 
 bool output_file::keep() {
     if (m_error != 0 || !hand_over()) return false;
-    if (!m_new_file) return true;
-    const int error = m_existing == existing_file::is_kept ? m_new_file->take_new_name(m_name)
-                                                           : m_new_file->take_name(m_name);
+    if (descriptor() == m_existing) return true;
+    const int error = m_existing < 0 ? m_new_file->take_new_name(m_name) : replace();
     return error == 0 || fail(error);
+}
+
+/// The new contents are on the disk before the old ones are given up. A file that has been mounted
+/// by itself, for one, has a name that cannot be taken.
+int output_file::replace() {
+    if (m_swaps && ::fdatasync(descriptor()) != 0) return errno;
+    return m_swaps && m_new_file->take_name(m_name) == 0 ? 0 : overwrite(m_existing, descriptor());
 }
 
 bool output_file::keep_as(const std::string& name) {
@@ -119,6 +156,11 @@ bool output_file::keep_as(const std::string& name) {
 bool output_file::hand_over() {
     const int copy = ::fcntl(descriptor(), F_DUPFD_CLOEXEC, 0);
     return (copy >= 0 && ::close(copy) == 0) || fail(errno);
+}
+
+std::string output_file::reason() const {
+    return m_is_dangling_link ? "it is a link to a file that does not exist"
+                              : system_error_text(error());
 }
 
 bool output_file::fail(int error) {

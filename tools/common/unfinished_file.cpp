@@ -2,6 +2,8 @@
 
 #include "common/unfinished_file.h"
 
+#include "common/signals_held.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -48,22 +50,6 @@ void handle_ending_signals() {
         ::sigaction(signal, &action, nullptr);
     }
 }
-
-/// Blocks all signals as long as it exists.
-class signals_held {
-public:
-    signals_held() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::sigprocmask(SIG_BLOCK, &all, &m_before);
-    }
-    ~signals_held() { ::sigprocmask(SIG_SETMASK, &m_before, nullptr); }
-    signals_held(const signals_held&) = delete;
-    signals_held& operator=(const signals_held&) = delete;
-
-private:
-    sigset_t m_before{};
-};
 
 std::string random_name() {
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";

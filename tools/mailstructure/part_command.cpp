@@ -59,13 +59,14 @@ bool write_to_file(const part_options& options, const message_file& file, const 
                    transfer_encoding encoding) {
     const std::string& name = options.m_output.value();
     output_file output(name, options.m_force ? existing_file::is_replaced : existing_file::is_kept);
-    bool sound = true;
-    if (output.error() == 0)
-        sound = give_piece(options, file, piece, encoding,
-                           [&output](std::string_view bytes) { return output.write(bytes); });
-    if (output.keep()) return sound;
+    const bool sound =
+        output.error() != 0
+        || give_piece(options, file, piece, encoding,
+                      [&output](std::string_view bytes) { return output.write(bytes); });
+    if (!sound) return false; // what could be decoded is not kept
+    if (output.keep()) return true;
     const bool is_in_the_way = output.error() == EEXIST && !options.m_force;
-    complain(escaped(name) + ": cannot write: " + system_error_text(output.error())
+    complain(escaped(name) + ": cannot write: " + output.reason()
              + (is_in_the_way ? "; --force replaces it" : ""));
     return false;
 }
