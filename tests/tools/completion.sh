@@ -44,13 +44,13 @@ offers 'json' j
 offers 'help' h
 offers 'dump help json part tree' help ''
 offers 'part' help p
-offers '--all --ascii --bytes --color --decoded --help --rules --utf8 --version' -
+offers '--all --ascii --bytes --color --decoded --help --max-size --rules --utf8 --version' -
 offers '--version' --v
-offers '--all --ascii --bytes --color --decoded --help --rules --utf8' tree -
-offers '--all --ascii --bytes --color --decoded --help --rules --utf8' letter.eml -
-offers '--flat --help --pretty --rules' json -
-offers '--help --keep-text --memlimit --rules' dump --
-offers '--charset --decode --force --help --list --output --range --rules' part --
+offers '--all --ascii --bytes --color --decoded --help --max-size --rules --utf8' tree -
+offers '--all --ascii --bytes --color --decoded --help --max-size --rules --utf8' letter.eml -
+offers '--flat --help --max-size --pretty --rules' json -
+offers '--help --keep-text --max-size --memlimit --rules' dump --
+offers '--charset --decode --force --help --list --max-size --output --range --rules' part --
 offers '-dash.eml a b.eml folder letter.eml' json ''
 offers 'a b.eml' json a
 offers 'letter.eml' tree --ascii letter.eml l
@@ -58,6 +58,8 @@ offers 'always auto never' tree --color ''
 offers 'always auto never' tree --color =
 offers 'auto' tree --color = au
 offers '' dump --memlimit ''
+offers '' tree --max-size ''
+offers 'HEADER' part --max-size 25M H
 offers 'letter.eml' dump --memlimit 5 l
 offers 'body contents epilogue header mime' part --range ''
 offers 'header' part --range = h

@@ -132,14 +132,44 @@ TEST(file_bytes, tells_after_how_many_bytes_reading_failed) {
 
 TEST(file_bytes, refuses_a_file_of_4_gib_and_maps_one_byte_less) {
     const temporary_file file("");
-    ASSERT_EQ(::truncate(file.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);
+    ASSERT_EQ(::truncate(file.name().c_str(), static_cast<off_t>(file_bytes::most_bytes + 1)), 0);
     const file_bytes too_big(file.name());
     EXPECT_EQ(too_big.failed(), file_bytes::failure::too_big);
     EXPECT_EQ(too_big.bytes(), "");
-    ASSERT_EQ(::truncate(file.name().c_str(), static_cast<off_t>(file_bytes::size_limit - 1)), 0);
+    ASSERT_EQ(::truncate(file.name().c_str(), static_cast<off_t>(file_bytes::most_bytes)), 0);
     const file_bytes large(file.name());
     EXPECT_EQ(large.failed(), file_bytes::failure::none);
-    EXPECT_EQ(large.bytes().size(), file_bytes::size_limit - 1);
+    EXPECT_EQ(large.bytes().size(), file_bytes::most_bytes);
+}
+
+TEST(file_bytes, refuses_more_bytes_than_the_limit) {
+    for (const std::size_t total : {0UL, 5UL, 65536UL, 70000UL}) {
+        for (const std::size_t limit : {0UL, 4UL, 5UL, 6UL, 65535UL, 65536UL, 69999UL, 70000UL}) {
+            SCOPED_TRACE(std::to_string(total) + " of " + std::to_string(limit));
+            const temporary_file file(std::string(total, 'x'));
+            const file_bytes mapped(file.name(), limit);
+            std::array<int, 2> ends{};
+            ASSERT_EQ(::pipe(ends.data()), 0);
+            std::thread writer([&] {
+                const std::string contents(total, 'x');
+                const auto before = std::signal(SIGPIPE, SIG_IGN);
+                static_cast<void>(!::write(ends[1], contents.data(), contents.size()));
+                ::close(ends[1]);
+                std::signal(SIGPIPE, before);
+            });
+            const file_bytes read(ends[0], limit);
+            writer.join();
+            for (const file_bytes* const taken : {&mapped, &read}) {
+                EXPECT_EQ(taken->failed(),
+                          total > limit ? file_bytes::failure::too_big : file_bytes::failure::none);
+                EXPECT_EQ(taken->bytes().size(), total > limit ? 0 : total);
+            }
+        }
+    }
+}
+
+TEST(file_bytes, cannot_have_a_higher_limit_than_the_library) {
+    EXPECT_EQ(file_bytes("/dev/null", std::uint64_t{1} << 40).limit(), file_bytes::most_bytes);
 }
 
 TEST(file_bytes, goes_on_when_a_signal_interrupts_a_read) {

@@ -308,7 +308,8 @@ TEST(message_file, tells_what_kept_the_bytes_from_being_had) {
     EXPECT_FALSE(folder->m_offset);
 
     const temporary_file on_disk("");
-    ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::size_limit)), 0);
+    ASSERT_EQ(::truncate(on_disk.name().c_str(), static_cast<off_t>(file_bytes::most_bytes + 1)),
+              0);
     const std::optional<input_fault> large =
         message_file(on_disk.name()).parse(message, rules::classic);
     ASSERT_TRUE(large);

@@ -83,7 +83,8 @@ void end_on_lost_pages() {
     ::sigaction(SIGBUS, &action, nullptr);
 }
 
-file_bytes::file_bytes(const std::string& file_name) {
+file_bytes::file_bytes(const std::string& file_name, std::uint64_t limit)
+    : m_limit(std::min(limit, most_bytes)) {
     const bool owned = file_name != "-";
     const int descriptor = owned ? open_file(file_name) : STDIN_FILENO;
     if (descriptor < 0) {
@@ -94,7 +95,7 @@ file_bytes::file_bytes(const std::string& file_name) {
     if (owned) ::close(descriptor);
 }
 
-file_bytes::file_bytes(int descriptor) {
+file_bytes::file_bytes(int descriptor, std::uint64_t limit) : m_limit(std::min(limit, most_bytes)) {
     take(descriptor, "-");
     ::close(descriptor);
 }
@@ -121,7 +122,7 @@ bool file_bytes::map(int descriptor, const std::string& file_name) {
         return false;
     if (::lseek(descriptor, 0, SEEK_CUR) != 0) return false;
     const auto size = static_cast<std::uint64_t>(file.st_size);
-    if (size >= size_limit) {
+    if (size > m_limit) {
         fail(failure::too_big, 0);
         return false;
     }
@@ -144,14 +145,15 @@ void file_bytes::read_all(int descriptor) {
         if (count < 0) return fail(failure::cannot_read, errno);
         if (count == 0) return;
         m_size += static_cast<std::size_t>(count);
-        if (m_size >= size_limit) return fail(failure::too_big, 0);
+        if (m_size > m_limit) return fail(failure::too_big, 0);
     }
 }
 
-/// Doubles the room for bytes. False if memory has run out.
+/// Doubles the room for bytes, up to one byte more than the limit. False if memory has run out.
 bool file_bytes::grow(std::size_t& capacity) {
     constexpr std::size_t first_capacity = 65536;
-    const std::size_t wanted = capacity == 0 ? first_capacity : 2 * capacity;
+    const std::size_t wanted =
+        std::min(capacity == 0 ? first_capacity : 2 * capacity, std::size_t{m_limit} + 1);
     void* const larger = std::realloc(m_data, wanted); // NOLINT(cppcoreguidelines-no-malloc)
     if (larger == nullptr) {
         fail(failure::no_memory, 0);

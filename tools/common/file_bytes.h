@@ -13,16 +13,18 @@
 /// called.
 class file_bytes {
 public:
-    /// Inputs of this size and more are refused, since the library's offsets are 32 bits wide.
-    static constexpr std::uint64_t size_limit = std::uint64_t{1} << 32;
+    /// The largest input that can be taken, in bytes, since the library's offsets are 32 bits wide.
+    static constexpr std::uint64_t most_bytes = (std::uint64_t{1} << 32) - 1;
 
     /// What went wrong.
     enum class failure : std::uint8_t { none, cannot_open, cannot_read, too_big, no_memory };
 
     /// Takes the bytes of the named file. "-" is standard input, from its present position on.
-    explicit file_bytes(const std::string& file_name);
+    /// @param limit  an input of more bytes is refused, and takes no more memory than that; a
+    ///               number above most_bytes means most_bytes
+    explicit file_bytes(const std::string& file_name, std::uint64_t limit = most_bytes);
     /// Takes the bytes of a descriptor from its present position on, and closes it.
-    explicit file_bytes(int descriptor);
+    explicit file_bytes(int descriptor, std::uint64_t limit = most_bytes);
     ~file_bytes();
     file_bytes(const file_bytes&) = delete;
     file_bytes& operator=(const file_bytes&) = delete;
@@ -31,6 +33,8 @@ public:
     /// Whether the bytes are mapped and not copied.
     bool is_mapped() const { return m_mapped_bytes != 0; }
     failure failed() const { return m_failed; }
+    /// The number of bytes beyond which an input is refused.
+    std::uint64_t limit() const { return m_limit; }
     /// The system's number for a failure to open or to read.
     int error() const { return m_error; }
     /// How many bytes had been read when the failure came.
@@ -43,6 +47,7 @@ private:
     bool grow(std::size_t& capacity);
     void fail(failure how, int error);
 
+    std::uint64_t m_limit;
     char* m_data = nullptr;
     std::size_t m_size = 0;
     std::size_t m_mapped_bytes = 0; // 0: m_data is from the heap

@@ -13,8 +13,6 @@
 namespace {
 
 constexpr std::uint32_t no_place = 0xFFFFFFFF; // of a header field
-constexpr const char* too_big_text =
-    "too big: no more than 4294967295 bytes can be read, and the input goes on";
 
 /// A stream buffer over bytes that are in memory already. It does not own them, and nothing is
 /// written through it.
@@ -62,6 +60,12 @@ std::string stray_byte_text(char byte) {
     return std::string("stray byte: a ") + (byte == '\r' ? "CR" : "NUL") + " inside a line";
 }
 
+std::string too_big_text(std::uint64_t limit) {
+    const char* const reason =
+        limit == file_bytes::most_bytes ? " bytes can be read" : " bytes are allowed";
+    return "too big: no more than " + std::to_string(limit) + reason + ", and the input goes on";
+}
+
 input_fault fault_of(const file_bytes& file) {
     const std::uint64_t before = file.bytes_before_failure();
     const std::optional<std::uint64_t> place = before == 0 ? std::nullopt : std::optional(before);
@@ -70,7 +74,7 @@ input_fault fault_of(const file_bytes& file) {
         return {"cannot open: " + system_error_text(file.error()), std::nullopt};
     case file_bytes::failure::cannot_read:
         return {"cannot read: " + system_error_text(file.error()), place};
-    case file_bytes::failure::too_big: return {too_big_text, file_bytes::size_limit - 1};
+    case file_bytes::failure::too_big: return {too_big_text(file.limit()), file.limit()};
     default: return {"cannot read: out of memory", place};
     }
 }
@@ -118,8 +122,8 @@ std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
 
 } // namespace
 
-message_file::message_file(const std::string& file_name)
-    : m_file(file_name), m_message_start(from_line_bytes(m_file.bytes())) {}
+message_file::message_file(const std::string& file_name, std::uint64_t limit)
+    : m_file(file_name, limit), m_message_start(from_line_bytes(m_file.bytes())) {}
 
 std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) const {
     if (offset >= bytes().size()) return {};

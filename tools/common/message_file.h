@@ -28,7 +28,9 @@ class message_file {
 public:
     /// Opens and reads, or maps, the named file; "-" is standard input, from its present position
     /// on. A failure is not reported here but by parse().
-    explicit message_file(const std::string& file_name);
+    /// @param limit  an input of more bytes is a failure
+    explicit message_file(const std::string& file_name,
+                          std::uint64_t limit = file_bytes::most_bytes);
 
     /// The whole input, a From line included. Valid as long as this object.
     std::string_view bytes() const { return m_file.bytes(); }

@@ -13,7 +13,7 @@ constexpr std::size_t large_file = std::size_t{1} << 20;
 
 bool message_reader::read(const std::string& file_name) {
     if (m_file && m_file->bytes().size() >= large_file) m_message.m_root = MailStructure::MimeObj();
-    m_file.emplace(file_name); // the last file is closed before this one is opened
+    m_file.emplace(file_name, m_limit); // the last file is closed before this one is opened
     const std::optional<input_fault> fault = m_file->parse(m_message, m_rules);
     if (!fault) return true;
     m_message.m_root = MailStructure::MimeObj(); // memory may be what has run out

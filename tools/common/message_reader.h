@@ -6,6 +6,7 @@
 
 #include "common/message_file.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -17,6 +18,9 @@ public:
     explicit message_reader(MailStructure::rules by, bool keep_text = false) : m_rules(by) {
         m_message.m_keep_text = keep_text;
     }
+
+    /// From now on, files of more bytes than this are refused.
+    void limit_files(std::uint64_t bytes) { m_limit = bytes; }
 
     /// Opens and parses the named file; "-" is standard input. What read() gave before is gone.
     /// @return false if the file cannot be read or is no message. One line on standard error says
@@ -31,6 +35,7 @@ public:
 
 private:
     MailStructure::rules m_rules;
+    std::uint64_t m_limit = file_bytes::most_bytes;
     std::optional<message_file> m_file;
     MailStructure m_message;
 };

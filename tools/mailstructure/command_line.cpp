@@ -3,6 +3,7 @@
 #include "mailstructure/command_line.h"
 
 #include "common/ascii_case.h"
+#include "common/byte_count.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -71,6 +72,18 @@ void describe_rules(CLI::App& command, MailStructure::rules& by) {
         },
         "Rules to read messages by: standard, as mail readers do (the default), or classic, the "
         "older rules of the library");
+}
+
+void describe_max_size(CLI::App& command, std::uint64_t& limit) {
+    command
+        .add_option_function<std::string>(
+            "--max-size",
+            [&limit](const std::string& text) { limit = parse_byte_count(text).value(); },
+            "Refuse messages of more bytes than this: 65536, 64K, 25M, 1G, in powers of 1024")
+        ->check([](const std::string& text) {
+            return parse_byte_count(text) ? "" : "not a size, as 65536, 64K, 25M or 1G: " + text;
+        })
+        ->type_name("SIZE");
 }
 
 std::optional<std::uint32_t> parse_number(std::string_view text) {

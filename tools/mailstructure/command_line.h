@@ -37,6 +37,10 @@ CLI::Option* describe_choice(CLI::App& command, const std::string& option,
 /// Adds the option --rules.
 void describe_rules(CLI::App& command, MailStructure::rules& by);
 
+/// Adds the option --max-size.
+/// @param limit  receives the number of bytes beyond which a message is refused
+void describe_max_size(CLI::App& command, std::uint64_t& limit);
+
 /// The value of "4096" or "0x1000"; nothing for any other text, or if it does not fit in 32 bits.
 std::optional<std::uint32_t> parse_number(std::string_view text);
 

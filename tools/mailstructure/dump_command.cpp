@@ -22,7 +22,9 @@ public:
     explicit dump_printer(const dump_options& options)
         : m_reader(options.m_rules, options.m_keep_text),
           m_output_is_terminal(::isatty(STDOUT_FILENO) != 0),
-          m_errors_are_terminal(::isatty(STDERR_FILENO) != 0) {}
+          m_errors_are_terminal(::isatty(STDERR_FILENO) != 0) {
+        m_reader.limit_files(options.m_max_size);
+    }
 
     bool print(const std::string& file_name) {
         if (!m_reader.read(file_name)) return false;
@@ -56,6 +58,7 @@ void describe_dump(CLI::App& command, dump_options& options) {
             "Bound for the memory of the header fields, in bytes; decimal, or hexadecimal after 0x")
         ->check(number_complaint)
         ->type_name("N");
+    describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }

@@ -6,6 +6,7 @@
 #include <mail_structure.h>
 
 #include "common/complaint.h"
+#include "common/file_bytes.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
@@ -14,6 +15,7 @@
 
 struct dump_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
+    std::uint64_t m_max_size = file_bytes::most_bytes;
     bool m_keep_text = false;
     std::uint32_t m_memlimit = 0xFFFFFFFF;
     std::vector<std::string> m_files; // "-" is standard input

@@ -50,12 +50,14 @@ void describe_json(CLI::App& command, json_options& options) {
         .add_flag("--flat", options.m_flat,
                   "One line for each entity instead of one for each message")
         ->excludes(pretty);
+    describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }
 
 exit_status run_json(const json_options& options) {
     message_reader reader(options.m_rules);
+    reader.limit_files(options.m_max_size);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {
         errno = 0;

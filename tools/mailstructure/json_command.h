@@ -6,13 +6,16 @@
 #include <mail_structure.h>
 
 #include "common/complaint.h"
+#include "common/file_bytes.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 struct json_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
+    std::uint64_t m_max_size = file_bytes::most_bytes;
     bool m_pretty = false;
     bool m_flat = false;
     std::vector<std::string> m_files; // "-" is standard input

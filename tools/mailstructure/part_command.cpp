@@ -174,6 +174,7 @@ void describe_part(CLI::App& command, part_options& options) {
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },
         "Write a range that the library has recorded for the entity: header, mime, body, contents "
         "or epilogue");
+    describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
     command.add_flag(
         "--list", options.m_list,
@@ -198,6 +199,7 @@ void describe_part(CLI::App& command, part_options& options) {
 
 exit_status run_part(const part_options& options) {
     message_reader reader(options.m_rules);
+    reader.limit_files(options.m_max_size);
     if (!reader.read(options.m_file)) return some_input_failed;
     if (!options.m_list) return write_piece(options, reader) ? all_well : some_input_failed;
     errno = 0;

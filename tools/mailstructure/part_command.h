@@ -6,6 +6,7 @@
 #include <mail_structure.h>
 
 #include "common/complaint.h"
+#include "common/file_bytes.h"
 #include "common/section_lookup.h"
 #include "common/transfer_decoding.h"
 
@@ -19,6 +20,7 @@ enum class recorded_range : std::uint8_t { header, mime, body, contents, epilogu
 
 struct part_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
+    std::uint64_t m_max_size = file_bytes::most_bytes;
     std::string m_section_text; // as the user wrote it
     section m_section;
     std::optional<recorded_range> m_range;

@@ -183,7 +183,9 @@ public:
     explicit tree_printer(const tree_options& options)
         : m_reader(options.m_rules), m_style{characters_for(options), options.m_exact_sizes,
                                              options.m_decoded, options.m_all},
-          m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {}
+          m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {
+        m_reader.limit_files(options.m_max_size);
+    }
 
     /// False, and nothing printed, if the file is no message.
     bool print(const std::string& file_name) {
@@ -231,6 +233,7 @@ void describe_tree(CLI::App& command, tree_options& options) {
         [&options](std::size_t choice) { options.m_color = static_cast<color_choice>(choice); },
         "Colour the tree: auto (on a terminal, unless NO_COLOR is set), always or never")
         ->take_last();
+    describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
     describe_files(command, options.m_files);
 }

@@ -6,14 +6,17 @@
 #include <mail_structure.h>
 
 #include "common/complaint.h"
+#include "common/file_bytes.h"
 #include "common/terminal.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 struct tree_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
+    std::uint64_t m_max_size = file_bytes::most_bytes;
     bool m_ascii = false;
     bool m_utf8 = false;
     bool m_exact_sizes = false;
