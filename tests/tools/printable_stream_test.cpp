@@ -98,7 +98,7 @@ private:
     std::streamsize m_room;
 };
 
-TEST(printable_stream, keeps_the_failure_of_the_stream) {
+TEST(printable_stream, leaves_the_failure_with_the_stream) {
     full_buffer full(5);
     std::ostream to(&full);
     {
