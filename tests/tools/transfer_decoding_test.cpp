@@ -39,6 +39,7 @@ struct decoding_case {
 
 constexpr transfer_encoding base64 = transfer_encoding::base64;
 constexpr transfer_encoding quoted = transfer_encoding::quoted_printable;
+constexpr transfer_encoding uu = transfer_encoding::uuencode;
 
 const decoding_case decoding_cases[] = {
     {"none", transfer_encoding::none, "a=\r\n\xFF", "a=\r\n\xFF", ""},
@@ -148,6 +149,18 @@ const decoding_case lenient_cases[] = {
     {"quoted", quoted, "=C3=A9 =\nb ", "\xC3\xA9 b", ""},
     {"quoted_damage", quoted, "ab=XY=41=", "ab=XYA",
      "an equals sign without two hexadecimal digits or a line end at 2"},
+
+    {"uu", uu, "begin 644 a\r\n&3&%D9&5R\r\n!80``\r\n`\r\nend\r\n", "Laddera", ""},
+    {"uu_text_around", uu, "see\nbegin 644 a\n&3&%D9&5R\n \nend\nmore\n", "Ladder", ""},
+    {"uu_blanks_cut_off", uu, "begin 644 a\n#\n!80\n\nend", std::string("\0\0\0a", 4), ""},
+    {"uu_too_many_characters", uu, "begin 644 a\n!80``checksum\nend", "a", ""},
+    {"uu_without_end", uu, "begin 644 a\n&3&%D9&5R\n", "Ladder",
+     "uuencoded text without an end at 22"},
+    {"uu_other_characters", uu, "begin 644 a\n&3&%D9&{R\nend", "Laddf\xF2",
+     "not a uuencode character at 19"},
+    {"uu_without_begin", uu, "beginning\n", "beginning\n",
+     "uuencoded text without a line that begins it at 0, 10"},
+    {"uu_of_nothing", uu, "", "", ""},
 };
 
 class lenient_decoding : public testing::TestWithParam<decoding_case> {};
@@ -233,6 +246,9 @@ TEST(names_of_transfer_encodings, are_known_in_any_case) {
         EXPECT_EQ(transfer_encoding_named(none), transfer_encoding::none) << none;
     for (const char* const other : {"base", "base64 ", "x-uuencode", "quoted-printable;", "7-bit"})
         EXPECT_EQ(transfer_encoding_named(other), std::nullopt) << other;
+    for (const char* const older : {"x-uuencode", "UUencode", "x-uue", "uue"})
+        EXPECT_EQ(transfer_encoding_named(older, strictness::lenient), uu) << older;
+    EXPECT_EQ(transfer_encoding_named("x-uu", strictness::lenient), std::nullopt);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // Decodes base64 with nettle where it must be sound, and with code of its own where it may be
-// damaged; quoted-printable with code of its own. See the header.
+// damaged; the others with code of its own. See the header.
 
 #include "common/transfer_decoding.h"
 
@@ -291,13 +291,88 @@ private:
     damage_counter m_damage;
 };
 
+/// Decodes uuencode: a first line "begin 644 name", then lines that each begin with a character
+/// for the count of their bytes, and a last line "end". Each character stands for six bits.
+class uu_decoder {
+public:
+    uu_decoder(std::string_view text, const byte_sink& sink) : m_text(text), m_decoded(sink) {}
+
+    std::optional<decoding_damage> run() {
+        if (skip_to_begin()) {
+            decode_lines();
+        } else {
+            m_damage.add("uuencoded text without a line that begins it", 0, m_text.size());
+            m_decoded.put(m_text);
+        }
+        m_decoded.flush();
+        return m_decoded.is_wanted() ? m_damage.damage() : std::nullopt;
+    }
+
+private:
+    /// The next line, without its end.
+    std::string_view take_line() {
+        m_line_begin = m_at;
+        const std::size_t end = std::min(m_text.find('\n', m_at), m_text.size());
+        m_at = std::min(end + 1, m_text.size());
+        std::string_view line = m_text.substr(m_line_begin, end - m_line_begin);
+        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+        return line;
+    }
+
+    bool skip_to_begin() {
+        while (m_at < m_text.size()) {
+            if (take_line().substr(0, 6) == "begin ") return true;
+        }
+        return false;
+    }
+
+    void decode_lines() {
+        while (m_at < m_text.size() && m_decoded.is_wanted()) {
+            const std::string_view line = take_line();
+            if (line == "end") return;
+            if (!line.empty()) decode_line(line);
+        }
+        m_damage.add("uuencoded text without an end", m_text.size());
+    }
+
+    /// Blanks at the end of a line may have been cut off.
+    void decode_line(std::string_view line) {
+        const std::size_t count = digit_at(line, 0);
+        std::string bytes;
+        for (std::size_t at = 1; bytes.size() < count; at += 4) {
+            std::uint32_t bits = 0;
+            for (std::size_t each = at; each < at + 4; ++each)
+                bits = bits << 6 | digit_at(line, each);
+            for (const int shift : {16, 8, 0}) bytes += static_cast<char>(bits >> shift & 0xFF);
+        }
+        m_decoded.put(std::string_view(bytes).substr(0, count));
+    }
+
+    /// Both a blank and a grave accent are 0.
+    std::uint32_t digit_at(std::string_view line, std::size_t at) {
+        if (at >= line.size()) return 0;
+        const char c = line[at];
+        if (c < ' ' || c > '`') m_damage.add("not a uuencode character", m_line_begin + at);
+        return static_cast<std::uint32_t>(static_cast<unsigned char>(c) - ' ') & 0x3FU;
+    }
+
+    std::string_view m_text;
+    std::size_t m_at = 0;
+    std::size_t m_line_begin = 0;
+    block_gatherer m_decoded;
+    damage_counter m_damage;
+};
+
 } // namespace
 
-std::optional<transfer_encoding> transfer_encoding_named(std::string_view name) {
+std::optional<transfer_encoding> transfer_encoding_named(std::string_view name, strictness how) {
     for (const std::string_view plain : {"", "7bit", "8bit", "binary"})
         if (equal_ignoring_case(name, plain)) return transfer_encoding::none;
     if (equal_ignoring_case(name, "base64")) return transfer_encoding::base64;
     if (equal_ignoring_case(name, "quoted-printable")) return transfer_encoding::quoted_printable;
+    if (how == strictness::strict) return std::nullopt;
+    for (const std::string_view older : {"x-uuencode", "uuencode", "x-uue", "uue"})
+        if (equal_ignoring_case(name, older)) return transfer_encoding::uuencode;
     return std::nullopt;
 }
 
@@ -308,6 +383,7 @@ std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_vi
         return how == strictness::strict ? base64_decoder(text, sink).run()
                                          : lenient_base64_decoder(text, sink).run();
     case transfer_encoding::quoted_printable: return quoted_printable_decoder(text, sink).run();
+    case transfer_encoding::uuencode: return uu_decoder(text, sink).run();
     case transfer_encoding::none: break;
     }
     if (!text.empty()) sink(text);

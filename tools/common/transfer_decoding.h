@@ -1,4 +1,4 @@
-// Undoes the transfer encodings of MIME (RFC 2045 section 6).
+// Undoes the transfer encodings of MIME (RFC 2045 section 6), and uuencode, which is older.
 
 #ifndef TOOLS_COMMON_TRANSFER_DECODING_H
 #define TOOLS_COMMON_TRANSFER_DECODING_H
@@ -12,11 +12,13 @@
 #include <string>
 #include <string_view>
 
-enum class transfer_encoding : std::uint8_t { none, base64, quoted_printable };
+enum class transfer_encoding : std::uint8_t { none, base64, quoted_printable, uuencode };
 
-/// The encoding of that name, ASCII case ignored: "7bit", "8bit", "binary" and "" are none. Nothing
-/// for any other name.
-std::optional<transfer_encoding> transfer_encoding_named(std::string_view name);
+/// The encoding of that name, ASCII case ignored: "7bit", "8bit", "binary" and "" are none. To
+/// lenient readers, "x-uuencode", "uuencode", "x-uue" and "uue" are known, too. Nothing for any
+/// other name.
+std::optional<transfer_encoding> transfer_encoding_named(std::string_view name,
+                                                         strictness how = strictness::strict);
 
 /// What is wrong with an encoded text, and where.
 struct decoding_damage {
@@ -43,6 +45,9 @@ using byte_sink = std::function<bool(std::string_view)>;
 /// Quoted-printable, strict or lenient: blanks at the end of a line are left out, line ends stay as
 /// they are, and lower-case digits are allowed. An equals sign without digits or a line end after
 /// it stays as it is, and the decoding goes on.
+///
+/// Uuencode, always lenient: the lines between "begin" and "end" are decoded. Text without a line
+/// that begins so stays as it is.
 /// @return the first damage; nothing if there is none, or if the sink has stopped the decoding
 std::optional<decoding_damage> decode(transfer_encoding encoding, std::string_view text,
                                       const byte_sink& sink, strictness how = strictness::strict);

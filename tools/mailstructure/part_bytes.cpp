@@ -112,7 +112,7 @@ std::optional<transfer_encoding> encoding_to_undo(const part_options& options,
                                                   const chosen_piece& piece) {
     if (!options.m_decode) return transfer_encoding::none;
     const std::string name = encoding_in_effect(*piece.m_entity, options.m_rules);
-    std::optional<transfer_encoding> encoding = transfer_encoding_named(name);
+    std::optional<transfer_encoding> encoding = transfer_encoding_named(name, *options.m_decode);
     if (encoding) return encoding;
     const bool strict = options.m_decode == strictness::strict;
     const std::string what = strict ? "cannot decode: " : "not decoded: ";
