@@ -120,7 +120,7 @@ install(
   COMPONENT development)
 install(
   FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp
-        examples/index_folder.cpp
+        examples/index_folder.cpp examples/milter.cpp
   DESTINATION ${document_dir}/examples
   COMPONENT development)
 

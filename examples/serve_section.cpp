@@ -3,9 +3,8 @@
 // The numbers are those of IMAP. In a multipart they count its parts; in a forwarded message, the
 // parts of that message; and the body of a message that is not a multipart is its part 1.
 //
-// The file is mapped and parsed in place: the buffer of the stream is the mapping, and Fill scans
-// it. No other program may shorten the file meanwhile; a host that cannot be sure of that reads the
-// file into memory instead.
+// The file is mapped and parsed where it lies. No other program may shorten the file meanwhile; a
+// host that cannot be sure of that reads the file into memory instead.
 
 #include <mail_structure.h>
 
@@ -16,9 +15,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <iostream>
-#include <istream>
 #include <stdexcept>
-#include <streambuf>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
@@ -61,15 +58,6 @@ private:
     std::size_t m_size = 0;
 };
 
-/// Lets a stream read bytes in place. It never writes to them, since there is no put area.
-class view_buffer : public std::streambuf {
-public:
-    explicit view_buffer(std::string_view bytes) {
-        char* begin = const_cast<char*>(bytes.data());
-        setg(begin, begin, begin + bytes.size());
-    }
-};
-
 /// The part that a path such as "1.2" names, or null if the message has no such part.
 const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
                                         std::string_view path) {
@@ -102,10 +90,8 @@ const MailStructure::MimeObj* find_part(const MailStructure::MimeObj& message,
 int main(int count, char** arguments) try {
     if (count != 3) return std::cerr << "usage: serve_section SECTION MESSAGE\n", 2;
     const mapped_file file(arguments[2]);
-    view_buffer buffer(file.bytes());
-    std::istream stream(&buffer);
     MailStructure message;
-    message.Fill(stream, MailStructure::rules::standard);
+    message.Fill(file.bytes(), MailStructure::rules::standard);
 
     const MailStructure::MimeObj* part = find_part(message.m_root, arguments[1]);
     if (part == nullptr)
