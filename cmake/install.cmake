@@ -125,6 +125,10 @@ install(
   COMPONENT development)
 
 if(MAILSTRUCTURE_TOOLS)
+  # Debian's zsh looks for functions of packages in a folder of its own.
+  set(MAILSTRUCTURE_ZSH_DIR
+      ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+      CACHE STRING "Where the completion for zsh is installed")
   install(TARGETS mailstructure_tool COMPONENT tool)
   install(
     FILES man/mailstructure.1
@@ -133,6 +137,14 @@ if(MAILSTRUCTURE_TOOLS)
   install(
     FILES tools/completion/mailstructure
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    COMPONENT tool)
+  install(
+    FILES tools/completion/_mailstructure
+    DESTINATION ${MAILSTRUCTURE_ZSH_DIR}
+    COMPONENT tool)
+  install(
+    FILES tools/completion/mailstructure.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tool)
   install(
     FILES doc/json.md doc/json.schema.json

@@ -12,8 +12,8 @@ build_packages=(cmake g++ libcli11-dev ninja-build nettle-dev rapidjson-dev)
 packaging_packages=(abigail-tools clang doxygen dpkg-dev libmilter-dev libsqlite3-dev
     lintian mandoc miltertest pkg-config)
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
-test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" libgtest-dev
-    python3-jsonschema valgrind)
+test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" fish
+    libgtest-dev python3-jsonschema valgrind zsh)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev xz-utils)
 # Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
 peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev)

@@ -74,6 +74,8 @@ tool)
     "$prefix/bin/mailstructure" --version
     test -f "$prefix/share/man/man1/mailstructure.1"
     test -f "$prefix/share/bash-completion/completions/mailstructure"
+    test -f "$prefix/share/zsh/site-functions/_mailstructure"
+    test -f "$prefix/share/fish/vendor_completions.d/mailstructure.fish"
     test -f "$prefix/share/doc/mailstructure/doc/json.schema.json"
     ;;
 files)

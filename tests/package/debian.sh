@@ -66,6 +66,7 @@ export LD_LIBRARY_PATH="$root/usr/lib/$triplet"
 [[ $("$root/usr/bin/mailstructure" --version) == *1.0.0* ]]
 dumped=$("$root/usr/bin/mailstructure" dump "$sources/tests/data/messages/plain.eml" 2>&1)
 [[ $dumped == *text/plain* ]]
+test -f "$root/usr/share/zsh/vendor-completions/_mailstructure"
 zcat "$root/usr/share/man/man1/mailstructure.1.gz" | cmp - "$sources/man/mailstructure.1"
 zcat "$root/usr/share/man/man3/MailStructure::Fill.3.gz" | cmp - "$sources/man/MailStructure.Fill.3"
 
