@@ -87,7 +87,7 @@ install(
 # A page is installed under the name of what it describes. The sources have a dot for the colons,
 # which some file systems do not allow in names.
 foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::feeder
-             MailStructure::header)
+             MailStructure::header mail_structure_c)
   string(REPLACE "::" "." file ${page})
   install(
     FILES man/${file}.3
@@ -119,8 +119,8 @@ install(
   DESTINATION ${document_dir}/bench
   COMPONENT development)
 install(
-  FILES examples/list_parts.cpp examples/list_attachments.cpp examples/serve_section.cpp
-        examples/index_folder.cpp examples/milter.cpp
+  FILES examples/list_parts.cpp examples/list_parts_c.c examples/list_attachments.cpp
+        examples/serve_section.cpp examples/index_folder.cpp examples/milter.cpp
   DESTINATION ${document_dir}/examples
   COMPONENT development)
 

@@ -10,7 +10,7 @@ build_packages=(cmake g++ libcli11-dev ninja-build nettle-dev rapidjson-dev)
 # What our Debian packages, and hosts that use them, are built and checked with; see the end of
 # tests/package/CMakeLists.txt.
 packaging_packages=(abigail-tools clang doxygen dpkg-dev libmilter-dev libsqlite3-dev
-    lintian mandoc miltertest pkg-config)
+    lintian mandoc miltertest pkg-config tcc)
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
 test_packages=("${build_packages[@]}" "${arm_packages[@]}" "${packaging_packages[@]}" fish
     libgtest-dev python3-jsonschema valgrind zsh)

@@ -18,16 +18,23 @@ run_consumer() {
     printf '1 67 6 4294967295\n' | diff -u - "$work/output"
 }
 
+run_c_consumer() {
+    LD_LIBRARY_PATH=$prefix/$libdir "$1" > "$work/output"
+    printf '1 text/html 96 6\n' | diff -u - "$work/output"
+}
+
 # needs_library PROGRAM: whether the program loads the shared library when it starts.
 needs_library() { readelf -d "$1" | grep -q 'NEEDED.*libmailstructure\.so\.1\]'; }
 
 case $way in
 find_package)
     cmake -G Ninja -S "$here" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags"
+        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_C_FLAGS="$flags"
     cmake --build "$work/build"
     run_consumer "$work/build/consumer_of_mailstructure"
     run_consumer "$work/build/consumer_of_mailstructure_static"
+    run_c_consumer "$work/build/c_consumer_of_mailstructure"
+    run_c_consumer "$work/build/c_consumer_of_mailstructure_static"
     needs_library "$work/build/consumer_of_mailstructure"
     ! needs_library "$work/build/consumer_of_mailstructure_static" || exit 1
     # Another major version has another interface.
@@ -55,6 +62,10 @@ pkg_config)
         -Wl,-rpath,"$(pkg-config --variable=libdir mailstructure)"
     "$work/list_parts" "$here/../examples/messages/attachments.eml" | grep -qx 'Plans, and what.*'
     [ -z "$flags" ] || exit 0 # a sanitizer has a shared library of its own
+    # shellcheck disable=SC2046
+    cc -std=c99 -pedantic-errors -Wall -Wextra -Werror "$here/main.c" -o "$work/c_consumer" \
+        $(pkg-config --cflags --libs mailstructure)
+    run_c_consumer "$work/c_consumer"
     # shellcheck disable=SC2046
     "$compiler" -std=c++17 -static "$here/main.cpp" -o "$work/static" \
         $(pkg-config --static --cflags --libs mailstructure)

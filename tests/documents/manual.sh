@@ -25,11 +25,23 @@ declarations() {
         owner == page { sub(page == "MailStructure" ? "^$" : "^    ", ""); print }'
 }
 
+# functions_for_c: the functions that the header for C declares.
+functions_for_c() {
+    awk '/^MAIL_STRUCTURE_C_API / { on = 1 }
+        on { sub(/^MAIL_STRUCTURE_C_API /, ""); sub(/^ +/, "    "); print }
+        /;$/ { on = 0 }' "$sources/include/mail_structure_c.h"
+}
+
 # with_synopsis PAGE: the page, with its declarations in the first display.
 with_synopsis() {
-    declarations "$1" > "$work/declarations"
-    sed -E 's/^(struct |class |void )(MimeObj|header|feeder|Fill)\b/\1MailStructure::\2/' \
-        "$work/declarations" > "$work/shown"
+    if [[ $1 == mail_structure_c ]]; then
+        functions_for_c > "$work/shown"
+    else
+        declarations "$1" > "$work/declarations"
+        sed -E 's/^(struct |class |void )(MimeObj|header|feeder|Fill)\b/\1MailStructure::\2/' \
+            "$work/declarations" > "$work/shown"
+        cat "$work/declarations" >> "$work/all"
+    fi
     awk -v shown="$work/shown" '
         /^\.Ed/ { skip = 0 }
         !skip { print }
@@ -55,16 +67,15 @@ lint)
 members)
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header}; do
+    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header} mail_structure_c; do
         with_synopsis "$page" > "$work/page"
-        cat "$work/declarations" >> "$work/all"
         if [[ ${3-} == --update ]]; then
             cp "$work/page" "$sources/man/$page.3"
         else
             diff -u --label "$page.3" --label declared "$sources/man/$page.3" "$work/page"
         fi
     done
-    # Each declared line belongs to one page and no other.
+    # Each declared line of the header for C++ belongs to one page and no other.
     diff <(declared "$sources/include/mail_structure.h" | sed 's/^ *//' | sort) \
         <(sed 's/^ *//' "$work/all" | sort)
     ;;
@@ -116,5 +127,25 @@ END
     } > "$work/rest.cpp"
     compile "$work/rest.cpp" "$library" -o "$work/rest"
     [[ $("$work/rest") == "x;htmlutf-8;csv;" ]]
+
+    {
+        printf '#include <%s>\n' mail_structure_c.h stdio.h
+        literal mail_structure_c.3 2
+        cat << 'END'
+int main(void) {
+    static const char mail[] = "Content-Type: multipart/x; boundary=a\n\n--a\n\n--a--\n";
+    mail_structure_parser *parser = mail_structure_new();
+    list_types(parser, mail, sizeof mail - 1);
+    mail_structure_free(parser);
+    return 0;
+}
+END
+    } > "$work/list_types.c"
+    # shellcheck disable=SC2086 # a list of options
+    "$compiler" -x c -std=c99 -pedantic-errors -Wall -Wextra -Werror $flags \
+        -I "$sources/include" -c "$work/list_types.c" -o "$work/list_types.o"
+    # shellcheck disable=SC2086
+    "$compiler" $flags "$work/list_types.o" "$library" -o "$work/list_types"
+    [[ $("$work/list_types") == $'multipart/x\ntext/plain' ]]
     ;;
 esac

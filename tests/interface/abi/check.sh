@@ -56,6 +56,7 @@ notices() {
 }
 notices "a member that moves" "s/layout-offset-in-bits='1600'/layout-offset-in-bits='1632'/"
 notices "a larger record" "s/(name='header' size-in-bits=)'768'/\1'832'/"
+notices "a larger record for C" "s/(name='mail_structure_entity' size-in-bits=)'800'/\1'832'/"
 flag=$(sed -nE "s/.*<type-decl name='bool'.* id='(type-id-[0-9]+)'.*/\1/p" "$work/now.abi")
 notices "a member of another type" "/name='m_lines'/s/type-id='type-id-[0-9]+'/type-id='$flag'/"
 notices "a function that is gone" "/<elf-symbol name='_ZN13MailStructure7MimeObj5clearEv'/d"
