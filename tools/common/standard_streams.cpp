@@ -5,10 +5,10 @@
 #include "common/descriptor_io.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <fcntl.h>
 #include <iostream>
+#include <memory>
 #include <streambuf>
 #include <unistd.h>
 
@@ -40,7 +40,9 @@ protected:
     int sync() override { return write_out() ? 0 : -1; }
 
 private:
-    void empty() { setp(m_bytes.data(), m_bytes.data() + m_bytes.size()); }
+    static constexpr std::size_t buffer_bytes = 65536;
+
+    void empty() { setp(m_bytes.get(), m_bytes.get() + buffer_bytes); }
 
     bool write_out() {
         const std::string_view held(pbase(), static_cast<std::size_t>(pptr() - pbase()));
@@ -49,7 +51,8 @@ private:
     }
 
     int m_descriptor;
-    std::array<char, 65536> m_bytes{};
+    // Not filled with zeros: a program that prints little touches little of it.
+    std::unique_ptr<char[]> m_bytes = std::make_unique_for_overwrite<char[]>(buffer_bytes);
 };
 
 void open_closed_streams() {
