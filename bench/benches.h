@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// A parse from a memory stream.
+/// A parse from a memory stream, from memory, and in chunks.
 void register_parse(workload_source& source);
 /// A parse with the text kept, and from other streams.
 void register_parse_of_large(workload_source& source);

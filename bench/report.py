@@ -28,6 +28,13 @@ STREAMS = {
     "ifstream": "`std::ifstream`",
     "mapped": "memory-mapped file",
 }
+WAYS = {
+    "parse": "memory stream",
+    "memory": "`Fill` from memory",
+    "feed_65536": "fed 65,536 bytes at a time",
+    "feed_100": "fed 100 bytes at a time",
+    "feed_1": "fed one byte at a time",
+}
 FLOORS = {"getline_floor": "`std::getline` loop", "memchr": "`memchr` loop", "memcpy": "`memcpy`"}
 PEERS = {"dovecot": "Dovecot", "gmime": "GMime", "mimetic": "mimetic"}
 SCANS = {
@@ -142,6 +149,18 @@ def rules_table(figures):
                   "standard × next fastest library"], rows)
 
 
+def ways_table(figures, suffix):
+    """How the bytes arrive; the suffix chooses the rules."""
+    rows = []
+    for workload, title in WORKLOADS.items():
+        if not has_times(figures, f"{workload}/memory{suffix}"):
+            continue
+        rates = [rate(figures, f"{workload}/{way}{suffix}") for way in WAYS]
+        rows.append([title] + rates + [ratio(figures, f"{workload}/memory{suffix}",
+                                             figures, f"{workload}/parse{suffix}")])
+    return table(["MB/s", *WAYS.values(), "memory × memory stream"], rows)
+
+
 def peer_errors(figures):
     lines = []
     for name, figure in figures.items():
@@ -247,6 +266,8 @@ def write_table(path, options, figures, plain):
     text += "## Against other libraries\n\n"
     text += peer_table(figures) + PEER_NOTES + peer_errors(figures)
     text += "\n## Both sets of rules, from memory\n\n" + rules_table(figures)
+    text += "## From memory and in chunks\n\nBy the classic rules:\n\n" + ways_table(figures, "")
+    text += "By the standard rules:\n\n" + ways_table(figures, "_standard")
     text += "## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
     text += "## The scan of bodies alone\n\n" + scan_table(figures)
     text += "## Heap\n\n" + heap_table(options.figures + "/heap.txt")
