@@ -32,6 +32,10 @@ OFFERS = [
     ("mailstructure tree -- -", set()),
     ("mailstructure part ", {"HEADER", "TEXT"}),
     ("mailstructure part --list ", FILES),
+    ("mailstructure part --all -o out ", FILES),
+    ("mailstructure part --name ", set()),
+    ("mailstructure part --name a ", FILES),
+    ("mailstructure part --name=a ", FILES),
 ]
 
 # Lines, and what becomes of them.

@@ -21,7 +21,8 @@ end
 
 # Prints those of the words that are no options and no values of options.
 function __mailstructure_plain_words
-    set -l take_next --charset --color --colour --max-size --memlimit -o --output --range --rules
+    set -l take_next --charset --color --colour --max-size --memlimit --name -o --output --range \
+        --rules
     set -l is_value no
     for word in $argv
         if test $is_value = yes
@@ -37,7 +38,8 @@ end
 # Whether the word at the cursor is the section that part is to write.
 function __mailstructure_at_section
     set -l words (commandline -opc)
-    __mailstructure_command_is part; and not contains -- --list $words
+    __mailstructure_command_is part
+    and not string match -qr -- '^--(all|list|name)(=|$)' $words
     and test (count (__mailstructure_plain_words $words)) -eq 2
 end
 
@@ -79,6 +81,10 @@ complete -c mailstructure -n '__mailstructure_command_is part' -l charset -x -a 
     -d 'Convert text to this charset'
 complete -c mailstructure -n '__mailstructure_command_is part' -l range -x \
     -a 'header mime body contents epilogue' -d 'Write a recorded range'
+complete -c mailstructure -n '__mailstructure_command_is part' -l all \
+    -d 'Save all attachments in the folder of -o'
+complete -c mailstructure -n '__mailstructure_command_is part' -l name -x \
+    -d 'Choose attachments by file name'
 complete -c mailstructure -n '__mailstructure_command_is part' -l list -d 'List all sections'
 
 complete -c mailstructure -n '__mailstructure_command_is dump' -l keep-text -d 'Print texts too'

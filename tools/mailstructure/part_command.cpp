@@ -6,6 +6,8 @@
 #include "common/output_file.h"
 #include "common/section_ranges.h"
 #include "common/terminal.h"
+#include "mailstructure/attachment_choice.h"
+#include "mailstructure/attachment_saver.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/part_bytes.h"
 #include "mailstructure/section_list.h"
@@ -73,7 +75,8 @@ bool write_to_file(const part_options& options, const message_file& file, const 
 
 bool write_piece(const part_options& options, const message_reader& reader) {
     const message_file& file = reader.file();
-    const std::optional<chosen_piece> piece = choose(options, reader);
+    const std::optional<chosen_piece> piece =
+        options.m_name_pattern ? choose_by_name(options, reader) : choose(options, reader);
     if (!piece) return false;
     const std::optional<transfer_encoding> encoding = encoding_to_undo(options, *piece);
     if (!encoding) return false;
@@ -86,6 +89,8 @@ class part_help : public CLI::Formatter {
 public:
     std::string make_usage(const CLI::App* /*line*/, std::string /*name*/) const override {
         return "Usage: mailstructure part [OPTIONS] SECTION [FILE]\n"
+               "       mailstructure part [OPTIONS] --all -o DIR [FILE]\n"
+               "       mailstructure part [OPTIONS] --name GLOB [FILE]\n"
                "       mailstructure part [OPTIONS] --list [FILE]\n";
     }
 
@@ -96,8 +101,27 @@ public:
     }
 };
 
+/// Whether the options choose among the attachments, and no section is named.
+bool chooses_attachments(const part_options& options) {
+    return options.m_all || options.m_name_pattern;
+}
+
+/// What is wrong with the options of a call that chooses attachments; "" if nothing is.
+std::string complaint_about_attachments(const part_options& options) {
+    const std::string chosen_by = options.m_all ? "--all" : "--name";
+    if (options.m_list) return chosen_by + " cannot be combined with --list";
+    if (options.m_range)
+        return chosen_by + " cannot be combined with --range; attachments are written decoded";
+    if (options.m_all && options.m_force)
+        return "--all cannot be combined with --force; it replaces no file";
+    if (options.m_all && (!options.m_output || options.m_output == "-"))
+        return "--all needs --output with a folder";
+    return options.m_force && !options.m_output ? "--force is for use with --output" : "";
+}
+
 /// What is wrong with the combination of options; "" if nothing is.
 std::string complaint_about(const part_options& options) {
+    if (chooses_attachments(options)) return complaint_about_attachments(options);
     if (options.m_list) {
         if (options.m_range || options.m_decode)
             return "--list cannot be combined with --range, --decode or --charset";
@@ -121,11 +145,12 @@ std::string complaint_about(const part_options& options) {
                            "contents";
 }
 
-/// Assigns the arguments: SECTION [FILE], or [FILE] with --list.
+/// Assigns the arguments: SECTION [FILE], or [FILE] with an option that stands for SECTION.
 void take_arguments(part_options& options, bool has_first, bool has_second) {
     bool has_file = has_second;
-    if (options.m_list) {
-        if (has_second) throw CLI::ValidationError("--list takes one FILE and no SECTION");
+    if (options.m_list || chooses_attachments(options)) {
+        const std::string option = options.m_list ? "--list" : options.m_all ? "--all" : "--name";
+        if (has_second) throw CLI::ValidationError(option + " takes one FILE and no SECTION");
         options.m_file.swap(options.m_section_text);
         has_file = has_first;
     } else {
@@ -140,7 +165,8 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
     if (!options.m_decode_word.empty())
         options.m_decode =
             options.m_decode_word == "lenient" ? strictness::lenient : strictness::strict;
-    if (options.m_to_utf8 && !options.m_decode) options.m_decode = strictness::strict;
+    if ((options.m_to_utf8 || chooses_attachments(options)) && !options.m_decode)
+        options.m_decode = strictness::strict;
     const std::string complaint = complaint_about(options);
     if (!complaint.empty()) throw CLI::ValidationError(complaint);
     if (options.m_output == "-") options.m_output.reset(); // standard output
@@ -154,7 +180,8 @@ void describe_part(CLI::App& command, part_options& options) {
     command
         .add_option_function<std::string>(
             "--output,-o", [&options](const std::string& name) { options.m_output = name; },
-            "Write to the file, which must not exist yet; - is standard output")
+            "Write to the file, which must not exist yet; - is standard output. With --all: save in"
+            " the folder")
         ->type_name("FILE");
     command.add_flag("--force", options.m_force, "Replace the output file if it exists");
     command
@@ -176,6 +203,15 @@ void describe_part(CLI::App& command, part_options& options) {
         "or epilogue");
     describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
+    command.add_flag("--all", options.m_all,
+                     "Save all attachments, decoded, under safe names in the folder that --output "
+                     "names, and list them: section, type, size and name of each");
+    command
+        .add_option_function<std::string>(
+            "--name", [&options](const std::string& glob) { options.m_name_pattern = glob; },
+            "Write the attachment, decoded, whose file name matches the pattern; with --all, save "
+            "only those that match")
+        ->type_name("GLOB");
     command.add_flag(
         "--list", options.m_list,
         "List all sections: offset, length, type and name of each, and the disposition and file "
@@ -201,6 +237,7 @@ exit_status run_part(const part_options& options) {
     message_reader reader(options.m_rules);
     reader.limit_files(options.m_max_size);
     if (!reader.read(options.m_file)) return some_input_failed;
+    if (options.m_all) return save_attachments(options, reader) ? all_well : some_input_failed;
     if (!options.m_list) return write_piece(options, reader) ? all_well : some_input_failed;
     errno = 0;
     const std::size_t left_out =

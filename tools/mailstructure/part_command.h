@@ -1,4 +1,5 @@
-// The command `mailstructure part`: writes the bytes of a piece of a message, or lists all pieces.
+// The command `mailstructure part`: writes the bytes of a piece of a message, saves attachments, or
+// lists all pieces.
 
 #ifndef TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_PART_COMMAND_H
@@ -28,6 +29,8 @@ struct part_options {
     std::optional<strictness> m_decode;
     bool m_to_utf8 = false; // text is converted; it is decoded, too
     bool m_list = false;
+    bool m_all = false;
+    std::optional<std::string> m_name_pattern; // chooses attachments by their names
     bool m_force = false;
     std::optional<std::string> m_output;
     std::string m_file; // "-" is standard input
@@ -35,8 +38,8 @@ struct part_options {
 
 void describe_part(CLI::App& command, part_options& options);
 
-/// Writes the section to the output file or to standard output, or lists all sections. Writes
-/// nothing if the input cannot be read or has no such section.
+/// Writes the section to the output file or to standard output, saves attachments, or lists all
+/// sections. Writes nothing if the input cannot be read or has no such section.
 exit_status run_part(const part_options& options);
 
 #endif

@@ -1,0 +1,64 @@
+// Walks over the tree and picks the attachments; see the header.
+
+#include "mailstructure/attachments.h"
+
+#include "common/ascii_case.h"
+#include "common/field_lookup.h"
+#include "common/safe_file_name.h"
+#include "common/type_extension.h"
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+/// Whether readers show the part as the text of the message, unless its header block says more.
+bool has_type_of_text(const MimeObj& entity) {
+    if (entity.m_type.empty()) return true; // what is not typed is text/plain
+    return equal_ignoring_case(entity.m_type, "text")
+           && (equal_ignoring_case(entity.m_subtype, "plain")
+               || equal_ignoring_case(entity.m_subtype, "html"));
+}
+
+bool is_attachment(const MimeObj& entity, const std::string& sent_name, MailStructure::rules by) {
+    if (is_multipart(entity) && !entity.m_children.empty()) return false;
+    if (!sent_name.empty()) return true;
+    const std::string disposition = disposition_of(entity, by);
+    if (!disposition.empty() && !equal_ignoring_case(disposition, "inline")) return true;
+    return !is_multipart(entity) && !has_type_of_text(entity);
+}
+
+std::string name_for(const numbered_entity& numbered, const std::string& sent_name) {
+    std::string name = safe_file_name(sent_name);
+    if (!name.empty()) return name;
+    name = numbered.m_section.empty() ? "part" : numbered.m_section;
+    return name.append(1, '.').append(extension_for(media_type_of(*numbered.m_entity)));
+}
+
+} // namespace
+
+std::optional<attachment> attachment_walk::next() {
+    while (const numbered_entity* const numbered = m_walk.next()) {
+        if (m_depth_of_message && numbered->m_depth <= *m_depth_of_message)
+            m_depth_of_message.reset();
+        const bool is_message = numbered->m_entity->m_message;
+        if (is_message && m_depth_of_message) continue;
+        std::optional<attachment> found = attachment_from(*numbered);
+        if (!found) continue;
+        if (is_message) m_depth_of_message = numbered->m_depth;
+        return found;
+    }
+    return std::nullopt;
+}
+
+std::optional<attachment> attachment_walk::attachment_from(const numbered_entity& numbered) const {
+    const MimeObj& entity = *numbered.m_entity;
+    const std::string sent_name = file_name_of(entity, m_source);
+    if (!is_attachment(entity, sent_name, m_source.m_rules)) return std::nullopt;
+    std::string name = name_for(numbered, sent_name);
+    if (m_pattern != nullptr && !m_pattern->matches(sent_name) && !m_pattern->matches(name))
+        return std::nullopt;
+    const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
+    return attachment{{&entity, section_place::piece::body, is_message},
+                      std::string(numbered.m_section),
+                      std::move(name)};
+}
