@@ -3,6 +3,8 @@
 #ifndef MAIL_STRUCTURE_PARSER_CLASSIC_BOUNDARY_H
 #define MAIL_STRUCTURE_PARSER_CLASSIC_BOUNDARY_H
 
+#include "../lines/delimiter_filter.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,9 +16,17 @@ namespace mail_structure_detail::classic {
 /// "--ab--" closes it.
 enum class boundary_match : std::uint8_t { none, separator, closing };
 
-/// The delimiters ("--" and the boundary) whose closing line has not come, in the order in which
-/// Content-Type fields registered them.
-using delimiter_stack = std::vector<std::string>;
+struct registered_delimiter {
+    explicit registered_delimiter(std::string_view boundary)
+        : m_text(std::string("--").append(boundary)), m_filter(boundary) {}
+
+    std::string m_text; // "--" and the boundary
+    delimiter_filter m_filter;
+};
+
+/// The delimiters whose closing line has not come, in the order in which Content-Type fields
+/// registered them.
+using delimiter_stack = std::vector<registered_delimiter>;
 
 /// Kept: byte for byte. A trailing blank, another case, or anything but "--" after the delimiter
 /// makes the line no delimiter line. keeps_boundary_lines_exact

@@ -91,9 +91,10 @@ inline std::optional<run_limits> classic_grammar::may_take_run() const noexcept 
     const bool freely = m_state.m_phase == phase::body ? open.takes_body_lines_freely()
                                                        : open.takes_epilogue_lines_freely();
     if (!freely) return std::nullopt;
-    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
-                                                   : dashed_lines::end_the_run,
-                      stray_bytes::end_the_run};
+    if (m_state.m_delimiters.empty())
+        return run_limits{dashed_lines::are_text, stray_bytes::end_the_run};
+    return run_limits{dashed_lines::end_the_run, stray_bytes::end_the_run,
+                      m_state.m_delimiters.back().m_filter};
 }
 
 } // namespace mail_structure_detail::classic

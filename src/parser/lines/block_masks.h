@@ -6,11 +6,14 @@
 //     dash      0 0 0  0  1 1 0 0
 //
 // Processors differ only in how the masks are made. For each there is a struct, the parameter Make
-// of the templates, with two functions that read the 64 bytes at p: masks(p) makes the masks shown
-// here, and name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first
-// byte that it may not hold, the bits of name<Names>(p) mean nothing. Each processor's file
-// includes this one where its own instructions are switched on, so everything here is local to that
-// file.
+// of the templates, with three functions that read the 64 bytes at p:
+// - masks(p) makes the masks shown here.
+// - delimiter_like(p, probe) sets the bit of each LF behind which a line begins with a dash and has
+//   what the probe asks for. It also reads the 64 bytes at p + 1 and those at p + probe.m_ahead.
+// - name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first byte that
+//   it may not hold, the bits mean nothing.
+// Each processor's file includes this one where its own instructions are switched on, so everything
+// here is local to that file.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BLOCK_MASKS_H
@@ -28,6 +31,13 @@ namespace mail_structure_detail {
 namespace {
 
 constexpr std::size_t block_bytes = 64;
+
+/// One byte of a line, which lines that may be delimiter lines have in common.
+struct filter_probe {
+    std::size_t m_ahead; // from the LF before the line to this byte
+    char m_bits;         // of the byte that count
+    char m_value;        // of these bits; all other bits are 0
+};
 
 struct block_masks {
     std::uint64_t m_lf;

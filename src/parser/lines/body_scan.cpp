@@ -18,7 +18,8 @@ scanned_lines scan_body_plain(std::string_view bytes, run_limits limits) noexcep
         const std::size_t lf = bytes.find('\n', start);
         if (lf == std::string_view::npos) return found;
         const std::string_view line = bytes.substr(start, lf - start);
-        if (limits.m_dashed == dashed_lines::end_the_run && line.starts_with("--")) return found;
+        if (limits.m_dashed == dashed_lines::end_the_run && limits.m_filter.passes(line))
+            return found;
         if (limits.m_stray == stray_bytes::end_the_run && holds_stray_byte(line)) return found;
         start = lf + 1;
         found.m_bytes = start;

@@ -3,9 +3,11 @@
 //     bytes     a b CR LF - - x LF
 //     lf        0 0 0  1  0 0 0 1
 //     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
-//     dash      0 0 0  0  1 1 0 0       two of them behind an LF may begin a delimiter line
+//     dash      0 0 0  0  1 1 0 0       one behind an LF may begin a delimiter line
 //
-// The previous block's masks carry over what lies at its end.
+// Most lines that begin with dashes are no delimiter lines, and a branch for each of them would
+// often be mispredicted. So the scan also looks at the byte of each line that tells most of these
+// lines from delimiter lines (see delimiter_filter.h), and branches only if that byte fits too.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
@@ -22,23 +24,6 @@ namespace mail_structure_detail {
 
 namespace {
 
-/// Bit n is set where byte n shows that a line ends the run: it follows a suspect byte and is no
-/// LF, or it is the second of two dashes at the beginning of a line.
-/// @param before  the masks of the previous block
-template <bool Dashes, bool Strays>
-std::uint64_t run_ends(const block_masks& masks, const block_masks& before) noexcept {
-    std::uint64_t ends = 0;
-    if constexpr (Strays)
-        ends = (masks.m_suspect << 1 | before.m_suspect >> (block_bytes - 1)) & ~masks.m_lf;
-    if constexpr (Dashes) {
-        const std::uint64_t second_dashes =
-            masks.m_dash & (masks.m_dash << 1 | before.m_dash >> (block_bytes - 1));
-        if (second_dashes != 0) // which is rare
-            ends |= second_dashes & (masks.m_lf << 2 | before.m_lf >> (block_bytes - 2));
-    }
-    return ends;
-}
-
 /// Asks the processor to fetch bytes that the scan will come to soon: by itself the processor
 /// fetches ahead only within a page of memory. The scan reads nothing there, so the address need
 /// not be valid.
@@ -51,33 +36,81 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #endif
 }
 
+/// How far a scan has come.
+struct scan_progress {
+    std::size_t m_start = 0;            // of the next block
+    std::size_t m_lines = 0;            // that end before it
+    std::uint64_t m_suspect_before = 0; // of the block before it
+
+    void pass(const block_masks& masks) noexcept {
+        m_start += block_bytes;
+        m_lines += static_cast<std::size_t>(std::popcount(masks.m_lf));
+        m_suspect_before = masks.m_suspect;
+    }
+};
+
+/// Bit n is set where byte n follows a suspect byte and is no LF: the line ends the run.
+template <bool Strays>
+std::uint64_t stray_ends(const block_masks& masks, const scan_progress& reached) noexcept {
+    if constexpr (!Strays) return 0;
+    return (masks.m_suspect << 1 | reached.m_suspect_before >> (block_bytes - 1)) & ~masks.m_lf;
+}
+
+/// Bit n is set where byte n is an LF before a line that ends the run as one that begins with "--".
+/// After the first such LF, bits may be set for other lines too.
+template <bool Dashes>
+std::uint64_t dashed_ends(const block_masks& masks, const scan_progress& reached,
+                          std::string_view bytes, const delimiter_filter& filter) noexcept {
+    if constexpr (!Dashes) return 0;
+    constexpr std::uint64_t last = std::uint64_t{1} << (block_bytes - 1);
+    std::uint64_t dashed = masks.m_lf & (masks.m_dash >> 1 | last);
+    for (; dashed != 0; dashed &= dashed - 1) {
+        const auto lf = reached.m_start + static_cast<std::size_t>(std::countr_zero(dashed));
+        if (filter.passes(bytes.substr(lf + 1))) break;
+    }
+    return dashed;
+}
+
+/// Passes over blocks in which no line can end the run. Stops at the first block that needs a
+/// closer look, and where less than a block and the bytes that the filter looks at are left.
 template <class Make, bool Dashes, bool Strays>
-scanned_lines scan_by_blocks(std::string_view bytes) noexcept {
-    // The bytes begin at the beginning of a line, as if an LF stood before them.
-    block_masks before{std::uint64_t{1} << (block_bytes - 1), 0, 0};
-    std::size_t lines = 0;
-    std::size_t start = 0;
+scan_progress pass_over_text(scan_progress reached, std::string_view bytes,
+                             const delimiter_filter& filter) noexcept {
+    const filter_probe probe{filter.probe_place() + 1, filter.probe_bits(), filter.probe_value()};
+    const std::size_t needed = block_bytes + (Dashes ? probe.m_ahead : 0);
+    while (bytes.size() - reached.m_start >= needed) {
+        const char* const block = bytes.data() + reached.m_start;
+        fetch_ahead(block);
+        const block_masks masks = Make::masks(block);
+        std::uint64_t ends = stray_ends<Strays>(masks, reached);
+        if constexpr (Dashes) ends |= Make::delimiter_like(block, probe);
+        if (ends != 0) break; // which is rare
+        reached.pass(masks);
+    }
+    return reached;
+}
+
+template <class Make, bool Dashes, bool Strays>
+scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& filter) noexcept {
+    if (Dashes && filter.passes(bytes)) return {};
+    scan_progress reached;
     std::uint64_t ends = 0;
     std::uint64_t lf = 0;
-    for (; bytes.size() - start >= block_bytes; start += block_bytes) {
-        fetch_ahead(bytes.data() + start);
-        const block_masks masks = Make::masks(bytes.data() + start);
-        ends = run_ends<Dashes, Strays>(masks, before);
+    for (;;) {
+        std::string_view rest = bytes;
+        rest.remove_prefix(reached.m_start);
+        const block_masks masks = padded_block<Make>(rest).masks();
+        ends =
+            stray_ends<Strays>(masks, reached) | dashed_ends<Dashes>(masks, reached, bytes, filter);
         lf = masks.m_lf;
-        if (ends != 0) break;
-        lines += static_cast<std::size_t>(std::popcount(lf));
-        before = masks;
+        if (ends != 0 || rest.size() <= block_bytes) break;
+        reached.pass(masks);
+        reached = pass_over_text<Make, Dashes, Strays>(reached, bytes, filter);
     }
-    if (ends == 0) { // less than a block is left
-        const block_masks masks = padded_block<Make>(bytes.substr(start)).masks();
-        ends = run_ends<Dashes, Strays>(masks, before);
-        lf = masks.m_lf;
-    }
-    // The run ends with the last LF before the first byte whose bit is set in `ends`. Neither that
-    // byte nor the one before it is an LF.
-    if (ends != 0) lf &= (ends & (0 - ends)) - 1;
-    lines += static_cast<std::size_t>(std::popcount(lf));
-    const std::size_t seen = start + static_cast<std::size_t>(std::bit_width(lf));
+    // The run ends with the last LF up to the first byte whose bit is set in `ends`.
+    if (ends != 0) lf &= ends ^ (ends - 1);
+    const std::size_t lines = reached.m_lines + static_cast<std::size_t>(std::popcount(lf));
+    const std::size_t seen = reached.m_start + static_cast<std::size_t>(std::bit_width(lf));
     if (lines == 0) return {};
     if (lf != 0) return {seen, lines};
     const std::size_t last_lf = bytes.substr(0, seen).rfind('\n'); // in an earlier block
@@ -88,10 +121,10 @@ template <class Make>
 scanned_lines scan_by_blocks(std::string_view bytes, run_limits limits) noexcept {
     const bool strays = limits.m_stray == stray_bytes::end_the_run;
     if (limits.m_dashed == dashed_lines::end_the_run)
-        return strays ? scan_by_blocks<Make, true, true>(bytes)
-                      : scan_by_blocks<Make, true, false>(bytes);
-    return strays ? scan_by_blocks<Make, false, true>(bytes)
-                  : scan_by_blocks<Make, false, false>(bytes);
+        return strays ? scan_by_blocks<Make, true, true>(bytes, limits.m_filter)
+                      : scan_by_blocks<Make, true, false>(bytes, limits.m_filter);
+    return strays ? scan_by_blocks<Make, false, true>(bytes, limits.m_filter)
+                  : scan_by_blocks<Make, false, false>(bytes, limits.m_filter);
 }
 
 } // namespace

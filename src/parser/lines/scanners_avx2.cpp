@@ -69,6 +69,17 @@ struct avx2 {
                 bits(equal(low, '-'), equal(high, '-'))};
     }
 
+    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
+        const auto half = [&probe](const char* at) {
+            const __m256i dashed =
+                _mm256_and_si256(equal(load(at), '\n'), equal(load(at + 1), '-'));
+            const __m256i probed =
+                _mm256_and_si256(load(at + probe.m_ahead), _mm256_set1_epi8(probe.m_bits));
+            return _mm256_and_si256(dashed, equal(probed, probe.m_value));
+        };
+        return bits(half(p), half(p + 32));
+    }
+
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         if constexpr (Names == field_names::letters)

@@ -38,6 +38,17 @@ struct avx512 {
                 equal('-')};
     }
 
+    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
+        const auto equal = [](__mmask64 among, const char* at, char c) {
+            return _mm512_mask_cmpeq_epi8_mask(among, _mm512_loadu_si512(at), _mm512_set1_epi8(c));
+        };
+        const __mmask64 dashed = equal(equal(~__mmask64{0}, p, '\n'), p + 1, '-');
+        const __m512i differing = _mm512_xor_si512(_mm512_loadu_si512(p + probe.m_ahead),
+                                                   _mm512_set1_epi8(probe.m_value));
+        return std::uint64_t{
+            _mm512_mask_testn_epi8_mask(dashed, differing, _mm512_set1_epi8(probe.m_bits))};
+    }
+
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         const __m512i bytes = _mm512_loadu_si512(p);

@@ -14,33 +14,38 @@ namespace mail_structure_detail {
 namespace {
 
 struct neon {
+    static uint8x16_t load(const char* p) noexcept {
+        return vld1q_u8(reinterpret_cast<const std::uint8_t*>(p));
+    }
     static uint8x16_t equal(uint8x16_t bytes, char c) noexcept {
         return vceqq_u8(bytes, vdupq_n_u8(static_cast<std::uint8_t>(c)));
     }
-    static uint8x16_t lf(uint8x16_t bytes) noexcept { return equal(bytes, '\n'); }
-    static uint8x16_t suspect(uint8x16_t bytes) noexcept {
-        return vorrq_u8(equal(bytes, '\r'), equal(bytes, '\0'));
+    static uint8x16_t lf(const char* p) noexcept { return equal(load(p), '\n'); }
+    static uint8x16_t suspect(const char* p) noexcept {
+        return vorrq_u8(equal(load(p), '\r'), equal(load(p), '\0'));
     }
-    static uint8x16_t dash(uint8x16_t bytes) noexcept { return equal(bytes, '-'); }
-    static uint8x16_t printable(uint8x16_t bytes) noexcept {
+    static uint8x16_t dash(const char* p) noexcept { return equal(load(p), '-'); }
+    static uint8x16_t printable(const char* p) noexcept {
+        const uint8x16_t bytes = load(p);
         const uint8x16_t from_first = vsubq_u8(bytes, vdupq_n_u8('!'));
         return vbicq_u8(vcltq_u8(from_first, vdupq_n_u8('\x7F' - '!')), equal(bytes, ':'));
     }
-    static uint8x16_t letter_or_hyphen(uint8x16_t bytes) noexcept {
+    static uint8x16_t letter_or_hyphen(const char* p) noexcept {
+        const uint8x16_t bytes = load(p);
         const uint8x16_t from_a = vsubq_u8(vorrq_u8(bytes, vdupq_n_u8(0x20)), vdupq_n_u8('a'));
         return vorrq_u8(vcltq_u8(from_a, vdupq_n_u8(26)), equal(bytes, '-'));
     }
 
-    /// Bit n is set where Test sets byte n. NEON has no instruction that gathers bits. So each byte
-    /// keeps only the bit of its place among eight, and three additions of neighbours bring the
-    /// bits of eight bytes together in one byte.
-    template <uint8x16_t (*Test)(uint8x16_t)>
-    static std::uint64_t gather(const char* p) noexcept {
+    /// Bit n is set where the test, given the place of 16 bytes, sets byte n. NEON has no
+    /// instruction that gathers bits. So each byte keeps only the bit of its place among eight, and
+    /// three additions of neighbours bring the bits of eight bytes together in one byte.
+    template <class Test>
+    static std::uint64_t gather(const char* p, Test test) noexcept {
         constexpr std::uint8_t places[16] = {1, 2, 4, 8, 16, 32, 64, 128,
                                              1, 2, 4, 8, 16, 32, 64, 128};
         const uint8x16_t place = vld1q_u8(places);
-        const auto quarter = [p, place](std::size_t at) {
-            return vandq_u8(Test(vld1q_u8(reinterpret_cast<const std::uint8_t*>(p) + at)), place);
+        const auto quarter = [p, place, test](std::size_t at) {
+            return vandq_u8(test(p + at), place);
         };
         const uint8x16_t low = vpaddq_u8(quarter(0), quarter(16));
         const uint8x16_t high = vpaddq_u8(quarter(32), quarter(48));
@@ -49,12 +54,20 @@ struct neon {
     }
 
     static block_masks masks(const char* p) noexcept {
-        return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
+        return {gather(p, lf), gather(p, suspect), gather(p, dash)};
+    }
+    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
+        return gather(p, [&probe](const char* at) {
+            const uint8x16_t dashed = vandq_u8(lf(at), dash(at + 1));
+            const uint8x16_t probed = vandq_u8(load(at + probe.m_ahead),
+                                               vdupq_n_u8(static_cast<std::uint8_t>(probe.m_bits)));
+            return vandq_u8(dashed, equal(probed, probe.m_value));
+        });
     }
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         constexpr auto test = Names == field_names::letters ? &letter_or_hyphen : &printable;
-        return gather<test>(p);
+        return gather(p, test);
     }
 };
 

@@ -9,9 +9,10 @@ namespace mail_structure_detail {
 namespace {
 
 struct portable {
+    static constexpr std::uint64_t ones = 0x0101010101010101;
+
     /// Bit n is set where byte n of the word, counted from its low end, is c.
     static std::uint64_t equal(std::uint64_t word, char c) noexcept {
-        constexpr std::uint64_t ones = 0x0101010101010101;
         constexpr std::uint64_t low7 = 0x7F7F7F7F7F7F7F7F;
         const std::uint64_t differing = word ^ ones * static_cast<unsigned char>(c);
         // 0x80 in each byte of `differing` that is 0; no carry passes from byte to byte.
@@ -21,15 +22,32 @@ struct portable {
         return ((zero_bytes >> 7) * gather >> 49 & 0x7F) | zero_bytes >> 63 << 7;
     }
 
+    static std::uint64_t load(const char* p) noexcept {
+        std::uint64_t word = 0;
+        for (unsigned byte = 0; byte < 8; ++byte)
+            word |= std::uint64_t{static_cast<unsigned char>(p[byte])} << 8 * byte;
+        return word;
+    }
+
     static block_masks masks(const char* p) noexcept {
         block_masks found{0, 0, 0};
         for (unsigned at = 0; at < block_bytes; at += 8) {
-            std::uint64_t word = 0;
-            for (unsigned byte = 0; byte < 8; ++byte)
-                word |= std::uint64_t{static_cast<unsigned char>(p[at + byte])} << 8 * byte;
+            const std::uint64_t word = load(p + at);
             found.m_lf |= equal(word, '\n') << at;
             found.m_suspect |= (equal(word, '\r') | equal(word, '\0')) << at;
             found.m_dash |= equal(word, '-') << at;
+        }
+        return found;
+    }
+
+    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
+        const std::uint64_t bits = ones * static_cast<unsigned char>(probe.m_bits);
+        std::uint64_t found = 0;
+        for (unsigned at = 0; at < block_bytes; at += 8) {
+            const char* const line_end = p + at;
+            found |= (equal(load(line_end), '\n') & equal(load(line_end + 1), '-')
+                      & equal(load(line_end + probe.m_ahead) & bits, probe.m_value))
+                     << at;
         }
         return found;
     }

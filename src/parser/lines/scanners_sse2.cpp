@@ -14,43 +14,55 @@ namespace mail_structure_detail {
 namespace {
 
 struct sse2 {
+    static __m128i load(const char* p) noexcept {
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    }
     static __m128i equal(__m128i bytes, char c) noexcept {
         return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c));
     }
-    static __m128i lf(__m128i bytes) noexcept { return equal(bytes, '\n'); }
-    static __m128i suspect(__m128i bytes) noexcept {
-        return _mm_or_si128(equal(bytes, '\r'), equal(bytes, '\0'));
+    static __m128i lf(const char* p) noexcept { return equal(load(p), '\n'); }
+    static __m128i suspect(const char* p) noexcept {
+        return _mm_or_si128(equal(load(p), '\r'), equal(load(p), '\0'));
     }
-    static __m128i dash(__m128i bytes) noexcept { return equal(bytes, '-'); }
-    static __m128i printable(__m128i bytes) noexcept {
+    static __m128i dash(const char* p) noexcept { return equal(load(p), '-'); }
+    static __m128i printable(const char* p) noexcept {
+        const __m128i bytes = load(p);
         const __m128i above_blank = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(' ')); // signed
         return _mm_andnot_si128(_mm_or_si128(equal(bytes, ':'), equal(bytes, '\x7F')), above_blank);
     }
-    static __m128i letter_or_hyphen(__m128i bytes) noexcept {
+    static __m128i letter_or_hyphen(const char* p) noexcept {
+        const __m128i bytes = load(p);
         const __m128i lower = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
         // There is only a signed comparison: 'a' is moved to -128, and 'z' to -103.
         const __m128i from_a = _mm_add_epi8(lower, _mm_set1_epi8(static_cast<char>(-128 - 'a')));
         return _mm_or_si128(_mm_cmplt_epi8(from_a, _mm_set1_epi8(-102)), equal(bytes, '-'));
     }
 
-    /// Bit n is set where Test sets byte n.
-    template <__m128i (*Test)(__m128i)>
-    static std::uint64_t gather(const char* p) noexcept {
+    /// Bit n is set where the test, given the place of 16 bytes, sets byte n.
+    template <class Test>
+    static std::uint64_t gather(const char* p, Test test) noexcept {
         std::uint64_t bits = 0;
         for (unsigned at = 0; at < block_bytes; at += 16) {
-            const __m128i quarter = Test(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + at)));
-            bits |= std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(quarter))} << at;
+            bits |= std::uint64_t{static_cast<unsigned>(_mm_movemask_epi8(test(p + at)))} << at;
         }
         return bits;
     }
 
     static block_masks masks(const char* p) noexcept {
-        return {gather<lf>(p), gather<suspect>(p), gather<dash>(p)};
+        return {gather(p, lf), gather(p, suspect), gather(p, dash)};
+    }
+    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
+        return gather(p, [&probe](const char* at) {
+            const __m128i dashed = _mm_and_si128(lf(at), dash(at + 1));
+            const __m128i probed =
+                _mm_and_si128(load(at + probe.m_ahead), _mm_set1_epi8(probe.m_bits));
+            return _mm_and_si128(dashed, equal(probed, probe.m_value));
+        });
     }
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
         constexpr auto test = Names == field_names::letters ? &letter_or_hyphen : &printable;
-        return gather<test>(p);
+        return gather(p, test);
     }
 };
 

@@ -23,7 +23,9 @@ void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
     if (2 * (m_delimiters.size() + 1) > m_slots.size()) grow_table();
     const std::uint64_t hash = keyed_hash(boundary);
     std::size_t& slot = m_slots[slot_of(boundary, hash)];
-    m_delimiters.push_back({std::string(boundary), hash, depth, slot});
+    delimiter_filter filter = empty() ? delimiter_filter(boundary) : m_delimiters.back().m_filter;
+    filter.admit(boundary);
+    m_delimiters.push_back({std::string(boundary), hash, depth, slot, filter});
     slot = m_delimiters.size() - 1;
     m_lengths |= length_bit(boundary.size());
 }

@@ -8,6 +8,8 @@
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_DELIMITERS_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_DELIMITERS_H
 
+#include "../lines/delimiter_filter.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,6 +42,9 @@ public:
     /// The number of open entities when the delimiter's multipart is the innermost.
     std::size_t depth_of(std::size_t index) const noexcept { return m_delimiters[index].m_depth; }
 
+    /// Passes all lines that may be delimiter lines. There must be a delimiter in force.
+    const delimiter_filter& filter() const noexcept { return m_delimiters.back().m_filter; }
+
     /// Whether a line is a delimiter line: "--", a boundary, "--" or nothing, and then blanks and
     /// CRs. A delimiter line of several multiparts belongs to the innermost of them. Linear in the
     /// text.
@@ -56,7 +61,8 @@ private:
         std::string m_boundary;
         std::uint64_t m_hash;
         std::size_t m_depth;
-        std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
+        std::size_t m_hidden;      // the next delimiter outwards with the same boundary, or none
+        delimiter_filter m_filter; // of this delimiter and all those outwards
     };
 
     /// Whether the line is a delimiter line of the innermost multipart.

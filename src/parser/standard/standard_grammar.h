@@ -85,9 +85,10 @@ inline std::optional<run_limits> standard_grammar::may_take_run() const noexcept
                             ? m_state.m_open.takes_body_lines_freely()
                             : m_state.m_open.takes_own_epilogue_lines_freely();
     if (!freely) return std::nullopt;
-    return run_limits{m_state.m_delimiters.empty() ? dashed_lines::are_text
-                                                   : dashed_lines::end_the_run,
-                      stray_bytes::are_text};
+    if (m_state.m_delimiters.empty())
+        return run_limits{dashed_lines::are_text, stray_bytes::are_text};
+    return run_limits{dashed_lines::end_the_run, stray_bytes::are_text,
+                      m_state.m_delimiters.filter()};
 }
 
 } // namespace mail_structure_detail::standard

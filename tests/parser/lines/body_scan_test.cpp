@@ -63,6 +63,7 @@ const scan_case scan_cases[] = {
     {"dashed_line", "a\n--b\nc\n", "3 lines, 8 bytes", "1 lines, 2 bytes"},
     {"dashed_first_line", "--\na\n", "2 lines, 5 bytes", "0 lines, 0 bytes"},
     {"one_dash_is_text", "-\n-a\n", "2 lines, 5 bytes", "2 lines, 5 bytes"},
+    {"dashes_behind_dashes", "a\n---abc\n", "2 lines, 9 bytes", "1 lines, 2 bytes"},
     {"dashes_inside_a_line_are_text", "a--b\n --\n", "2 lines, 9 bytes", "2 lines, 9 bytes"},
 };
 
@@ -83,6 +84,12 @@ TEST_P(body_scan, takes_every_line_where_nothing_ends_the_run) {
     EXPECT_EQ(as_text(scan_body_plain(bytes, {dashed_lines::are_text, stray_bytes::are_text})),
               std::to_string(lines) + " lines, " + std::to_string(bytes.rfind('\n') + 1)
                   + " bytes");
+}
+
+TEST(body_scan, goes_on_over_dashed_lines_that_do_not_pass_the_filter) {
+    const mail_structure_detail::run_limits limits{dashed_lines::end_the_run, stray_bytes::are_text,
+                                                   mail_structure_detail::delimiter_filter("ab")};
+    EXPECT_EQ(as_text(scan_body_plain("--\n--a\n--ba\n--ab\n", limits)), "3 lines, 12 bytes");
 }
 
 TEST(body_scan, ends_at_dashes_behind_stray_bytes) {
@@ -115,6 +122,23 @@ TEST(body_scanners, agree_on_random_bytes) {
             if (random.one_in(rarity)) byte = telling[random.below(telling.size())];
         for (std::size_t at = 0; at + 1 < bytes.size(); ++at) // most CRs precede an LF, as in mail
             if (bytes[at] == '\r' && !random.one_in(8)) bytes[at + 1] = '\n';
+        ASSERT_NO_FATAL_FAILURE(expect_all_agree(bytes)) << "round " << round;
+    }
+}
+
+/// Long runs of lines that begin with "--", for the filters that the scanners look ahead for.
+TEST(body_scanners, agree_on_dashed_lines) {
+    const std::string pieces[] = {
+        "\n",  "--\n", "---ab\n", "---a\n", "---bb\r\n",          "-\n",
+        "--x", "text", "\n---",   "\r",     std::string(42, '-'), std::string(42, '-') + "a\n"};
+    seeded_random random(2);
+    for (int round = 0; round < 20000; ++round) {
+        // Now and then a piece that may end a run comes late.
+        const std::size_t rarity = std::size_t{1} << random.below(6);
+        std::string bytes;
+        for (const std::size_t size = random.below(600); bytes.size() < size;)
+            bytes += random.one_in(rarity) ? pieces[random.below(std::size(pieces))]
+                                           : pieces[random.below(2)];
         ASSERT_NO_FATAL_FAILURE(expect_all_agree(bytes)) << "round " << round;
     }
 }
