@@ -12,7 +12,8 @@
 //     `, a, b, d, h, t          as @, A, B, D, H and T, by the standard rules instead of the
 //                               classic ones                                        (bit 5)
 //        A..O                   the second byte: how the stream hands out its bytes
-//          *  *                 third and fourth: the limit; the place of a fault or of the wrap
+//          *  *                 third and fourth: the limit; the place of a fault, of the wrap or
+//                               of the end of a feeder, and the size of the feeder's chunks
 
 #ifndef FUZZ_FUZZ_OPTIONS_H
 #define FUZZ_FUZZ_OPTIONS_H

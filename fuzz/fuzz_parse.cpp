@@ -1,5 +1,6 @@
 // Parses a message, checks the rules that every tree obeys, and parses again with the filled
 // object. Then does with the tree what hosts do: copies, assignments, the dump, clear, destruction.
+// Breaks off a feeder as well.
 
 #include <mail_structure.h>
 
@@ -16,6 +17,7 @@
 #include <stdexcept>
 #include <streambuf>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -35,6 +37,27 @@ outcome fill(MailStructure& message, const fuzz::fuzz_input& input) {
     }
     fuzz::require(message.m_done, "m_done is set at the end of the input");
     return outcome::done;
+}
+
+/// A feeder that is dropped leaves the tree of Fill over the bytes that had come. They come in two
+/// chunks.
+void break_off(const fuzz::fuzz_input& input) {
+    const std::string_view bytes = input.m_message.substr(0, input.fault_offset());
+    MailStructure filled;
+    MailStructure fed;
+    filled.m_keep_text = fed.m_keep_text = input.m_keep_text;
+    try {
+        filled.Fill(bytes, input.m_rules);
+    } catch (const std::exception&) {} // what it leaves is compared
+    try {
+        MailStructure::feeder feeder(fed, input.m_rules);
+        feeder.feed(bytes.substr(0, bytes.size() / 2));
+        feeder.feed(bytes.substr(bytes.size() / 2));
+    } catch (const std::exception&) {
+        fuzz::require(!filled.m_done, "feed throws only where Fill throws");
+    }
+    fuzz::require(!fed.m_done, "m_done stays when a feeder is dropped");
+    fuzz::require_same_tree(filled.m_root, fed.m_root, fuzz::parents::ignored);
 }
 
 /// Takes what is written to it and keeps none of it.
@@ -126,6 +149,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::require_same_tree(message.m_root, copy, fuzz::parents::ignored);
 
     if (!input.m_rare_steps) return 0;
+    break_off(input);
     if (input.m_dump) dump(message); // slow: it makes and flushes many small lines
     live_on(message, copy);
     return 0;

@@ -1,5 +1,5 @@
 // Compares the library with the reference parser of the same rule set: the whole tree, the error,
-// and the state in which the stream is left.
+// and the state in which the stream is left. Compares Fill from memory and the feeder as well.
 
 #include <mail_structure.h>
 
@@ -9,11 +9,34 @@
 #include "require.h"
 #include "support/compare.h"
 #include "support/fill_unchecked.h"
+#include "support/streams.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <ios>
 #include <istream>
 #include <string>
+
+namespace {
+
+/// The tree of the whole message, handed in without a stream. The fourth byte of the input is the
+/// size of the chunks for the feeder; 0: random sizes.
+void compare_without_a_stream(const fuzz::fuzz_input& input, std::uint32_t first_offset,
+                              const reference::message& expected) {
+    using test_support::delivery;
+    using test_support::entrance;
+    for (const delivery& way : {delivery{"", test_support::all_bytes, entrance::memory},
+                                delivery{"", input.m_place, entrance::feeder}}) {
+        MailStructure message;
+        message.m_keep_text = input.m_keep_text;
+        const std::string error = test_support::fill_unchecked(message, input.m_message, way,
+                                                               first_offset, input.m_rules);
+        const std::string difference = test_support::first_difference(message, error, expected);
+        fuzz::require(difference.empty(), difference);
+    }
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const fuzz::fuzz_input input = fuzz::read_input(data, size);
@@ -41,5 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   "both leave the same stream state");
     fuzz::require(stream.count_rest() == reference_stream.count_rest(),
                   "both leave the stream at the same place");
+    if (!input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit)
+        compare_without_a_stream(input, wanted.m_first_offset, expected);
     return 0;
 }
