@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <nettle/base64.h>
+#include <vector>
 
 namespace {
 
@@ -17,7 +18,9 @@ constexpr std::size_t block_bytes = 65536;
 /// Decodes base64 a block at a time.
 class base64_decoder {
 public:
-    base64_decoder(std::string_view text, const byte_sink& sink) : m_text(text), m_sink(sink) {
+    base64_decoder(std::string_view text, const byte_sink& sink)
+        : m_text(text), m_sink(sink),
+          m_decoded(BASE64_DECODE_LENGTH(std::min(text.size(), block_bytes))) {
         ::base64_decode_init(&m_context);
     }
 
@@ -67,7 +70,7 @@ private:
     std::string_view m_text;
     const byte_sink& m_sink;
     base64_decode_ctx m_context{};
-    std::array<std::uint8_t, BASE64_DECODE_LENGTH(block_bytes)> m_decoded{};
+    std::vector<std::uint8_t> m_decoded;
 };
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
@@ -75,7 +78,10 @@ bool is_blank(char c) { return c == ' ' || c == '\t'; }
 /// Gathers decoded bytes and hands them to a sink in blocks, until that wants no more.
 class block_gatherer {
 public:
-    explicit block_gatherer(const byte_sink& sink) : m_sink(sink) { m_block.reserve(block_bytes); }
+    /// @param most  no more bytes than this come
+    block_gatherer(const byte_sink& sink, std::size_t most) : m_sink(sink) {
+        m_block.reserve(std::min(most, block_bytes));
+    }
 
     bool is_wanted() const { return m_wanted; }
 
@@ -133,7 +139,7 @@ bool is_white_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 class lenient_base64_decoder {
 public:
     lenient_base64_decoder(std::string_view text, const byte_sink& sink)
-        : m_text(text), m_decoded(sink) {}
+        : m_text(text), m_decoded(sink, text.size()) {}
 
     std::optional<decoding_damage> run() {
         while (m_at < m_text.size() && m_decoded.is_wanted()) {
@@ -229,7 +235,7 @@ private:
 class quoted_printable_decoder {
 public:
     quoted_printable_decoder(std::string_view text, const byte_sink& sink)
-        : m_text(text), m_decoded(sink) {}
+        : m_text(text), m_decoded(sink, text.size()) {}
 
     std::optional<decoding_damage> run() {
         while (m_at < m_text.size() && m_decoded.is_wanted()) {
@@ -295,7 +301,8 @@ private:
 /// for the count of their bytes, and a last line "end". Each character stands for six bits.
 class uu_decoder {
 public:
-    uu_decoder(std::string_view text, const byte_sink& sink) : m_text(text), m_decoded(sink) {}
+    uu_decoder(std::string_view text, const byte_sink& sink)
+        : m_text(text), m_decoded(sink, text.size()) {}
 
     std::optional<decoding_damage> run() {
         if (skip_to_begin()) {
