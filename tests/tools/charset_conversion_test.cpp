@@ -97,7 +97,7 @@ converted convert(const conversion_case& row, strictness how, std::size_t piece_
 
 TEST_P(conversion, is_strict) {
     const conversion_case& row = GetParam();
-    for (const std::size_t piece_bytes : {1, 2, 3, 100}) {
+    for (const std::size_t piece_bytes : {1U, 2U, 3U, 100U}) {
         const converted result = convert(row, strictness::strict, piece_bytes);
         EXPECT_EQ(result.m_all, row.m_strict != nullptr) << piece_bytes;
         if (row.m_strict != nullptr) {
@@ -109,7 +109,7 @@ TEST_P(conversion, is_strict) {
 }
 
 TEST_P(conversion, is_lenient) {
-    for (const std::size_t piece_bytes : {1, 2, 3, 100}) {
+    for (const std::size_t piece_bytes : {1U, 2U, 3U, 100U}) {
         const converted result = convert(GetParam(), strictness::lenient, piece_bytes);
         EXPECT_TRUE(result.m_all);
         EXPECT_EQ(result.m_text, GetParam().m_lenient) << piece_bytes;

@@ -196,7 +196,7 @@ private:
 std::vector<mail_address> addresses_in(std::string_view text) { return list_reader(text).read(); }
 
 std::string identifier_in(std::string_view text) {
-    const std::string bare = without_comments(text);
+    std::string bare = without_comments(text);
     const std::size_t begin = bare.find('<');
     if (begin == std::string::npos) return bare;
     const std::size_t end = bare.find('>', begin);

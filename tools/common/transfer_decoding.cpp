@@ -121,15 +121,16 @@ private:
 
 /// The six bits that a character of base64 stands for; no_digit for any other.
 constexpr std::uint8_t no_digit = 64;
-constexpr std::array<std::uint8_t, 256> base64_digits = [] {
+constexpr std::array<std::uint8_t, 256> values_of_characters() {
     constexpr std::string_view digits =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::array<std::uint8_t, 256> values{};
     values.fill(no_digit);
-    for (std::size_t at = 0; at < digits.size(); ++at)
-        values[static_cast<unsigned char>(digits[at])] = static_cast<std::uint8_t>(at);
+    std::uint8_t value = 0;
+    for (const char digit : digits) values[static_cast<unsigned char>(digit)] = value++;
     return values;
-}();
+}
+constexpr std::array<std::uint8_t, 256> base64_digits = values_of_characters();
 
 std::uint8_t base64_digit(char c) { return base64_digits[static_cast<unsigned char>(c)]; }
 
