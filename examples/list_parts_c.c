@@ -1,5 +1,5 @@
-/* Lists the entities of a message, in C: section of the tree, media type, and where the body lies
- * in the file. The file is read in pieces, and no piece is kept. */
+/* Lists the entities of a message, in C: media type, indented by the depth of the entity, and where
+ * the body lies in the file. The file is read in pieces, and no piece is kept. */
 
 #include <mail_structure_c.h>
 
