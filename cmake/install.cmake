@@ -1,4 +1,4 @@
-# What `cmake --install` installs: the header, both libraries, the files by which a host's build
+# What `cmake --install` installs: the headers, both libraries, the files by which a host's build
 # finds them, the tool with its completion, manual pages and documentation. No installed file names
 # the folder that it was installed into, so the whole prefix can be moved.
 #
@@ -87,7 +87,7 @@ install(
 # A page is installed under the name of what it describes. The sources have a dot for the colons,
 # which some file systems do not allow in names.
 foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::feeder
-             MailStructure::header mail_structure_c)
+             MailStructure::header mail_sections mail_structure_c)
   string(REPLACE "::" "." file ${page})
   install(
     FILES man/${file}.3

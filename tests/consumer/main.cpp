@@ -1,9 +1,11 @@
 // A host program in strict C++17 that uses nothing but an installed copy of the library.
 
+#include <mail_sections.h>
 #include <mail_structure.h>
 
 #include <iostream>
 #include <sstream>
+#include <string>
 
 #if defined(__STRICT_ANSI__) && __cplusplus == 201703L
 // as intended
@@ -12,8 +14,9 @@
 #endif
 
 int main() {
-    std::istringstream mail(
-        "Subject: hi\nContent-Type: multipart/mixed; boundary=XY\n\n--XY\nA: b\n\nhello\n--XY--\n");
+    const std::string text =
+        "Subject: hi\nContent-Type: multipart/mixed; boundary=XY\n\n--XY\nA: b\n\nhello\n--XY--\n";
+    std::istringstream mail(text);
     MailStructure message;
     message.Fill(mail);
     const MailStructure copy = message;
@@ -21,6 +24,14 @@ int main() {
     const MailStructure::MimeObj& part = copy.m_root.m_children.front();
     const std::string* subject = copy.m_root.find_header("subject", nullptr);
     if (subject == nullptr || !strncasecmp(*subject, "HI", 2)) return 1;
+    mail_sections::walk walk(copy.m_root);
+    if (walk.next()->m_name != "TEXT" || walk.next()->m_name != "1") return 1;
+    mail_sections::ranges ranges(copy.m_root, {text, MailStructure::rules::classic});
+    const mail_sections::found first = mail_sections::find(copy.m_root, "1");
+    const mail_sections::byte_range range = ranges.of(first.m_place);
+    if (!first || text.substr(range.m_offset, range.m_length) != "hello") return 1;
+    if (mail_sections::text_of(ranges.at(range.m_offset).m_section) != "1") return 1;
+    if (mail_sections::find(copy.m_root, "2").m_error.m_parts != 1) return 1;
     std::cout << _lib_version << ' ' << part.m_body_beg << ' ' << part.m_body_len << ' '
               << MailStructure::m_memlimit << '\n';
     return 0;

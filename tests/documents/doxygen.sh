@@ -14,11 +14,12 @@ rm -rf "$output"
 mkdir -p "$output"
 (cd "$sources" && doxygen doc/Doxyfile)
 test -s "$output/html/structMailStructure_1_1MimeObj.html"
+test -s "$output/html/namespacemail__sections.html"
 [ "${4-}" = --check ] || exit 0
 
 copy=$output/copy
-mkdir -p "$copy/include"
-cp -r "$sources/doc" "$sources/examples" "$copy"
+mkdir -p "$copy"
+cp -r "$sources/doc" "$sources/examples" "$sources/include" "$copy"
 export MAILSTRUCTURE_REFERENCE="$copy"
 for member in 'std::uint32_t m_header_len' 'void clear' 'std::string m_value' 'void Fill'; do
     # The comment is what stands directly above the member, or after it.

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The manual pages: clean, true to the header, and with examples that compile.
+# The manual pages: clean, true to the headers, and with examples that compile.
 # manual.sh lint SOURCE_FOLDER
-# manual.sh members SOURCE_FOLDER [--update]    man(3) shows every declaration of the header
+# manual.sh members SOURCE_FOLDER [--update]    man(3) shows every declaration of the headers
 # manual.sh examples SOURCE_FOLDER LIBRARY COMPILER [COMPILER_FLAGS]    LIBRARY: the static one
 set -euo pipefail
 way=$1 sources=$2
@@ -10,11 +10,17 @@ way=$1 sources=$2
 # what is not public.
 declared() {
     sed -E '/^namespace mail_structure_detail/,/^}/d; /^    private:/,/^    };/{/^    };/!d}
+        /^private:/,/^};/{/^};/!d}
         s# *//.*##; s/MAIL_STRUCTURE_API //' "$1" | grep -vE '^ *(#.*)?$'
 }
 
-# declarations PAGE: those that belong to it. Nested records and Fill have pages of their own.
+# declarations PAGE: those that belong to it. In mail_structure.h, nested records and Fill have
+# pages of their own.
 declarations() {
+    if [[ $1 == mail_sections ]]; then
+        declared "$sources/include/mail_sections.h"
+        return
+    fi
     declared "$sources/include/mail_structure.h" | awk -v page="$1" '
         /^    struct header \{/ { record = "MailStructure.header" }
         /^    struct MimeObj \{/ { record = "MailStructure.MimeObj" }
@@ -67,7 +73,8 @@ lint)
 members)
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header} mail_structure_c; do
+    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header} mail_sections \
+        mail_structure_c; do
         with_synopsis "$page" > "$work/page"
         if [[ ${3-} == --update ]]; then
             cp "$work/page" "$sources/man/$page.3"
@@ -75,8 +82,10 @@ members)
             diff -u --label "$page.3" --label declared "$sources/man/$page.3" "$work/page"
         fi
     done
-    # Each declared line of the header for C++ belongs to one page and no other.
-    diff <(declared "$sources/include/mail_structure.h" | sed 's/^ *//' | sort) \
+    # Each declared line of the headers for C++ belongs to one page and no other.
+    diff <(for header in structure sections; do
+        declared "$sources/include/mail_$header.h"
+    done | sed 's/^ *//' | sort) \
         <(sed 's/^ *//' "$work/all" | sort)
     ;;
 examples)
@@ -103,7 +112,7 @@ END
 
     # The shorter ones, in a program that uses them.
     {
-        printf '#include <%s>\n' mail_structure.h iostream istream streambuf string string_view \
+        printf '#include <%s>\n' mail_sections.h iostream istream streambuf string string_view \
             vector
         literal MailStructure.Fill.3 2
         literal MailStructure.feeder.3 2
@@ -112,21 +121,25 @@ END
         echo '    std::cout << part.m_subtype << charset_of(part) << ";";'
         echo '}'
         literal MailStructure.MimeObj.3 2
+        literal mail_sections.3 2
         cat << 'END'
 int main() {
     MailStructure message;
-    parse(message, "Content-Type: multipart/x; boundary=a\n\n"
-                   "--a\nContent-Type: text/html; CharSet=\"utf-8\"\n\n--a--\n");
+    const std::string text = "Content-Type: multipart/x; boundary=a\n\n"
+                             "--a\nContent-Type: text/html; CharSet=\"utf-8\"\n\n--a--\n";
+    parse(message, text);
     visit(message.m_root);
     const std::string pieces[] = {"Content-Type: te", "xt/csv\n", "\nhello"};
     std::size_t next = 0;
     parse_pieces(message, [&] { return next < 3 ? std::string_view(pieces[next++]) : ""; });
     use(message.m_root);
+    std::cout << section_of(message, text, "1.MIME").substr(14, 9)
+              << section_of(message, text, "3");
 }
 END
     } > "$work/rest.cpp"
     compile "$work/rest.cpp" "$library" -o "$work/rest"
-    [[ $("$work/rest") == "x;htmlutf-8;csv;" ]]
+    [[ $("$work/rest") == "x;htmlutf-8;csv;text/html1" ]]
 
     {
         printf '#include <%s>\n' mail_structure_c.h stdio.h

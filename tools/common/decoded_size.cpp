@@ -7,12 +7,13 @@
 
 #include <string_view>
 
-std::optional<decoded_size> decoded_size_of(const section_place& body, section_ranges& ranges,
+std::optional<decoded_size> decoded_size_of(const mail_sections::place& body,
+                                            mail_sections::ranges& ranges,
                                             const tree_source& source) {
     const std::optional<transfer_encoding> encoding =
         transfer_encoding_named(encoding_in_effect(*body.m_entity, source.m_rules));
     if (!encoding) return std::nullopt;
-    const byte_range range = ranges.of(body);
+    const mail_sections::byte_range range = ranges.of(body);
     decoded_size size;
     const auto damage = decode(*encoding, source.m_bytes.substr(range.m_offset, range.m_length),
                                [&size](std::string_view bytes) {

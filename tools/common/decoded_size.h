@@ -3,7 +3,8 @@
 #ifndef TOOLS_COMMON_DECODED_SIZE_H
 #define TOOLS_COMMON_DECODED_SIZE_H
 
-#include "common/section_ranges.h"
+#include <mail_sections.h>
+
 #include "common/tree_source.h"
 
 #include <cstdint>
@@ -18,7 +19,8 @@ struct decoded_size {
 /// encoding is unknown. Linear in the encoded bytes, of which nothing is kept.
 /// @param body    the body of an entity
 /// @param ranges  made for the same source
-std::optional<decoded_size> decoded_size_of(const section_place& body, section_ranges& ranges,
+std::optional<decoded_size> decoded_size_of(const mail_sections::place& body,
+                                            mail_sections::ranges& ranges,
                                             const tree_source& source);
 
 #endif

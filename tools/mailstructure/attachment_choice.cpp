@@ -2,7 +2,6 @@
 
 #include "mailstructure/attachment_choice.h"
 
-#include "common/section_ranges.h"
 #include "mailstructure/attachments.h"
 
 #include <cstddef>
@@ -33,7 +32,7 @@ std::optional<chosen_piece> choose_by_name(const part_options& options,
     }
     if (count == 1)
         return chosen_piece{chosen->m_body.m_entity,
-                            section_ranges(root, reader.source()).of(chosen->m_body)};
+                            mail_sections::ranges(root, reader.source()).of(chosen->m_body)};
     complain(display_name(options.m_file) + ": " + std::to_string(count) + " attachments match "
              + escaped(*options.m_name_pattern) + ": " + sections
              + "; name one by its section, or save them with --all");

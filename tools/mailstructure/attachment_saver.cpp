@@ -8,7 +8,6 @@
 #include "common/output_file.h"
 #include "common/printable.h"
 #include "common/safe_file_name.h"
-#include "common/section_ranges.h"
 #include "common/terminal.h"
 #include "mailstructure/attachment_choice.h"
 #include "mailstructure/attachments.h"
@@ -189,7 +188,7 @@ private:
     const part_options& m_options;
     const message_reader& m_reader;
     target_folder m_folder;
-    section_ranges m_ranges;
+    mail_sections::ranges m_ranges;
     number_series m_series;
     /// A safe name holds nothing that is spelled out in UTF-8. So this only matters on a terminal,
     /// which may not be one for UTF-8; a program that reads the list gets the exact names.

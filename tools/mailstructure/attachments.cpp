@@ -19,6 +19,11 @@ bool has_type_of_text(const MimeObj& entity) {
                || equal_ignoring_case(entity.m_subtype, "html"));
 }
 
+/// Whether the children of the entity are parts, as mail_sections.h numbers them.
+bool is_multipart(const MimeObj& entity) {
+    return !entity.m_message && (entity.m_multipart || !entity.m_children.empty());
+}
+
 bool is_attachment(const MimeObj& entity, const std::string& sent_name, MailStructure::rules by) {
     if (is_multipart(entity) && !entity.m_children.empty()) return false;
     if (!sent_name.empty()) return true;
@@ -27,17 +32,17 @@ bool is_attachment(const MimeObj& entity, const std::string& sent_name, MailStru
     return !is_multipart(entity) && !has_type_of_text(entity);
 }
 
-std::string name_for(const numbered_entity& numbered, const std::string& sent_name) {
+std::string name_for(const mail_sections::visited& numbered, const std::string& sent_name) {
     std::string name = safe_file_name(sent_name);
     if (!name.empty()) return name;
-    name = numbered.m_section.empty() ? "part" : numbered.m_section;
+    name = numbered.m_name.empty() ? "part" : numbered.m_name;
     return name.append(1, '.').append(extension_for(media_type_of(*numbered.m_entity)));
 }
 
 } // namespace
 
 std::optional<attachment> attachment_walk::next() {
-    while (const numbered_entity* const numbered = m_walk.next()) {
+    while (const mail_sections::visited* const numbered = m_walk.next()) {
         if (m_depth_of_message && numbered->m_depth <= *m_depth_of_message)
             m_depth_of_message.reset();
         const bool is_message = numbered->m_entity->m_message;
@@ -50,15 +55,15 @@ std::optional<attachment> attachment_walk::next() {
     return std::nullopt;
 }
 
-std::optional<attachment> attachment_walk::attachment_from(const numbered_entity& numbered) const {
+std::optional<attachment>
+attachment_walk::attachment_from(const mail_sections::visited& numbered) const {
     const MimeObj& entity = *numbered.m_entity;
     const std::string sent_name = file_name_of(entity, m_source);
     if (!is_attachment(entity, sent_name, m_source.m_rules)) return std::nullopt;
     std::string name = name_for(numbered, sent_name);
     if (m_pattern != nullptr && !m_pattern->matches(sent_name) && !m_pattern->matches(name))
         return std::nullopt;
-    const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
-    return attachment{{&entity, section_place::piece::body, is_message},
-                      std::string(numbered.m_section),
+    return attachment{{&entity, mail_sections::piece::body, numbered.m_is_message},
+                      std::string(numbered.m_name),
                       std::move(name)};
 }

@@ -3,11 +3,9 @@
 #ifndef TOOLS_MAILSTRUCTURE_ATTACHMENTS_H
 #define TOOLS_MAILSTRUCTURE_ATTACHMENTS_H
 
-#include <mail_structure.h>
+#include <mail_sections.h>
 
 #include "common/file_pattern.h"
-#include "common/section_ranges.h"
-#include "common/sections.h"
 #include "common/tree_source.h"
 
 #include <cstddef>
@@ -15,7 +13,7 @@
 #include <string>
 
 struct attachment {
-    section_place m_body;
+    mail_sections::place m_body;
     std::string m_section; // "" if the part is too deep to have a name
     std::string m_name;    // a safe name for its file: the sender's, or one from section and type
 };
@@ -38,9 +36,9 @@ public:
     std::optional<attachment> next();
 
 private:
-    std::optional<attachment> attachment_from(const numbered_entity& numbered) const;
+    std::optional<attachment> attachment_from(const mail_sections::visited& numbered) const;
 
-    entity_walk m_walk;
+    mail_sections::walk m_walk;
     tree_source m_source;
     const file_pattern* m_pattern;
     /// The depth of the message that has been given and that the walk is in, if any.

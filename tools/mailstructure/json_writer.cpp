@@ -7,7 +7,6 @@
 #include "common/field_lookup.h"
 #include "common/message_date.h"
 #include "common/message_fields.h"
-#include "common/sections.h"
 
 #include <cstddef>
 #include <limits>
@@ -61,10 +60,10 @@ private:
     void write_flag(std::string_view name, bool value);
     void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
     void write_rules();
-    void write_line_members(const numbered_entity& visited, std::size_t index);
-    void write_members(const numbered_entity& visited);
-    void write_description(const numbered_entity& visited);
-    void write_decoded_size(const numbered_entity& visited);
+    void write_line_members(const mail_sections::visited& visited, std::size_t index);
+    void write_members(const mail_sections::visited& visited);
+    void write_description(const mail_sections::visited& visited);
+    void write_decoded_size(const mail_sections::visited& visited);
     void write_message_fields(const MailStructure::MimeObj& entity);
     void write_addresses(std::string_view name, const MailStructure::MimeObj& entity);
     void write_ranges(const MailStructure::MimeObj& entity);
@@ -78,7 +77,7 @@ private:
     writer m_writer;
     const json_message& m_message;
     const std::string m_gap;
-    section_ranges m_ranges;
+    mail_sections::ranges m_ranges;
     // These describe the record that is being written:
     std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
     std::vector<odd_value> m_odd_values;
@@ -95,8 +94,9 @@ void tree_writer<writer>::write_document() {
     write_odd_values();
     write_key("root");
     std::size_t open = 0; // entities begun and not ended
-    entity_walk walk(m_message.m_root);
-    for (const numbered_entity* visited = walk.next(); visited != nullptr; visited = walk.next()) {
+    mail_sections::walk walk(m_message.m_root);
+    for (const mail_sections::visited* visited = walk.next(); visited != nullptr;
+         visited = walk.next()) {
         close_entities(open - visited->m_depth);
         m_writer.StartObject();
         write_members(*visited);
@@ -114,8 +114,8 @@ void tree_writer<writer>::write_document() {
 template <class writer>
 void tree_writer<writer>::write_lines() {
     std::size_t index = 0;
-    entity_walk walk(m_message.m_root);
-    for (const numbered_entity* visited = walk.next(); visited != nullptr;
+    mail_sections::walk walk(m_message.m_root);
+    for (const mail_sections::visited* visited = walk.next(); visited != nullptr;
          visited = walk.next(), ++index) {
         m_writer.Reset(m_output);
         m_writer.StartObject();
@@ -137,7 +137,8 @@ void tree_writer<writer>::write_rules() {
 
 /// The members that stand for the nesting of the other forms.
 template <class writer>
-void tree_writer<writer>::write_line_members(const numbered_entity& visited, std::size_t index) {
+void tree_writer<writer>::write_line_members(const mail_sections::visited& visited,
+                                             std::size_t index) {
     write_string("file", m_message.m_file_name);
     write_rules();
     write_number("index", index);
@@ -153,9 +154,9 @@ void tree_writer<writer>::write_line_members(const numbered_entity& visited, std
 }
 
 template <class writer>
-void tree_writer<writer>::write_members(const numbered_entity& visited) {
+void tree_writer<writer>::write_members(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
-    write_string_or_null("section", std::string(visited.m_section));
+    write_string_or_null("section", std::string(visited.m_name));
     write_description(visited);
     write_message_fields(entity);
     write_flag("multipart", entity.m_multipart);
@@ -169,7 +170,7 @@ void tree_writer<writer>::write_members(const numbered_entity& visited) {
 
 /// What the Content-... fields say of the entity.
 template <class writer>
-void tree_writer<writer>::write_description(const numbered_entity& visited) {
+void tree_writer<writer>::write_description(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     const MailStructure::rules by = m_message.m_source.m_rules;
     write_string("type", entity.m_type);
@@ -185,13 +186,12 @@ void tree_writer<writer>::write_description(const numbered_entity& visited) {
 
 /// The size of an entity without parts, decoded.
 template <class writer>
-void tree_writer<writer>::write_decoded_size(const numbered_entity& visited) {
+void tree_writer<writer>::write_decoded_size(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
-    const bool is_message = visited.m_depth == 0 || visited.m_is_message_within;
     std::optional<decoded_size> size;
     if (!entity.m_multipart && !entity.m_message && entity.m_children.empty()) {
-        size = decoded_size_of({&entity, section_place::piece::body, is_message}, m_ranges,
-                               m_message.m_source);
+        size = decoded_size_of({&entity, mail_sections::piece::body, visited.m_is_message},
+                               m_ranges, m_message.m_source);
     }
     if (size) {
         write_number("decoded_size", size->m_bytes);

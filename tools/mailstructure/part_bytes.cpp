@@ -7,6 +7,7 @@
 #include "common/field_lookup.h"
 #include "common/terminal.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -126,5 +127,9 @@ bool give_piece(const part_options& options, const message_file& file, const cho
                 transfer_encoding encoding, const byte_sink& sink) {
     if (options.m_to_utf8 && is_text(*piece.m_entity))
         return utf8_giver(options, file, piece, sink).give(encoding);
-    return give_decoded(options, file, piece, encoding, sink);
+    return give_decoded(options, file, piece, encoding, sink)
+           && std::all_of(piece.m_more.begin(), piece.m_more.end(),
+                          [&](const mail_sections::byte_range& range) {
+                              return sink(file.cut(range.m_offset, range.m_length));
+                          });
 }

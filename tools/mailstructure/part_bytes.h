@@ -4,19 +4,21 @@
 #ifndef TOOLS_MAILSTRUCTURE_PART_BYTES_H
 #define TOOLS_MAILSTRUCTURE_PART_BYTES_H
 
-#include <mail_structure.h>
+#include <mail_sections.h>
 
-#include "common/byte_range.h"
 #include "common/message_file.h"
 #include "common/transfer_decoding.h"
 #include "mailstructure/part_command.h"
 
 #include <optional>
+#include <vector>
 
 /// The bytes that were asked for, and the entity that they belong to.
 struct chosen_piece {
     const MailStructure::MimeObj* m_entity = nullptr;
-    byte_range m_bytes;
+    mail_sections::byte_range m_bytes;
+    /// What follows those bytes: of the chosen fields of a header block, all but the first range.
+    std::vector<mail_sections::byte_range> m_more = {};
 };
 
 /// The encoding to undo. If it is unknown, this complains. Lenient decoding then takes the bytes as

@@ -4,7 +4,6 @@
 
 #include "common/message_reader.h"
 #include "common/output_file.h"
-#include "common/section_ranges.h"
 #include "common/terminal.h"
 #include "mailstructure/attachment_choice.h"
 #include "mailstructure/attachment_saver.h"
@@ -21,7 +20,7 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-byte_range range_of(const MimeObj& entity, recorded_range range) {
+mail_sections::byte_range range_of(const MimeObj& entity, recorded_range range) {
     switch (range) {
     case recorded_range::header: return {entity.m_header_beg, entity.m_header_len};
     case recorded_range::mime: return {entity.m_mime_beg, entity.m_mime_len};
@@ -35,17 +34,24 @@ byte_range range_of(const MimeObj& entity, recorded_range range) {
 /// The piece that the options name. If there is none, this complains and returns nothing.
 std::optional<chosen_piece> choose(const part_options& options, const message_reader& reader) {
     const MimeObj& root = reader.message().m_root;
-    const auto found = find_section(root, options.m_section);
-    if (const auto* const none = std::get_if<no_section>(&found)) {
-        const std::string nearest = none->m_nearest.empty() ? "the whole message" : none->m_nearest;
+    const mail_sections::found found = mail_sections::find(root, options.m_section);
+    if (!found) {
         complain(display_name(options.m_file) + ": no section " + escaped(options.m_section_text)
-                 + "; the nearest is " + nearest);
+                 + "; the nearest is " + mail_sections::text_of(found.m_error.m_nearest));
         return std::nullopt;
     }
-    const section_place& place = std::get<section_place>(found);
-    if (options.m_range)
-        return chosen_piece{place.m_entity, range_of(*place.m_entity, *options.m_range)};
-    return chosen_piece{place.m_entity, section_ranges(root, reader.source()).of(place)};
+    const mail_sections::place& place = found.m_place;
+    chosen_piece piece{place.m_entity, {}, {}};
+    if (options.m_range) {
+        piece.m_bytes = range_of(*place.m_entity, *options.m_range);
+        return piece;
+    }
+    mail_sections::ranges ranges(root, reader.source());
+    piece.m_more = ranges.of_fields(place, options.m_section);
+    if (piece.m_more.empty()) return piece; // no field of those names, and no empty line
+    piece.m_bytes = piece.m_more.front();
+    piece.m_more.erase(piece.m_more.begin());
+    return piece;
 }
 
 bool write_to_standard_output(const part_options& options, const message_file& file,
@@ -119,6 +125,13 @@ std::string complaint_about_attachments(const part_options& options) {
     return options.m_force && !options.m_output ? "--force is for use with --output" : "";
 }
 
+/// What is wrong with the text of a SECTION.
+std::string complaint_about(const mail_sections::error& error, const std::string& text) {
+    const std::string rest = text.substr(error.m_position);
+    return "not a section: " + std::string(error.m_expected) + " is expected "
+           + (rest.empty() ? "at the end" : "at \"" + rest + '"');
+}
+
 /// What is wrong with the combination of options; "" if nothing is.
 std::string complaint_about(const part_options& options) {
     if (chooses_attachments(options)) return complaint_about_attachments(options);
@@ -130,8 +143,8 @@ std::string complaint_about(const part_options& options) {
         return "";
     }
     if (options.m_force && !options.m_output) return "--force is for use with --output";
-    const bool is_block = options.m_section.m_word == section::word::header
-                          || options.m_section.m_word == section::word::mime;
+    const bool is_block = options.m_section.m_word != mail_sections::word::none
+                          && options.m_section.m_word != mail_sections::word::text;
     if (options.m_range && is_block)
         return "--range needs a section that names an entity: \"\", N, TEXT or N.TEXT";
     if (!options.m_decode) return "";
@@ -155,12 +168,12 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
         has_file = has_first;
     } else {
         if (!has_first) throw CLI::RequiredError("SECTION");
-        std::string complaint;
-        std::optional<section> parsed = parse_section(options.m_section_text, complaint);
+        mail_sections::parsed parsed = mail_sections::parse(options.m_section_text);
         if (!parsed && names_a_file(options.m_section_text))
-            complaint = "SECTION comes before FILE; \"\" is the whole message";
-        if (!parsed) throw CLI::ValidationError(complaint);
-        options.m_section = std::move(*parsed);
+            throw CLI::ValidationError("SECTION comes before FILE; \"\" is the whole message");
+        if (!parsed)
+            throw CLI::ValidationError(complaint_about(parsed.m_error, options.m_section_text));
+        options.m_section = std::move(parsed.m_section);
     }
     if (!options.m_decode_word.empty())
         options.m_decode =
@@ -221,7 +234,7 @@ void describe_part(CLI::App& command, part_options& options) {
             .add_option(
                 "SECTION", options.m_section_text,
                 "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, "
-                "or \"\" for the whole message")
+                "'HEADER.FIELDS (From To)', or \"\" for the whole message")
             ->type_name("");
     const CLI::Option* const second =
         command

@@ -4,11 +4,10 @@
 #ifndef TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 #define TOOLS_MAILSTRUCTURE_PART_COMMAND_H
 
-#include <mail_structure.h>
+#include <mail_sections.h>
 
 #include "common/complaint.h"
 #include "common/file_bytes.h"
-#include "common/section_lookup.h"
 #include "common/transfer_decoding.h"
 
 #include <CLI/CLI.hpp>
@@ -23,7 +22,7 @@ struct part_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     std::uint64_t m_max_size = file_bytes::most_bytes;
     std::string m_section_text; // as the user wrote it
-    section m_section;
+    mail_sections::section m_section;
     std::optional<recorded_range> m_range;
     std::string m_decode_word; // "strict" or "lenient"; empty where nothing is decoded
     std::optional<strictness> m_decode;

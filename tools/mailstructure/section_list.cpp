@@ -3,8 +3,6 @@
 #include "mailstructure/section_list.h"
 
 #include "common/field_lookup.h"
-#include "common/section_ranges.h"
-#include "common/sections.h"
 
 #include <ostream>
 #include <string>
@@ -13,17 +11,17 @@
 namespace {
 
 using MimeObj = MailStructure::MimeObj;
-using piece = section_place::piece;
+using mail_sections::piece;
 
 constexpr std::string_view type_of_header_blocks = "text/rfc822-headers";
 
 class section_printer {
 public:
-    section_printer(std::ostream& to, section_ranges& ranges) : m_to(to), m_ranges(ranges) {}
+    section_printer(std::ostream& to, mail_sections::ranges& ranges) : m_to(to), m_ranges(ranges) {}
 
-    void print(const section_place& place, std::string_view type, std::string_view name,
+    void print(const mail_sections::place& place, std::string_view type, std::string_view name,
                std::string_view word, std::string_view file = "") {
-        const byte_range range = m_ranges.of(place);
+        const mail_sections::byte_range range = m_ranges.of(place);
         const std::string_view dot = name.empty() || word.empty() ? "" : ".";
         m_to << range.m_offset << '\t' << range.m_length << '\t' << type << '\t' << name << dot
              << word << file << '\n';
@@ -31,7 +29,7 @@ public:
 
 private:
     std::ostream& m_to;
-    section_ranges& m_ranges;
+    mail_sections::ranges& m_ranges;
 };
 
 /// The name of the part that holds the message named "N.1" or "N.TEXT"; "" for "1" and "TEXT".
@@ -50,22 +48,22 @@ std::string file_columns_of(const MimeObj& entity, const tree_source& source, ch
     return '\t' + shown_disposition + (name.empty() ? "" : '\t' + printable(name, set));
 }
 
-void print_sections_of(const numbered_entity& numbered, const tree_source& source,
+void print_sections_of(const mail_sections::visited& numbered, const tree_source& source,
                        character_set set, section_printer& printer) {
     const MimeObj* const entity = numbered.m_entity;
-    const std::string_view name = numbered.m_section;
-    const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
+    const std::string_view name = numbered.m_name;
     const std::string type = printable(media_type_of(*entity), character_set::ascii);
     if (numbered.m_depth == 0)
         printer.print({entity, piece::whole, true}, "message/rfc822", "", "");
-    if (is_message) {
+    if (numbered.m_is_message) {
         printer.print({entity, piece::header_block, true}, type_of_header_blocks,
                       name_of_holder(name), "HEADER");
         printer.print({entity, piece::body, true}, type, name_of_holder(name), "TEXT");
-        if (is_multipart(*entity)) return; // it has no number of its own
+        if (!numbered.m_has_number) return;
     }
-    printer.print({entity, piece::header_block, is_message}, type_of_header_blocks, name, "MIME");
-    printer.print({entity, piece::body, is_message}, type, name, "",
+    printer.print({entity, piece::header_block, numbered.m_is_message}, type_of_header_blocks, name,
+                  "MIME");
+    printer.print({entity, piece::body, numbered.m_is_message}, type, name, "",
                   file_columns_of(*entity, source, set));
 }
 
@@ -73,13 +71,13 @@ void print_sections_of(const numbered_entity& numbered, const tree_source& sourc
 
 std::size_t list_sections(std::ostream& to, const MimeObj& root, const tree_source& source,
                           character_set set) {
-    section_ranges ranges(root, source);
+    mail_sections::ranges ranges(root, source);
     section_printer printer(to, ranges);
     std::size_t left_out = 0;
-    entity_walk walk(root);
-    while (const numbered_entity* const numbered = walk.next()) {
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const numbered = walk.next()) {
         if (!to) break;
-        if (numbered->m_section.empty())
+        if (numbered->m_name.empty())
             ++left_out;
         else
             print_sections_of(*numbered, source, set, printer);

@@ -25,7 +25,7 @@ const stroke_set& strokes_in(character_set characters) {
 /// An entity whose line is drawn while the lines of its descendants are not all drawn yet.
 struct open_entity {
     const MimeObj* m_entity = nullptr;
-    byte_range m_epilogue;
+    mail_sections::byte_range m_epilogue;
     bool m_last = true; // nothing of its parent is drawn after it
 };
 
@@ -37,8 +37,8 @@ public:
           m_strokes(strokes_in(style.m_characters)), m_take(take) {}
 
     void draw() {
-        entity_walk walk(m_root);
-        while (const numbered_entity* const numbered = walk.next()) {
+        mail_sections::walk walk(m_root);
+        while (const mail_sections::visited* const numbered = walk.next()) {
             close_down_to(numbered->m_depth);
             open(*numbered);
         }
@@ -46,12 +46,12 @@ public:
     }
 
 private:
-    void open(const numbered_entity& numbered) {
+    void open(const mail_sections::visited& numbered) {
         const MimeObj& entity = *numbered.m_entity;
         const bool last = is_last(entity);
         m_take({strokes_to(last), row_of(numbered, m_ranges, m_source, m_style)});
         m_open.push_back({&entity, drawn(epilogue_of(entity, m_source)), last});
-        const byte_range preamble = drawn(preamble_of(entity, m_source));
+        const mail_sections::byte_range preamble = drawn(preamble_of(entity, m_source));
         if (preamble.m_length == 0) return;
         const bool alone = entity.m_children.empty() && m_open.back().m_epilogue.m_length == 0;
         m_take({strokes_to(alone), row_of("(preamble)", preamble, m_style)});
@@ -60,7 +60,7 @@ private:
     /// Ends the innermost entities until the number of open ones is the given depth.
     void close_down_to(std::size_t depth) {
         while (m_open.size() > depth) {
-            const byte_range epilogue = m_open.back().m_epilogue;
+            const mail_sections::byte_range epilogue = m_open.back().m_epilogue;
             if (epilogue.m_length != 0)
                 m_take({strokes_to(true), row_of("(epilogue)", epilogue, m_style)});
             m_open.pop_back();
@@ -69,11 +69,11 @@ private:
 
     /// The range if it is to be drawn, else an empty one. Nearly every multipart within another has
     /// an epilogue of one line end, which is of no use to the user.
-    byte_range drawn(const byte_range& outer_text) const {
+    mail_sections::byte_range drawn(const mail_sections::byte_range& outer_text) const {
         const std::string_view bytes =
             m_source.m_bytes.substr(outer_text.m_offset, outer_text.m_length);
         const bool holds_text = bytes.find_first_not_of("\r\n") != std::string_view::npos;
-        return holds_text || m_style.m_empty_lines ? outer_text : byte_range{};
+        return holds_text || m_style.m_empty_lines ? outer_text : mail_sections::byte_range{};
     }
 
     bool is_last(const MimeObj& entity) const {
@@ -95,7 +95,7 @@ private:
     }
 
     const MimeObj& m_root;
-    section_ranges m_ranges;
+    mail_sections::ranges m_ranges;
     const tree_source& m_source;
     const row_style& m_style;
     const stroke_set& m_strokes;

@@ -46,11 +46,10 @@ std::string place_text(std::uint32_t offset, std::uint32_t length) {
     return std::to_string(offset) + '-' + std::to_string(end);
 }
 
-std::string decoded_size_text(const numbered_entity& numbered, section_ranges& ranges,
+std::string decoded_size_text(const mail_sections::visited& numbered, mail_sections::ranges& ranges,
                               const tree_source& source, const row_style& style) {
-    const bool is_message = numbered.m_depth == 0 || numbered.m_is_message_within;
-    const auto size = decoded_size_of({numbered.m_entity, section_place::piece::body, is_message},
-                                      ranges, source);
+    const auto size = decoded_size_of(
+        {numbered.m_entity, mail_sections::piece::body, numbered.m_is_message}, ranges, source);
     if (!size) return "cannot decode";
     return size_text(size->m_bytes, style) + (size->m_is_damaged ? " damaged" : " decoded");
 }
@@ -74,11 +73,11 @@ std::string size_text(std::uint64_t bytes, const row_style& style) {
     return std::to_string(tenths() / 10) + '.' + std::to_string(tenths() % 10) + units.at(at);
 }
 
-tree_row row_of(const numbered_entity& numbered, section_ranges& ranges, const tree_source& source,
-                const row_style& style) {
+tree_row row_of(const mail_sections::visited& numbered, mail_sections::ranges& ranges,
+                const tree_source& source, const row_style& style) {
     const MimeObj& entity = *numbered.m_entity;
     tree_row row;
-    row.m_section = numbered.m_section.empty() ? ellipsis(style) : std::string(numbered.m_section);
+    row.m_section = numbered.m_name.empty() ? ellipsis(style) : std::string(numbered.m_name);
     row.m_type = shown(media_type_of(entity), style);
     row.m_container = entity.m_multipart || entity.m_message || !entity.m_children.empty();
     row.m_encoding = or_dash(shown(transfer_encoding_of(entity, source.m_rules), style));
@@ -91,14 +90,15 @@ tree_row row_of(const numbered_entity& numbered, section_ranges& ranges, const t
     row.m_disposition = shown(disposition_of(entity, source.m_rules), style);
     const std::string file_name = file_name_of(entity, source);
     if (!file_name.empty()) row.m_file_name = quoted(shown(file_name, style));
-    if (!numbered.m_is_message_within) return row;
+    if (!numbered.m_is_message || numbered.m_depth == 0) return row;
     if (const MailStructure::header* const subject = first_field(entity, "subject")) {
         row.m_subject = "Subject: " + shown_value(subject->m_value, style);
     }
     return row;
 }
 
-tree_row row_of(std::string_view name, const byte_range& range, const row_style& style) {
+tree_row row_of(std::string_view name, const mail_sections::byte_range& range,
+                const row_style& style) {
     tree_row row;
     row.m_type = name;
     row.m_size = size_text(range.m_length, style);

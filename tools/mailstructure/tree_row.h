@@ -3,12 +3,9 @@
 #ifndef TOOLS_MAILSTRUCTURE_TREE_ROW_H
 #define TOOLS_MAILSTRUCTURE_TREE_ROW_H
 
-#include <mail_structure.h>
+#include <mail_sections.h>
 
-#include "common/outer_text.h"
 #include "common/printable.h"
-#include "common/section_ranges.h"
-#include "common/sections.h"
 #include "common/tree_source.h"
 
 #include <cstdint>
@@ -42,11 +39,12 @@ struct tree_row {
 };
 
 /// @param ranges  made for the same source
-tree_row row_of(const numbered_entity& numbered, section_ranges& ranges, const tree_source& source,
-                const row_style& style);
+tree_row row_of(const mail_sections::visited& numbered, mail_sections::ranges& ranges,
+                const tree_source& source, const row_style& style);
 
 /// The row of a preamble or an epilogue: it has a name in place of a type, a size and a place.
-tree_row row_of(std::string_view name, const byte_range& range, const row_style& style);
+tree_row row_of(std::string_view name, const mail_sections::byte_range& range,
+                const row_style& style);
 
 /// The value of a field for people to read: encoded words are decoded, tabs, which mostly come from
 /// folds, become spaces, and a long value is cut.

@@ -1,6 +1,7 @@
 // Which texts are sections, which entity a section names, and what is reported if there is none.
 
-#include "common/section_lookup.h"
+#include <mail_sections.h>
+
 #include "support/parse.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,8 @@
 
 namespace {
 
+using mail_sections::fault;
+using mail_sections::piece;
 using MimeObj = MailStructure::MimeObj;
 
 constexpr const char* forwarded = "Content-Type: multipart/mixed; boundary=X\n"
@@ -48,23 +51,31 @@ std::string place_below(const MimeObj& from, const MimeObj* wanted) {
     return "none";
 }
 
-/// "header of /1/0 message", "body of /1", "whole", or "none, but NEAREST", or "error: COMPLAINT".
+std::string error_text(const mail_sections::error& error) {
+    const std::string nearest = mail_sections::text_of(error.m_nearest);
+    switch (error.m_fault) {
+    case fault::no_part: return "of " + std::to_string(error.m_parts) + " parts, " + nearest;
+    case fault::no_message: return "no message, but " + nearest;
+    case fault::bad_text:
+        return "at " + std::to_string(error.m_position) + ": " + std::string(error.m_expected);
+    case fault::none: break;
+    }
+    return "no fault";
+}
+
+/// "header of /1/0 message", "body of /1", "whole", or what is wrong.
 std::string lookup_text(const std::string& input, const std::string& section_text) {
-    std::string complaint;
-    const std::optional<section> wanted = parse_section(section_text, complaint);
-    if (!wanted) return "error: " + complaint;
     const test_support::parse_outcome parsed = test_support::parse(input);
     const MimeObj& root = parsed.m_message.m_root;
-    const auto found = find_section(root, *wanted);
-    if (const auto* const none = std::get_if<no_section>(&found))
-        return "none, but " + none->m_nearest;
-    const section_place place = std::get<section_place>(found);
+    const mail_sections::found found = mail_sections::find(root, section_text);
+    if (!found) return error_text(found.m_error);
+    const mail_sections::place& place = found.m_place;
     const std::string suffix =
         place_below(root, place.m_entity) + (place.m_is_message ? " message" : "");
     switch (place.m_piece) {
-    case section_place::piece::whole: return "whole" + suffix;
-    case section_place::piece::header_block: return "header of " + suffix;
-    case section_place::piece::body: break;
+    case piece::whole: return "whole" + suffix;
+    case piece::header_block: return "header of " + suffix;
+    case piece::body: break;
     }
     return "body of " + suffix;
 }
@@ -103,56 +114,47 @@ const lookup_case lookup_cases[] = {
      "1.MIME", "header of  message"},
     {"empty_input", "", "1", "body of  message"},
 
-    {"number_too_great", forwarded, "4", "none, but 3"},
-    {"number_far_too_great", forwarded, "99999999999999999999999999", "none, but 3"},
-    {"number_too_great_below", forwarded, "3.7", "none, but 3.2"},
-    {"number_too_great_on_the_way", forwarded, "3.7.1.2", "none, but 3.2"},
-    {"number_below_a_text", forwarded, "1.1", "none, but 1"},
-    {"number_below_a_text_in_a_message", forwarded, "2.1.1", "none, but 2.1"},
-    {"header_of_a_text", forwarded, "1.HEADER", "none, but 1.MIME"},
-    {"text_of_a_text", forwarded, "1.TEXT", "none, but 1"},
+    {"number_too_great", forwarded, "4", "of 3 parts, 3"},
+    {"number_far_too_great", forwarded, "99999999999999999999999999", "of 3 parts, 3"},
+    {"number_too_great_below", forwarded, "3.7", "of 2 parts, 3.2"},
+    {"number_too_great_on_the_way", forwarded, "3.7.1.2", "of 2 parts, 3.2"},
+    {"number_below_a_text", forwarded, "1.1", "of 0 parts, 1"},
+    {"number_below_a_text_in_a_message", forwarded, "2.1.1", "of 0 parts, 2.1"},
+    {"header_of_a_text", forwarded, "1.HEADER", "no message, but 1.MIME"},
+    {"text_of_a_text", forwarded, "1.TEXT", "no message, but 1"},
     {"header_of_a_message_that_holds_none",
      "Content-Type: message/rfc822\n"
      "\n",
-     "1.HEADER", "none, but 1.MIME"},
+     "1.HEADER", "no message, but 1.MIME"},
     {"part_of_a_multipart_without_parts",
      "Content-Type: multipart/mixed; boundary=X\n"
      "\n",
-     "1", "none, but TEXT"},
+     "1", "of 0 parts, TEXT"},
     {"part_of_a_multipart_without_parts_within",
      "Content-Type: message/rfc822\n"
      "\n"
      "Content-Type: multipart/mixed; boundary=X\n"
      "\n",
-     "1.1", "none, but 1"},
+     "1.1", "of 0 parts, 1"},
 
-    {"zero", forwarded, "0",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"0\""},
+    {"zero", forwarded, "0", "at 0: a part number (from 1) or one of HEADER or TEXT"},
     {"leading_zero", forwarded, "1.02",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
-     "at \"02\""},
+     "at 2: a part number (from 1) or one of HEADER, TEXT or MIME"},
     {"dot_at_the_end", forwarded, "1.",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
-     "at the end"},
+     "at 2: a part number (from 1) or one of HEADER, TEXT or MIME"},
     {"dot_at_the_beginning", forwarded, ".1",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \".1\""},
-    {"two_dots", forwarded, "1..2",
-     "error: not a section: a part number (from 1) or one of HEADER, TEXT or MIME is expected "
-     "at \".2\""},
-    {"mime_of_nothing", forwarded, "MIME",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected "
-     "at \"MIME\""},
+     "at 0: a part number (from 1) or one of HEADER or TEXT"},
+    {"two_dots", forwarded, "1..2", "at 2: a part number (from 1) or one of HEADER, TEXT or MIME"},
+    {"mime_of_nothing", forwarded, "MIME", "at 0: a part number (from 1) or one of HEADER or TEXT"},
     {"number_behind_a_word", forwarded, "TEXT.1",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected "
-     "at \"TEXT.1\""},
-    {"sign", forwarded, "-1",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \"-1\""},
-    {"blank", forwarded, " 1",
-     "error: not a section: a part number (from 1) or one of HEADER or TEXT is expected at \" 1\""},
-    {"fields", forwarded, "HEADER.FIELDS (Subject)",
-     "error: HEADER.FIELDS is not supported; HEADER gives the whole header block"},
-    {"fields_of_a_part", forwarded, "2.header.fields.not (Subject)",
-     "error: HEADER.FIELDS is not supported; HEADER gives the whole header block"},
+     "at 0: a part number (from 1) or one of HEADER or TEXT"},
+    {"sign", forwarded, "-1", "at 0: a part number (from 1) or one of HEADER or TEXT"},
+    {"blank", forwarded, " 1", "at 0: a part number (from 1) or one of HEADER or TEXT"},
+
+    {"fields", forwarded, "HEADER.FIELDS (Subject)", "header of  message"},
+    {"fields_of_a_message_within", forwarded, "2.header.fields.not (Subject)",
+     "header of /1/0 message"},
+    {"fields_of_a_text", forwarded, "1.HEADER.FIELDS (Subject)", "no message, but 1.MIME"},
 };
 
 class section_lookup : public testing::TestWithParam<lookup_case> {};
@@ -164,6 +166,20 @@ TEST_P(section_lookup, finds) {
 INSTANTIATE_TEST_SUITE_P(cases, section_lookup, testing::ValuesIn(lookup_cases),
                          [](const auto& row) { return std::string(row.param.m_name); });
 
+/// What find() says of a section that no text names.
+std::string lookup_text(const mail_sections::section& wanted) {
+    const test_support::parse_outcome parsed = test_support::parse(forwarded);
+    const mail_sections::found found = mail_sections::find(parsed.m_message.m_root, wanted);
+    return found ? "found" : error_text(found.m_error);
+}
+
+TEST(section_lookup_of_made_up_sections, finds_no_part_0_and_no_mime_header_of_the_message) {
+    EXPECT_EQ(lookup_text({{0}, mail_sections::word::none, {}}), "of 3 parts, 1");
+    EXPECT_EQ(lookup_text({{3, 0}, mail_sections::word::none, {}}), "of 2 parts, 3.1");
+    EXPECT_EQ(lookup_text({{1, 0}, mail_sections::word::none, {}}), "of 0 parts, 1");
+    EXPECT_EQ(lookup_text({{}, mail_sections::word::mime, {}}), "of 0 parts, HEADER");
+}
+
 TEST(section_lookup_in_the_deep, finds_what_has_no_name_in_a_walk) {
     std::string input;
     std::string deepest = "1";
@@ -172,18 +188,16 @@ TEST(section_lookup_in_the_deep, finds_what_has_no_name_in_a_walk) {
         deepest += ".1";
     }
     const test_support::parse_outcome parsed = test_support::parse(input + "a: b\nc: d\n\nhi\n");
-    std::string complaint;
     const MimeObj* innermost = &parsed.m_message.m_root;
     std::size_t depth = 0;
     for (; !innermost->m_children.empty(); ++depth) innermost = &innermost->m_children.front();
     ASSERT_GT(depth, 1000U);
     deepest.resize(2 * depth + 1);
-    const auto found =
-        find_section(parsed.m_message.m_root, parse_section(deepest, complaint).value());
-    EXPECT_EQ(std::get<section_place>(found).m_entity, innermost);
-    const auto too_deep =
-        find_section(parsed.m_message.m_root, parse_section(deepest + ".1", complaint).value());
-    EXPECT_EQ(std::get<no_section>(too_deep).m_nearest, deepest);
+    EXPECT_EQ(mail_sections::find(parsed.m_message.m_root, deepest).m_place.m_entity, innermost);
+    const mail_sections::found none = mail_sections::find(parsed.m_message.m_root, deepest + ".1");
+    EXPECT_EQ(none.m_error.m_fault, fault::no_part);
+    EXPECT_EQ(none.m_error.m_parts, 0U);
+    EXPECT_EQ(mail_sections::text_of(none.m_error.m_nearest), deepest);
 }
 
 } // namespace

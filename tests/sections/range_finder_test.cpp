@@ -1,8 +1,9 @@
 // Which bytes a section is: exact ones in small messages with LF and with CR LF, and rules that
 // hold in random messages.
 
-#include "common/section_ranges.h"
-#include "common/sections.h"
+#include <mail_sections.h>
+
+#include "sections/numbering.h"
 #include "support/escape.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
@@ -18,7 +19,10 @@
 namespace {
 
 using MimeObj = MailStructure::MimeObj;
-using piece = section_place::piece;
+using mail_sections::byte_range;
+using mail_sections::piece;
+using mail_sections::place;
+using mail_structure_detail::message_within;
 
 std::string with_cr(const std::string& text) {
     std::string result;
@@ -26,12 +30,10 @@ std::string with_cr(const std::string& text) {
     return result;
 }
 
-section_place find(const MimeObj& root, const std::string& name) {
-    std::string complaint;
-    const auto found = find_section(root, parse_section(name, complaint).value());
-    EXPECT_TRUE(std::holds_alternative<section_place>(found)) << name;
-    return std::holds_alternative<section_place>(found) ? std::get<section_place>(found)
-                                                        : section_place{&root};
+place find(const MimeObj& root, const std::string& name) {
+    const mail_sections::found found = mail_sections::find(root, name);
+    EXPECT_TRUE(found) << name;
+    return found.m_place;
 }
 
 /// Parses the message, and returns what Fill has thrown, if anything.
@@ -43,7 +45,7 @@ std::string parse(MailStructure& message, const std::string& input, MailStructur
 std::string bytes_of(const std::string& input, const std::string& name, MailStructure::rules by) {
     MailStructure message;
     EXPECT_EQ(parse(message, input, by), "");
-    section_ranges ranges(message.m_root, {input, by});
+    mail_sections::ranges ranges(message.m_root, {input, by});
     const byte_range range = ranges.of(find(message.m_root, name));
     return input.substr(range.m_offset, range.m_length);
 }
@@ -494,7 +496,7 @@ INSTANTIATE_TEST_SUITE_P(common, standard_section, testing::ValuesIn(bytes_cases
 INSTANTIATE_TEST_SUITE_P(own, classic_section, testing::ValuesIn(classic_cases), name_of);
 INSTANTIATE_TEST_SUITE_P(own, standard_section, testing::ValuesIn(standard_cases), name_of);
 
-TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
+TEST(ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     const std::string file = "From ada Mon\n"
                              "a: b\n"
                              "\n"
@@ -505,7 +507,7 @@ TEST(section_ranges_in_an_mbox_file, begin_behind_the_separator_line) {
     for (std::uint32_t* begin :
          {&root.m_header_beg, &root.m_mime_beg, &root.m_body_beg, &root.m_contents_beg})
         *begin += 13;
-    section_ranges ranges(root, {file, MailStructure::rules::classic, 13});
+    mail_sections::ranges ranges(root, {file, MailStructure::rules::classic, 13});
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_offset, 13U);
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_length, message.size());
     EXPECT_EQ(ranges.of({&root, piece::header_block, true}).m_offset, 13U);
@@ -525,15 +527,14 @@ public:
         : m_input(input), m_root(root), m_ranges(root, {input, by}) {}
 
     void check() {
-        check_message("", section_place{&m_root, piece::whole, true}, m_root);
+        check_message("", place{&m_root, piece::whole, true}, m_root);
         std::set<std::string, std::less<>> names;
-        entity_walk walk(m_root);
-        while (const numbered_entity* const entity = walk.next()) {
-            const std::string name(entity->m_section);
+        mail_sections::walk walk(m_root);
+        while (const mail_sections::visited* const entity = walk.next()) {
+            const std::string name(entity->m_name);
             EXPECT_TRUE(names.insert(name).second) << name;
             EXPECT_EQ(find(m_root, name).m_entity, entity->m_entity) << name;
-            if (entity->m_depth != 0 && !entity->m_is_message_within)
-                check_part(*entity->m_entity, name);
+            if (!entity->m_is_message) check_part(*entity->m_entity, name);
             ++m_entities;
         }
     }
@@ -544,8 +545,7 @@ private:
     std::uint32_t end_of(byte_range range) const { return range.m_offset + range.m_length; }
 
     /// A message is its header block and its text, without a gap.
-    void check_message(const std::string& name, const section_place& around,
-                       const MimeObj& message) {
+    void check_message(const std::string& name, const place& around, const MimeObj& message) {
         const byte_range all = m_ranges.of(around);
         const byte_range block = m_ranges.of({&message, piece::header_block, true});
         const byte_range text = m_ranges.of({&message, piece::body, true});
@@ -572,7 +572,7 @@ private:
 
     const std::string& m_input;
     const MimeObj& m_root;
-    section_ranges m_ranges;
+    mail_sections::ranges m_ranges;
     std::uint64_t m_entities = 0;
 };
 
@@ -593,7 +593,7 @@ void check_random_messages(MailStructure::rules by) {
     EXPECT_GT(entities, 20000U);
 }
 
-TEST(section_ranges_of_random_messages, obey_the_rules) {
+TEST(ranges_of_random_messages, obey_the_rules) {
     check_random_messages(MailStructure::rules::classic);
     check_random_messages(MailStructure::rules::standard);
 }

@@ -1,6 +1,7 @@
 // The text before the first part of a multipart and the text after its last part.
 
-#include "common/outer_text.h"
+#include <mail_sections.h>
+
 #include "support/escape.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
@@ -16,6 +17,9 @@
 
 namespace {
 
+using mail_sections::byte_range;
+using mail_sections::epilogue_of;
+using mail_sections::preamble_of;
 using rules = MailStructure::rules;
 
 MailStructure parse(const std::string& input, rules by = rules::classic) {

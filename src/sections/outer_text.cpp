@@ -1,15 +1,20 @@
-// Finds preambles and epilogues from the recorded ranges; see the header.
+// Finds preambles and epilogues from the recorded ranges; see include/mail_sections.h.
 
-#include "common/outer_text.h"
+#include <mail_sections.h>
 
-#include "common/ascii_case.h"
+#include "ascii_case.h"
+#include "within.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
+
+namespace mail_sections {
+
+using mail_structure_detail::equal_ignoring_case;
+using mail_structure_detail::within;
 
 namespace {
 
@@ -55,12 +60,13 @@ auto first_with_lines(const std::vector<MimeObj>& parts) {
 /// block once more, that line, and a line after it, which is epilogue if the multipart is closed.
 bool ends_with_closing_line(const MimeObj& childless, std::string_view bytes) {
     if (childless.m_epilogue_len != 0) return true;
-    std::string beginning(bytes.substr(childless.m_header_beg, childless.m_header_len));
-    beginning += last_line_of(contents_of(childless, bytes));
+    const byte_range block = within(bytes, {childless.m_header_beg, childless.m_header_len});
+    std::string beginning(bytes.substr(block.m_offset, block.m_length));
+    beginning += last_line_of(contents_of(childless, bytes)); // never empty: it has contents
     if (beginning.back() != '\n') beginning += '\n';
-    std::istringstream stream(beginning + "epilogue?\n");
+    beginning += "epilogue?\n";
     MailStructure again;
-    again.Fill(stream, MailStructure::rules::standard);
+    again.Fill(beginning, MailStructure::rules::standard);
     return again.m_root.m_epilogue_len != 0;
 }
 
@@ -89,9 +95,9 @@ std::string_view standard_preamble_of(const MimeObj& multipart, std::string_view
 
 // ---- The classic rules.
 
-/// Knows the closing line of a multipart. This is all that the tools know of delimiter lines: where
-/// a separator is follows from the part that it opens, but the library records a closing line as it
-/// records the text around it.
+/// Knows the closing line of a multipart. This is all that is known here of delimiter lines: where
+/// a separator is follows from the part that it opens, but the tree has a closing line as it
+/// has the text around it.
 class closing_line {
 public:
     /// The multipart must outlive the object.
@@ -99,7 +105,8 @@ public:
         constexpr std::string_view type = "multipart/";
         constexpr std::string_view parameter = "boundary"; // any beginning registers a boundary
         for (const MailStructure::header& field : multipart.m_headers) {
-            if (!equal_ignoring_case(field.m_value.substr(0, type.size()), type)) continue;
+            if (!equal_ignoring_case(std::string_view(field.m_value).substr(0, type.size()), type))
+                continue;
             for (const auto& [name, value] : field.m_params) {
                 if (equal_ignoring_case(name, parameter.substr(0, name.size()))) m_boundary = value;
             }
@@ -183,18 +190,20 @@ byte_range classic_epilogue_of(const MimeObj& entity, std::string_view bytes) {
 
 } // namespace
 
-byte_range preamble_of(const MimeObj& entity, const tree_source& source) {
+byte_range preamble_of(const MimeObj& entity, const source& from) {
     const bool has_one = entity.m_multipart && !entity.m_message && entity.m_contents_len != 0;
-    if (!has_one || entity.m_contents_beg >= source.m_bytes.size()) return {};
-    const std::string_view lines = source.m_rules == MailStructure::rules::standard
-                                       ? standard_preamble_of(entity, source.m_bytes)
-                                       : classic_preamble_of(entity, source.m_bytes);
+    if (!has_one || entity.m_contents_beg >= from.m_bytes.size()) return {};
+    const std::string_view lines = from.m_rules == MailStructure::rules::standard
+                                       ? standard_preamble_of(entity, from.m_bytes)
+                                       : classic_preamble_of(entity, from.m_bytes);
     return {entity.m_contents_beg, static_cast<std::uint32_t>(lines.size())};
 }
 
-byte_range epilogue_of(const MimeObj& entity, const tree_source& source) {
+byte_range epilogue_of(const MimeObj& entity, const source& from) noexcept {
     if (entity.m_epilogue_len == 0) return {};
-    if (source.m_rules == MailStructure::rules::standard)
-        return {entity.m_epilogue_beg, entity.m_epilogue_len};
-    return classic_epilogue_of(entity, source.m_bytes);
+    if (from.m_rules == MailStructure::rules::standard)
+        return within(from.m_bytes, {entity.m_epilogue_beg, entity.m_epilogue_len});
+    return classic_epilogue_of(entity, from.m_bytes);
 }
+
+} // namespace mail_sections

@@ -1,6 +1,8 @@
 // How entities are numbered in usual trees, in odd ones and in deep ones.
 
-#include "common/sections.h"
+#include <mail_sections.h>
+
+#include "sections/numbering.h"
 #include "support/parse.h"
 #include "support/small_stack.h"
 
@@ -11,15 +13,17 @@
 
 namespace {
 
+using mail_structure_detail::is_multipart;
+using mail_structure_detail::message_within;
 using MimeObj = MailStructure::MimeObj;
 
 /// A line for each entity: a blank for each level, its section, and "message" for a message within.
 std::string walk_text(const MimeObj& root) {
     std::string text;
-    entity_walk walk(root);
-    while (const numbered_entity* const entity = walk.next()) {
-        text += std::string(entity->m_depth, ' ') + std::string(entity->m_section);
-        text += entity->m_is_message_within ? " message\n" : "\n";
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const entity = walk.next()) {
+        text += std::string(entity->m_depth, ' ') + std::string(entity->m_name);
+        text += entity->m_is_message && entity->m_depth != 0 ? " message\n" : "\n";
     }
     return text;
 }
@@ -262,9 +266,9 @@ MimeObj nested(std::size_t multiparts) {
 TEST(deep_sections, have_names_of_up_to_100_numbers) {
     const MimeObj root = nested(102);
     std::vector<std::size_t> lengths;
-    entity_walk walk(root);
-    while (const numbered_entity* const entity = walk.next())
-        lengths.push_back(entity->m_section.size());
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const entity = walk.next())
+        lengths.push_back(entity->m_name.size());
     ASSERT_EQ(lengths.size(), 103U);
     EXPECT_EQ(lengths[0], 4U); // TEXT
     EXPECT_EQ(lengths[1], 1U);
@@ -277,8 +281,8 @@ TEST(deep_sections, have_names_again_where_the_tree_is_less_deep) {
     MimeObj root = nested(150);
     root.get_obj();
     std::string last;
-    entity_walk walk(root);
-    while (const numbered_entity* const entity = walk.next()) last = entity->m_section;
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const entity = walk.next()) last = entity->m_name;
     EXPECT_EQ(last, "2");
 }
 
@@ -288,8 +292,8 @@ TEST(deep_sections, are_walked_on_a_small_stack) {
     std::size_t entities = 0;
     std::size_t deepest = 0;
     test_support::run_on_stack(std::size_t{256} * 1024, [&] {
-        entity_walk walk(root);
-        while (const numbered_entity* const entity = walk.next()) {
+        mail_sections::walk walk(root);
+        while (const mail_sections::visited* const entity = walk.next()) {
             ++entities;
             deepest = entity->m_depth;
         }
