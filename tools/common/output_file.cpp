@@ -72,8 +72,8 @@ output_file::output_file(int folder) {
 
 output_file::~output_file() {
     m_new_file.reset(); // needs the folder
-    for (const int descriptor : {m_existing, m_folder})
-        if (descriptor >= 0) ::close(descriptor);
+    for (const int open_one : {m_existing, m_folder})
+        if (open_one >= 0) ::close(open_one);
 }
 
 /// As cp does, this writes only to what the user may write to, and creates no file that a link
@@ -81,15 +81,16 @@ output_file::~output_file() {
 void output_file::replace_or_create(const std::string& file_name) {
     struct stat there = {};
     m_existing = ::open(file_name.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-    const int error = errno;
-    m_is_dangling_link = m_existing < 0 && error == ENOENT
-                         && ::lstat(file_name.c_str(), &there) == 0 && S_ISLNK(there.st_mode);
-    if (m_existing < 0 && error == ENOENT && !m_is_dangling_link)
-        create(file_name, mode_of_new_files);
-    else if (m_existing < 0 || ::fstat(m_existing, &there) != 0)
-        fail(m_existing < 0 ? error : errno);
-    else if (S_ISREG(there.st_mode))
-        prepare_to_replace(real_name(file_name), there);
+    if (m_existing >= 0 && ::fstat(m_existing, &there) == 0) {
+        if (S_ISREG(there.st_mode)) prepare_to_replace(real_name(file_name), there);
+        return;
+    }
+    if (m_existing < 0 && errno == ENOENT) {
+        m_is_dangling_link = ::lstat(file_name.c_str(), &there) == 0 && S_ISLNK(there.st_mode);
+        if (!m_is_dangling_link) return create(file_name, mode_of_new_files);
+        errno = ENOENT;
+    }
+    fail(errno);
 }
 
 /// A new file is to take the name of the existing one, in one step, if nothing is lost by that.
@@ -134,8 +135,8 @@ bool output_file::write(std::string_view bytes) {
 bool output_file::keep() {
     if (m_error != 0 || !hand_over()) return false;
     if (descriptor() == m_existing) return true;
-    const int error = m_existing < 0 ? m_new_file->take_new_name(m_name) : replace();
-    return error == 0 || fail(error);
+    const int cause = m_existing < 0 ? m_new_file->take_new_name(m_name) : replace();
+    return cause == 0 || fail(cause);
 }
 
 /// The new contents are on the disk before the old ones are given up. A file that has been mounted

@@ -55,7 +55,7 @@ public:
 
 private:
     struct close_file {
-        void operator()(std::FILE* file) const { std::fclose(file); }
+        void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
     };
 
     void replace_or_create(const std::string& file_name);

@@ -66,7 +66,7 @@ std::string random_name() {
 template <typename function>
 std::string create_under_new_name(const function& create) {
     for (int attempts = 0; attempts < 100; ++attempts) {
-        const std::string name = random_name();
+        std::string name = random_name();
         if (create(name)) return name;
         if (errno != EEXIST) return "";
     }
@@ -140,9 +140,9 @@ int unfinished_file::take_name(const std::string& name) {
         create_under_new_name([this](const std::string& free) { return link_as(free); });
     if (between.empty()) return errno;
     if (::renameat(m_folder, between.c_str(), m_folder, name.c_str()) == 0) return 0;
-    const int error = errno;
+    const int cause = errno;
     ::unlinkat(m_folder, between.c_str(), 0);
-    return error;
+    return cause;
 }
 
 bool unfinished_file::link_as(const std::string& name) const {
