@@ -95,13 +95,21 @@ void begin_a_file_and_get(int signal, const std::string& name, existing_file exi
     ::_exit(3);
 }
 
+/// Whether the signal has its default action. Sanitizers handle some signals themselves.
+bool is_not_handled(int signal) {
+    struct sigaction present = {};
+    return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL;
+}
+
 /// All signals that end a program by default, but for the one that cannot be handled.
 std::vector<int> ending_signals() {
-    std::vector<int> signals = {SIGHUP,  SIGINT,  SIGQUIT,   SIGILL,  SIGTRAP, SIGABRT,
-                                SIGBUS,  SIGFPE,  SIGUSR1,   SIGSEGV, SIGUSR2, SIGPIPE,
-                                SIGALRM, SIGTERM, SIGSTKFLT, SIGXCPU, SIGXFSZ, SIGVTALRM,
-                                SIGPROF, SIGIO,   SIGPWR,    SIGSYS};
-    for (const int signal : {SIGRTMIN, SIGRTMIN + 1, SIGRTMAX}) signals.push_back(signal);
+    std::vector<int> signals;
+    for (const int signal :
+         {SIGHUP,  SIGINT,  SIGQUIT, SIGILL,  SIGTRAP,  SIGABRT,      SIGBUS,  SIGFPE,  SIGUSR1,
+          SIGSEGV, SIGUSR2, SIGPIPE, SIGALRM, SIGTERM,  SIGSTKFLT,    SIGXCPU, SIGXFSZ, SIGVTALRM,
+          SIGPROF, SIGIO,   SIGPWR,  SIGSYS,  SIGRTMIN, SIGRTMIN + 1, SIGRTMAX}) {
+        if (is_not_handled(signal)) signals.push_back(signal);
+    }
     return signals;
 }
 
