@@ -158,6 +158,14 @@ std::string complaint_about(const part_options& options) {
                            "contents";
 }
 
+/// How to decode; nothing where the bytes are written as they are.
+std::optional<strictness> decoding_of(const part_options& options) {
+    if (options.m_decode_word == "lenient") return strictness::lenient;
+    const bool decodes =
+        !options.m_decode_word.empty() || options.m_to_utf8 || chooses_attachments(options);
+    return decodes ? std::optional(strictness::strict) : std::nullopt;
+}
+
 /// Assigns the arguments: SECTION [FILE], or [FILE] with an option that stands for SECTION.
 void take_arguments(part_options& options, bool has_first, bool has_second) {
     bool has_file = has_second;
@@ -175,11 +183,7 @@ void take_arguments(part_options& options, bool has_first, bool has_second) {
             throw CLI::ValidationError(complaint_about(parsed.m_error, options.m_section_text));
         options.m_section = std::move(parsed.m_section);
     }
-    if (!options.m_decode_word.empty())
-        options.m_decode =
-            options.m_decode_word == "lenient" ? strictness::lenient : strictness::strict;
-    if ((options.m_to_utf8 || chooses_attachments(options)) && !options.m_decode)
-        options.m_decode = strictness::strict;
+    options.m_decode = decoding_of(options);
     const std::string complaint = complaint_about(options);
     if (!complaint.empty()) throw CLI::ValidationError(complaint);
     if (options.m_output == "-") options.m_output.reset(); // standard output
