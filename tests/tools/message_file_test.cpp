@@ -2,13 +2,19 @@
 
 #include "common/message_file.h"
 #include "support/expect_tree_text.h"
+#include "support/message_generator.h"
 #include "support/parse.h"
 #include "support/tree_text.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -253,6 +259,13 @@ const fault_case fault_cases[] = {
      "a: b\r\n"
      "Subject\r\n",
      no_colon, 13},
+    {"name_without_colon_behind_an_empty_line_that_is_dropped",
+     "C: multipart/x; boundary=b\n"
+     "\n"
+     "--b\n"
+     "\r\n"
+     "Subject\r\n",
+     no_colon, 34},
     {"name_without_colon_before_a_stray_byte",
      "a: b\r\n"
      "Subject\r\n"
@@ -269,6 +282,40 @@ TEST(message_file, tells_what_is_wrong_and_where) {
             message_file(on_disk.name()).parse(message, rules::classic);
         EXPECT_EQ(fault ? fault->m_what : "", row.m_what);
         EXPECT_EQ(fault ? fault->m_offset : 0, row.m_offset);
+    }
+}
+
+/// Where the line begins that Fill does not take for a header line; found by feeding line by line.
+std::optional<std::size_t> place_without_colon(const std::string& text) {
+    MailStructure message;
+    MailStructure::feeder feeder(message);
+    std::size_t start = 0;
+    try {
+        while (start < text.size()) {
+            const std::size_t end = std::min(text.find('\n', start), text.size() - 1) + 1;
+            feeder.feed(std::string_view(text).substr(start, end - start));
+            start = end;
+        }
+    } catch (const std::length_error&) {
+        return start;
+    } catch (const std::runtime_error&) {} // a stray byte
+    return std::nullopt;
+}
+
+TEST(message_file, tells_where_a_name_has_no_colon_in_any_message) {
+    int found = 0;
+    for (std::uint64_t seed = 1; found < 300; ++seed) {
+        const std::string text = test_support::generate_message(seed).m_input + "\n";
+        const std::optional<std::size_t> wanted = place_without_colon(text);
+        if (!wanted || text.substr(0, 5) == "From ") continue;
+        ++found;
+        const temporary_file on_disk(text);
+        MailStructure message;
+        const std::optional<input_fault> fault =
+            message_file(on_disk.name()).parse(message, rules::classic);
+        ASSERT_TRUE(fault) << "seed " << seed;
+        EXPECT_EQ(fault->m_what, no_colon) << "seed " << seed;
+        ASSERT_EQ(fault->m_offset, *wanted) << "seed " << seed << "\n" << text;
     }
 }
 

@@ -1,38 +1,17 @@
-// Parses a file's bytes through a stream buffer that lies over them; see the header.
+// Parses a file's bytes where they lie; see the header.
 
 #include "common/message_file.h"
 
 #include "common/complaint.h"
 
-#include <istream>
+#include <algorithm>
 #include <new>
 #include <stdexcept>
-#include <streambuf>
 #include <vector>
 
 namespace {
 
 constexpr std::uint32_t no_place = 0xFFFFFFFF; // of a header field
-
-/// A stream buffer over bytes that are in memory already. It does not own them, and nothing is
-/// written through it.
-class memory_stream_buffer final : public std::streambuf {
-public:
-    explicit memory_stream_buffer(std::string_view bytes) {
-        char* const begin =
-            const_cast<char*>(bytes.data()); // NOLINT: a get area is declared writable
-        setg(begin, begin, begin + bytes.size());
-    }
-
-    /// Where the line begins that was read last; 0 before the first.
-    std::size_t last_line_start() const {
-        const std::string_view taken(eback(), static_cast<std::size_t>(gptr() - eback()));
-        if (taken.empty()) return 0;
-        // The last byte read is usually the LF that ends this line.
-        const std::size_t line_end_before = taken.substr(0, taken.size() - 1).rfind('\n');
-        return line_end_before == std::string_view::npos ? 0 : line_end_before + 1;
-    }
-};
 
 /// The length of the From line of an mbox, if the bytes begin with one; else 0. (The standard rules
 /// would pass over that line as over any line of a header block that is no field. It belongs to the
@@ -96,26 +75,38 @@ void move_entity(MailStructure::MimeObj& entity, std::uint32_t distance) {
     }
 }
 
+/// Where the line begins at which Fill stopped with an exception: after the last line that the tree
+/// holds. Each line is in a range of the root, but for one: the classic rules drop an empty line
+/// behind a separator.
+std::size_t first_line_without_a_range(const MailStructure::MimeObj& root, std::string_view bytes) {
+    const std::size_t end =
+        std::max({root.m_header_beg + root.m_header_len, root.m_mime_beg + root.m_mime_len,
+                  root.m_body_beg + root.m_body_len, root.m_epilogue_beg + root.m_epilogue_len,
+                  root.m_contents_beg + root.m_contents_len});
+    const std::string_view rest = bytes.substr(std::min(end, bytes.size()));
+    for (const std::string_view empty_line : {"\n", "\r\n"})
+        if (rest.substr(0, empty_line.size()) == empty_line) return end + empty_line.size();
+    return end;
+}
+
 /// Fills the message and adds the distance to its ranges.
 /// @return what is wrong with the message, if anything; its offset counts from the first of these
 ///         bytes
 std::optional<input_fault> fill(MailStructure& message, std::string_view bytes,
                                 std::uint32_t distance, MailStructure::rules by) {
-    memory_stream_buffer buffer(bytes);
-    std::istream stream(&buffer);
+    const auto stopped_at = [&] { return first_line_without_a_range(message.m_root, bytes); };
     try {
-        message.Fill(stream, by);
+        message.Fill(bytes, by);
         if (distance != 0) move_ranges(message.m_root, distance);
     } catch (const std::length_error&) {
-        return input_fault{"bad header line: a name without a colon, ended by CR LF",
-                           buffer.last_line_start()};
+        return input_fault{"bad header line: a name without a colon, ended by CR LF", stopped_at()};
     } catch (const std::bad_alloc&) {
-        return input_fault{"cannot parse: out of memory", buffer.last_line_start()};
+        return input_fault{"cannot parse: out of memory", stopped_at()};
     } catch (const std::runtime_error& error) {
         const std::size_t stray = first_stray_byte(bytes);
         if (stray != std::string_view::npos)
             return input_fault{stray_byte_text(bytes[stray]), stray};
-        return input_fault{std::string("cannot parse: ") + error.what(), buffer.last_line_start()};
+        return input_fault{std::string("cannot parse: ") + error.what(), stopped_at()};
     }
     return std::nullopt;
 }
