@@ -126,7 +126,7 @@ public:
     outcome save(const attachment& each) {
         const chosen_piece piece = {each.m_body.m_entity, m_ranges.of(each.m_body)};
         const auto encoding = encoding_to_undo(m_options, piece);
-        if (!encoding) return outcome::not_saved;
+        if (!encoding) return tell_of(each, "is not saved");
         if (!m_folder.open()) {
             complain(escaped(m_folder.name()) + ": cannot write: " + system_error_text(errno));
             return outcome::give_up;
@@ -144,19 +144,30 @@ public:
             complain_about(each.m_name, file);
             return outcome::give_up;
         }
-        if (!is_whole && size == 0) return outcome::not_saved;
+        if (!is_whole && size == 0) return tell_of(each, "is not saved");
         const std::string name = keep(file, each.m_name);
         if (file.error() != 0) {
             complain_about(name, file);
             return outcome::not_saved;
         }
         print(each, size, name);
-        return is_whole ? outcome::saved : outcome::not_saved;
+        if (is_whole) return outcome::saved;
+        return tell_of(each, "is saved only in part, as " + escaped(m_folder.path_of(name)));
     }
 
     int print_error() const { return m_print_error; }
 
 private:
+    /// Complains about an attachment that cannot be decoded. Why was told before.
+    outcome tell_of(const attachment& each, const std::string& what) const {
+        complain(display_name(m_options.m_file) + ": section " + section_of(each) + ' ' + what);
+        return outcome::not_saved;
+    }
+
+    static std::string section_of(const attachment& each) {
+        return each.m_section.empty() ? "..." : each.m_section;
+    }
+
     /// Gives the file a name that is free.
     /// @return the name, or the one with which this has failed
     std::string keep(output_file& file, const std::string& wanted) {
@@ -173,7 +184,7 @@ private:
     void print(const attachment& each, std::uint64_t size, const std::string& name) {
         if (!std::cout) return;
         errno = 0;
-        std::cout << (each.m_section.empty() ? "..." : each.m_section) << '\t'
+        std::cout << section_of(each) << '\t'
                   << printable(media_type_of(*each.m_body.m_entity), character_set::ascii) << '\t'
                   << size << '\t' << printable(name, m_characters) << '\n'
                   << std::flush; // a complaint would flush it too, and hide why that failed
