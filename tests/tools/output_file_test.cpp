@@ -162,7 +162,7 @@ void lose_the_input(const std::string& input, const std::string& output) {
     end_on_lost_pages();
     const file_bytes taken(input);
     output_file file(output, existing_file::is_kept);
-    if (::truncate(input.c_str(), 0) == 0) file.write(std::string(taken.bytes()));
+    if (::truncate(input.c_str(), 0) == 0) file.write(taken.bytes());
     ::_exit(3);
 }
 

@@ -9,6 +9,13 @@
 
 namespace {
 
+/// Reads the byte from memory. If it lies in a page of a mapped file that has been lost, the system
+/// sends the signal that it does not send for its own calls.
+void touch(const char& byte) {
+    const volatile char* const place = &byte;
+    static_cast<void>(*place);
+}
+
 /// Whether the call that failed just now can be made again, after waiting where it takes that.
 bool can_go_on(int descriptor, short ready) {
     if (errno == EINTR) return true;
@@ -34,8 +41,10 @@ bool write_all(int descriptor, std::string_view bytes) {
             ::write(descriptor, bytes.data(), std::min(bytes.size(), most_at_once));
         if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (!can_go_on(descriptor, POLLOUT))
+        else if (!can_go_on(descriptor, POLLOUT)) {
+            if (errno == EFAULT) touch(bytes.front());
             return false;
+        }
     }
     return true;
 }

@@ -13,7 +13,8 @@
 /// @return how many bytes were read, 0 at the end; -1 and errno after a failure
 ssize_t read_some(int descriptor, char* to, std::size_t most);
 
-/// Writes all the bytes, however long it takes. Safe to call from a signal handler.
+/// Writes all the bytes, however long it takes. Safe to call from a signal handler. If the bytes
+/// lie in a page of a mapped file that has been lost, SIGBUS comes, as if the program read them.
 /// @return false and errno after a failure
 bool write_all(int descriptor, std::string_view bytes);
 
