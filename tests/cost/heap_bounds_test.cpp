@@ -115,10 +115,15 @@ const measured_row standard_rows[] = {
          return "Content-Transfer-Encoding:" + std::string(n % fold.size(), 'x') + '\n'
                 + repeated(n / fold.size(), fold + '\n');
      }},
+    // The text of a field is copied only if it is folded.
     {"byte of a boundary",
-     [](std::size_t n) { return standard_type + ";boundary=\"" + std::string(n, 'x') + "\"\n\n"; }},
+     [](std::size_t n) {
+         return standard_type + ";\n boundary=\"" + std::string(n, 'x') + "\"\n\n";
+     }},
     {"byte of an encoded boundary",
-     [](std::size_t n) { return standard_type + ";boundary*1*=" + std::string(n, 'x') + "\n\n"; }},
+     [](std::size_t n) {
+         return standard_type + ";\n boundary*1*=" + std::string(n, 'x') + "\n\n";
+     }},
     {"byte of an encoded boundary that arrives in pieces",
      [](std::size_t n) { return standard_type + ";boundary*1*=" + std::string(n, 'x') + "\n\n"; },
      64},

@@ -11,8 +11,7 @@ boundary_match match_boundary(std::string_view line, std::string_view delimiter)
 }
 
 boundary_match match_innermost(std::string_view line, const delimiter_stack& delimiters) noexcept {
-    return delimiters.empty() ? boundary_match::none
-                              : match_boundary(line, delimiters.back().m_text);
+    return delimiters.empty() ? boundary_match::none : match_boundary(line, delimiters.back());
 }
 
 } // namespace mail_structure_detail::classic

@@ -5,9 +5,11 @@
 
 #include "../lines/delimiter_filter.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace mail_structure_detail::classic {
@@ -16,17 +18,37 @@ namespace mail_structure_detail::classic {
 /// "--ab--" closes it.
 enum class boundary_match : std::uint8_t { none, separator, closing };
 
-struct registered_delimiter {
-    explicit registered_delimiter(std::string_view boundary)
-        : m_text(std::string("--").append(boundary)), m_filter(boundary) {}
+/// The delimiters ("--" and the boundary) whose closing line has not come, in the order in which
+/// Content-Type fields registered them.
+class delimiter_stack {
+public:
+    /// @throws std::bad_alloc
+    delimiter_stack() {
+        constexpr std::size_t usual_nesting = 10;
+        m_delimiters.reserve(usual_nesting);
+    }
 
-    std::string m_text; // "--" and the boundary
-    delimiter_filter m_filter;
+    bool empty() const noexcept { return m_delimiters.empty(); }
+    const std::string& back() const noexcept { return m_delimiters.back(); }
+    /// Passes all lines that begin with the last delimiter.
+    const delimiter_filter& filter() const noexcept { return m_filter; }
+
+    /// @throws std::bad_alloc, and then nothing has changed
+    void push_back(std::string delimiter) {
+        m_delimiters.push_back(std::move(delimiter));
+        set_filter();
+    }
+    void pop_back() noexcept {
+        m_delimiters.pop_back();
+        if (!empty()) set_filter();
+    }
+
+private:
+    void set_filter() noexcept { m_filter = delimiter_filter(std::string_view(back()).substr(2)); }
+
+    std::vector<std::string> m_delimiters;
+    delimiter_filter m_filter; // of the last one
 };
-
-/// The delimiters whose closing line has not come, in the order in which Content-Type fields
-/// registered them.
-using delimiter_stack = std::vector<registered_delimiter>;
 
 /// Kept: byte for byte. A trailing blank, another case, or anything but "--" after the delimiter
 /// makes the line no delimiter line. keeps_boundary_lines_exact

@@ -94,7 +94,7 @@ inline std::optional<run_limits> classic_grammar::may_take_run() const noexcept 
     if (m_state.m_delimiters.empty())
         return run_limits{dashed_lines::are_text, stray_bytes::end_the_run};
     return run_limits{dashed_lines::end_the_run, stray_bytes::end_the_run,
-                      m_state.m_delimiters.back().m_filter};
+                      m_state.m_delimiters.filter()};
 }
 
 } // namespace mail_structure_detail::classic

@@ -27,10 +27,7 @@ struct field_in_progress {
 };
 
 struct classic_state {
-    explicit classic_state(growing_tree& tree) : m_tree(tree), m_open(tree.m_open) {
-        constexpr std::size_t usual_nesting = 10;
-        m_delimiters.reserve(usual_nesting);
-    }
+    explicit classic_state(growing_tree& tree) : m_tree(tree), m_open(tree.m_open) {}
     classic_state(const classic_state&) = delete;
     classic_state& operator=(const classic_state&) = delete;
 

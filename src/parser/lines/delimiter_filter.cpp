@@ -8,17 +8,18 @@ namespace mail_structure_detail {
 namespace {
 
 constexpr std::size_t leading_dashes = 2;
-constexpr std::size_t farthest_place = 40; // far enough for all boundaries that programs make
+constexpr std::size_t most_passed_over = 38; // enough for all boundaries that programs make
 
 unsigned char byte_of(char c) noexcept { return static_cast<unsigned char>(c); }
 
 } // namespace
 
 delimiter_filter::delimiter_filter(std::string_view boundary) noexcept {
-    std::size_t first = boundary.find_first_not_of('-');
-    if (first == std::string_view::npos) first = 0;
-    m_place = static_cast<std::uint8_t>(std::min(leading_dashes + first, farthest_place));
-    boundary.remove_prefix(m_place - leading_dashes);
+    std::size_t first = boundary.substr(0, most_passed_over).find_first_not_of('-');
+    if (first == std::string_view::npos)
+        first = boundary.size() > most_passed_over ? most_passed_over : 0;
+    m_place = static_cast<std::uint8_t>(leading_dashes + first);
+    boundary.remove_prefix(first);
     for (std::size_t at = 0; at < std::min(boundary.size(), m_bytes.size()); ++at) {
         m_bits[at] = 0xFF;
         m_bytes[at] = byte_of(boundary[at]);

@@ -27,6 +27,7 @@ public:
     /// Passes all lines that begin with "--".
     delimiter_filter() = default;
     /// Passes lines that begin with "--" and, as far as this compares them, with the boundary.
+    /// Constant time.
     explicit delimiter_filter(std::string_view boundary) noexcept;
 
     /// Passes from now on also lines that begin with "--" and this boundary. Constant time.

@@ -23,11 +23,11 @@ void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
     if (2 * (m_delimiters.size() + 1) > m_slots.size()) grow_table();
     const std::uint64_t hash = keyed_hash(boundary);
     std::size_t& slot = m_slots[slot_of(boundary, hash)];
-    delimiter_filter filter = empty() ? delimiter_filter(boundary) : m_delimiters.back().m_filter;
-    filter.admit(boundary);
-    m_delimiters.push_back({std::string(boundary), hash, depth, slot, filter});
+    m_delimiters.push_back({std::string(boundary), hash, depth, slot});
     slot = m_delimiters.size() - 1;
     m_lengths |= length_bit(boundary.size());
+    if (m_delimiters.size() == 1) m_filter = delimiter_filter(boundary);
+    m_filter.admit(boundary);
 }
 
 /// Does what pop_from does, where there is a delimiter at the index.
@@ -40,6 +40,16 @@ void delimiters_in_force::pop_some_from(std::size_t index) noexcept {
         m_delimiters.pop_back();
     }
     if (m_delimiters.empty()) m_lengths = 0;
+    set_filter();
+}
+
+/// Makes the filter anew when delimiters have gone out of force. Where many are left, it goes on to
+/// pass lines of those that have gone: to look at all that are left each time would cost too much.
+void delimiters_in_force::set_filter() noexcept {
+    constexpr std::size_t usual_nesting = 8;
+    if (m_delimiters.empty() || m_delimiters.size() > usual_nesting) return;
+    m_filter = delimiter_filter(m_delimiters.front().m_boundary);
+    for (const delimiter& known : m_delimiters) m_filter.admit(known.m_boundary);
 }
 
 /// Does what match does, for a line that begins with "--" and is no delimiter line of the innermost

@@ -43,7 +43,7 @@ public:
     std::size_t depth_of(std::size_t index) const noexcept { return m_delimiters[index].m_depth; }
 
     /// Passes all lines that may be delimiter lines. There must be a delimiter in force.
-    const delimiter_filter& filter() const noexcept { return m_delimiters.back().m_filter; }
+    const delimiter_filter& filter() const noexcept { return m_filter; }
 
     /// Whether a line is a delimiter line: "--", a boundary, "--" or nothing, and then blanks and
     /// CRs. A delimiter line of several multiparts belongs to the innermost of them. Linear in the
@@ -61,8 +61,7 @@ private:
         std::string m_boundary;
         std::uint64_t m_hash;
         std::size_t m_depth;
-        std::size_t m_hidden;      // the next delimiter outwards with the same boundary, or none
-        delimiter_filter m_filter; // of this delimiter and all those outwards
+        std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
     };
 
     /// Whether the line is a delimiter line of the innermost multipart.
@@ -82,12 +81,14 @@ private:
     std::size_t find(std::string_view boundary) const noexcept;
     std::size_t slot_of(std::string_view boundary, std::uint64_t hash) const noexcept;
     void grow_table();
+    void set_filter() noexcept;
 
     std::vector<delimiter> m_delimiters; // the outermost first
     // Open addressing. A slot is `none` or the index of the innermost delimiter of a boundary.
     // Delimiters are taken out in the reverse of the order in which they were put in, so no search
     // for another boundary leads over a slot that becomes empty.
     std::vector<std::size_t> m_slots;
+    delimiter_filter m_filter;   // of all delimiters
     std::uint64_t m_lengths = 0; // bit n: a boundary of n, n + 64, ... bytes has come into force
 };
 
