@@ -2,6 +2,12 @@
 
 for path in 1 1.1 1.2 2 3 6 6.1 7 7.1; do
     show "$program" "$path" messages/attachments.eml
+    echo # a part ends before the line terminator of the delimiter line
+done
+
+echo '# Header blocks, and fields of one:'
+for section in 1.MIME 6.HEADER '6.HEADER.FIELDS (content-type)'; do
+    show "$program" "$section" messages/attachments.eml
 done
 
 echo '# Nothing but a header block is forwarded:'
@@ -16,16 +22,16 @@ show "$program" 1 epilogue.eml
 echo '# The separator line of an mbox is passed over:'
 first_of_mbox > mbox.eml
 show "$program" 2 mbox.eml
+echo
 
 echo '# Parts that are not there:'
 for path in 0 9 1.3 2.1 7.1.1 7.2 1. 1..2 .1 x -1 1x 99999999999999999999; do
     show "$program" "$path" messages/attachments.eml | head -n 2
 done
 
-echo '# The whole body:'
-show "$program" '' messages/attachments.eml | cksum
-sed '1,/^$/d' messages/attachments.eml |
-    { echo '$ serve_section  messages/attachments.eml'; cat; } | cksum
+echo '# The whole message, and all but its header block:'
+"$program" '' messages/attachments.eml | cmp - messages/attachments.eml
+"$program" TEXT messages/attachments.eml | cmp - <(sed '1,/^$/d' messages/attachments.eml)
 
 echo '# The body of a message that is no multipart:'
 printf 'Subject: plain\n\none\ntwo' > plain.eml
