@@ -13,13 +13,15 @@ namespace {
 
 using rules = MailStructure::rules;
 
-const std::vector<std::string> boundaries = {"b",
-                                             "=_a7",
-                                             "----=_Part_1",
-                                             "------------060708",
-                                             "----",
-                                             std::string(60, '-') + "far",
-                                             std::string(70, 'x')};
+std::vector<std::string> some_boundaries() {
+    return {"b",
+            "=_a7",
+            "----=_Part_1",
+            "------------060708",
+            "----",
+            std::string(60, '-') + "far",
+            std::string(70, 'x')};
+}
 
 /// Lines that begin with "--", some of them as a delimiter does, with this many bytes in all.
 std::string dashed_lines(std::size_t bytes, std::string_view boundary) {
@@ -47,65 +49,74 @@ std::string two_parts(std::string_view boundary, std::size_t body_bytes) {
            + "--\nend\n";
 }
 
+void expect_two_parts(const std::string& boundary, std::size_t bytes, rules by) {
+    const std::string input = two_parts(boundary, bytes);
+    MailStructure message;
+    message.Fill(std::string_view(input), by);
+    ASSERT_EQ(message.m_root.m_children.size(), 2U) << boundary << ' ' << bytes;
+    const auto& first = message.m_root.m_children.front();
+    const auto& second = message.m_root.m_children.back();
+    EXPECT_EQ(second.m_header_beg - first.m_body_beg, first.m_body_len + boundary.size() + 3);
+    EXPECT_EQ(second.m_subtype, "html");
+    EXPECT_EQ(message.m_root.m_epilogue_len, 4U);
+}
+
 TEST(dashed_lines, do_not_hide_a_delimiter_line_at_any_place) {
-    for (const rules by : {rules::classic, rules::standard}) {
-        for (const std::string& boundary : boundaries) {
-            for (std::size_t bytes = 100; bytes < 420; ++bytes) {
-                const std::string input = two_parts(boundary, bytes);
-                MailStructure message;
-                message.Fill(std::string_view(input), by);
-                ASSERT_EQ(message.m_root.m_children.size(), 2U) << boundary << ' ' << bytes;
-                const auto& first = message.m_root.m_children.front();
-                const auto& second = message.m_root.m_children.back();
-                EXPECT_EQ(second.m_header_beg - first.m_body_beg,
-                          first.m_body_len + boundary.size() + 3);
-                EXPECT_EQ(second.m_subtype, "html");
-                EXPECT_EQ(message.m_root.m_epilogue_len, 4U);
-            }
-        }
-    }
+    for (const rules by : {rules::classic, rules::standard})
+        for (const std::string& boundary : some_boundaries())
+            for (std::size_t bytes = 100; bytes < 420; ++bytes)
+                ASSERT_NO_FATAL_FAILURE(expect_two_parts(boundary, bytes, by));
+}
+
+/// Calls act with every two boundaries that differ.
+template <class Act>
+void for_each_two_boundaries(Act act) {
+    for (const std::string& outer : some_boundaries())
+        for (const std::string& inner : some_boundaries())
+            if (inner != outer) act(outer, inner);
+}
+
+/// The beginning of a multipart, as far as the separator before its first part.
+std::string begin_of_multipart(const std::string& boundary) {
+    return "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\n\n--" + boundary + '\n';
 }
 
 /// Where multiparts are nested, a line of the body may belong to any of them by the standard rules,
 /// and to the innermost alone by the classic rules.
+void expect_lines_of_both(const std::string& outer, const std::string& inner) {
+    std::string input = two_parts(inner, 500);
+    input.resize(input.size() - std::string_view("--\nend\n").size()); // it is not closed
+    input += "!\n" + dashed_lines(300, "z") + "--" + outer + "\n\nlast\n--" + outer + "--\n"
+             + dashed_lines(300, "z");
+    input = begin_of_multipart(outer) + input;
+    MailStructure message;
+    message.Fill(std::string_view(input), rules::standard);
+    ASSERT_EQ(message.m_root.m_children.size(), 2U) << outer << ' ' << inner;
+    EXPECT_EQ(message.m_root.m_children.front().m_children.size(), 2U);
+    EXPECT_EQ(message.m_root.m_epilogue_len, 300U);
+    message.Fill(std::string_view(input), rules::classic);
+    ASSERT_EQ(message.m_root.m_children.size(), 1U) << outer << ' ' << inner;
+    EXPECT_EQ(message.m_root.m_children.front().m_children.size(), 2U);
+}
+
 TEST(dashed_lines, do_not_hide_the_delimiter_lines_of_enclosing_multiparts) {
-    for (const std::string& outer : boundaries) {
-        for (const std::string& inner : boundaries) {
-            if (inner == outer) continue;
-            std::string input = two_parts(inner, 500);
-            input.resize(input.size() - std::string_view("--\nend\n").size()); // it is not closed
-            input += "!\n" + dashed_lines(300, "z") + "--" + outer + "\n\nlast\n--" + outer + "--\n"
-                     + dashed_lines(300, "z");
-            input = "Content-Type: multipart/mixed; boundary=\"" + outer + "\"\n\n--" + outer + '\n'
-                    + input;
-            MailStructure message;
-            message.Fill(std::string_view(input), rules::standard);
-            ASSERT_EQ(message.m_root.m_children.size(), 2U) << outer << ' ' << inner;
-            EXPECT_EQ(message.m_root.m_children.front().m_children.size(), 2U);
-            EXPECT_EQ(message.m_root.m_epilogue_len, 300U);
-            message.Fill(std::string_view(input), rules::classic);
-            ASSERT_EQ(message.m_root.m_children.size(), 1U) << outer << ' ' << inner;
-            EXPECT_EQ(message.m_root.m_children.front().m_children.size(), 2U);
-        }
-    }
+    for_each_two_boundaries(expect_lines_of_both);
 }
 
 /// When the inner multipart is closed, its delimiter is out of force and that of the outer one
 /// counts, by both sets of rules.
-TEST(dashed_lines, do_not_hide_delimiter_lines_behind_a_closed_multipart) {
+void expect_lines_of_outer(const std::string& outer, const std::string& inner) {
+    const std::string input = begin_of_multipart(outer) + two_parts(inner, 300)
+                              + dashed_lines(300, "z") + "--" + outer + "\n\nlast\n";
+    MailStructure message;
     for (const rules by : {rules::classic, rules::standard}) {
-        for (const std::string& outer : boundaries) {
-            for (const std::string& inner : boundaries) {
-                if (inner == outer) continue;
-                const std::string input = "Content-Type: multipart/mixed; boundary=\"" + outer
-                                          + "\"\n\n--" + outer + '\n' + two_parts(inner, 300)
-                                          + dashed_lines(300, "z") + "--" + outer + "\n\nlast\n";
-                MailStructure message;
-                message.Fill(std::string_view(input), by);
-                EXPECT_EQ(message.m_root.m_children.size(), 2U) << outer << ' ' << inner;
-            }
-        }
+        message.Fill(std::string_view(input), by);
+        EXPECT_EQ(message.m_root.m_children.size(), 2U) << outer << ' ' << inner;
     }
+}
+
+TEST(dashed_lines, do_not_hide_delimiter_lines_behind_a_closed_multipart) {
+    for_each_two_boundaries(expect_lines_of_outer);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 
 namespace mail_structure_detail {
 
@@ -44,8 +45,8 @@ void delimiter_filter::choose_probe() noexcept {
     const auto fewer_bits = [](unsigned char a, unsigned char b) {
         return std::popcount(a) < std::popcount(b);
     };
-    const auto most = std::max_element(m_bits.begin(), m_bits.end(), fewer_bits);
-    m_probe = static_cast<std::uint8_t>(most - m_bits.begin());
+    m_probe = static_cast<std::uint8_t>(
+        std::distance(m_bits.begin(), std::max_element(m_bits.begin(), m_bits.end(), fewer_bits)));
 }
 
 bool delimiter_filter::passes(std::string_view line) const noexcept {

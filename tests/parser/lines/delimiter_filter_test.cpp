@@ -21,28 +21,25 @@ delimiter_filter filter_of(const std::vector<std::string>& boundaries) {
     return filter;
 }
 
+void expect_probe_to_fit(const delimiter_filter& filter, std::string_view line) {
+    EXPECT_LT(filter.probe_place(), line.size());
+    EXPECT_EQ(line[filter.probe_place()] & filter.probe_bits(), filter.probe_value());
+}
+
 /// Whether the line passes, and whether what the filter says of its probe agrees with that.
 bool passes(const delimiter_filter& filter, std::string_view line) {
     const bool does = filter.passes(line);
     EXPECT_EQ(filter.passes(std::string(line) + "\n--=_b1"), does) << test_support::escaped(line);
-    EXPECT_GE(filter.probe_place(), 2U);
-    EXPECT_LT(filter.probe_place(), 64U);
+    EXPECT_TRUE(filter.probe_place() >= 2 && filter.probe_place() < 64);
     EXPECT_EQ(filter.probe_value() & ~filter.probe_bits(), 0);
-    if (does && filter.probe_bits() != 0) {
-        EXPECT_LT(filter.probe_place(), line.size());
-        EXPECT_EQ(line[filter.probe_place()] & filter.probe_bits(), filter.probe_value());
-    }
+    if (does && filter.probe_bits() != 0) expect_probe_to_fit(filter, line);
     return does;
 }
 
 TEST(delimiter_filter, passes_all_lines_with_two_dashes_while_it_knows_no_boundary) {
     for (const delimiter_filter& filter : {delimiter_filter(), delimiter_filter("")}) {
-        EXPECT_TRUE(passes(filter, "--"));
-        EXPECT_TRUE(passes(filter, "-- x"));
-        EXPECT_FALSE(passes(filter, "-"));
-        EXPECT_FALSE(passes(filter, ""));
-        EXPECT_FALSE(passes(filter, "x--"));
-        EXPECT_FALSE(passes(filter, " --"));
+        for (const char* line : {"--", "-- x"}) EXPECT_TRUE(passes(filter, line)) << line;
+        for (const char* line : {"-", "", "x--", " --"}) EXPECT_FALSE(passes(filter, line)) << line;
     }
 }
 
