@@ -35,11 +35,13 @@ public:
 
     /// The byte at the place, for m_next_byte of a line: a blank where the bytes end before it, and
     /// in a build without fast paths, since knowing the byte only saves time.
-    static char byte_at(std::string_view bytes, std::size_t place) noexcept {
+    static char byte_at([[maybe_unused]] std::string_view bytes,
+                        [[maybe_unused]] std::size_t place) noexcept {
 #ifdef MAILSTRUCTURE_PLAIN
-        bytes = {};
-#endif
+        return ' ';
+#else
         return place < bytes.size() ? bytes[place] : ' ';
+#endif
     }
 
     /// Finds the longest run of whole lines at the front of the bytes. False when there is none,
