@@ -6,11 +6,14 @@
 // runs the shapes of a rule set, or some of them, each at its size and at twice that size. Under
 // callgrind each stage becomes a dump of its own, whose trigger is SHAPE:SIZE:STAGE.
 
+#include <mail_sections.h>
+
 #include "cost/shapes.h"
 #include "support/fill_unchecked.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
@@ -87,6 +90,7 @@ public:
         stage("copy", [&] { copy = std::make_unique<MailStructure::MimeObj>(message->m_root); });
         stage("assign", [&] { *copy = message->m_root; });
         stage("dump", [&] { message->Dump(unread); });
+        stage("sections", [&] { find_sections(message->m_root, by); });
         stage("clear", [&] { message->m_root.clear(); });
         stage("destroy", [&] { copy.reset(); });
     }
@@ -99,6 +103,25 @@ private:
             for (const char& byte : m_text) feeder.feed({&byte, 1});
             feeder.finish();
         } catch (const std::exception&) {} // Fill has thrown it too
+    }
+
+    /// The name and the bytes of every section, and the sections that hold three bytes.
+    void find_sections(const MailStructure::MimeObj& root, MailStructure::rules by) const {
+        const mail_sections::source source{m_text, by};
+        mail_sections::ranges ranges(root, source);
+        mail_sections::walk walk(root);
+        while (const mail_sections::visited* const each = walk.next()) {
+            for (const auto piece :
+                 {mail_sections::piece::header_block, mail_sections::piece::body})
+                ranges.of({each->m_entity, piece, each->m_is_message});
+            mail_sections::preamble_of(*each->m_entity, source);
+            mail_sections::epilogue_of(*each->m_entity, source);
+        }
+        const auto size = static_cast<std::uint32_t>(m_text.size());
+        for (const std::uint32_t offset : {std::uint32_t{0}, size / 2, size - 1}) {
+            const mail_sections::holder holder = ranges.at(offset);
+            mail_sections::find(root, mail_sections::text_of(holder.m_section));
+        }
     }
 
     template <class Work>
