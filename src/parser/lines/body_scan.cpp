@@ -12,7 +12,7 @@ bool holds_stray_byte(std::string_view line) noexcept {
 
 } // namespace
 
-scanned_lines scan_body_plain(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_plain(std::string_view bytes, const run_limits& limits) noexcept {
     scanned_lines found;
     for (std::size_t start = 0;;) {
         const std::size_t lf = bytes.find('\n', start);

@@ -32,10 +32,10 @@ struct scanned_lines {
 
 /// The longest run of whole lines at the front of `bytes`, which begin at the beginning of a line,
 /// such that no line in it is one that ends the run. Linear; reads no byte past the end.
-using body_scanner = scanned_lines (*)(std::string_view bytes, run_limits limits) noexcept;
+using body_scanner = scanned_lines (*)(std::string_view bytes, const run_limits& limits) noexcept;
 
 /// The plain twin, which goes byte by byte: the other scanners are tested against it.
-scanned_lines scan_body_plain(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_plain(std::string_view bytes, const run_limits& limits) noexcept;
 
 } // namespace mail_structure_detail
 

@@ -118,7 +118,7 @@ scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& fil
 }
 
 template <class Make>
-scanned_lines scan_by_blocks(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_by_blocks(std::string_view bytes, const run_limits& limits) noexcept {
     const bool strays = limits.m_stray == stray_bytes::end_the_run;
     if (limits.m_dashed == dashed_lines::end_the_run)
         return strays ? scan_by_blocks<Make, true, true>(bytes, limits.m_filter)

@@ -35,7 +35,7 @@ public:
 
     /// Finds the longest run of whole lines at the front of what has not been read yet. False when
     /// there is none, or when the rest of a straddling line comes first.
-    bool find_run(line_run& run, run_limits limits) const noexcept {
+    bool find_run(line_run& run, const run_limits& limits) const noexcept {
         return !m_is_unfinished && m_finder.find_run(run, m_rest, limits);
     }
     /// Moves past the run, which is the one found last.

@@ -22,7 +22,7 @@ bool ends_with_empty_line(std::string_view run) noexcept {
 } // namespace
 
 bool line_finder::find_run(line_run& run, std::string_view bytes,
-                           run_limits limits) const noexcept {
+                           const run_limits& limits) const noexcept {
     if (!finds_runs) return false;
     // No run crosses a wrap of the offsets: the line that crosses it is read by itself.
     const std::uint64_t to_next_wrap = wrap - m_position % wrap;

@@ -46,7 +46,7 @@ public:
 
     /// Finds the longest run of whole lines at the front of the bytes. False when there is none,
     /// since the first line ends the run or is not all there. The run is not taken yet.
-    bool find_run(line_run& run, std::string_view bytes, run_limits limits) const noexcept;
+    bool find_run(line_run& run, std::string_view bytes, const run_limits& limits) const noexcept;
     /// Moves on past the run, which is the one found last.
     void take(const line_run& run) noexcept { m_position += run.m_bytes.size(); }
 

@@ -58,7 +58,7 @@ bool line_reader::next_unfinished(input_line& line) {
     return true;
 }
 
-bool line_reader::find_run(line_run& run, run_limits limits) const noexcept {
+bool line_reader::find_run(line_run& run, const run_limits& limits) const noexcept {
     return m_finder.find_run(run, ready(), limits);
 }
 

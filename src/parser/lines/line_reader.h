@@ -39,7 +39,7 @@ public:
     /// Finds the longest run of whole lines at the front of the stream's buffer. False when there
     /// is none, since the first line ends the run or is not all there. Reads nothing; the lines
     /// stay in the buffer until they are taken.
-    bool find_run(line_run& run, run_limits limits) const noexcept;
+    bool find_run(line_run& run, const run_limits& limits) const noexcept;
     /// Moves past the run, which is the one found last.
     void take(const line_run& run) noexcept;
 

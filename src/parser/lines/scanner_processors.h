@@ -18,22 +18,22 @@ namespace mail_structure_detail {
 
 #ifdef MAIL_STRUCTURE_X86_64
 // Every x86-64 processor.
-scanned_lines scan_body_sse2(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_sse2(std::string_view bytes, const run_limits& limits) noexcept;
 scanned_line scan_line_sse2(std::string_view bytes, field_names names) noexcept;
 // AVX2, BMI, BMI2, POPCNT.
-scanned_lines scan_body_avx2(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_avx2(std::string_view bytes, const run_limits& limits) noexcept;
 scanned_line scan_line_avx2(std::string_view bytes, field_names names) noexcept;
 // The same and AVX-512BW.
-scanned_lines scan_body_avx512(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_avx512(std::string_view bytes, const run_limits& limits) noexcept;
 scanned_line scan_line_avx512(std::string_view bytes, field_names names) noexcept;
 #endif
 #ifdef MAIL_STRUCTURE_AARCH64
 // Every 64-bit ARM processor.
-scanned_lines scan_body_neon(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_neon(std::string_view bytes, const run_limits& limits) noexcept;
 scanned_line scan_line_neon(std::string_view bytes, field_names names) noexcept;
 #endif
 // Any processor.
-scanned_lines scan_body_portable(std::string_view bytes, run_limits limits) noexcept;
+scanned_lines scan_body_portable(std::string_view bytes, const run_limits& limits) noexcept;
 scanned_line scan_line_portable(std::string_view bytes, field_names names) noexcept;
 
 } // namespace mail_structure_detail

@@ -91,7 +91,7 @@ struct avx2 {
 
 } // namespace
 
-scanned_lines scan_body_avx2(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_avx2(std::string_view bytes, const run_limits& limits) noexcept {
     return scan_by_blocks<avx2>(bytes, limits);
 }
 

@@ -68,7 +68,7 @@ struct avx512 {
 
 } // namespace
 
-scanned_lines scan_body_avx512(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_avx512(std::string_view bytes, const run_limits& limits) noexcept {
     return scan_by_blocks<avx512>(bytes, limits);
 }
 

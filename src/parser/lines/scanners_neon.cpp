@@ -73,7 +73,7 @@ struct neon {
 
 } // namespace
 
-scanned_lines scan_body_neon(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_neon(std::string_view bytes, const run_limits& limits) noexcept {
     return scan_by_blocks<neon>(bytes, limits);
 }
 

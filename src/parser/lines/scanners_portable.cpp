@@ -63,7 +63,7 @@ struct portable {
 
 } // namespace
 
-scanned_lines scan_body_portable(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_portable(std::string_view bytes, const run_limits& limits) noexcept {
     return scan_by_blocks<portable>(bytes, limits);
 }
 

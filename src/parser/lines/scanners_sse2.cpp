@@ -68,7 +68,7 @@ struct sse2 {
 
 } // namespace
 
-scanned_lines scan_body_sse2(std::string_view bytes, run_limits limits) noexcept {
+scanned_lines scan_body_sse2(std::string_view bytes, const run_limits& limits) noexcept {
     return scan_by_blocks<sse2>(bytes, limits);
 }
 
