@@ -119,4 +119,21 @@ TEST(dashed_lines, do_not_hide_delimiter_lines_behind_a_closed_multipart) {
     for_each_two_boundaries(expect_lines_of_outer);
 }
 
+/// When the innermost of three multiparts is closed, lines of both others count by the standard
+/// rules.
+void expect_lines_of_both_left(const std::string& outer, const std::string& middle) {
+    const std::string text = dashed_lines(300, "z");
+    const std::string input = begin_of_multipart(outer) + begin_of_multipart(middle)
+                              + two_parts("innermost", 300) + text + "--" + middle + "\n\n" + text
+                              + "--" + outer + "\n\nlast\n";
+    MailStructure message;
+    message.Fill(std::string_view(input), rules::standard);
+    ASSERT_EQ(message.m_root.m_children.size(), 2U) << outer << ' ' << middle;
+    EXPECT_EQ(message.m_root.m_children.front().m_children.size(), 2U) << outer << ' ' << middle;
+}
+
+TEST(dashed_lines, do_not_hide_lines_of_any_multipart_that_is_left) {
+    for_each_two_boundaries(expect_lines_of_both_left);
+}
+
 } // namespace
