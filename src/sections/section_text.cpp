@@ -54,7 +54,7 @@ public:
     error read(Take take) {
         if (!skips(" (")) return bad_text(m_position, "a list of field names such as \" (To Cc)\"");
         for (;;) {
-            const error wrong = skips("\"") ? read_quoted(take) : read_atom(take);
+            error wrong = skips("\"") ? read_quoted(take) : read_atom(take);
             if (wrong.m_fault != fault::none) return wrong;
             if (skips(")")) break;
             if (!skips(" ")) return bad_text(m_position, "a blank or a closing parenthesis");
