@@ -7,6 +7,12 @@ set -eu
 way=$1 build=$2 work=$3 libdir=$4 compiler=$5 flags=${6-}
 here=$(cd "$(dirname "$0")" && pwd)
 
+# The same flags are for both languages, so the compilers must be of the same maker.
+case $compiler in
+*clang++*) c_compiler=clang ;;
+*) c_compiler=cc ;;
+esac
+
 rm -rf "$work"
 cmake --install "$build" --prefix "$work/installed" > "$work.install.log"
 rm "$work.install.log"
@@ -29,7 +35,8 @@ needs_library() { readelf -d "$1" | grep -q 'NEEDED.*libmailstructure\.so\.1\]';
 case $way in
 find_package)
     cmake -G Ninja -S "$here" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_C_FLAGS="$flags"
+        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" \
+        -DCMAKE_C_COMPILER="$c_compiler" -DCMAKE_C_FLAGS="$flags"
     cmake --build "$work/build"
     run_consumer "$work/build/consumer_of_mailstructure"
     run_consumer "$work/build/consumer_of_mailstructure_static"
