@@ -72,7 +72,7 @@ OFFERS_BEFORE_A_FILE = [
     ("mailstructure part | c:d=e.eml", SECTIONS),
     ("mailstructure part | ~/own.eml", SECTIONS),
     ("mailstructure part | ~/'my own.eml'", SECTIONS),
-    ("mailstructure part 2.1| letter.eml", {"2.1", "2.1.MIME"}),
+    ("mailstructure part --decode 2.1| letter.eml", {"2.1", "2.1.MIME"}),
     ("mailstructure part | ~/digit.eml", {"HEADER", "TEXT", "1", "1.MIME"}),
     ("mailstructure part --rules=classic T| ~/digit.eml", {"TEXT"}),
     ("mailstructure part --rules classic | ~/two.eml", {"HEADER", "TEXT", "1", "1.MIME"}),
