@@ -1,5 +1,7 @@
 #include "robustness/allocating_messages.h"
 
+#include "support/cr_lf.h"
+
 #include <cstddef>
 #include <utility>
 
@@ -16,15 +18,6 @@ std::string letters(std::size_t count) {
 std::string repeated(std::size_t times, const std::string& text) {
     std::string result;
     for (std::size_t i = 0; i < times; ++i) result += text;
-    return result;
-}
-
-std::string with_crlf(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '\n') result += '\r';
-        result += c;
-    }
     return result;
 }
 
@@ -79,7 +72,7 @@ void add_header_messages(std::vector<allocating_message>& all) {
     all.push_back(
         {"many_fields", repeated(40, letters(20) + ": " + letters(25) + "\n") + "\nhi\n"});
     all.push_back({"many_fields_with_crlf",
-                   with_crlf(repeated(20, "Received: " + letters(50) + "\n") + "\nhi\n")});
+                   with_cr_lf(repeated(20, "Received: " + letters(50) + "\n") + "\nhi\n")});
     all.push_back({"block_without_end", "Subject: " + letters(30) + "\nTo: " + letters(40)});
     all.push_back(
         {"name_without_colon", "a: " + letters(30) + "\r\n" + letters(30) + "\r\n\r\nhi\r\n"});
@@ -135,7 +128,7 @@ void add_body_messages(std::vector<allocating_message>& all) {
 void add_tree_messages(std::vector<allocating_message>& all) {
     all.push_back({"many_empty_parts", multipart("b") + repeated(40, "--b\n")});
     all.push_back({"many_full_parts", full_parts(9)});
-    all.push_back({"many_full_parts_with_crlf", with_crlf(full_parts(9))});
+    all.push_back({"many_full_parts_with_crlf", with_cr_lf(full_parts(9))});
     all.push_back({"parts_without_blocks",
                    multipart("b") + repeated(6, "--b\n1 " + letters(30) + "\n") + "--b--\n"});
     all.push_back({"deep_multiparts", closed_multiparts(14)});
@@ -157,7 +150,7 @@ void add_tree_messages(std::vector<allocating_message>& all) {
     all.push_back({"stray_byte_at_depth", open_multiparts(12) + "\n" + letters(30) + "\n\r\r\n"});
     all.push_back(
         {"name_without_colon_at_depth",
-         with_crlf(open_multiparts(12) + "Subject: " + letters(30) + "\n" + letters(30) + "\n")});
+         with_cr_lf(open_multiparts(12) + "Subject: " + letters(30) + "\n" + letters(30) + "\n")});
 }
 
 /// Multiparts within each other, so many that the table of delimiters grows more than once. Each

@@ -2,11 +2,13 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
+#include "support/case_name.h"
+#include "support/cr_lf.h"
 #include "support/parse.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,28 +16,22 @@ namespace {
 
 using mail_sections::byte_range;
 using rules = MailStructure::rules;
-
-constexpr rules both[] = {rules::classic, rules::standard};
+using test_support::with_cr_lf;
+using namespace section_samples;
 
 /// The bytes of the section, with a bar between its ranges.
 std::string bytes_of(const std::string& input, const std::string& section, rules by) {
-    MailStructure message;
-    std::istringstream stream(input);
-    EXPECT_EQ(test_support::fill(message, stream, 0, by), "");
+    const test_support::parse_outcome parsed = test_support::parse(input, {.m_rules = by});
+    EXPECT_EQ(parsed.m_error, "");
+    const MailStructure::MimeObj& root = parsed.m_message.m_root;
     const mail_sections::section wanted = mail_sections::parse(section).m_section;
-    const mail_sections::found found = mail_sections::find(message.m_root, wanted);
+    const mail_sections::found found = mail_sections::find(root, wanted);
     EXPECT_TRUE(found) << section;
-    mail_sections::ranges ranges(message.m_root, {input, by});
+    mail_sections::ranges ranges(root, {input, by});
     std::string text;
     for (const byte_range& range : ranges.of_fields(found.m_place, wanted))
         text += (text.empty() ? "" : "|") + input.substr(range.m_offset, range.m_length);
     return text;
-}
-
-std::string with_cr(const std::string& text) {
-    std::string result;
-    for (const char c : text) result += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return result;
 }
 
 constexpr const char* message = "To: a\n"
@@ -86,15 +82,15 @@ const fields_case fields_cases[] = {
 class chosen_fields : public testing::TestWithParam<fields_case> {};
 
 TEST_P(chosen_fields, have_these_bytes) {
-    for (const rules by : both) {
+    for (const rules by : both_rules) {
         EXPECT_EQ(bytes_of(GetParam().m_input, GetParam().m_section, by), GetParam().m_bytes);
-        EXPECT_EQ(bytes_of(with_cr(GetParam().m_input), GetParam().m_section, by),
-                  with_cr(GetParam().m_bytes));
+        EXPECT_EQ(bytes_of(with_cr_lf(GetParam().m_input), GetParam().m_section, by),
+                  with_cr_lf(GetParam().m_bytes));
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, chosen_fields, testing::ValuesIn(fields_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<fields_case>);
 
 // Lines that end a header block by the classic rules.
 const fields_case odd_cases[] = {
@@ -118,6 +114,6 @@ TEST_P(odd_fields, have_these_bytes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, odd_fields, testing::ValuesIn(odd_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<fields_case>);
 
 } // namespace

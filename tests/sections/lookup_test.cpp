@@ -2,6 +2,8 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
+#include "support/case_name.h"
 #include "support/parse.h"
 
 #include <gtest/gtest.h>
@@ -12,41 +14,32 @@ namespace {
 using mail_sections::fault;
 using mail_sections::piece;
 using MimeObj = MailStructure::MimeObj;
+using namespace section_samples;
 
-constexpr const char* forwarded = "Content-Type: multipart/mixed; boundary=X\n"
-                                  "\n"
-                                  "--X\n"
-                                  "Content-Type: text/plain\n"
-                                  "\n"
-                                  "a\n"
-                                  "--X\n"
-                                  "Content-Type: message/rfc822\n"
-                                  "\n"
-                                  "a: b\n"
-                                  "c: d\n"
-                                  "\n"
-                                  "hi\n"
-                                  "--X\n"
-                                  "Content-Type: message/rfc822\n"
-                                  "\n"
-                                  "Content-Type: multipart/mixed; boundary=Y\n"
-                                  "\n"
-                                  "--Y\n"
-                                  "\n"
-                                  "b\n"
-                                  "--Y\n"
-                                  "\n"
-                                  "c\n"
-                                  "--Y--\n"
-                                  "--X--\n";
+const std::string forwarded = mixed_x
+                              + "--X\n"
+                                "Content-Type: text/plain\n"
+                                "\n"
+                                "a\n"
+                                "--X\n"
+                              + rfc822 + letter + "--X\n" + rfc822 + mixed_y
+                              + "--Y\n"
+                                "\n"
+                                "b\n"
+                                "--Y\n"
+                                "\n"
+                                "c\n"
+                                "--Y--\n"
+                                "--X--\n";
 
-/// The indices of the children on the path to the entity, such as "/1/0"; "" for the root.
-std::string place_below(const MimeObj& from, const MimeObj* wanted) {
+/// The indices of the children on the path to the wanted entity, such as "/1/0". It is "" for the
+/// entity that the path starts from, and "none" where no path leads to the wanted one.
+std::string path_to(const MimeObj& from, const MimeObj* wanted) {
     if (&from == wanted) return "";
     for (std::size_t index = 0; index < from.m_children.size(); ++index) {
         const MimeObj& child = from.m_children[index];
-        const std::string below = place_below(child, wanted);
-        if (below != "none") return "/" + std::to_string(index) + below;
+        const std::string rest = path_to(child, wanted);
+        if (rest != "none") return "/" + std::to_string(index) + rest;
     }
     return "none";
 }
@@ -71,7 +64,7 @@ std::string lookup_text(const std::string& input, const std::string& section_tex
     if (!found) return error_text(found.m_error);
     const mail_sections::place& place = found.m_place;
     const std::string suffix =
-        place_below(root, place.m_entity) + (place.m_is_message ? " message" : "");
+        path_to(root, place.m_entity) + (place.m_is_message ? " message" : "");
     switch (place.m_piece) {
     case piece::whole: return "whole" + suffix;
     case piece::header_block: return "header of " + suffix;
@@ -82,7 +75,7 @@ std::string lookup_text(const std::string& input, const std::string& section_tex
 
 struct lookup_case {
     const char* m_name;
-    const char* m_input;
+    std::string m_input;
     const char* m_section;
     const char* m_result;
 };
@@ -122,20 +115,9 @@ const lookup_case lookup_cases[] = {
     {"number_below_a_text_in_a_message", forwarded, "2.1.1", "of 0 parts, 2.1"},
     {"header_of_a_text", forwarded, "1.HEADER", "no message, but 1.MIME"},
     {"text_of_a_text", forwarded, "1.TEXT", "no message, but 1"},
-    {"header_of_a_message_that_holds_none",
-     "Content-Type: message/rfc822\n"
-     "\n",
-     "1.HEADER", "no message, but 1.MIME"},
-    {"part_of_a_multipart_without_parts",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n",
-     "1", "of 0 parts, TEXT"},
-    {"part_of_a_multipart_without_parts_within",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n",
-     "1.1", "of 0 parts, 1"},
+    {"header_of_a_message_that_holds_none", rfc822, "1.HEADER", "no message, but 1.MIME"},
+    {"part_of_a_multipart_without_parts", mixed_x, "1", "of 0 parts, TEXT"},
+    {"part_of_a_multipart_without_parts_within", rfc822 + mixed_x, "1.1", "of 0 parts, 1"},
 
     {"zero", forwarded, "0", "at 0: a part number (from 1) or one of HEADER or TEXT"},
     {"leading_zero", forwarded, "1.02",
@@ -164,7 +146,7 @@ TEST_P(section_lookup, finds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, section_lookup, testing::ValuesIn(lookup_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<lookup_case>);
 
 /// What find() says of a section that no text names.
 std::string lookup_text(const mail_sections::section& wanted) {

@@ -2,15 +2,13 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
 #include "support/escape.h"
-#include "support/message_generator.h"
 #include "support/parse.h"
-#include "support/standard_message_generator.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,13 +19,7 @@ using mail_sections::byte_range;
 using mail_sections::epilogue_of;
 using mail_sections::preamble_of;
 using rules = MailStructure::rules;
-
-MailStructure parse(const std::string& input, rules by = rules::classic) {
-    MailStructure message;
-    std::istringstream stream(input);
-    test_support::fill(message, stream, 0, by); // of a message at fault, what was read before
-    return message;
-}
+using namespace section_samples;
 
 std::string cut(const std::string& input, const byte_range& range) {
     return input.substr(range.m_offset, range.m_length);
@@ -39,6 +31,10 @@ std::string preamble_in(const std::string& input, const MailStructure::MimeObj& 
 
 std::string epilogue_in(const std::string& input, const MailStructure::MimeObj& entity, rules by) {
     return cut(input, epilogue_of(entity, {input, by}));
+}
+
+std::string preamble_in(const std::string& input, rules by) {
+    return preamble_in(input, parse(input, by).m_root, by);
 }
 
 struct outer_case {
@@ -275,7 +271,7 @@ TEST(outer_text, of_a_part_is_not_that_of_the_multiparts_around_it) {
                                 "--c--\n"
                                 "two\n"
                               + "--b\n\ny\n--b--\n";
-    for (const rules by : {rules::classic, rules::standard}) {
+    for (const rules by : both_rules) {
         const MailStructure message = parse(input, by);
         const MailStructure::MimeObj& inner = message.m_root.m_children.at(0);
         EXPECT_EQ(preamble_in(input, inner, by), "one\n");
@@ -309,8 +305,7 @@ TEST(outer_text, begins_with_the_last_boundary_of_several) {
                               "--c\n"
                               "\n"
                               "x\n";
-    const MailStructure message = parse(input);
-    EXPECT_EQ(preamble_in(input, message.m_root, rules::classic), "--b\n");
+    EXPECT_EQ(preamble_in(input, rules::classic), "--b\n");
 }
 
 TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
@@ -321,8 +316,7 @@ TEST(outer_text, has_lines_with_a_boundary_that_is_not_the_multiparts) {
                               "--b\n"
                               "\n"
                               "x\n";
-    const MailStructure message = parse(input);
-    EXPECT_EQ(preamble_in(input, message.m_root, rules::classic), "--c\n");
+    EXPECT_EQ(preamble_in(input, rules::classic), "--c\n");
 }
 
 TEST(outer_text, is_none_of_what_is_no_multipart) {
@@ -350,7 +344,7 @@ TEST(outer_text, costs_no_more_than_the_length_of_the_message) {
     for (std::size_t parameter = 0; parameter < count; ++parameter) input += ";b=b";
     input += "\n\nbefore\n";
     for (std::size_t part = 0; part < count; ++part) input += "--b\n";
-    for (const rules by : {rules::classic, rules::standard}) {
+    for (const rules by : both_rules) {
         if (by == rules::standard) input.replace(input.find("=c"), 2, "=b"); // its first counts
         const MailStructure message = parse(input, by);
         ASSERT_EQ(message.m_root.m_children.size(), count);
@@ -411,12 +405,10 @@ std::size_t check_preambles(const std::string& input, rules by) {
 }
 
 TEST(outer_text, of_random_messages_is_what_they_have_before_the_first_part) {
-    for (const rules by : {rules::classic, rules::standard}) {
+    for (const rules by : both_rules) {
         std::size_t preambles = 0;
         for (std::uint64_t seed = 1; seed <= 3000; ++seed) {
-            const std::string input = by == rules::standard
-                                          ? test_support::generate_standard_message(seed).m_input
-                                          : test_support::generate_message(seed).m_input;
+            const std::string input = random_message(by, seed);
             if (!test_support::parse(input).m_error.empty() && by == rules::classic) continue;
             preambles += check_preambles(input, by);
             if (testing::Test::HasFailure())

@@ -3,16 +3,15 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
 #include "sections/numbering.h"
+#include "support/case_name.h"
+#include "support/cr_lf.h"
 #include "support/escape.h"
-#include "support/message_generator.h"
-#include "support/parse.h"
-#include "support/standard_message_generator.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,12 +22,9 @@ using mail_sections::byte_range;
 using mail_sections::piece;
 using mail_sections::place;
 using mail_structure_detail::message_within;
-
-std::string with_cr(const std::string& text) {
-    std::string result;
-    for (const char c : text) result += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    return result;
-}
+using rules = MailStructure::rules;
+using test_support::with_cr_lf;
+using namespace section_samples;
 
 place find(const MimeObj& root, const std::string& name) {
     const mail_sections::found found = mail_sections::find(root, name);
@@ -36,69 +32,88 @@ place find(const MimeObj& root, const std::string& name) {
     return found.m_place;
 }
 
-/// Parses the message, and returns what Fill has thrown, if anything.
-std::string parse(MailStructure& message, const std::string& input, MailStructure::rules by) {
-    std::istringstream stream(input);
-    return test_support::fill(message, stream, 0, by);
-}
-
-std::string bytes_of(const std::string& input, const std::string& name, MailStructure::rules by) {
-    MailStructure message;
-    EXPECT_EQ(parse(message, input, by), "");
-    mail_sections::ranges ranges(message.m_root, {input, by});
-    const byte_range range = ranges.of(find(message.m_root, name));
+std::string bytes_of(const std::string& input, const std::string& name, rules by) {
+    const test_support::parse_outcome parsed = test_support::parse(input, {.m_rules = by});
+    EXPECT_EQ(parsed.m_error, "");
+    const MimeObj& root = parsed.m_message.m_root;
+    mail_sections::ranges ranges(root, {input, by});
+    const byte_range range = ranges.of(find(root, name));
     return input.substr(range.m_offset, range.m_length);
 }
 
 struct bytes_case {
     const char* m_name;
-    const char* m_input;
+    std::string m_input;
     const char* m_section;
-    const char* m_bytes;
+    std::string m_bytes;
 };
 
 // ---- The same by both sets of rules
 
-constexpr const char* two_parts = "Content-Type: multipart/mixed; boundary=X\n"
-                                  "\n"
-                                  "preamble\n"
-                                  "--X\n"
+const std::string two_parts = mixed_x
+                              + "preamble\n"
+                                "--X\n"
+                                "a: b\n"
+                                "\n"
+                                "hi\n"
+                                "\n"
+                                "--X\n"
+                                "\n"
+                                "(ho)\n"
+                                "--X--\n"
+                                "epilogue\n";
+const std::string messages = mixed_x + "--X\n" + rfc822 + letter + "--X\n" + rfc822
+                             + "a: b\n"
+                               "\n"
+                               "(hi)\n"
+                               "--X\n"
+                             + rfc822
+                             + "Hi there\n"
+                               "(ho)\n"
+                               "--X--\n";
+const std::string headed_part = mixed_x
+                                + "--X\n"
                                   "a: b\n"
                                   "\n"
-                                  "hi\n"
-                                  "\n"
-                                  "--X\n"
-                                  "\n"
-                                  "(ho)\n"
-                                  "--X--\n"
-                                  "epilogue\n";
-constexpr const char* messages = "Content-Type: multipart/mixed; boundary=X\n"
-                                 "\n"
-                                 "--X\n"
-                                 "Content-Type: message/rfc822\n"
-                                 "\n"
+                                  "--X--\n";
+const std::string open_header = mixed_x
+                                + "--X\n"
+                                  "a: b\n"
+                                  "--X--\n";
+const std::string part_of_nothing = mixed_x
+                                    + "--X\n"
+                                      "--X--\n";
+const std::string multiparts = mixed_x + "--X\n" + mixed_y
+                               + "--Y\n"
                                  "a: b\n"
-                                 "c: d\n"
                                  "\n"
                                  "hi\n"
-                                 "--X\n"
-                                 "Content-Type: message/rfc822\n"
+                                 "--Y--\n"
+                                 "end\n"
                                  "\n"
-                                 "a: b\n"
-                                 "\n"
-                                 "(hi)\n"
-                                 "--X\n"
-                                 "Content-Type: message/rfc822\n"
-                                 "\n"
-                                 "Hi there\n"
-                                 "(ho)\n"
                                  "--X--\n";
+const std::string headed_message = mixed_x + "--X\n" + rfc822
+                                   + "a: b\n"
+                                     "\n"
+                                     "--X--\n";
+const std::string no_fields = "Hi there\n"
+                              "(ho)\n";
+const std::string empty_line_first = mixed_x
+                                     + "--X\n"
+                                       "\n"
+                                       "a: b\n"
+                                       "\n"
+                                       "hi\n"
+                                       "--X--\n";
+const std::string message_and_part = rfc822_and_mixed_x + letter
+                                     + "--X\n"
+                                       "\n"
+                                       "(ho)\n"
+                                       "--X--\n";
 
 const bytes_case bytes_cases[] = {
     {"whole", two_parts, "", two_parts},
-    {"header", two_parts, "HEADER",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"},
+    {"header", two_parts, "HEADER", mixed_x},
     {"text_with_the_epilogue", two_parts, "TEXT",
      "preamble\n"
      "--X\n"
@@ -160,154 +175,53 @@ const bytes_case bytes_cases[] = {
     {"empty_input", "", "1", ""},
 
     {"unclosed_part_to_the_end",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "\n"
-     "hi\n",
+     mixed_x
+         + "--X\n"
+           "a: b\n"
+           "\n"
+           "hi\n",
      "1", "hi\n"},
     {"part_of_one_empty_line",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "\n"
-     "\n"
-     "--X--\n",
+     mixed_x
+         + "--X\n"
+           "a: b\n"
+           "\n"
+           "\n"
+           "--X--\n",
      "1", ""},
-    {"part_without_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "\n"
-     "--X--\n",
-     "1", ""},
-    {"header_of_a_part_without_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "\n"
-     "--X--\n",
-     "1.MIME",
+    {"part_without_a_body", headed_part, "1", ""},
+    {"header_of_a_part_without_a_body", headed_part, "1.MIME",
      "a: b\n"
      "\n"},
-    {"header_up_to_the_boundary_line",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "--X--\n",
-     "1.MIME", "a: b\n"},
-    {"no_body_up_to_the_boundary_line",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "a: b\n"
-     "--X--\n",
-     "1", ""},
-    {"part_of_no_lines",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "--X--\n",
-     "1", ""},
-    {"mime_of_no_lines",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "--X--\n",
-     "1.MIME", ""},
+    {"header_up_to_the_boundary_line", open_header, "1.MIME", "a: b\n"},
+    {"no_body_up_to_the_boundary_line", open_header, "1", ""},
+    {"part_of_no_lines", part_of_nothing, "1", ""},
+    {"mime_of_no_lines", part_of_nothing, "1.MIME", ""},
 
-    {"multipart_with_its_epilogue",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--Y--\n"
-     "end\n"
-     "\n"
-     "--X--\n",
-     "1",
+    {"multipart_with_its_epilogue", multiparts, "1",
      "--Y\n"
      "a: b\n"
      "\n"
      "hi\n"
      "--Y--\n"
      "end\n"},
-    {"last_part_of_it",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--Y--\n"
-     "end\n"
-     "\n"
-     "--X--\n",
-     "1.1", "hi"},
+    {"last_part_of_it", multiparts, "1.1", "hi"},
     {"message_that_ends_with_its_header",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "--X--\n",
+     mixed_x + "--X\n" + rfc822
+         + "a: b\n"
+           "c: d\n"
+           "--X--\n",
      "1.HEADER",
      "a: b\n"
      "c: d"},
-    {"message_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "--X--\n",
-     "1", "a: b\n"},
-    {"header_that_ends_with_a_dropped_line",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "--X--\n",
-     "1.HEADER", "a: b\n"},
-    {"text_behind_a_dropped_line_that_is_the_last",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "--X--\n",
-     "1.TEXT", ""},
+    {"message_that_ends_with_a_dropped_line", headed_message, "1", "a: b\n"},
+    {"header_that_ends_with_a_dropped_line", headed_message, "1.HEADER", "a: b\n"},
+    {"text_behind_a_dropped_line_that_is_the_last", headed_message, "1.TEXT", ""},
     {"dropped_line_in_a_body",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Hi there\n"
-     "\n"
-     "--X--\n",
+     mixed_x + "--X\n" + rfc822
+         + "Hi there\n"
+           "\n"
+           "--X--\n",
      "1", "Hi there\n"},
     {"boundary_line_that_opens_a_message",
      "Content-Type: multipart/mixed; boundary=X1\n"
@@ -326,143 +240,67 @@ const bytes_case classic_cases[] = {
     {"text_without_a_header", messages, "3.TEXT",
      "Hi there\n"
      "(ho)"},
-    {"no_header_at_all",
-     "Hi there\n"
-     "(ho)\n",
-     "HEADER", ""},
-    {"text_from_the_first_byte",
-     "Hi there\n"
-     "(ho)\n",
-     "TEXT",
+    {"no_header_at_all", no_fields, "HEADER", ""},
+    {"text_from_the_first_byte", no_fields, "TEXT",
      "Hi there\n"
      "(ho)\n"},
-    {"part_from_the_first_byte",
-     "Hi there\n"
-     "(ho)\n",
-     "1",
+    {"part_from_the_first_byte", no_fields, "1",
      "Hi there\n"
      "(ho)\n"},
-    {"fields_behind_the_empty_line_that_was_dropped",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--X--\n",
-     "1.MIME",
+    {"fields_behind_the_empty_line_that_was_dropped", empty_line_first, "1.MIME",
      "a: b\n"
      "\n"},
     {"dropped_line_at_the_end_of_the_file",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Hi there\n"
-     "\n",
+     rfc822
+         + "Hi there\n"
+           "\n",
      "1.TEXT",
      "Hi there\n"
      "\n"},
-    {"parts_beside_a_message_within",
-     "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n"
-     "--X\n"
-     "\n"
-     "(ho)\n"
-     "--X--\n",
-     "1.2", "(ho)"},
-    {"message_beside_parts_ends_at_the_boundary_line",
-     "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n"
-     "--X\n"
-     "\n"
-     "(ho)\n"
-     "--X--\n",
-     "1.TEXT", "hi"},
+    {"parts_beside_a_message_within", message_and_part, "1.2", "(ho)"},
+    {"message_beside_parts_ends_at_the_boundary_line", message_and_part, "1.TEXT", "hi"},
 };
 
 const bytes_case standard_cases[] = {
-    {"lines_that_are_no_fields_are_header",
-     "Hi there\n"
-     "(ho)\n",
-     "HEADER",
+    {"lines_that_are_no_fields_are_header", no_fields, "HEADER",
      "Hi there\n"
      "(ho)\n"},
-    {"no_body_after_them",
-     "Hi there\n"
-     "(ho)\n",
-     "1", ""},
-    {"empty_line_after_the_separator_is_the_header",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--X--\n",
-     "1.MIME", "\n"},
-    {"fields_after_it_are_the_body",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "--X--\n",
-     "1",
+    {"no_body_after_them", no_fields, "1", ""},
+    {"empty_line_after_the_separator_is_the_header", empty_line_first, "1.MIME", "\n"},
+    {"fields_after_it_are_the_body", empty_line_first, "1",
      "a: b\n"
      "\n"
      "hi"},
     {"message_after_a_line_that_is_no_field",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Hi there\n"
-     "\n"
-     "hi\n",
+     rfc822
+         + "Hi there\n"
+           "\n"
+           "hi\n",
      "1.HEADER",
      "Hi there\n"
      "\n"},
     {"message_within_with_its_epilogue",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=\"Y\"\n"
-     "\n"
-     "--Y\n"
-     "--Y--  \n"
-     "end\n"
-     "--X  \n",
+     mixed_x + "--X\n" + rfc822
+         + "Content-Type: multipart/mixed; boundary=\"Y\"\n"
+           "\n"
+           "--Y\n"
+           "--Y--  \n"
+           "end\n"
+           "--X  \n",
      "1.TEXT",
      "--Y\n"
      "--Y--  \n"
      "end"},
     {"inner_part_that_the_outer_delimiter_ends",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=\"Y\"\n"
-     "\n"
-     "--Y\n"
-     "\n"
-     "hi\n"
-     "--X \n"
-     "\n"
-     "ho\n",
+     mixed_x + "--X\n" + rfc822
+         + "Content-Type: multipart/mixed; boundary=\"Y\"\n"
+           "\n"
+           "--Y\n"
+           "\n"
+           "hi\n"
+           "--X \n"
+           "\n"
+           "ho\n",
      "1.1", "hi"},
     {"header_that_ends_with_several_crs",
      "a: b\r\r\n"
@@ -475,21 +313,19 @@ const bytes_case standard_cases[] = {
     {"message_of_no_lines", "Content-Type: message/rfc822\n\n", "1.1.MIME", ""},
 };
 
-void check_bytes(const bytes_case& row, MailStructure::rules by) {
+void check_bytes(const bytes_case& row, rules by) {
     EXPECT_EQ(bytes_of(row.m_input, row.m_section, by), row.m_bytes);
-    EXPECT_EQ(bytes_of(with_cr(row.m_input), row.m_section, by), with_cr(row.m_bytes));
+    EXPECT_EQ(bytes_of(with_cr_lf(row.m_input), row.m_section, by), with_cr_lf(row.m_bytes));
 }
 
 class classic_section : public testing::TestWithParam<bytes_case> {};
 class standard_section : public testing::TestWithParam<bytes_case> {};
 
-TEST_P(classic_section, has_these_bytes) { check_bytes(GetParam(), MailStructure::rules::classic); }
+TEST_P(classic_section, has_these_bytes) { check_bytes(GetParam(), rules::classic); }
 
-TEST_P(standard_section, has_these_bytes) {
-    check_bytes(GetParam(), MailStructure::rules::standard);
-}
+TEST_P(standard_section, has_these_bytes) { check_bytes(GetParam(), rules::standard); }
 
-std::string name_of(const testing::TestParamInfo<bytes_case>& row) { return row.param.m_name; }
+constexpr auto& name_of = test_support::case_name<bytes_case>;
 
 INSTANTIATE_TEST_SUITE_P(common, classic_section, testing::ValuesIn(bytes_cases), name_of);
 INSTANTIATE_TEST_SUITE_P(common, standard_section, testing::ValuesIn(bytes_cases), name_of);
@@ -502,12 +338,12 @@ TEST(ranges_in_an_mbox_file, begin_behind_the_separator_line) {
                              "\n"
                              "hi\n";
     const std::string message = file.substr(13);
-    test_support::parse_outcome parsed = test_support::parse(message);
-    MimeObj& root = parsed.m_message.m_root;
+    MailStructure parsed = parse(message);
+    MimeObj& root = parsed.m_root;
     for (std::uint32_t* begin :
          {&root.m_header_beg, &root.m_mime_beg, &root.m_body_beg, &root.m_contents_beg})
         *begin += 13;
-    mail_sections::ranges ranges(root, {file, MailStructure::rules::classic, 13});
+    mail_sections::ranges ranges(root, {file, rules::classic, 13});
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_offset, 13U);
     EXPECT_EQ(ranges.of({&root, piece::whole, true}).m_length, message.size());
     EXPECT_EQ(ranges.of({&root, piece::header_block, true}).m_offset, 13U);
@@ -521,9 +357,9 @@ std::string_view without_line_end(std::string_view text) {
 }
 
 /// Checks that the sections of one message obey rules.
-class rules {
+class section_rules {
 public:
-    rules(const std::string& input, const MimeObj& root, MailStructure::rules by)
+    section_rules(const std::string& input, const MimeObj& root, rules by)
         : m_input(input), m_root(root), m_ranges(root, {input, by}) {}
 
     void check() {
@@ -576,15 +412,13 @@ private:
     std::uint64_t m_entities = 0;
 };
 
-void check_random_messages(MailStructure::rules by) {
+void check_random_messages(rules by) {
     std::uint64_t entities = 0;
     for (std::uint64_t seed = 1; seed <= 20000; ++seed) {
-        const std::string input = by == MailStructure::rules::standard
-                                      ? test_support::generate_standard_message(seed).m_input
-                                      : test_support::generate_message(seed).m_input;
-        MailStructure message;
-        if (!parse(message, input, by).empty()) continue;
-        rules checked(input, message.m_root, by);
+        const std::string input = random_message(by, seed);
+        const test_support::parse_outcome parsed = test_support::parse(input, {.m_rules = by});
+        if (!parsed.m_error.empty()) continue;
+        section_rules checked(input, parsed.m_message.m_root, by);
         checked.check();
         entities += checked.entities();
         if (testing::Test::HasFailure())
@@ -594,8 +428,8 @@ void check_random_messages(MailStructure::rules by) {
 }
 
 TEST(ranges_of_random_messages, obey_the_rules) {
-    check_random_messages(MailStructure::rules::classic);
-    check_random_messages(MailStructure::rules::standard);
+    check_random_messages(rules::classic);
+    check_random_messages(rules::standard);
 }
 
 } // namespace

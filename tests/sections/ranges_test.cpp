@@ -2,16 +2,14 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
 #include "support/escape.h"
-#include "support/message_generator.h"
 #include "support/parse.h"
-#include "support/standard_message_generator.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,15 +21,7 @@ using mail_sections::piece;
 using mail_sections::place;
 using MimeObj = MailStructure::MimeObj;
 using rules = MailStructure::rules;
-
-constexpr rules both[] = {rules::classic, rules::standard};
-
-MailStructure parse(const std::string& input, rules by) {
-    MailStructure message;
-    std::istringstream stream(input);
-    test_support::fill(message, stream, 0, by);
-    return message;
-}
+using namespace section_samples;
 
 const std::string forwarded = "Content-Type: multipart/mixed; boundary=X\n" // HEADER
                               "\n"                                          // HEADER
@@ -88,7 +78,7 @@ TEST(section_of_a_byte, is_the_innermost) {
 TEST(section_of_a_byte, is_none_past_the_message) {
     const auto size = static_cast<std::uint32_t>(forwarded.size());
     EXPECT_EQ(section_at(forwarded, size - 1, rules::standard), "TEXT");
-    for (const rules by : both) {
+    for (const rules by : both_rules) {
         EXPECT_EQ(section_at(forwarded, size, by), "none");
         EXPECT_EQ(section_at(forwarded, 0xFFFFFFFF, by), "none");
         EXPECT_EQ(section_at("", 0, by), "none");
@@ -96,7 +86,7 @@ TEST(section_of_a_byte, is_none_past_the_message) {
 }
 
 TEST(section_of_a_byte, is_a_number_where_no_multipart_is) {
-    for (const rules by : both) {
+    for (const rules by : both_rules) {
         EXPECT_EQ(section_at("a: b\n\nhi\n", 0, by), "HEADER");
         EXPECT_EQ(section_at("a: b\n\nhi\n", 6, by), "1");
         const std::string message = "Content-Type: message/rfc822\n\na: b\nc: d\n\nhi\n";
@@ -148,11 +138,9 @@ void check_all_bytes(const std::string& input, rules by) {
 }
 
 TEST(section_of_a_byte, of_random_messages_has_the_byte_and_is_the_innermost) {
-    for (const rules by : both) {
+    for (const rules by : both_rules) {
         for (std::uint64_t seed = 1; seed <= 300; ++seed) {
-            const std::string input = by == rules::standard
-                                          ? test_support::generate_standard_message(seed).m_input
-                                          : test_support::generate_message(seed).m_input;
+            const std::string input = random_message(by, seed);
             if (by == rules::classic && !test_support::parse(input).m_error.empty()) continue;
             check_all_bytes(input, by);
             if (testing::Test::HasFailure())
@@ -219,7 +207,7 @@ TEST(ranges, of_trees_without_sense_lie_within_the_bytes) {
         const std::size_t size = random() % forwarded.size();
         const std::vector<char> bytes(forwarded.data(), forwarded.data() + size);
         const std::string_view view(bytes.data(), bytes.size());
-        const mail_sections::source source{view, both[random() % 2],
+        const mail_sections::source source{view, both_rules[random() % 2],
                                            static_cast<std::uint32_t>(random() % 300)};
         const auto within = [size](const byte_range& range) {
             return range.m_offset <= size && range.m_length <= size - range.m_offset;

@@ -2,7 +2,9 @@
 
 #include <mail_sections.h>
 
+#include "samples.h"
 #include "sections/numbering.h"
+#include "support/case_name.h"
 #include "support/parse.h"
 #include "support/small_stack.h"
 
@@ -16,6 +18,7 @@ namespace {
 using mail_structure_detail::is_multipart;
 using mail_structure_detail::message_within;
 using MimeObj = MailStructure::MimeObj;
+using namespace section_samples;
 
 /// A line for each entity: a blank for each level, its section, and "message" for a message within.
 std::string walk_text(const MimeObj& root) {
@@ -30,7 +33,7 @@ std::string walk_text(const MimeObj& root) {
 
 struct walk_case {
     const char* m_name;
-    const char* m_input;
+    std::string m_input;
     const char* m_walk;
 };
 
@@ -42,181 +45,103 @@ const walk_case walk_cases[] = {
      "hi\n",
      "1\n"},
     {"multipart_is_named_text",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a\n"
-     "--X\n"
-     "\n"
-     "b\n"
-     "--X--\n",
+     mixed_x
+         + "--X\n"
+           "\n"
+           "a\n"
+           "--X\n"
+           "\n"
+           "b\n"
+           "--X--\n",
      "TEXT\n"
      " 1\n"
      " 2\n"},
     {"multipart_within_multipart",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "\n"
-     "a\n"
-     "--Y\n"
-     "\n"
-     "b\n"
-     "--Y--\n"
-     "--X\n"
-     "\n"
-     "c\n"
-     "--X--\n",
+     mixed_x + "--X\n" + two_parts_y
+         + "--X\n"
+           "\n"
+           "c\n"
+           "--X--\n",
      "TEXT\n"
      " 1\n"
      "  1.1\n"
      "  1.2\n"
      " 2\n"},
     {"message_within_is_part_one_of_its_holder",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "a\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n"
-     "--X--\n",
+     mixed_x
+         + "--X\n"
+           "\n"
+           "a\n"
+           "--X\n"
+         + rfc822 + letter + "--X--\n",
      "TEXT\n"
      " 1\n"
      " 2\n"
      "  2.1 message\n"},
-    {"multipart_within_a_message_within",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "\n"
-     "a\n"
-     "--Y\n"
-     "\n"
-     "b\n"
-     "--Y--\n"
-     "--X--\n",
+    {"multipart_within_a_message_within", mixed_x + "--X\n" + rfc822 + two_parts_y + "--X--\n",
      "TEXT\n"
      " 1\n"
      "  1.TEXT message\n"
      "   1.1\n"
      "   1.2\n"},
-    {"message_as_the_whole_body",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n",
+    {"message_as_the_whole_body", rfc822 + letter,
      "1\n"
      " 1.1 message\n"},
     {"multipart_in_a_message_as_the_whole_body",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "\n"
-     "a\n"
-     "--Y--\n",
+     rfc822 + mixed_y
+         + "--Y\n"
+           "\n"
+           "a\n"
+           "--Y--\n",
      "1\n"
      " 1.TEXT message\n"
      "  1.1\n"},
     {"message_within_a_message",
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "Content-Type: message/rfc822\n"
-     "\n"
-     "a: b\n"
-     "\n"
-     "\n"
-     "hi\n",
+     rfc822 + rfc822
+         + "a: b\n"
+           "\n"
+           "\n"
+           "hi\n",
      "1\n"
      " 1.1 message\n"
      "  1.1.1 message\n"},
-    {"multipart_without_parts",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "preamble\n",
-     "TEXT\n"},
+    {"multipart_without_parts", mixed_x + "preamble\n", "TEXT\n"},
     {"multipart_without_a_boundary",
      "Content-Type: multipart/mixed\n"
      "\n"
      "--X\n",
      "1\n"},
-    {"message_that_holds_none",
-     "Content-Type: message/rfc822\n"
-     "\n",
-     "1\n"},
+    {"message_that_holds_none", rfc822, "1\n"},
     {"part_with_nothing_in_it",
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "--X\n"
-     "--X\n"
-     "--X--\n",
+     mixed_x
+         + "--X\n"
+           "--X\n"
+           "--X--\n",
      "TEXT\n"
      " 1\n"
      " 2\n"},
-    {"message_and_multipart_is_a_message",
-     "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n",
+    {"message_and_multipart_is_a_message", rfc822_and_mixed_x + letter,
      "1\n"
      " 1.1 message\n"},
     {"parts_beside_a_message_within_go_on_behind_its_own",
-     "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "a: b\n"
-     "c: d\n"
-     "\n"
-     "hi\n"
-     "--X\n"
-     "\n"
-     "a\n"
-     "--X\n"
-     "\n"
-     "b\n"
-     "--X--\n",
+     rfc822_and_mixed_x + letter
+         + "--X\n"
+           "\n"
+           "a\n"
+           "--X\n"
+           "\n"
+           "b\n"
+           "--X--\n",
      "1\n"
      " 1.1 message\n"
      " 1.2\n"
      " 1.3\n"},
     {"parts_beside_a_multipart_within_go_on_behind_its_parts",
-     "Content-Type: message/rfc822\n"
-     "Content-Type: multipart/mixed; boundary=X\n"
-     "\n"
-     "Content-Type: multipart/mixed; boundary=Y\n"
-     "\n"
-     "--Y\n"
-     "\n"
-     "a\n"
-     "--Y\n"
-     "\n"
-     "b\n"
-     "--Y--\n"
-     "--X\n"
-     "\n"
-     "c\n"
-     "--X--\n",
+     rfc822_and_mixed_x + two_parts_y
+         + "--X\n"
+           "\n"
+           "c\n"
+           "--X--\n",
      "1\n"
      " 1.TEXT message\n"
      "  1.1\n"
@@ -232,7 +157,7 @@ TEST_P(section_names, are_given_as_imap_has_them) {
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, section_names, testing::ValuesIn(walk_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<walk_case>);
 
 TEST(section_names_of_odd_trees, entity_with_children_and_no_mark_is_a_multipart) {
     MimeObj root;

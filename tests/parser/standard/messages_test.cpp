@@ -9,6 +9,7 @@
 #include "parser/standard/nesting_messages.h"
 #include "parser/standard/tree_messages.h"
 #include "support/case_name.h"
+#include "support/cr_lf.h"
 #include "support/line_tree_text.h"
 #include "support/streams.h"
 
@@ -31,15 +32,6 @@ struct form {
     std::string m_input;
 };
 
-std::string with_cr_lf(std::string_view input) {
-    std::string text;
-    for (const char c : input) {
-        if (c == '\n') text += '\r';
-        text += c;
-    }
-    return text;
-}
-
 /// Whether the last line is one still when its LF is taken off, and not empty by then.
 bool can_lose_its_line_end(std::string_view input) {
     if (!input.ends_with('\n')) return false;
@@ -54,7 +46,7 @@ std::vector<form> forms_of(const message_case& row) {
     if (row.m_options.m_memlimit != usual.m_memlimit
         || row.m_options.m_first_offset != usual.m_first_offset)
         return forms; // the row counts bytes
-    forms.push_back({"with CR LF", with_cr_lf(row.m_input)});
+    forms.push_back({"with CR LF", test_support::with_cr_lf(row.m_input)});
     if (can_lose_its_line_end(row.m_input))
         forms.push_back({"without the last line end",
                          std::string(row.m_input.substr(0, row.m_input.size() - 1))});
