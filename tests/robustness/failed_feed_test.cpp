@@ -3,16 +3,13 @@
 
 #include <mail_structure.h>
 
-#include "differential/rule_sets.h"
 #include "parser/chunk_parse.h"
 #include "parser/fill.h"
-#include "robustness/allocating_messages.h"
+#include "robustness/failed_parse.h"
 #include "robustness/failing_new.h"
-#include "robustness/progress.h"
 #include "robustness/window_stream.h"
 #include "support/build_kind.h"
 #include "support/compare.h"
-#include "support/parse.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
 
@@ -23,28 +20,11 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
-using differential::rule_set;
-using test_support::allocating_message;
 using test_support::allocation_trap;
 using test_support::memory;
-using test_support::parse_steps;
-
-struct failed_feed_case {
-    const rule_set* m_by;
-    allocating_message m_message;
-    bool m_keep_text;
-};
-
-std::string name_of(const failed_feed_case& one) {
-    return one.m_by->m_name + ('_' + one.m_message.m_name)
-           + (one.m_keep_text ? "_keeping_text" : "");
-}
-
-void PrintTo(const failed_feed_case& one, std::ostream* out) { *out << name_of(one); }
 
 /// How a parse ended while an allocation failed.
 struct failed_run {
@@ -70,17 +50,8 @@ failed_run run(std::size_t failing, memory afterwards, const Parse& parse) {
     return result;
 }
 
-class failed_feed : public testing::TestWithParam<failed_feed_case> {
+class failed_feed : public test_support::failed_parse {
 protected:
-    const rule_set& by() const { return *GetParam().m_by; }
-    const allocating_message& filled_with() const { return GetParam().m_message; }
-
-    MailStructure new_message() const {
-        MailStructure message;
-        message.m_keep_text = GetParam().m_keep_text;
-        return message;
-    }
-
     void fill_from_memory(MailStructure& message, std::string_view text) const {
         mail_structure_detail::fill_from(message, text, filled_with().m_first_offset, by().m_rules);
     }
@@ -111,21 +82,13 @@ protected:
 
     /// Checks that the tree fits the number of bytes fed, and that the right exception was thrown.
     std::string judged(const MailStructure& message, const failed_run& result, std::size_t fed) {
-        const std::size_t lines = m_steps.lines_within(fed);
         if (result.m_error != std::string_view("bad_alloc")) {
             // std::stable_sort, which orders the sections of a boundary, does without its buffer.
             if (result.m_has_sprung && by().m_rules == MailStructure::rules::classic)
                 return std::string("left with ") + result.m_error;
             return test_support::first_difference(message, result.m_error, m_steps.at_end());
         }
-        if (message.m_done) return "m_done is set";
-        if (lines == 0 && test_support::is_as_cleared(message)) return {};
-        const auto end = by().m_rules == MailStructure::rules::standard
-                             ? test_support::end_of_input::ends_blocks
-                             : test_support::end_of_input::leaves_blocks_open;
-        return test_support::progress_difference(message.m_root,
-                                                 m_steps.after(lines == 0 ? 0 : lines - 1).root(),
-                                                 m_steps.after(lines).root(), end);
+        return judged_after_bad_alloc(message, fed);
     }
 
     std::string refilled(MailStructure& message) const {
@@ -157,15 +120,6 @@ protected:
             }
         }
     }
-
-private:
-    test_support::memory_limit m_limit{filled_with().m_memlimit};
-
-protected:
-    parse_steps m_steps{
-        by(),
-        filled_with().m_input,
-        {GetParam().m_keep_text, filled_with().m_memlimit, filled_with().m_first_offset}};
 };
 
 /// From memory the same is allocated as from a stream that shows all its bytes, if an LF ends the
@@ -227,15 +181,8 @@ TEST(failed_feeder, has_ended_when_memory_runs_out) {
     EXPECT_TRUE(message.m_done); // as Fill left it
 }
 
-std::vector<failed_feed_case> all_cases() {
-    std::vector<failed_feed_case> cases;
-    for (const rule_set* by : differential::all_rule_sets)
-        for (const allocating_message& message : test_support::allocating_messages(*by))
-            for (const bool keep_text : {false, true}) cases.push_back({by, message, keep_text});
-    return cases;
-}
-
-INSTANTIATE_TEST_SUITE_P(messages, failed_feed, testing::ValuesIn(all_cases()),
+INSTANTIATE_TEST_SUITE_P(messages, failed_feed,
+                         testing::ValuesIn(test_support::failed_parse_cases()),
                          [](const auto& one) { return name_of(one.param); });
 
 } // namespace

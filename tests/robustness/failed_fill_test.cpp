@@ -6,8 +6,8 @@
 #include "differential/rule_sets.h"
 #include "parser/fill.h"
 #include "robustness/allocating_messages.h"
+#include "robustness/failed_parse.h"
 #include "robustness/failing_new.h"
-#include "robustness/progress.h"
 #include "robustness/window_stream.h"
 #include "support/compare.h"
 #include "support/parse.h"
@@ -26,9 +26,7 @@ namespace {
 using differential::rule_set;
 using test_support::allocating_message;
 using test_support::allocation_trap;
-using end_of_input_kind = test_support::end_of_input;
 using test_support::memory;
-using test_support::parse_steps;
 using test_support::window_stream;
 
 struct run_options {
@@ -90,37 +88,13 @@ failed_run run(MailStructure& message, const rule_set& by, const allocating_mess
     return result;
 }
 
-struct failed_fill_case {
-    const rule_set* m_by;
-    allocating_message m_message;
-    bool m_keep_text;
-};
-
-std::string name_of(const failed_fill_case& one) {
-    return one.m_by->m_name + ('_' + one.m_message.m_name)
-           + (one.m_keep_text ? "_keeping_text" : "");
-}
-
-void PrintTo(const failed_fill_case& one, std::ostream* out) { *out << name_of(one); }
-
-class failed_fill : public testing::TestWithParam<failed_fill_case> {
+class failed_fill : public test_support::failed_parse {
 protected:
-    const rule_set& by() const { return *GetParam().m_by; }
-    const allocating_message& filled_with() const { return GetParam().m_message; }
-    bool keep_text() const { return GetParam().m_keep_text; }
-
     /// Checks that the tree fits the number of bytes taken, and that the right exception left Fill.
     std::string judged(const MailStructure& message, const failed_run& result,
                        const run_options& options) const {
-        const std::size_t lines = m_steps.lines_within(result.m_taken);
-        if (std::strcmp(result.m_error, "bad_alloc") == 0) {
-            if (message.m_done) return "m_done is set";
-            if (lines == 0 && test_support::is_as_cleared(message))
-                return {}; // it failed before the first line
-            const std::size_t before = lines == 0 ? 0 : lines - 1;
-            return test_support::progress_difference(message.m_root, m_steps.after(before).root(),
-                                                     m_steps.after(lines).root(), end_of_input());
-        }
+        if (std::strcmp(result.m_error, "bad_alloc") == 0)
+            return judged_after_bad_alloc(message, result.m_taken);
         // std::stable_sort, which orders the sections of a boundary, does without its buffer.
         if (by().m_rules == MailStructure::rules::standard && *result.m_error == '\0'
             && !result.m_went_bad)
@@ -129,7 +103,8 @@ protected:
         // there.
         if (!result.m_went_bad || (reads_in_place && options.m_window != 0))
             return std::string("left with ") + result.m_error;
-        return test_support::first_difference(message, result.m_error, m_steps.after(lines));
+        return test_support::first_difference(message, result.m_error,
+                                              m_steps.after(m_steps.lines_within(result.m_taken)));
     }
 
     std::string refilled(MailStructure& message) const {
@@ -140,8 +115,7 @@ protected:
 
     /// What the tests keep from one comparison to the next is allocated before the counting begins.
     void SetUp() override {
-        MailStructure message;
-        message.m_keep_text = keep_text();
+        MailStructure message = new_message();
         ASSERT_EQ(refilled(message), "");
     }
 
@@ -155,7 +129,7 @@ protected:
             {
                 MailStructure message;
                 if (before != nullptr) fill_before(message, *before);
-                message.m_keep_text = keep_text();
+                message.m_keep_text = GetParam().m_keep_text;
                 const failed_run result = run(message, by(), filled_with(), options, failing);
                 goes_on = result.m_has_sprung;
                 const std::string difference =
@@ -173,12 +147,6 @@ protected:
     }
 
 private:
-    end_of_input_kind end_of_input() const {
-        return by().m_rules == MailStructure::rules::standard
-                   ? end_of_input_kind::ends_blocks
-                   : end_of_input_kind::leaves_blocks_open;
-    }
-
     /// Keeps text, so that as many records as possible can be used again.
     void fill_before(MailStructure& message, const allocating_message& before) const {
         const test_support::memory_limit limit(before.m_memlimit);
@@ -186,11 +154,6 @@ private:
         run(message, by(), before, all_runs[0], allocation_trap::never);
         message.m_done = false;
     }
-
-    test_support::memory_limit m_limit{filled_with().m_memlimit};
-    parse_steps m_steps{by(),
-                        filled_with().m_input,
-                        {keep_text(), filled_with().m_memlimit, filled_with().m_first_offset}};
 };
 
 TEST_P(failed_fill, leaves_the_tree_as_far_as_built) {
@@ -217,15 +180,8 @@ TEST_P(failed_fill, leaves_the_tree_as_far_as_built_in_a_used_parser) {
     }
 }
 
-std::vector<failed_fill_case> all_cases() {
-    std::vector<failed_fill_case> cases;
-    for (const rule_set* by : differential::all_rule_sets)
-        for (const allocating_message& message : test_support::allocating_messages(*by))
-            for (const bool keep_text : {false, true}) cases.push_back({by, message, keep_text});
-    return cases;
-}
-
-INSTANTIATE_TEST_SUITE_P(messages, failed_fill, testing::ValuesIn(all_cases()),
+INSTANTIATE_TEST_SUITE_P(messages, failed_fill,
+                         testing::ValuesIn(test_support::failed_parse_cases()),
                          [](const auto& one) { return name_of(one.param); });
 
 } // namespace
