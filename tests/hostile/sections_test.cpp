@@ -3,6 +3,7 @@
 
 #include <mail_sections.h>
 
+#include "support/case_name.h"
 #include "support/small_stack.h"
 
 #include <cstddef>
@@ -82,7 +83,7 @@ TEST_P(deep_tree, is_walked_and_measured_and_searched) {
 }
 
 INSTANTIATE_TEST_SUITE_P(chains, deep_tree, testing::ValuesIn(chains),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<chain>);
 
 TEST(wide_tree, is_walked_and_searched) {
     entity root;

@@ -2,6 +2,8 @@
 
 #include <mail_sections.h>
 
+#include "support/case_name.h"
+
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
@@ -74,7 +76,7 @@ TEST_P(section_text, is_taken_apart_and_put_together) {
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, section_text, testing::ValuesIn(text_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<text_case>);
 
 struct bad_case {
     const char* m_name;
@@ -126,6 +128,6 @@ TEST_P(bad_section_text, is_told_where_and_what_is_expected) {
 }
 
 INSTANTIATE_TEST_SUITE_P(cases, bad_section_text, testing::ValuesIn(bad_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<bad_case>);
 
 } // namespace

@@ -1,6 +1,7 @@
 // Conversion to UTF-8: strict and lenient, with the text in one piece and in many.
 
 #include "common/charset_conversion.h"
+#include "support/case_name.h"
 
 #include <gtest/gtest.h>
 #include <ostream>
@@ -118,7 +119,7 @@ TEST_P(conversion, is_lenient) {
 }
 
 INSTANTIATE_TEST_SUITE_P(of, conversion, testing::ValuesIn(conversion_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<conversion_case>);
 
 TEST(conversion_of_long_texts, is_linear) {
     std::string text;

@@ -4,6 +4,7 @@
 #include "common/printable.h"
 #include "common/safe_file_name.h"
 #include "common/type_extension.h"
+#include "support/case_name.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -71,7 +72,7 @@ TEST_P(safe_names, are_made) {
 }
 
 INSTANTIATE_TEST_SUITE_P(of, safe_names, testing::ValuesIn(name_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<name_case>);
 
 TEST(long_names, keep_their_extensions) {
     EXPECT_EQ(safe_file_name(std::string(10'000, 'a') + ".jpeg"),

@@ -1,6 +1,7 @@
 // Decoding of base64 and quoted-printable: the decoded bytes, and where damage is found.
 
 #include "common/transfer_decoding.h"
+#include "support/case_name.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -103,14 +104,16 @@ const decoding_case decoding_cases[] = {
 
 class transfer_decoding : public testing::TestWithParam<decoding_case> {};
 
-TEST_P(transfer_decoding, gives) {
-    const decoded_text result = decode_all(GetParam().m_encoding, GetParam().m_encoded);
-    EXPECT_EQ(result.m_text, GetParam().m_decoded);
-    EXPECT_EQ(result.m_damage, GetParam().m_damage);
+void check_decoding(const decoding_case& row, strictness how) {
+    const decoded_text result = decode_all(row.m_encoding, row.m_encoded, how);
+    EXPECT_EQ(result.m_text, row.m_decoded);
+    EXPECT_EQ(result.m_damage, row.m_damage);
 }
 
+TEST_P(transfer_decoding, gives) { check_decoding(GetParam(), strictness::strict); }
+
 INSTANTIATE_TEST_SUITE_P(cases, transfer_decoding, testing::ValuesIn(decoding_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<decoding_case>);
 
 const decoding_case lenient_cases[] = {
     {"none", transfer_encoding::none, "a=\r\n\xFF", "a=\r\n\xFF", ""},
@@ -165,15 +168,10 @@ const decoding_case lenient_cases[] = {
 
 class lenient_decoding : public testing::TestWithParam<decoding_case> {};
 
-TEST_P(lenient_decoding, gives) {
-    const decoded_text result =
-        decode_all(GetParam().m_encoding, GetParam().m_encoded, strictness::lenient);
-    EXPECT_EQ(result.m_text, GetParam().m_decoded);
-    EXPECT_EQ(result.m_damage, GetParam().m_damage);
-}
+TEST_P(lenient_decoding, gives) { check_decoding(GetParam(), strictness::lenient); }
 
 INSTANTIATE_TEST_SUITE_P(cases, lenient_decoding, testing::ValuesIn(lenient_cases),
-                         [](const auto& row) { return std::string(row.param.m_name); });
+                         test_support::case_name<decoding_case>);
 
 std::string repeated(const std::string& text, std::size_t times) {
     std::string result;
