@@ -14,21 +14,20 @@ explains those. The test prints a table of the counts, and how often each rule a
 import base64
 import collections
 import concurrent.futures
-import csv
 import email
 import email.header
 import email.utils
 import datetime
 import os
-import pathlib
 import re
 import subprocess
 import sys
 
 import printed
 
-sys.path.insert(0, str(printed.TOP / "tests/sections"))
+sys.path[:0] = [str(printed.TOP / "tests" / folder) for folder in ("sections", "support")]
 import python_mail  # pylint: disable=wrong-import-position
+import real_mail  # pylint: disable=wrong-import-position
 import standard_differences  # pylint: disable=wrong-import-position
 
 SKIPPED = 77
@@ -248,16 +247,6 @@ def lenient_bytes(entity):
     return done.stdout
 
 
-def messages(folder):
-    """The files of the folder: those that its list names, where it has one."""
-    manifest = folder / "MANIFEST.tsv"
-    if not manifest.exists():
-        return sorted(path for path in folder.rglob("*") if path.is_file())
-    with open(manifest, encoding="utf-8", newline="") as lines:
-        rows = csv.DictReader(lines, delimiter="\t", quoting=csv.QUOTE_NONE)
-        return [folder / row["file"] for row in rows]
-
-
 def pairs(paths):
     """Every entity together with Python's objects for its fields and for its bytes."""
     entities = collections.defaultdict(list)
@@ -299,12 +288,12 @@ def print_table():
 
 def main():
     """Returns the exit status."""
-    corpus = os.environ.get("MAILSTRUCTURE_CORPUS", "")
-    if not os.path.isdir(corpus):
+    files = real_mail.messages()
+    if files is None:
         print("skipped: MAILSTRUCTURE_CORPUS names no folder of messages")
         return SKIPPED
     encoded = []
-    for entity, message, text, body in pairs(messages(pathlib.Path(corpus))):
+    for entity, message, text, body in pairs(files):
         compare_fields(entity, message)
         if not text.is_leaf or not is_encoded(text.message):
             continue

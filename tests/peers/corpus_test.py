@@ -11,9 +11,7 @@ find them too under the rule set "standard". DIFFERENCES lists each message wher
 the rule that says why. Prints how often the parsers agree, as Markdown.
 """
 
-import csv
 import itertools
-import os
 import pathlib
 import sys
 import unittest
@@ -21,7 +19,9 @@ import unittest
 import leaves
 import message_table
 
-FOLDER = os.environ.get("MAILSTRUCTURE_CORPUS", "")
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+import real_mail  # pylint: disable=wrong-import-position
+
 PARSERS = leaves.parsers(sys.argv[1:])
 PEERS = message_table.PEERS
 RULE_SETS = ("classic", "standard")
@@ -55,17 +55,6 @@ DIFFERENCES = {
 }
 
 
-def messages():
-    """The files of the folder: those that its list names, where it has one."""
-    folder = pathlib.Path(FOLDER)
-    manifest = folder / "MANIFEST.tsv"
-    if manifest.exists():
-        with open(manifest, encoding="utf-8", newline="") as lines:
-            rows = csv.DictReader(lines, delimiter="\t", quoting=csv.QUOTE_NONE)
-            return [folder / row["file"] for row in rows]
-    return sorted(path for path in folder.rglob("*") if path.is_file())
-
-
 def common(answers):
     """What at least two of the three have found, or None."""
     return next((one for one, other in itertools.combinations(answers, 2) if one == other), None)
@@ -78,7 +67,7 @@ class Corpus(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.files = messages()
+        cls.files = real_mail.messages()
         cls.found = {
             name: parser(cls.files, drop_last_line_end=True) for name, parser in PARSERS.items()
         }
@@ -106,7 +95,7 @@ class Corpus(unittest.TestCase):
 
     def name(self, number):
         """The message's name in its folder."""
-        return self.files[number].relative_to(FOLDER).as_posix()
+        return self.files[number].relative_to(real_mail.FOLDER).as_posix()
 
     def differing(self):
         """The numbers of the messages on which two other parsers agree and we differ."""
@@ -142,7 +131,7 @@ if __name__ == "__main__":
     if missing:
         print(f"skipped: there is no program for {', '.join(missing)}")
         sys.exit(77)
-    if not os.path.isdir(FOLDER):
+    if real_mail.messages() is None:
         print("skipped: MAILSTRUCTURE_CORPUS names no folder of messages")
         sys.exit(77)
     del sys.argv[1:]

@@ -7,13 +7,14 @@ the header block apart; the tool's own lists of sections say only where the bloc
 """
 
 import collections
-import csv
-import os
 import pathlib
 import random
 import re
 import subprocess
 import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+import real_mail  # pylint: disable=wrong-import-position
 
 FIELD = re.compile(rb"([!-9;-~]+)[ \t]*:")
 tool, samples = sys.argv[1:]
@@ -76,14 +77,11 @@ def compare(path):
 
 def messages():
     yield from sorted(pathlib.Path(samples).glob("*.eml"))
-    corpus = pathlib.Path(os.environ.get("MAILSTRUCTURE_CORPUS", ""))
-    manifest = corpus / "MANIFEST.tsv"
-    if not manifest.is_file():
+    files = real_mail.messages()
+    if files is None:
         print("MAILSTRUCTURE_CORPUS names no folder of messages; the samples alone are compared")
         return
-    with open(manifest, encoding="utf-8", newline="") as lines:
-        rows = list(csv.DictReader(lines, delimiter="\t", quoting=csv.QUOTE_NONE))
-    yield from (corpus / row["file"] for row in random.sample(rows, min(len(rows), 400)))
+    yield from random.sample(files, min(len(files), 400))
 
 
 random.seed(1)

@@ -13,9 +13,7 @@ decoding are here, for they do not depend on the rules. The test prints how ofte
 
 import base64
 import collections
-import csv
 import json
-import os
 import pathlib
 import quopri
 import random
@@ -26,6 +24,9 @@ import sys
 import classic_differences
 import python_mail
 import standard_differences
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+import real_mail  # pylint: disable=wrong-import-position
 
 skipped = 77
 counts = collections.Counter()
@@ -181,23 +182,13 @@ def check_cut(path, data, name, place):
             failures.append(f"{path}: {name}: not the bytes that --list names")
 
 
-def messages(folder):
-    """The files of the folder: those that its list names, where it has one."""
-    manifest = folder / "MANIFEST.tsv"
-    if not manifest.exists():
-        return sorted(path for path in folder.rglob("*") if path.is_file())
-    with open(manifest, encoding="utf-8", newline="") as lines:
-        rows = csv.DictReader(lines, delimiter="\t", quoting=csv.QUOTE_NONE)
-        return [folder / row["file"] for row in rows]
-
-
 def main():
-    corpus = os.environ.get("MAILSTRUCTURE_CORPUS", "")
-    if not os.path.isdir(corpus):
+    files = real_mail.messages()
+    if files is None:
         print("MAILSTRUCTURE_CORPUS names no folder of messages")
         return skipped
     random.seed(1)
-    for path in messages(pathlib.Path(corpus)):
+    for path in files:
         compare(path)
     for rule, count in sorted(counts.items()):
         print(f"{count:6} {rule}")
