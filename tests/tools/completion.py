@@ -7,7 +7,7 @@ A "|" marks the cursor where it is not at the end of the line.
 import shutil
 import sys
 
-from shell_session import SKIPPED, open_session
+from shell_session import test_in_shell
 
 COMMANDS = {"tree", "json", "part", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
@@ -118,38 +118,32 @@ def without_quoting(offer):
     return offer.replace("\\", "").removesuffix("=")
 
 
-def main():
-    """Returns the exit status."""
-    shell, tool = sys.argv[1:]
-    if shutil.which(shell) is None:
-        print(f"skipped: {shell} is not installed")
-        return SKIPPED
+def faults_in(session, _):
+    """What the shell makes of the lines otherwise than it should."""
     faults = []
-    with open_session(shell, tool) as session:
-        letter = session.messages / "forwarded.eml"
-        for name in FILES - {"folder"}:
-            shutil.copy(letter, session.folder / name)
-        (session.folder / "folder").mkdir()
-        shutil.copy(letter, session.folder / "folder/x:y.eml")
-        for name in ["own.eml", "my own.eml"]:
-            shutil.copy(letter, session.home / name)
-        shutil.copy(session.messages / "plain.eml", session.home / "digit.eml")
-        (session.home / "two.eml").write_text(TWO_PARTS)
-        offers = OFFERS + (OFFERS_BEFORE_A_FILE if shell != "fish" else [])
-        for line, expected in offers:
-            offered = {without_quoting(offer).rstrip("/") for offer in session.ask(line)[1]}
-            if offered != expected:
-                faults.append(f"{line}\n  expected: {sorted(expected)}\n"
-                              f"  offered:  {sorted(offered)}")
-        for line, expected in COMPLETED + COMPLETED_WITH_SEPARATORS.get(shell, []):
-            completed = session.ask(line)[0].rstrip(" ")
-            if completed != expected:
-                faults.append(f"{line}\n  expected: {expected}\n  became:   {completed}")
-        if (session.folder / "touched").exists():
-            faults.append("a command on the line was run")
-    print("\n".join(faults))
-    return 1 if faults else 0
+    letter = session.messages / "forwarded.eml"
+    for name in FILES - {"folder"}:
+        shutil.copy(letter, session.folder / name)
+    (session.folder / "folder").mkdir()
+    shutil.copy(letter, session.folder / "folder/x:y.eml")
+    for name in ["own.eml", "my own.eml"]:
+        shutil.copy(letter, session.home / name)
+    shutil.copy(session.messages / "plain.eml", session.home / "digit.eml")
+    (session.home / "two.eml").write_text(TWO_PARTS)
+    offers = OFFERS + (OFFERS_BEFORE_A_FILE if session.shell != "fish" else [])
+    for line, expected in offers:
+        offered = {without_quoting(offer).rstrip("/") for offer in session.ask(line)[1]}
+        if offered != expected:
+            faults.append(f"{line}\n  expected: {sorted(expected)}\n"
+                          f"  offered:  {sorted(offered)}")
+    for line, expected in COMPLETED + COMPLETED_WITH_SEPARATORS.get(session.shell, []):
+        completed = session.ask(line)[0].rstrip(" ")
+        if completed != expected:
+            faults.append(f"{line}\n  expected: {expected}\n  became:   {completed}")
+    if (session.folder / "touched").exists():
+        faults.append("a command on the line was run")
+    return faults
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(test_in_shell(faults_in))

@@ -8,11 +8,10 @@ option that has several names, the first long one is offered.
 """
 
 import re
-import shutil
 import subprocess
 import sys
 
-from shell_session import SKIPPED, open_session
+from shell_session import test_in_shell
 
 
 class Help:
@@ -53,12 +52,9 @@ def offered(session, line):
     return {re.sub("^--.*=(?=.)", "", offer).removesuffix("=") for offer in session.ask(line)[1]}
 
 
-def main():
-    """Returns the exit status."""
-    shell, tool = sys.argv[1:]
-    if shutil.which(shell) is None:
-        print(f"skipped: {shell} is not installed")
-        return SKIPPED
+def faults_in(session, tool):
+    """Where the help and the offers differ. The folder of the session is empty, so that no file is
+    offered."""
     faults = []
 
     def compare(what, expected, found):
@@ -69,22 +65,19 @@ def main():
     of_help = Help(tool)
     commands = of_help.commands()
     if not commands:
-        faults.append("the help names no command")
-    with open_session(shell, tool) as session:  # its folder is empty, so that no file is offered
-        compare("commands", set(commands), offered(session, "mailstructure "))
-        for command in commands:
-            options = of_help.options(command)
-            compare(f"options of {command}", options,
-                    offered(session, f"mailstructure {command} --"))
-            for option in options:
-                compare(f"{command} {option}", of_help.words(command, option),
-                        offered(session, f"mailstructure {command} {option}="))
-        # Without a command on the command line, the first one is meant.
-        compare("options without a command", of_help.options() | of_help.options(commands[0]),
-                offered(session, "mailstructure --"))
-    print("\n".join(faults))
-    return 1 if faults else 0
+        return ["the help names no command"]
+    compare("commands", set(commands), offered(session, "mailstructure "))
+    for command in commands:
+        options = of_help.options(command)
+        compare(f"options of {command}", options, offered(session, f"mailstructure {command} --"))
+        for option in options:
+            compare(f"{command} {option}", of_help.words(command, option),
+                    offered(session, f"mailstructure {command} {option}="))
+    # Without a command on the command line, the first one is meant.
+    compare("options without a command", of_help.options() | of_help.options(commands[0]),
+            offered(session, "mailstructure --"))
+    return faults
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(test_in_shell(faults_in))

@@ -9,7 +9,9 @@ import contextlib
 import os
 import pathlib
 import pty
+import shutil
 import signal
+import sys
 import tempfile
 import threading
 import time
@@ -96,6 +98,7 @@ class Session:
     messages = MESSAGES
 
     def __init__(self, shell, tool, work):
+        self.shell = shell
         arguments, setup, self.keys = SHELLS[shell]
         self.folder, self.home, self.exchange, programs = (
             work / name for name in ["folder", "home", "exchange", "programs"])
@@ -160,3 +163,18 @@ def open_session(shell, tool):
             yield session
         finally:
             session.close()
+
+
+def test_in_shell(faults_in):
+    """Runs a test whose command line has the shell and the tool. Returns the exit status.
+
+    faults_in takes a session and the tool, and returns what is wrong, a text each.
+    """
+    shell, tool = sys.argv[1:]
+    if shutil.which(shell) is None:
+        print(f"skipped: {shell} is not installed")
+        return SKIPPED
+    with open_session(shell, tool) as session:
+        faults = faults_in(session, tool)
+    print("\n".join(faults))
+    return 1 if faults else 0
