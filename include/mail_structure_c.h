@@ -14,7 +14,7 @@
  * @code
  *     mail_structure_parser *parser = mail_structure_new();
  *     mail_structure_tree tree;
-    tree.struct_bytes = sizeof tree;
+ *     tree.struct_bytes = sizeof tree;
  *     if (mail_structure_parse(parser, bytes, count, MAIL_STRUCTURE_STANDARD) == MAIL_STRUCTURE_OK
  *         && mail_structure_get_tree(parser, &tree) == MAIL_STRUCTURE_OK)
  *         for (size_t i = 0; i < tree.entity_count; ++i)
@@ -80,8 +80,9 @@ typedef enum mail_structure_code {
 /** Stands for "no such record" in an index, and for "no such place" in an offset. */
 #define MAIL_STRUCTURE_NONE UINT32_MAX
 
-/** A stretch of the message. Both are bytes; the offset counts from the first byte of the message,
- * and wraps modulo 2^32 in a message of 4 GiB or more. Length 0: there is no such range. */
+/** A stretch of the message. Both numbers count bytes; the offset is that from the first byte of
+ * the message, and wraps modulo 2^32 in a message of 4 GiB or more. Length 0: there is no such
+ * range. */
 typedef struct mail_structure_range {
     uint32_t offset; /**< Of the first byte. */
     uint32_t length; /**< In bytes. */
