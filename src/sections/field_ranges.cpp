@@ -9,6 +9,7 @@
 #include "field_ranges.h"
 
 #include "ascii_case.h"
+#include "first_line.h"
 
 #include <algorithm>
 
@@ -20,12 +21,6 @@ using mail_sections::section;
 namespace {
 
 bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
-
-/// The first line, with its terminator.
-std::string_view first_line_of(std::string_view lines) noexcept {
-    const std::size_t line_feed = lines.find('\n');
-    return line_feed == std::string_view::npos ? lines : lines.substr(0, line_feed + 1);
-}
 
 bool is_empty(std::string_view line) noexcept {
     return line.find_first_not_of("\r\n") == std::string_view::npos;

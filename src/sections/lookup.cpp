@@ -84,8 +84,8 @@ found found_at(const MimeObj& entity, piece which, bool is_message) {
     return result;
 }
 
-/// A section of the message itself.
-found find_at_top(const MimeObj& root, word last) {
+/// A section without numbers.
+found find_in_message(const MimeObj& root, word last) {
     switch (last) {
     case word::none: return found_at(root, piece::whole, true);
     case word::header:
@@ -126,7 +126,7 @@ found find_in_part(const found_entity& part, const section& wanted) {
 
 found find(const MimeObj& root, const section& wanted) {
     const number_list& numbers = wanted.m_numbers;
-    if (numbers.empty()) return find_at_top(root, wanted.m_word);
+    if (numbers.empty()) return find_in_message(root, wanted.m_word);
     found_entity part;
     numbered_parts parts(&root, nullptr, 0);
     for (std::size_t index = 0; index < numbers.size(); ++index) {

@@ -3,6 +3,7 @@
 #include <mail_sections.h>
 
 #include "ascii_case.h"
+#include "first_line.h"
 #include "within.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 namespace mail_sections {
 
 using mail_structure_detail::equal_ignoring_case;
+using mail_structure_detail::first_line_of;
 using mail_structure_detail::within;
 
 namespace {
@@ -28,11 +30,6 @@ std::string_view without_terminator(std::string_view line) {
     if (!line.empty() && line.back() == '\n') line.remove_suffix(1);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     return line;
-}
-
-std::string_view first_line_of(std::string_view lines) {
-    const std::size_t line_feed = lines.find('\n');
-    return line_feed == std::string_view::npos ? lines : lines.substr(0, line_feed + 1);
 }
 
 std::string_view last_line_of(std::string_view lines) {
@@ -95,9 +92,9 @@ std::string_view standard_preamble_of(const MimeObj& multipart, std::string_view
 
 // ---- The classic rules.
 
-/// Knows the closing line of a multipart. This is all that is known here of delimiter lines: where
-/// a separator is follows from the part that it opens, but the tree has a closing line as it
-/// has the text around it.
+/// Knows the closing line of a multipart. No other delimiter line has to be compared with the
+/// boundary here: the part that a separator opens shows where the separator is, but nothing in the
+/// tree tells a closing line from the text around it.
 class closing_line {
 public:
     /// The multipart must outlive the object.
