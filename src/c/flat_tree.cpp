@@ -58,13 +58,12 @@ struct tree_size {
     }
 };
 
-/// Empties the records and makes room for so many. A room that is far too large is given back, so
-/// that one large message does not keep its memory for ever.
+/// Makes room for so many records where there are none yet. Room that is far too large is given
+/// back, so that one large message does not keep its memory for ever.
 template <class Records>
 void make_room_for(Records& records, std::uint64_t count) {
     constexpr std::size_t always_kept = 4096;
     if (records.capacity() > always_kept && records.capacity() / 4 > count) records = Records();
-    records.clear();
     records.reserve(static_cast<std::size_t>(count));
 }
 
