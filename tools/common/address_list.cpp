@@ -4,6 +4,7 @@
 
 #include "common/encoded_text.h"
 #include "common/field_parameters.h"
+#include "common/folding_white_space.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -11,19 +12,11 @@
 
 namespace {
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
-    return text;
-}
-
 /// Decodes encoded words, and leaves one blank of each run of white space.
 std::string decoded_name(std::string_view text) {
     std::string result;
     for (const char byte : decode_encoded_words(trimmed(text))) {
-        if (!is_blank(byte)) {
+        if (!is_folding_white_space(byte)) {
             result += byte;
         } else if (!result.empty() && result.back() != ' ') {
             result += ' ';
@@ -111,7 +104,7 @@ private:
             else if (m_text[m_at] == '"')
                 quoted = !quoted;
         }
-        std::string address = without_blanks(m_text.substr(begin, m_at - begin));
+        std::string address = without_white_space(m_text.substr(begin, m_at - begin));
         m_at = std::min(m_at + 1, m_text.size());
         const std::size_t route_end =
             address.substr(0, 1) == "@" ? address.find(':') : std::string::npos;
@@ -120,12 +113,12 @@ private:
         m_has_angle = true;
     }
 
-    static std::string without_blanks(std::string_view text) {
+    static std::string without_white_space(std::string_view text) {
         std::string result = without_comments(text);
         bool quoted = false;
         const auto goes = [&quoted](char byte) {
             if (byte == '"') quoted = !quoted;
-            return !quoted && is_blank(byte);
+            return !quoted && is_folding_white_space(byte);
         };
         result.erase(std::remove_if(result.begin(), result.end(), goes), result.end());
         return result;
@@ -150,13 +143,13 @@ private:
 
     /// An address without angle brackets: all of the text, or its last word if that has an "@".
     void take_bare(mail_address& next) const {
-        const std::string joined = without_blanks_around_at(m_written);
+        const std::string joined = without_white_space_around_at(m_written);
         const std::string_view all = trimmed(joined);
         const bool quoted = all.substr(0, 1) == "\"" && all.find("\"@") != std::string_view::npos;
-        const std::size_t last_blank =
-            quoted ? std::string_view::npos : all.find_last_of(" \t\r\n");
+        const std::size_t last_space =
+            quoted ? std::string_view::npos : all.find_last_of(folding_white_space);
         const std::string_view last =
-            all.substr(last_blank == std::string_view::npos ? 0 : last_blank + 1);
+            all.substr(last_space == std::string_view::npos ? 0 : last_space + 1);
         const bool has_at = last.find('@') != std::string_view::npos;
         if (has_at || (last.size() == all.size() && all.substr(0, 1) != "\"")) {
             next.m_address = last;
@@ -166,17 +159,18 @@ private:
         }
     }
 
-    static std::string without_blanks_around_at(std::string_view text) {
+    static std::string without_white_space_around_at(std::string_view text) {
         std::string result;
         for (const char byte : text) {
             if (byte == '@') result.resize(trimmed_end(result));
-            if (!is_blank(byte) || result.empty() || result.back() != '@') result += byte;
+            if (!is_folding_white_space(byte) || result.empty() || result.back() != '@')
+                result += byte;
         }
         return result;
     }
 
     static std::size_t trimmed_end(const std::string& text) {
-        return text.find_last_not_of(" \t\r\n") + 1;
+        return text.find_last_not_of(folding_white_space) + 1;
     }
 
     std::string_view m_text;

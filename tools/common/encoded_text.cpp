@@ -4,6 +4,7 @@
 
 #include "common/ascii_case.h"
 #include "common/charset_conversion.h"
+#include "common/folding_white_space.h"
 #include "common/hex_digit.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ std::optional<encoded_word> parse_word(std::string_view text) {
         return std::nullopt;
     encoded_word word;
     const std::string_view charset = text.substr(2, charset_end - 2);
-    if (charset.find_first_of(" \t\r\n") != std::string_view::npos) return std::nullopt;
+    if (charset.find_first_of(folding_white_space) != std::string_view::npos) return std::nullopt;
     word.m_charset = charset.substr(0, charset.find('*')); // a language may follow
     word.m_encoding = text[charset_end + 1];
     if (text[charset_end + 2] != '?'
@@ -137,13 +138,13 @@ public:
     /// Adds a word that begins at that place; what stands before it is plain text.
     void add(const encoded_word& word, std::string_view decoded, std::size_t begin) {
         const std::string_view before = m_text.substr(m_done, begin - m_done);
-        const bool follows = m_run.is_open() && only_blanks(before);
+        const bool follows = m_run.is_open() && is_white_space(before);
         if (!follows || !m_run.takes(word)) end_run();
         if (!follows) {
             m_result += before;
             m_last_run_decoded = false;
         } else if (!m_run.is_open()) {
-            m_blanks = before;
+            m_white_space = before;
         }
         m_run.add(word, decoded, begin);
         m_done = m_run.end();
@@ -158,17 +159,17 @@ public:
     std::size_t done() const { return m_done; }
 
 private:
-    static bool only_blanks(std::string_view text) {
-        return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    static bool is_white_space(std::string_view text) {
+        return text.find_first_not_of(folding_white_space) == std::string_view::npos;
     }
 
     void end_run() {
         if (!m_run.is_open()) return;
         const std::optional<std::string> decoded = m_run.decoded();
-        if (!m_last_run_decoded || !decoded) m_result += m_blanks;
+        if (!m_last_run_decoded || !decoded) m_result += m_white_space;
         m_result += decoded ? *decoded : m_run.written(m_text);
         m_last_run_decoded = decoded.has_value();
-        m_blanks = {};
+        m_white_space = {};
         m_run = word_run();
     }
 
@@ -176,8 +177,8 @@ private:
     std::string m_result;
     std::size_t m_done = 0;
     word_run m_run;
-    std::string_view m_blanks;       // between the last run and this one
-    bool m_last_run_decoded = false; // nothing but m_blanks lies between it and this one
+    std::string_view m_white_space;  // between the last run and this one
+    bool m_last_run_decoded = false; // nothing but m_white_space lies between it and this one
 };
 
 } // namespace

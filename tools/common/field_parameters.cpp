@@ -5,6 +5,7 @@
 #include "common/ascii_case.h"
 #include "common/charset_conversion.h"
 #include "common/encoded_text.h"
+#include "common/folding_white_space.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,14 +14,6 @@
 #include <optional>
 
 namespace {
-
-bool is_blank(char byte) { return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n'; }
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
-    return text;
-}
 
 /// Walks over a field body from left to right, once.
 class field_reader {
@@ -63,8 +56,8 @@ public:
         if (!at_end()) skip();
     }
 
-    void skip_blanks_and_comments() {
-        while (!at_end() && (is_blank(peek()) || peek() == '(')) {
+    void skip_white_space_and_comments() {
+        while (!at_end() && (is_folding_white_space(peek()) || peek() == '(')) {
             if (peek() == '(') {
                 skip_comment();
             } else {
@@ -91,7 +84,7 @@ public:
     std::string take_unquoted() {
         const std::size_t begin = m_at;
         while (!at_end() && peek() != ';'
-               && !(peek() == '(' && m_at > begin && is_blank(m_text[m_at - 1])))
+               && !(peek() == '(' && m_at > begin && is_folding_white_space(m_text[m_at - 1])))
             skip();
         std::string value;
         for (const char byte : trimmed(since(begin))) {
@@ -110,13 +103,13 @@ private:
 
 /// The parameter that begins here; if it has no "=", its value is empty.
 field_parameter take_parameter(field_reader& reader) {
-    reader.skip_blanks_and_comments();
+    reader.skip_white_space_and_comments();
     const std::size_t begin = reader.place();
     while (!reader.at_end() && reader.peek() != '=' && reader.peek() != ';') reader.skip();
     field_parameter parameter = {trimmed(reader.since(begin)), ""};
     if (reader.at_end() || reader.peek() == ';') return parameter;
     reader.skip();
-    reader.skip_blanks_and_comments();
+    reader.skip_white_space_and_comments();
     const bool quoted = !reader.at_end() && reader.peek() == '"';
     parameter.m_value = quoted ? reader.take_quoted() : reader.take_unquoted();
     return parameter;

@@ -13,8 +13,8 @@ namespace {
 /// A longer text after the last dot is no extension but part of the name.
 constexpr std::size_t longest_extension = 20;
 
-/// Those that are not ASCII.
-bool is_blank(char32_t code_point) {
+/// Whether the character is a space, but not that of ASCII.
+bool is_other_space(char32_t code_point) {
     return code_point == 0xA0 || code_point == 0x1680
            || (code_point >= 0x2000 && code_point <= 0x200A) || code_point == 0x202F
            || code_point == 0x205F || code_point == 0x3000;
@@ -28,7 +28,7 @@ void append_safe_character(std::string& to, std::string_view text,
         || (code_point < 0x80
             && special.find(static_cast<char>(code_point)) != std::string_view::npos)) {
         to += '_';
-    } else if (is_blank(code_point)) {
+    } else if (is_other_space(code_point)) {
         to += ' ';
     } else {
         to += text.substr(0, character.m_bytes);
