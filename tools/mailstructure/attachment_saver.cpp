@@ -44,13 +44,9 @@ public:
 
     /// @return false and errno if there is no such folder and none can be created
     bool open() {
-        if (m_descriptor >= 0) return true;
-        if (::mkdir(m_name.c_str(), 0777) != 0 && errno != EEXIST) {
-            const int error = errno; // such as EROFS, of which an existing folder is no reason
-            if (!open_existing()) errno = error;
-            return m_descriptor >= 0;
-        }
-        return open_existing();
+        if (m_descriptor >= 0 || open_existing()) return true;
+        if (errno != ENOENT) return false;
+        return (::mkdir(m_name.c_str(), 0777) == 0 || errno == EEXIST) && open_existing();
     }
     int descriptor() const { return m_descriptor; }
     /// The path of a file in the folder, for complaints.

@@ -19,17 +19,13 @@ bool has_type_of_text(const MimeObj& entity) {
                || equal_ignoring_case(entity.m_subtype, "html"));
 }
 
-/// Whether the children of the entity are parts, as mail_sections.h numbers them.
-bool is_multipart(const MimeObj& entity) {
-    return !entity.m_message && (entity.m_multipart || !entity.m_children.empty());
-}
-
 bool is_attachment(const MimeObj& entity, const std::string& sent_name, MailStructure::rules by) {
-    if (is_multipart(entity) && !entity.m_children.empty()) return false;
+    if (!entity.m_message && !entity.m_children.empty()) return false; // its parts may be some
     if (!sent_name.empty()) return true;
     const std::string disposition = disposition_of(entity, by);
     if (!disposition.empty() && !equal_ignoring_case(disposition, "inline")) return true;
-    return !is_multipart(entity) && !has_type_of_text(entity);
+    const bool is_empty_multipart = entity.m_multipart && !entity.m_message;
+    return !is_empty_multipart && !has_type_of_text(entity);
 }
 
 std::string name_for(const mail_sections::visited& numbered, const std::string& sent_name) {
