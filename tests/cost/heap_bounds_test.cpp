@@ -270,7 +270,8 @@ std::size_t storage_left(std::size_t bytes, int short_messages) {
     return message.m_root.m_children.front().m_headers.front().m_value.capacity();
 }
 
-/// A string of so many bytes is handed on for ever, or while a quarter of it was used last.
+/// A string keeps a little storage from message to message in any case, and more only where the
+/// last message used a quarter of it.
 TEST(heap_bounds, storage_handed_on_is_the_documented_one) {
     const std::string contract = "doc/behaviour.md";
     const auto always = static_cast<std::size_t>(

@@ -18,7 +18,7 @@ namespace {
 
 using test_support::seeded_random;
 
-/// How a message of a rule set goes one level down, and how it may come up.
+/// The lines by which a message goes one level down, and which delimiters may take it up again.
 struct nesting_words {
     const char* m_message_type;   // the line that makes an entity a message
     const char* m_multipart_type; // the line that makes it a multipart, up to the boundary

@@ -155,8 +155,8 @@ private:
 
         std::size_t colon = 0;
         while (colon < line.m_scan_end && is_field_name_character(text[colon])) ++colon;
-        // Where the scan end comes first, the line is a field whatever stands there: "ab!" is a
-        // field "ab".
+        // Where the scan ends before a colon has come, the byte at its end does not matter: the
+        // line "ab!" is a field "ab".
         if (colon < line.m_scan_end && text[colon] != ':') return verdict::block_ended;
         on_field_line(line, colon);
         return verdict::consumed;
@@ -216,7 +216,8 @@ private:
             take_content_type(m_record->m_value);
             take_parameters(text, semicolon);
         } else {
-            // Spelled so: the usual "encoding" does not abbreviate it.
+            // The contract has this spelling. The usual name, which ends in "encoding", is no
+            // beginning of it.
             if (abbreviates(m_record->m_name, "content-transfer-enconding"))
                 current().m_encoding = m_record->m_value;
             m_in_multipart_type = false;

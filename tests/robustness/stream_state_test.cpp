@@ -492,7 +492,7 @@ public:
     std::unique_ptr<std::ifstream> stream() const {
         return std::make_unique<std::ifstream>(m_place, std::ios_base::binary);
     }
-    /// The line at which the text from there on ends the parse.
+    /// The first line that is an error, where the parse begins at that offset.
     test_support::erroneous_line own_error_from(const rule_set& by, std::size_t offset) const {
         return test_support::first_erroneous_line(by, std::string_view(m_text).substr(offset));
     }

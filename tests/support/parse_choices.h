@@ -10,11 +10,11 @@
 
 namespace test_support {
 
-/// None as a rule; else 0, a small one, or one near what the fields of the message come to.
+/// As a rule no limit; else 0, a small limit, or one near what the fields of the message come to.
 std::uint32_t some_memlimit(const std::string& input, seeded_random& random);
 
-/// Offset 0 falls to the first byte as a rule, now and then to a later one, and then most often to
-/// the start of a line: ranges that begin at offset 0 are where the arithmetic is odd.
+/// As a rule the first byte has offset 0; at times a later byte has it, and then most often the
+/// first of a line: ranges that begin at offset 0 are where the arithmetic is odd.
 std::uint32_t some_first_offset(const std::string& input, seeded_random& random);
 
 } // namespace test_support

@@ -52,7 +52,7 @@ private:
 
 // These functions are inline because the loop over lines calls them for every line or run.
 
-/// The line without all CRs before its LF: these rules count them to the end of the line.
+/// The line without any CR before its LF: by these rules all of them are part of its terminator.
 inline input_line without_crs(input_line line) noexcept {
     while (line.m_text.ends_with('\r')) line.m_text.remove_suffix(1);
     return line;

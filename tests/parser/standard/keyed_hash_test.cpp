@@ -59,8 +59,8 @@ TEST(keyed_hash, differs_for_each_order_of_words) {
     EXPECT_NE(keyed_hash(a + a + b), keyed_hash(a + b + a));
 }
 
-/// The low bits choose a slot of the table. Of 1,024 hashes in 1,024 slots, about 376 slots stay
-/// empty; that 500 do has a chance too small to be written out.
+/// The low bits choose a slot of the table. Where 1,024 hashes choose among 1,024 slots, about 376
+/// slots stay empty; it is next to impossible that 500 do.
 TEST(keyed_hash, spreads_numbered_boundaries_over_a_table) {
     constexpr std::size_t slots = 1024;
     std::set<std::uint64_t> used;

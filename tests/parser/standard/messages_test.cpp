@@ -32,7 +32,7 @@ struct form {
     std::string m_input;
 };
 
-/// Whether the last line is one still when its LF is taken off, and not empty by then.
+/// Whether the last line still has text when its LF is taken off.
 bool can_lose_its_line_end(std::string_view input) {
     if (!input.ends_with('\n')) return false;
     input.remove_suffix(1);
@@ -100,8 +100,8 @@ INSTANTIATE_TEST_SUITE_P(memory_limit, standard_tree, testing::ValuesIn(limit_ca
 
 // ----------------------------------------------------------------------- every line has a place
 
-/// Checks that the entity's ranges lie end to end and that a delimiter line or the end of the
-/// input comes behind them.
+/// Checks that the entity's ranges lie end to end, and that a delimiter line or the end of the
+/// input follows them.
 void expect_no_gap(const reference::entity& entity, std::string_view input) {
     std::uint32_t end = entity.m_header.m_beg;
     for (const reference::byte_range& range :
