@@ -1,0 +1,87 @@
+// Reads folders by readdir; see the header.
+
+#include "scan/input/source_walk.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <dirent.h>
+#include <memory>
+#include <string_view>
+#include <sys/stat.h>
+#include <utility>
+
+namespace {
+
+struct close_folder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+bool is_folder(const std::string& name, bool follow_links) {
+    struct stat there = {};
+    const int status = follow_links ? ::stat(name.c_str(), &there) : ::lstat(name.c_str(), &there);
+    return status == 0 && S_ISDIR(there.st_mode);
+}
+
+/// Whether it is a file, or cannot be looked at: it may have vanished.
+bool may_be_file(const std::string& name) {
+    struct stat there = {};
+    return ::stat(name.c_str(), &there) != 0 || S_ISREG(there.st_mode);
+}
+
+bool has(const std::vector<std::string>& sorted, const char* name) {
+    return std::binary_search(sorted.begin(), sorted.end(), name);
+}
+
+std::string joined(const std::string& folder, const std::string& name) {
+    return folder.back() == '/' ? folder + name : folder + '/' + name;
+}
+
+} // namespace
+
+source_walk::source_walk(std::vector<std::string> names) {
+    m_path.push_back({"", std::move(names), 0});
+}
+
+bool source_walk::next(found_source& source) {
+    while (!m_path.empty()) {
+        folder& last = m_path.back();
+        if (last.m_next == last.m_entries.size()) {
+            m_path.pop_back();
+            continue;
+        }
+        const bool was_given = last.m_name.empty();
+        const std::string entry = last.m_entries[last.m_next++];
+        const std::string name = was_given ? entry : joined(last.m_name, entry);
+        source.m_error = 0;
+        source.m_is_named = was_given;
+        source.m_name = name;
+        if (is_folder(name, was_given) && name != "-") {
+            if (!enter(name, source)) return true;
+        } else if (was_given || may_be_file(name)) {
+            return true; // whether it can be read will be seen
+        }
+    }
+    return false;
+}
+
+/// Goes on with what is in the folder. False if it cannot be read; the source then tells why.
+bool source_walk::enter(const std::string& name, found_source& source) {
+    const std::unique_ptr<DIR, close_folder> opened(::opendir(name.c_str()));
+    folder entered{name, {}, 0};
+    errno = 0;
+    while (const dirent* const entry = opened ? ::readdir(opened.get()) : nullptr) {
+        const std::string_view entry_name = entry->d_name;
+        if (entry_name != "." && entry_name != ".." && entry_name != ".mh_sequences")
+            entered.m_entries.emplace_back(entry_name);
+    }
+    if (errno != 0) {
+        source.m_error = errno;
+        return false;
+    }
+    std::vector<std::string>& entries = entered.m_entries;
+    std::sort(entries.begin(), entries.end());
+    if (has(entries, "cur") && has(entries, "new") && has(entries, "tmp"))
+        entries.erase(std::lower_bound(entries.begin(), entries.end(), "tmp"));
+    m_path.push_back(std::move(entered));
+    return true;
+}

@@ -1,0 +1,46 @@
+// A message that is too large to be held in memory: it is taken apart and hashed while it is read.
+
+#ifndef TOOLS_SCAN_PIPELINE_LARGE_MESSAGE_H
+#define TOOLS_SCAN_PIPELINE_LARGE_MESSAGE_H
+
+#include <mail_structure.h>
+
+#include "scan/pipeline/digest.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class large_message {
+public:
+    explicit large_message(MailStructure::rules by) : m_feeder(std::in_place, m_message, by) {}
+    large_message(const large_message&) = delete;
+    large_message& operator=(const large_message&) = delete;
+
+    /// Takes the next bytes of the message. A message of 4 GiB or more has no tree.
+    /// @throws std::bad_alloc
+    void feed(std::string_view bytes);
+    /// Ends the message.
+    /// @throws std::bad_alloc
+    void finish();
+
+    std::uint64_t length() const { return m_length; }
+    bool is_too_large() const { return m_length > 0xFFFFFFFF; }
+    /// What the classic rules find wrong with the message; nothing if all is well.
+    const std::optional<std::string>& fault() const { return m_fault; }
+    /// The tree, once the message has ended.
+    const MailStructure& message() const { return m_message; }
+    /// SHA-256 of all bytes, in hexadecimal, once the message has ended.
+    const std::string& digest_text() const { return m_digest_text; }
+
+private:
+    MailStructure m_message;
+    std::optional<MailStructure::feeder> m_feeder; // none once it has ended
+    digest m_digest;
+    std::string m_digest_text;
+    std::uint64_t m_length = 0;
+    std::optional<std::string> m_fault;
+};
+
+#endif

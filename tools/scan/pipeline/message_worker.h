@@ -1,0 +1,37 @@
+// Takes the messages of a batch apart, and makes its rows.
+
+#ifndef TOOLS_SCAN_PIPELINE_MESSAGE_WORKER_H
+#define TOOLS_SCAN_PIPELINE_MESSAGE_WORKER_H
+
+#include <mail_structure.h>
+
+#include "scan/pipeline/batch.h"
+#include "scan/rows/message_rows.h"
+
+#include <string>
+#include <string_view>
+
+/// The state of one thread: a parser object that is used again for each message.
+class message_worker {
+public:
+    /// @param makes_rows  false to count alone
+    message_worker(const row_options& options, bool makes_rows)
+        : m_options(options), m_makes_rows(makes_rows) {}
+
+    void work_on(batch& work);
+
+private:
+    void work_on_message(batch& work, const batch_message& message);
+    void append_rows(batch& work, message_facts& facts);
+    bool parse(batch& work, const batch_message& message, std::string_view bytes);
+    void report(batch& work, const batch_message& message, std::string_view code,
+                std::string text) const;
+    void append_faults_before(batch& work, std::uint64_t offset);
+
+    const row_options m_options;
+    const bool m_makes_rows;
+    MailStructure m_parser;
+    std::size_t m_faults_done = 0; // of the batch in work
+};
+
+#endif

@@ -1,0 +1,267 @@
+// One source after the other: reads blocks, looks for separators, and hands batches over.
+
+#include "scan/pipeline/pile_reader.h"
+
+#include "common/complaint.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t block_bytes = std::size_t{1} << 20;
+/// Bytes of a message that are held in memory. Of a longer one the structure alone is kept.
+constexpr std::uint64_t most_bytes_held = std::uint64_t{32} << 20;
+constexpr std::size_t most_faults_held = 4096; // in a batch, when the next block is read
+
+scan_fault fault_at(std::uint64_t byte, fault_level level, std::string_view code,
+                    std::string text) {
+    scan_fault fault;
+    fault.m_level = level;
+    fault.m_code = code;
+    fault.m_text = std::move(text);
+    fault.m_byte = byte;
+    return fault;
+}
+
+} // namespace
+
+/// The source that is being read.
+class pile_reader::one_source {
+public:
+    one_source(const pile_reader& pile, file_reader& file, std::shared_ptr<source_facts> facts)
+        : m_pile(pile), m_exchange(pile.m_exchange), m_file(file), m_facts(std::move(facts)),
+          m_splitter(pile.m_options.m_mbox, 0, peek_function_of(file)) {}
+
+    bool read(bool is_named);
+
+private:
+    static mbox_splitter::peek_function peek_function_of(const file_reader& file) {
+        if (!file.size()) return {};
+        return
+            [&file](std::uint64_t offset, std::size_t count) { return file.peek(offset, count); };
+    }
+
+    std::uint64_t end() const { return m_begin + bytes().size(); }
+    std::string_view bytes() const { return m_batch->m_bytes.view(); }
+    std::string_view from_on(std::uint64_t offset) const {
+        return bytes().substr(static_cast<std::size_t>(offset - m_begin));
+    }
+
+    void begin_batch();
+    bool hand_over();
+    bool hand_over_faults();
+    void read_block();
+    void recognise(bool is_named);
+    void look();
+    void take(const mbox_finding& finding);
+    void begin_message(std::uint64_t from_offset, std::uint64_t offset);
+    void end_message(std::uint64_t end);
+    std::uint64_t needed_from() const;
+    void feed_large_message(std::uint64_t end);
+    void report_end();
+
+    const pile_reader& m_pile;
+    batch_exchange& m_exchange;
+    file_reader& m_file;
+    std::shared_ptr<source_facts> m_facts;
+    mbox_splitter m_splitter;
+    std::unique_ptr<batch> m_batch;
+    std::uint64_t m_begin = 0; // offset of the batch's first byte in the source
+    bool m_is_at_end = false;
+    std::vector<mbox_finding> m_found;
+    // The message that has begun and not ended:
+    bool m_is_in_message = false;
+    batch_message m_message;
+    std::uint64_t m_fed = 0; // of a large one: the bytes before this offset were taken apart
+};
+
+bool pile_reader::read(const std::string& name, bool is_named) {
+    file_reader file(name);
+    auto facts = std::make_shared<source_facts>();
+    facts->m_name = name;
+    facts->m_size = file.size();
+    facts->m_modified = file.modified();
+    if (file.error() != 0) return refuse(name, file.error());
+    return one_source(*this, file, std::move(facts)).read(is_named);
+}
+
+bool pile_reader::refuse(const std::string& name, int error) {
+    std::unique_ptr<batch> refused = m_exchange.fresh();
+    auto facts = std::make_shared<source_facts>();
+    facts->m_name = name;
+    refused->m_source = std::move(facts);
+    refused->m_faults.push_back(
+        fault_at(0, fault_level::error, "cannot-open", system_error_text(error)));
+    refused->m_ends_source = true;
+    return m_exchange.take(std::move(refused));
+}
+
+source_kind pile_reader::kind_of(std::string_view beginning, bool is_all) const {
+    if (beginning.empty()) return source_kind::empty;
+    if (m_options.m_one) return source_kind::message;
+    if (beginning.substr(0, 5) == "From ") {
+        const from_verdict verdict =
+            judge_from_line(beginning, is_all, line_before::none, m_options.m_mbox.m_rules, true);
+        return verdict == from_verdict::text ? source_kind::message : source_kind::mbox;
+    }
+    const std::string_view line = beginning.substr(0, beginning.find('\n'));
+    return is_header_field(line) || line.substr(0, 6) == ">From " ? source_kind::message
+                                                                  : source_kind::unknown;
+}
+
+bool pile_reader::one_source::read(bool is_named) {
+    begin_batch();
+    while (bytes().size() < farthest_look && !m_is_at_end) read_block();
+    recognise(is_named);
+    while (m_facts->m_kind == source_kind::mbox || m_facts->m_kind == source_kind::message) {
+        look();
+        if (m_is_at_end) break;
+        if (!m_batch->m_messages.empty()
+            && (bytes().size() >= block_bytes || m_batch->m_faults.size() >= most_faults_held)) {
+            if (!hand_over()) return false;
+        } else if (m_batch->m_faults.size() >= most_faults_held) {
+            if (!hand_over_faults()) return false;
+        } else if (m_is_in_message && end() - m_message.m_offset > most_bytes_held) {
+            feed_large_message(m_splitter.needed_from());
+        }
+        read_block();
+    }
+    report_end();
+    m_batch->m_ends_source = true;
+    return m_exchange.take(std::move(m_batch));
+}
+
+void pile_reader::one_source::begin_batch() {
+    m_batch = m_exchange.fresh();
+    m_batch->m_source = m_facts;
+}
+
+/// Hands the batch over, and goes on with the bytes that are still needed in a new one.
+bool pile_reader::one_source::hand_over() {
+    std::unique_ptr<batch> full = std::move(m_batch);
+    begin_batch();
+    const std::uint64_t next = needed_from();
+    m_batch->m_bytes.append(full->m_bytes.view().substr(static_cast<std::size_t>(next - m_begin)));
+    m_begin = next;
+    return m_exchange.take(std::move(full));
+}
+
+/// Hands over what is wrong so far with a message that has not ended.
+bool pile_reader::one_source::hand_over_faults() {
+    std::unique_ptr<batch> faults = m_exchange.fresh();
+    faults->m_source = m_facts;
+    faults->m_faults.swap(m_batch->m_faults);
+    return m_exchange.take(std::move(faults));
+}
+
+void pile_reader::one_source::read_block() {
+    std::size_t wanted = block_bytes;
+    if (m_file.size() && *m_file.size() >= end()) // one byte more shows that the file ends there
+        wanted =
+            static_cast<std::size_t>(std::min<std::uint64_t>(wanted, *m_file.size() - end() + 1));
+    const std::size_t count = m_file.read(m_batch->m_bytes.room_for(wanted), wanted);
+    m_batch->m_bytes.add(count);
+    m_is_at_end = count == 0;
+    m_exchange.count_read(count);
+}
+
+void pile_reader::one_source::recognise(bool is_named) {
+    if (bytes().empty() && m_file.error() != 0) return; // report_end() says so
+    m_facts->m_kind = m_pile.kind_of(bytes(), m_is_at_end);
+    if (m_facts->m_kind == source_kind::unknown)
+        m_batch->m_faults.push_back(
+            fault_at(0, is_named ? fault_level::error : fault_level::note, "not-mail",
+                     "the file begins neither as a message nor as an mbox does"));
+    if (m_facts->m_kind == source_kind::message) begin_message(0, 0);
+}
+
+void pile_reader::one_source::look() {
+    if (m_facts->m_kind == source_kind::message) {
+        if (m_is_at_end) end_message(end());
+        return;
+    }
+    m_found.clear();
+    m_splitter.look(bytes(), m_begin, m_is_at_end, m_found);
+    for (const mbox_finding& finding : m_found) take(finding);
+}
+
+void pile_reader::one_source::take(const mbox_finding& finding) {
+    using kind = mbox_finding::kind;
+    const auto note = [this, &finding](std::string_view code, const char* text) {
+        m_batch->m_faults.push_back(fault_at(finding.m_offset, fault_level::note, code, text));
+        if (m_is_in_message) m_batch->m_faults.back().m_message = m_message.m_offset;
+    };
+    switch (finding.m_kind) {
+    case kind::doubtful_text:
+        return note("doubtful-from", "a line that begins with \"From \" was taken for text");
+    case kind::wrong_content_length:
+        return note("wrong-content-length", "no message ends where the Content-Length field says");
+    default: break;
+    }
+    if (m_is_in_message) end_message(finding.m_offset - finding.m_bytes_between);
+    if (finding.m_kind == kind::end) return;
+    begin_message(finding.m_offset, finding.m_next);
+    if (finding.m_kind == kind::doubtful_separator)
+        note("no-empty-line-before-from", "a separator follows text without an empty line between");
+}
+
+void pile_reader::one_source::begin_message(std::uint64_t from_offset, std::uint64_t offset) {
+    m_is_in_message = true;
+    m_message = batch_message();
+    m_message.m_from_offset = from_offset;
+    m_message.m_offset = offset;
+}
+
+/// @param end  just past the last byte of the message. It lies before the message's first byte
+///             where the separator line is followed by the empty line before the next one.
+void pile_reader::one_source::end_message(std::uint64_t end) {
+    end = std::max(end, m_message.m_offset);
+    m_message.m_length = end - m_message.m_offset;
+    if (m_message.m_large) {
+        feed_large_message(end);
+        m_message.m_large->finish();
+    } else {
+        m_message.m_begin = static_cast<std::size_t>(m_message.m_offset - m_begin);
+    }
+    m_batch->m_messages.push_back(std::move(m_message));
+    m_is_in_message = false;
+}
+
+/// The offset of the first byte in the batch that is needed in the next one.
+std::uint64_t pile_reader::one_source::needed_from() const {
+    const std::uint64_t next =
+        m_facts->m_kind == source_kind::mbox ? m_splitter.needed_from() : end();
+    if (!m_is_in_message || m_message.m_large) return std::min(next, end());
+    return std::min(next, m_message.m_offset);
+}
+
+/// Takes the message apart up to that offset, and drops its bytes up to there.
+void pile_reader::one_source::feed_large_message(std::uint64_t end) {
+    if (!m_message.m_large) {
+        m_message.m_large = std::make_unique<large_message>(m_pile.m_options.m_rules);
+        m_fed = m_message.m_offset;
+    }
+    end = std::min(end, this->end());
+    if (m_facts->m_kind == source_kind::message) end = this->end();
+    if (end > m_fed) {
+        m_message.m_large->feed(from_on(m_fed).substr(0, static_cast<std::size_t>(end - m_fed)));
+        m_fed = end;
+    }
+    if (!m_batch->m_messages.empty()) return; // their bytes stand before
+    const std::uint64_t next = std::min(needed_from(), m_fed);
+    m_batch->m_bytes.erase_front(static_cast<std::size_t>(next - m_begin));
+    m_begin = next;
+}
+
+/// Reports an error, and a file that has become shorter.
+void pile_reader::one_source::report_end() {
+    if (!m_is_at_end && m_file.size() && *m_file.size() > end())
+        m_exchange.count_read(*m_file.size() - end()); // as good as read
+    if (m_file.error() != 0)
+        m_batch->m_faults.push_back(
+            fault_at(end(), fault_level::error, "cannot-read", system_error_text(m_file.error())));
+    else if (m_file.size() && m_is_at_end && end() < *m_file.size())
+        m_batch->m_faults.push_back(fault_at(end(), fault_level::error, "shrunk",
+                                             "the file became shorter while it was read"));
+}

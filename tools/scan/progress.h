@@ -1,0 +1,43 @@
+// Shows on standard error how far a scan is.
+
+#ifndef TOOLS_SCAN_PROGRESS_H
+#define TOOLS_SCAN_PROGRESS_H
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+enum class progress_choice : std::uint8_t { automatic, always, never };
+
+/// The text of the line:
+/// "1.2 GiB of 4.0 GiB (30 %), 456,789 messages, 2 faults, 310 MiB/s, 9 s left".
+/// @param total  bytes of all sources; nothing if that is not known
+std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total,
+                          std::uint64_t messages, std::uint64_t faults, double seconds);
+
+/// One line that is written over itself, a few times a second. By progress_choice::automatic it is
+/// shown only on a terminal.
+class progress {
+public:
+    /// @param sources  whose sizes are added up, if anything is shown
+    progress(progress_choice choice, const std::vector<std::string>& sources);
+
+    /// @param bytes  read since the last call
+    void show(std::uint64_t bytes, std::uint64_t messages, std::uint64_t faults);
+    /// Takes the line away.
+    void end();
+
+private:
+    using clock = std::chrono::steady_clock;
+
+    bool m_is_shown = false;
+    bool m_has_line = false;
+    std::uint64_t m_read = 0;
+    std::optional<std::uint64_t> m_total = 0;
+    clock::time_point m_start = clock::now();
+    clock::time_point m_next = m_start;
+};
+
+#endif

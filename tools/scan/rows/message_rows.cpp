@@ -1,0 +1,217 @@
+// Looks up what the rows say, and writes it; see the header.
+
+#include "scan/rows/message_rows.h"
+
+#include <mail_sections.h>
+
+#include "common/field_lookup.h"
+#include "common/message_date.h"
+#include "common/message_fields.h"
+#include "common/transfer_decoding.h"
+#include "scan/pipeline/digest.h"
+#include "scan/rows/row_writer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+/// Members that every row has: they name the message that the row is about.
+void write_key(row_writer& row, std::string_view source, std::uint64_t offset) {
+    row.write_text("source", source);
+    row.write_number("message", offset);
+}
+
+/// The addresses in the field, separated by commas.
+std::string address_list_text(const std::vector<mail_address>& addresses) {
+    std::string text;
+    for (const mail_address& each : addresses) {
+        if (!text.empty()) text += ", ";
+        if (each.m_name.empty()) {
+            text += each.m_address;
+        } else {
+            text += each.m_name;
+            if (!each.m_address.empty()) text += " <" + each.m_address + '>';
+        }
+    }
+    return text;
+}
+
+void write_message_fields(row_writer& row, const MimeObj& root) {
+    const std::vector<mail_address> from = addresses_of(root, "from");
+    row.write_text_or_null("subject", subject_of(root));
+    row.write_text_or_null("from", address_list_text(from));
+    row.write_text_or_null("from_address", from.empty() ? "" : from.front().m_address);
+    row.write_text_or_null("to", address_list_text(addresses_of(root, "to")));
+    const std::string date = written_date_of(root);
+    const auto moment = message_date(date);
+    row.write_text_or_null("date", moment ? utc_text(*moment) : "");
+    row.write_text_or_null("date_text", date);
+    row.write_text_or_null("message_id", identifier_of(root, "message-id"));
+}
+
+/// Writes the digests of the body, as it is and decoded.
+void write_body_digests(row_writer& row, const MimeObj& entity, std::string_view body,
+                        MailStructure::rules by) {
+    digest raw;
+    raw.add(body);
+    row.write_text("sha256", raw.text());
+    const auto encoding =
+        transfer_encoding_named(encoding_in_effect(entity, by), strictness::lenient);
+    if (!encoding) {
+        row.write_null("decoded_sha256");
+        row.write_null("decoded_size");
+        return row.write_text("decode_status", "unknown-encoding");
+    }
+    digest decoded;
+    std::uint64_t size = 0;
+    const auto damage = decode(
+        *encoding, body,
+        [&decoded, &size](std::string_view bytes) {
+            decoded.add(bytes);
+            size += bytes.size();
+            return true;
+        },
+        strictness::lenient);
+    row.write_text("decoded_sha256", decoded.text());
+    row.write_number("decoded_size", size);
+    row.write_text("decode_status", damage ? "damaged" : "ok");
+}
+
+void write_ranges(row_writer& row, const MimeObj& entity) {
+    row.write_range("header", entity.m_header_beg, entity.m_header_len);
+    row.write_range("mime", entity.m_mime_beg, entity.m_mime_len);
+    row.write_range("body", entity.m_body_beg, entity.m_body_len);
+    row.write_range("contents", entity.m_contents_beg, entity.m_contents_len);
+    row.write_range("epilogue", entity.m_epilogue_beg, entity.m_epilogue_len);
+}
+
+/// Appends the rows of all entities of one message.
+class entity_rows {
+public:
+    entity_rows(std::string& rows, const message_facts& message, const row_options& options)
+        : m_rows(rows), m_message(message),
+          m_options(options), m_source{message.m_bytes, options.m_rules, 0} {
+        if (options.m_hash == hash_choice::parts && !message.m_bytes.empty())
+            m_ranges.emplace(*message.m_root,
+                             mail_sections::source{message.m_bytes, options.m_rules, 0});
+    }
+
+    /// @return the number of entities
+    std::uint64_t append() {
+        mail_sections::walk walk(*m_message.m_root);
+        std::uint64_t index = 0;
+        while (const mail_sections::visited* const entity = walk.next())
+            append_row(*entity, index++);
+        return index;
+    }
+
+private:
+    void append_row(const mail_sections::visited& visited, std::uint64_t index) {
+        const MimeObj& entity = *visited.m_entity;
+        row_writer row(m_rows);
+        row.begin("entity");
+        write_key(row, m_message.m_source, m_message.m_place->m_offset);
+        row.write_number("index", index);
+        m_path.resize(visited.m_depth);
+        m_path.empty() ? row.write_null("parent") : row.write_number("parent", m_path.back());
+        m_path.push_back(index);
+        row.write_number("depth", visited.m_depth);
+        row.write_text_or_null("section", visited.m_name);
+        row.write_text("type", entity.m_type);
+        row.write_text("subtype", entity.m_subtype);
+        row.write_text_or_null("transfer_encoding",
+                               transfer_encoding_of(entity, m_options.m_rules));
+        row.write_text_or_null("charset", charset_of(entity, m_source));
+        row.write_text_or_null("filename", file_name_of(entity, m_source));
+        row.write_text_or_null("disposition", disposition_of(entity, m_options.m_rules));
+        row.write_flag("multipart", entity.m_multipart);
+        row.write_flag("message_within", entity.m_message);
+        write_ranges(row, entity);
+        row.write_number("lines", entity.m_lines);
+        if (m_ranges && entity.m_children.empty()) {
+            const mail_sections::byte_range body =
+                m_ranges->of({&entity, mail_sections::piece::body, visited.m_is_message});
+            write_body_digests(row, entity, m_message.m_bytes.substr(body.m_offset, body.m_length),
+                               m_options.m_rules);
+        }
+        row.end();
+    }
+
+    std::string& m_rows;
+    const message_facts& m_message;
+    const row_options& m_options;
+    const tree_source m_source;
+    std::optional<mail_sections::ranges> m_ranges;
+    std::vector<std::uint64_t> m_path; // the indices of the entities from the root on
+};
+
+/// The number of entities, and the depth of the deepest.
+struct tree_extent {
+    std::uint64_t m_entities = 0;
+    std::uint64_t m_depth = 0;
+};
+
+tree_extent extent_of(const MimeObj& root) {
+    tree_extent extent;
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const entity = walk.next()) {
+        ++extent.m_entities;
+        extent.m_depth = std::max<std::uint64_t>(extent.m_depth, entity->m_depth);
+    }
+    return extent;
+}
+
+} // namespace
+
+std::uint64_t append_message_rows(std::string& rows, const message_facts& message,
+                                  const row_options& options) {
+    const tree_extent extent =
+        message.m_root == nullptr ? tree_extent() : extent_of(*message.m_root);
+    row_writer row(rows);
+    row.begin("message");
+    write_key(row, message.m_source, message.m_place->m_offset);
+    row.write_number("from_offset", message.m_place->m_from_offset);
+    row.write_number("length", message.m_place->m_length);
+    row.write_text("rules",
+                   options.m_rules == MailStructure::rules::standard ? "standard" : "classic");
+    static const MimeObj no_tree;
+    write_message_fields(row, message.m_root == nullptr ? no_tree : *message.m_root);
+    row.write_number("entities", extent.m_entities);
+    row.write_number("depth", extent.m_depth);
+    row.write_text_or_null("sha256", message.m_digest);
+    row.end();
+    if (message.m_root == nullptr) return 0;
+    return entity_rows(rows, message, options).append();
+}
+
+void append_fault_row(std::string& rows, std::string_view source, const scan_fault& fault) {
+    row_writer row(rows);
+    row.begin("fault");
+    row.write_text("source", source);
+    fault.m_message ? row.write_number("message", *fault.m_message) : row.write_null("message");
+    row.write_number("byte", fault.m_byte);
+    row.write_text("level", fault.m_level == fault_level::error ? "error" : "note");
+    row.write_text("code", fault.m_code);
+    row.write_text("text", fault.m_text);
+    row.end();
+}
+
+void append_source_row(std::string& rows, const source_facts& source, std::uint64_t messages,
+                       std::uint64_t faults) {
+    constexpr const char* names[] = {"unknown", "mbox", "message", "empty"};
+    row_writer row(rows);
+    row.begin("source");
+    row.write_text("source", source.m_name);
+    row.write_text("format", names[static_cast<std::size_t>(source.m_kind)]);
+    source.m_size ? row.write_number("size", *source.m_size) : row.write_null("size");
+    source.m_size ? row.write_number("modified_ns", static_cast<std::uint64_t>(source.m_modified))
+                  : row.write_null("modified_ns");
+    row.write_number("messages", messages);
+    row.write_number("faults", faults);
+    row.end();
+}

@@ -1,0 +1,39 @@
+// Writes rows as lines of JSON (RFC 8259): UTF-8, one object a line, no blanks.
+
+#ifndef TOOLS_SCAN_ROWS_ROW_WRITER_H
+#define TOOLS_SCAN_ROWS_ROW_WRITER_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Appends to a text. Values may hold any bytes: what is no UTF-8 becomes U+FFFD, and control
+/// characters, and characters that reorder or hide the text around them, are spelled out.
+class row_writer {
+public:
+    explicit row_writer(std::string& out) : m_out(out) {}
+
+    /// Begins a row with the member "kind". The names of members are written as they are.
+    void begin(std::string_view kind);
+    void end() { m_out += "}\n"; }
+
+    void write_text(std::string_view name, std::string_view value);
+    /// As write_text; null for an empty text.
+    void write_text_or_null(std::string_view name, std::string_view value);
+    void write_number(std::string_view name, std::uint64_t value);
+    void write_flag(std::string_view name, bool value);
+    void write_null(std::string_view name);
+    /// A member with an offset and a length in it.
+    void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
+
+private:
+    void write_name(std::string_view name);
+    void append_number(std::uint64_t value);
+    void append_quoted(std::string_view value);
+    void append_unusual(std::string_view& rest);
+    void append_escape(char32_t code_point);
+
+    std::string& m_out;
+};
+
+#endif

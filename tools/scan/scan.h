@@ -1,0 +1,43 @@
+// Scans piles of mail: reads sources, takes their messages apart, and writes rows.
+
+#ifndef TOOLS_SCAN_SCAN_H
+#define TOOLS_SCAN_SCAN_H
+
+#include "scan/pipeline/pile_reader.h"
+#include "scan/progress.h"
+#include "scan/rows/message_rows.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct scan_options {
+    std::vector<std::string> m_sources; ///< Files and folders; "-" is standard input.
+    pile_options m_pile;
+    row_options m_rows;
+    bool m_makes_rows = true; ///< False: totals alone.
+    unsigned m_threads = 1;   ///< At least 1.
+    progress_choice m_progress = progress_choice::automatic;
+};
+
+/// What was read, all sources together.
+struct scan_totals {
+    std::uint64_t m_sources = 0;
+    std::uint64_t m_messages = 0;
+    std::uint64_t m_entities = 0;
+    std::uint64_t m_bytes = 0; ///< Of the messages, without what stands between them.
+    std::uint64_t m_errors = 0;
+    std::map<std::string_view, std::uint64_t> m_faults; ///< How many by their codes.
+};
+
+/// Scans all sources. The rows of one source follow each other in the order of its messages, and
+/// the sources in the order of the walk, whatever the number of threads.
+/// @param write  takes rows; returns false if no more are wanted
+/// @return the totals of what was written
+/// @throws std::bad_alloc
+scan_totals scan(const scan_options& options, const std::function<bool(std::string_view)>& write);
+
+#endif
