@@ -109,9 +109,10 @@ install(
   FILES HACKING.md README.md SECURITY.md
   DESTINATION ${document_dir}
   COMPONENT development)
-# The description of the JSON belongs to the tool, but README.md and others have links to it.
+# The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
-  FILES doc/architecture.md doc/behaviour.md doc/json.md doc/json.schema.json doc/standard.md
+  FILES doc/architecture.md doc/behaviour.md doc/json.md doc/json.schema.json doc/scan.md
+        doc/scan.schema.json doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
@@ -147,7 +148,7 @@ if(MAILSTRUCTURE_TOOLS)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tool)
   install(
-    FILES doc/json.md doc/json.schema.json
+    FILES doc/json.md doc/json.schema.json doc/scan.md doc/scan.schema.json
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()

@@ -95,6 +95,7 @@ tool)
     test -f "$prefix/share/zsh/site-functions/_mailstructure"
     test -f "$prefix/share/fish/vendor_completions.d/mailstructure.fish"
     test -f "$prefix/share/doc/mailstructure/doc/json.schema.json"
+    test -f "$prefix/share/doc/mailstructure/doc/scan.schema.json"
     ;;
 files)
     # All files that belong there, and no others. Any build type will do.

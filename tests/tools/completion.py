@@ -9,7 +9,7 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -30,6 +30,9 @@ OFFERS = [
     ("mailstructure dump --memlimit 5 l", {"letter.eml"}),
     ("mailstructure tree --color=x --nothing", set()),
     ("mailstructure tree -- -", set()),
+    ("mailstructure scan --hash=none ", FILES),
+    ("mailstructure scan --mbox ", {"any", "auto", "strict", "thunderbird"}),
+    ("mailstructure scan --threads ", set()),
     ("mailstructure part ", {"HEADER", "TEXT"}),
     ("mailstructure part --list ", FILES),
     ("mailstructure part --all -o out ", FILES),
@@ -48,6 +51,8 @@ COMPLETED = [
     ("mailstructure tree --color au", "mailstructure tree --color auto"),
     ("mailstructure tree --color=au", "mailstructure tree --color=auto"),
     ("mailstructure json --rules=cl", "mailstructure json --rules=classic"),
+    ("mailstructure scan --progress=al", "mailstructure scan --progress=always"),
+    ("mailstructure scan --threads 2 le", "mailstructure scan --threads 2 letter.eml"),
     ("mailstructure part --decode=l", "mailstructure part --decode=lenient"),
     ("mailstructure part --decode H", "mailstructure part --decode HEADER"),
     ("mailstructure part --range=h", "mailstructure part --range=header"),

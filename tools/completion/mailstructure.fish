@@ -4,7 +4,7 @@
 # Prints the command that the line names before the cursor. Without one, tree is meant.
 function __mailstructure_command
     set -l words (commandline -opc)
-    if set -q words[2]; and contains -- $words[2] tree json part dump help
+    if set -q words[2]; and contains -- $words[2] tree json part scan dump help
         echo $words[2]
     else
         echo tree
@@ -46,12 +46,13 @@ end
 complete -c mailstructure -n __mailstructure_at_first_word -a tree -d 'Draw the tree of a message'
 complete -c mailstructure -n __mailstructure_at_first_word -a json -d 'Print trees as JSON'
 complete -c mailstructure -n __mailstructure_at_first_word -a part -d 'Write a piece of a message'
+complete -c mailstructure -n __mailstructure_at_first_word -a scan -d 'Print rows about mailboxes'
 complete -c mailstructure -n __mailstructure_at_first_word -a dump -d 'Print the library'\''s dump'
 complete -c mailstructure -n __mailstructure_at_first_word -a help -d 'Print the help'
 complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print the version'
 complete -c mailstructure -s h -l help -d 'Print the help'
 
-complete -c mailstructure -n '__mailstructure_command_is help' -f -a 'tree json part dump help'
+complete -c mailstructure -n '__mailstructure_command_is help' -f -a 'tree json part scan dump help'
 complete -c mailstructure -n 'not __mailstructure_command_is help' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
 complete -c mailstructure -n 'not __mailstructure_command_is help' -l max-size -x \
@@ -86,6 +87,19 @@ complete -c mailstructure -n '__mailstructure_command_is part' -l all \
 complete -c mailstructure -n '__mailstructure_command_is part' -l name -x \
     -d 'Choose attachments by file name'
 complete -c mailstructure -n '__mailstructure_command_is part' -l list -d 'List all sections'
+
+complete -c mailstructure -n '__mailstructure_command_is scan' -l summary -d 'Print totals alone'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l hash -x -a 'none message parts' \
+    -d 'Hash by SHA-256'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l mbox -x \
+    -a 'auto strict any thunderbird' -d 'Which lines separate messages'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l content-length -x \
+    -a 'verify ignore' -d 'How to read Content-Length'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l one -d 'Every file is one message'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l threads -x \
+    -d 'How many threads to use'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
+    -a 'auto always never' -d 'Show how far the scan is'
 
 complete -c mailstructure -n '__mailstructure_command_is dump' -l keep-text -d 'Print texts too'
 complete -c mailstructure -n '__mailstructure_command_is dump' -l memlimit -x \

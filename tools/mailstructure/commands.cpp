@@ -7,6 +7,7 @@
 #include "mailstructure/help_command.h"
 #include "mailstructure/json_command.h"
 #include "mailstructure/part_command.h"
+#include "mailstructure/scan_command.h"
 #include "mailstructure/tree_command.h"
 
 #include <algorithm>
@@ -51,13 +52,15 @@ command_parser::command_parser(const command& parsed)
              std::string("mailstructure") + (*parsed.m_name == '\0' ? "" : " ") + parsed.m_name),
       m_work(parsed.m_declare(m_line)) {}
 
-constexpr std::array<command, 5> all_commands = {{
+constexpr std::array<command, 6> all_commands = {{
     {"tree", "Draw the tree of each message: parts, types, sizes, places",
      declare<tree_options, describe_tree, run_tree>},
     {"json", "Print the tree of each message as JSON, with all that is recorded",
      declare<json_options, describe_json, run_json>},
     {"part", "Write a piece of a message as it stands there, or decoded; or list the pieces",
      declare<part_options, describe_part, run_part>},
+    {"scan", "Print rows about all messages in mailboxes and folders",
+     declare<scan_command_options, describe_scan, run_scan>},
     {"dump", "Print the library's own dump of each message: entities, ranges and fields",
      declare<dump_options, describe_dump, run_dump>},
     {"help", "Print the help of the program or of a command",

@@ -1,0 +1,121 @@
+// Reads the options of the scan, runs it, and sums it up.
+
+#include "mailstructure/scan_command.h"
+
+#include "mailstructure/command_line.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace {
+
+constexpr unsigned most_threads = 256;
+
+bool write_rows(std::string_view rows) {
+    return !!std::cout.write(rows.data(), static_cast<std::streamsize>(rows.size()));
+}
+
+std::string counted(std::uint64_t number, const std::string& what) {
+    return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
+}
+
+/// One line for each total, and one for each kind of fault.
+std::string summary_of(const scan_totals& totals) {
+    std::string text = "sources   " + std::to_string(totals.m_sources) + "\nmessages  "
+                       + std::to_string(totals.m_messages) + "\nentities  "
+                       + std::to_string(totals.m_entities) + "\nbytes     "
+                       + std::to_string(totals.m_bytes) + '\n';
+    for (const auto& [code, count] : totals.m_faults)
+        text += "fault     " + std::to_string(count) + ' ' + std::string(code) + '\n';
+    return text;
+}
+
+/// Says what was found wrong, in one line.
+void complain_about_faults(const scan_totals& totals) {
+    std::uint64_t all = 0;
+    std::string codes;
+    for (const auto& [code, count] : totals.m_faults) {
+        all += count;
+        codes += (codes.empty() ? "" : ", ") + std::string(code) + ' ' + std::to_string(count);
+    }
+    if (all != 0)
+        complain(counted(all, "fault") + " in " + counted(totals.m_sources, "source") + ": "
+                 + codes);
+}
+
+unsigned threads_of_machine() {
+    return std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
+}
+
+} // namespace
+
+void describe_scan(CLI::App& command, scan_command_options& options) {
+    scan_options& chosen = options.m_scan;
+    chosen.m_threads = threads_of_machine();
+    command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
+    describe_choice(
+        command, "--hash", {"none", "message", "parts"}, "WHAT",
+        [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
+        "Hash by SHA-256: none, each message (the default), or parts: also each body, as it is and "
+        "decoded");
+    describe_choice(
+        command, "--mbox", {"auto", "strict", "any", "thunderbird"}, "RULES",
+        [&chosen](std::size_t choice) {
+            chosen.m_pile.m_mbox.m_rules = static_cast<mbox_rules>(choice);
+        },
+        "Which lines separate the messages of an mbox: auto (the default), strict, any, or "
+        "thunderbird");
+    describe_choice(
+        command, "--content-length", {"verify", "ignore"}, "HOW",
+        [&chosen](std::size_t choice) {
+            chosen.m_pile.m_mbox.m_verify_content_length = choice == 0;
+        },
+        "Content-Length fields of an mbox: verify (the default) believes one that ends at a "
+        "separator");
+    command.add_flag("--one", chosen.m_pile.m_one, "Every file is one message, whatever is in it");
+    command
+        .add_option_function<std::string>(
+            "--threads",
+            [&chosen](const std::string& text) { chosen.m_threads = parse_number(text).value(); },
+            "How many threads to use; as many as there are processors by default")
+        ->check([](const std::string& text) {
+            const std::optional<std::uint32_t> number = parse_number(text);
+            return number && *number >= 1 && *number <= most_threads
+                       ? std::string()
+                       : "not a number from 1 to " + std::to_string(most_threads) + ": " + text;
+        })
+        ->type_name("N");
+    describe_choice(
+        command, "--progress", {"auto", "always", "never"}, "WHEN",
+        [&chosen](std::size_t choice) { chosen.m_progress = static_cast<progress_choice>(choice); },
+        "Show on standard error how far the scan is: auto (the default: on a terminal), always, or "
+        "never");
+    describe_max_size(command, chosen.m_rows.m_max_size);
+    describe_rules(command, chosen.m_rows.m_rules);
+    command
+        .add_option("SOURCE", chosen.m_sources,
+                    "Mailboxes, messages, and folders of them; - is standard input, which is also "
+                    "read when none is named")
+        ->type_name("");
+    command.final_callback([&chosen] {
+        if (chosen.m_sources.empty()) chosen.m_sources.push_back(standard_input());
+    });
+}
+
+exit_status run_scan(const scan_command_options& chosen) {
+    scan_options options = chosen.m_scan;
+    options.m_makes_rows = !chosen.m_summary;
+    options.m_pile.m_rules = options.m_rows.m_rules;
+    options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
+    if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
+    errno = 0;
+    const scan_totals totals = scan(options, write_rows);
+    if (chosen.m_summary) std::cout << summary_of(totals);
+    if (!output_got_out()) return some_input_failed;
+    complain_about_faults(totals);
+    return totals.m_errors == 0 ? all_well : some_input_failed;
+}

@@ -1,0 +1,23 @@
+// The command `mailstructure scan`: piles of mail as rows.
+
+#ifndef TOOLS_MAILSTRUCTURE_SCAN_COMMAND_H
+#define TOOLS_MAILSTRUCTURE_SCAN_COMMAND_H
+
+#include "common/complaint.h"
+#include "scan/scan.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+
+struct scan_command_options {
+    scan_options m_scan;
+    std::optional<hash_choice> m_hash; // that was asked for
+    bool m_summary = false;
+};
+
+void describe_scan(CLI::App& command, scan_command_options& options);
+
+/// Prints the rows, or a summary, and counts what is wrong on standard error.
+exit_status run_scan(const scan_command_options& chosen);
+
+#endif
