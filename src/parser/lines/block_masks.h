@@ -8,8 +8,9 @@
 // Processors differ only in how the masks are made. For each there is a struct, the parameter Make
 // of the templates, with three functions that read the 64 bytes at p:
 // - masks(p) makes the masks shown here.
-// - delimiter_like(p, probe) sets the bit of each LF behind which a line begins with a dash and has
-//   what the probe asks for. It also reads the 64 bytes at p + 1 and those at p + probe.m_ahead.
+// - look<Dashes, Strays>(p, probe) tells whether one of the bytes is suspect and not before an LF,
+//   or is an LF before a line that begins with a dash and has what the probe asks for. This also
+//   reads the 64 bytes at p + 1 and, with Dashes, those at p + probe.m_ahead.
 // - name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first byte that
 //   it may not hold, the bits mean nothing.
 // Each processor's file includes this one where its own instructions are switched on, so everything
@@ -31,6 +32,12 @@ namespace mail_structure_detail {
 namespace {
 
 constexpr std::size_t block_bytes = 64;
+
+/// What a quick look at a block tells.
+struct block_look {
+    std::uint64_t m_lf;
+    bool m_may_end; // whether a line that begins or stands in the block may end the run
+};
 
 /// One byte of a line, which lines that may be delimiter lines have in common.
 struct filter_probe {

@@ -38,22 +38,22 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 
 /// How far a scan has come.
 struct scan_progress {
-    std::size_t m_start = 0;            // of the next block
-    std::size_t m_lines = 0;            // that end before it
-    std::uint64_t m_suspect_before = 0; // of the block before it
+    std::size_t m_start = 0; // of the next block
+    std::size_t m_lines = 0; // that end before it
 
-    void pass(const block_masks& masks) noexcept {
+    void pass(std::uint64_t lf) noexcept {
         m_start += block_bytes;
-        m_lines += static_cast<std::size_t>(std::popcount(masks.m_lf));
-        m_suspect_before = masks.m_suspect;
+        m_lines += static_cast<std::size_t>(std::popcount(lf));
     }
 };
 
-/// Bit n is set where byte n follows a suspect byte and is no LF: the line ends the run.
+/// Bit n is set where byte n is stray: its line ends the run.
+/// @param rest  the bytes from the block on
 template <bool Strays>
-std::uint64_t stray_ends(const block_masks& masks, const scan_progress& reached) noexcept {
+std::uint64_t stray_ends(const block_masks& masks, std::string_view rest) noexcept {
     if constexpr (!Strays) return 0;
-    return (masks.m_suspect << 1 | reached.m_suspect_before >> (block_bytes - 1)) & ~masks.m_lf;
+    const bool lf_follows = rest.size() > block_bytes && rest[block_bytes] == '\n';
+    return masks.m_suspect & ~(masks.m_lf >> 1 | std::uint64_t{lf_follows} << (block_bytes - 1));
 }
 
 /// Bit n is set where byte n is an LF before a line that ends the run as one that begins with "--".
@@ -72,20 +72,19 @@ std::uint64_t dashed_ends(const block_masks& masks, const scan_progress& reached
 }
 
 /// Passes over blocks in which no line can end the run. Stops at the first block that needs a
-/// closer look, and where less than a block and the bytes that the filter looks at are left.
+/// closer look, and where less than a block and the bytes that the filter looks at are left. Not
+/// inline, so that the compiler keeps the constants of the loop in registers.
 template <class Make, bool Dashes, bool Strays>
-scan_progress pass_over_text(scan_progress reached, std::string_view bytes,
-                             const delimiter_filter& filter) noexcept {
+[[gnu::noinline]] scan_progress pass_over_text(scan_progress reached, std::string_view bytes,
+                                               const delimiter_filter& filter) noexcept {
     const filter_probe probe{filter.probe_place() + 1, filter.probe_bits(), filter.probe_value()};
-    const std::size_t needed = block_bytes + (Dashes ? probe.m_ahead : 0);
+    const std::size_t needed = block_bytes + (Dashes ? probe.m_ahead : 1);
     while (bytes.size() - reached.m_start >= needed) {
         const char* const block = bytes.data() + reached.m_start;
         fetch_ahead(block);
-        const block_masks masks = Make::masks(block);
-        std::uint64_t ends = stray_ends<Strays>(masks, reached);
-        if constexpr (Dashes) ends |= Make::delimiter_like(block, probe);
-        if (ends != 0) break; // which is rare
-        reached.pass(masks);
+        const block_look seen = Make::template look<Dashes, Strays>(block, probe);
+        if (seen.m_may_end) break; // which is rare
+        reached.pass(seen.m_lf);
     }
     return reached;
 }
@@ -100,11 +99,10 @@ scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& fil
         std::string_view rest = bytes;
         rest.remove_prefix(reached.m_start);
         const block_masks masks = padded_block<Make>(rest).masks();
-        ends =
-            stray_ends<Strays>(masks, reached) | dashed_ends<Dashes>(masks, reached, bytes, filter);
+        ends = stray_ends<Strays>(masks, rest) | dashed_ends<Dashes>(masks, reached, bytes, filter);
         lf = masks.m_lf;
         if (ends != 0 || rest.size() <= block_bytes) break;
-        reached.pass(masks);
+        reached.pass(masks.m_lf);
         reached = pass_over_text<Make, Dashes, Strays>(reached, bytes, filter);
     }
     // The run ends with the last LF up to the first byte whose bit is set in `ends`.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <iterator>
 
 namespace mail_structure_detail {
@@ -12,6 +13,16 @@ constexpr std::size_t leading_dashes = 2;
 constexpr std::size_t most_passed_over = 38; // enough for all boundaries that programs make
 
 unsigned char byte_of(char c) noexcept { return static_cast<unsigned char>(c); }
+
+/// The 8 bytes at the place, as far as the text reaches.
+std::uint64_t word_at(std::string_view text, std::size_t place) noexcept {
+    std::uint64_t word = 0;
+    if (text.size() >= place + sizeof word)
+        std::memcpy(&word, text.data() + place, sizeof word);
+    else if (text.size() > place)
+        std::memcpy(&word, text.data() + place, text.size() - place);
+    return word;
+}
 
 } // namespace
 
@@ -24,6 +35,7 @@ delimiter_filter::delimiter_filter(std::string_view boundary) noexcept {
     for (std::size_t at = 0; at < std::min(boundary.size(), m_bytes.size()); ++at) {
         m_bits[at] = 0xFF;
         m_bytes[at] = byte_of(boundary[at]);
+        m_end = static_cast<std::uint8_t>(m_place + at + 1);
     }
 }
 
@@ -38,10 +50,16 @@ void delimiter_filter::admit(std::string_view boundary) noexcept {
             m_bits[at] = m_bytes[at] = 0;
         }
     }
-    choose_probe();
+    choose_what_to_look_at();
 }
 
-void delimiter_filter::choose_probe() noexcept {
+/// To be called when the bits that are compared have changed.
+void delimiter_filter::choose_what_to_look_at() noexcept {
+    const auto compared = [](unsigned char bits) { return bits != 0; };
+    const auto behind_last = std::find_if(m_bits.rbegin(), m_bits.rend(), compared);
+    m_end = static_cast<std::uint8_t>(
+        behind_last == m_bits.rend() ? leading_dashes : m_place + (m_bits.rend() - behind_last));
+
     const auto fewer_bits = [](unsigned char a, unsigned char b) {
         return std::popcount(a) < std::popcount(b);
     };
@@ -50,16 +68,10 @@ void delimiter_filter::choose_probe() noexcept {
 }
 
 bool delimiter_filter::passes(std::string_view line) const noexcept {
-    if (!line.starts_with("--")) return false;
-    std::size_t compared_to = leading_dashes; // the place behind the last byte that is compared
-    for (std::size_t at = 0; at < m_bits.size(); ++at) {
-        if (m_bits[at] == 0) continue;
-        const std::size_t place = m_place + at;
-        if (place >= line.size() || (byte_of(line[place]) & m_bits[at]) != m_bytes[at])
-            return false;
-        compared_to = place + 1;
-    }
-    return line.substr(0, compared_to).find('\n') == std::string_view::npos;
+    if (line.size() < m_end || !line.starts_with("--")) return false;
+    const std::uint64_t differing = word_at(line, m_place) ^ std::bit_cast<std::uint64_t>(m_bytes);
+    if ((differing & std::bit_cast<std::uint64_t>(m_bits)) != 0) return false;
+    return line.substr(0, m_end).find('\n') == std::string_view::npos;
 }
 
 } // namespace mail_structure_detail

@@ -46,9 +46,10 @@ public:
 private:
     using word = std::array<unsigned char, 8>;
 
-    void choose_probe() noexcept;
+    void choose_what_to_look_at() noexcept;
 
     std::uint8_t m_place = 2; // in a line: of the first byte that is compared
+    std::uint8_t m_end = 2;   // in a line: behind the last byte that is compared
     std::uint8_t m_probe = 0; // the index of the byte of which the most bits are compared
     word m_bits = {};         // which bits are compared
     word m_bytes = {};        // their values; all other bits are 0

@@ -69,15 +69,27 @@ struct avx2 {
                 bits(equal(low, '-'), equal(high, '-'))};
     }
 
-    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
-        const auto half = [&probe](const char* at) {
-            const __m256i dashed =
-                _mm256_and_si256(equal(load(at), '\n'), equal(load(at + 1), '-'));
+    template <bool Dashes, bool Strays>
+    static __m256i may_end(const char* p, const filter_probe& probe) noexcept {
+        const __m256i bytes = load(p);
+        const __m256i next = load(p + 1);
+        __m256i found = _mm256_setzero_si256();
+        if constexpr (Strays) found = _mm256_andnot_si256(equal(next, '\n'), suspect(bytes));
+        if constexpr (Dashes) {
+            const __m256i dashed = _mm256_and_si256(equal(bytes, '\n'), equal(next, '-'));
             const __m256i probed =
-                _mm256_and_si256(load(at + probe.m_ahead), _mm256_set1_epi8(probe.m_bits));
-            return _mm256_and_si256(dashed, equal(probed, probe.m_value));
-        };
-        return bits(half(p), half(p + 32));
+                equal(_mm256_and_si256(load(p + probe.m_ahead), _mm256_set1_epi8(probe.m_bits)),
+                      probe.m_value);
+            found = _mm256_or_si256(found, _mm256_and_si256(dashed, probed));
+        }
+        return found;
+    }
+    template <bool Dashes, bool Strays>
+    static block_look look(const char* p, const filter_probe& probe) noexcept {
+        const __m256i found = _mm256_or_si256(may_end<Dashes, Strays>(p, probe),
+                                              may_end<Dashes, Strays>(p + 32, probe));
+        return {bits(equal(load(p), '\n'), equal(load(p + 32), '\n')),
+                _mm256_testz_si256(found, found) == 0};
     }
 
     template <field_names Names>

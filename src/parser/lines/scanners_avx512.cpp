@@ -38,15 +38,28 @@ struct avx512 {
                 equal('-')};
     }
 
-    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
-        const auto equal = [](__mmask64 among, const char* at, char c) {
-            return _mm512_mask_cmpeq_epi8_mask(among, _mm512_loadu_si512(at), _mm512_set1_epi8(c));
-        };
-        const __mmask64 dashed = equal(equal(~__mmask64{0}, p, '\n'), p + 1, '-');
-        const __m512i differing = _mm512_xor_si512(_mm512_loadu_si512(p + probe.m_ahead),
-                                                   _mm512_set1_epi8(probe.m_value));
-        return std::uint64_t{
-            _mm512_mask_testn_epi8_mask(dashed, differing, _mm512_set1_epi8(probe.m_bits))};
+    template <bool Dashes, bool Strays>
+    static block_look look(const char* p, const filter_probe& probe) noexcept {
+        const __m512i bytes = _mm512_loadu_si512(p);
+        const __m512i next = _mm512_loadu_si512(p + 1);
+        const __m512i line_feed = _mm512_set1_epi8('\n');
+        const __mmask64 lf = _mm512_cmpeq_epi8_mask(bytes, line_feed);
+        __mmask64 stray = 0;
+        if constexpr (Strays) {
+            const __m512i no_cr = _mm512_xor_si512(bytes, _mm512_set1_epi8('\r'));
+            const __m512i no_suspect = _mm512_min_epu8(bytes, no_cr);
+            const __mmask64 suspect = _mm512_testn_epi8_mask(no_suspect, no_suspect);
+            stray = _mm512_mask_cmpneq_epi8_mask(suspect, next, line_feed);
+        }
+        __mmask64 like_delimiter = 0;
+        if constexpr (Dashes) {
+            const __mmask64 dashed = _mm512_mask_cmpeq_epi8_mask(lf, next, _mm512_set1_epi8('-'));
+            const __m512i differing = _mm512_xor_si512(_mm512_loadu_si512(p + probe.m_ahead),
+                                                       _mm512_set1_epi8(probe.m_value));
+            like_delimiter =
+                _mm512_mask_testn_epi8_mask(dashed, differing, _mm512_set1_epi8(probe.m_bits));
+        }
+        return {std::uint64_t{lf}, _kortestz_mask64_u8(stray, like_delimiter) == 0};
     }
 
     template <field_names Names>

@@ -56,13 +56,24 @@ struct neon {
     static block_masks masks(const char* p) noexcept {
         return {gather(p, lf), gather(p, suspect), gather(p, dash)};
     }
-    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
-        return gather(p, [&probe](const char* at) {
-            const uint8x16_t dashed = vandq_u8(lf(at), dash(at + 1));
-            const uint8x16_t probed = vandq_u8(load(at + probe.m_ahead),
+    template <bool Dashes, bool Strays>
+    static uint8x16_t may_end(const char* p, const filter_probe& probe) noexcept {
+        uint8x16_t found = vdupq_n_u8(0);
+        if constexpr (Strays) found = vbicq_u8(suspect(p), lf(p + 1));
+        if constexpr (Dashes) {
+            const uint8x16_t dashed = vandq_u8(lf(p), dash(p + 1));
+            const uint8x16_t probed = vandq_u8(load(p + probe.m_ahead),
                                                vdupq_n_u8(static_cast<std::uint8_t>(probe.m_bits)));
-            return vandq_u8(dashed, equal(probed, probe.m_value));
-        });
+            found = vorrq_u8(found, vandq_u8(dashed, equal(probed, probe.m_value)));
+        }
+        return found;
+    }
+    template <bool Dashes, bool Strays>
+    static block_look look(const char* p, const filter_probe& probe) noexcept {
+        uint8x16_t found = vdupq_n_u8(0);
+        for (unsigned at = 0; at < block_bytes; at += 16)
+            found = vorrq_u8(found, may_end<Dashes, Strays>(p + at, probe));
+        return {gather(p, lf), vmaxvq_u8(found) != 0};
     }
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {

@@ -40,16 +40,27 @@ struct portable {
         return found;
     }
 
-    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
-        const std::uint64_t bits = ones * static_cast<unsigned char>(probe.m_bits);
+    template <bool Dashes, bool Strays>
+    static std::uint64_t may_end(const char* p, const filter_probe& probe) noexcept {
+        const std::uint64_t word = load(p);
+        const std::uint64_t next = load(p + 1);
         std::uint64_t found = 0;
-        for (unsigned at = 0; at < block_bytes; at += 8) {
-            const char* const line_end = p + at;
-            found |= (equal(load(line_end), '\n') & equal(load(line_end + 1), '-')
-                      & equal(load(line_end + probe.m_ahead) & bits, probe.m_value))
-                     << at;
+        if constexpr (Strays) found = (equal(word, '\r') | equal(word, '\0')) & ~equal(next, '\n');
+        if constexpr (Dashes) {
+            const std::uint64_t bits = ones * static_cast<unsigned char>(probe.m_bits);
+            found |= equal(word, '\n') & equal(next, '-')
+                     & equal(load(p + probe.m_ahead) & bits, probe.m_value);
         }
         return found;
+    }
+    template <bool Dashes, bool Strays>
+    static block_look look(const char* p, const filter_probe& probe) noexcept {
+        block_look seen{0, false};
+        for (unsigned at = 0; at < block_bytes; at += 8) {
+            seen.m_lf |= equal(load(p + at), '\n') << at;
+            seen.m_may_end |= may_end<Dashes, Strays>(p + at, probe) != 0;
+        }
+        return seen;
     }
 
     /// Names are short: the bytes are looked at one by one, and none behind the name.

@@ -51,13 +51,24 @@ struct sse2 {
     static block_masks masks(const char* p) noexcept {
         return {gather(p, lf), gather(p, suspect), gather(p, dash)};
     }
-    static std::uint64_t delimiter_like(const char* p, const filter_probe& probe) noexcept {
-        return gather(p, [&probe](const char* at) {
-            const __m128i dashed = _mm_and_si128(lf(at), dash(at + 1));
-            const __m128i probed =
-                _mm_and_si128(load(at + probe.m_ahead), _mm_set1_epi8(probe.m_bits));
-            return _mm_and_si128(dashed, equal(probed, probe.m_value));
-        });
+    template <bool Dashes, bool Strays>
+    static __m128i may_end(const char* p, const filter_probe& probe) noexcept {
+        __m128i found = _mm_setzero_si128();
+        if constexpr (Strays) found = _mm_andnot_si128(lf(p + 1), suspect(p));
+        if constexpr (Dashes) {
+            const __m128i dashed = _mm_and_si128(lf(p), dash(p + 1));
+            const __m128i probed = equal(
+                _mm_and_si128(load(p + probe.m_ahead), _mm_set1_epi8(probe.m_bits)), probe.m_value);
+            found = _mm_or_si128(found, _mm_and_si128(dashed, probed));
+        }
+        return found;
+    }
+    template <bool Dashes, bool Strays>
+    static block_look look(const char* p, const filter_probe& probe) noexcept {
+        __m128i found = _mm_setzero_si128();
+        for (unsigned at = 0; at < block_bytes; at += 16)
+            found = _mm_or_si128(found, may_end<Dashes, Strays>(p + at, probe));
+        return {gather(p, lf), _mm_movemask_epi8(found) != 0};
     }
     template <field_names Names>
     static std::uint64_t name(const char* p) noexcept {
