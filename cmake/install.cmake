@@ -148,7 +148,8 @@ if(MAILSTRUCTURE_TOOLS)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tool)
   install(
-    FILES doc/json.md doc/json.schema.json doc/scan.md doc/scan.schema.json
+    FILES doc/behaviour.md doc/json.md doc/json.schema.json doc/scan.md doc/scan.schema.json
+          doc/standard.md
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()

@@ -3,7 +3,8 @@
 #
 #   - files and folders with the permissions that they have in every package, whatever the umask
 #   - binaries without run-time search path and without symbols that only a debugger reads
-#   - manual pages, changelogs and long documents compressed, without name and time stamp
+#   - manual pages and changelogs compressed, without name and time stamp; the documents are not,
+#     so that their links to each other lead somewhere
 #   - changelog and copyright of each package in /usr/share/doc/PACKAGE
 #   - the control files symbols, shlibs and triggers of the library, from its list of symbols
 #   - what each package depends on, from the libraries that its programs are linked with
@@ -50,8 +51,8 @@ function(stage_binaries root)
   endforeach()
 endfunction()
 
-# stage_documents(ROOT PACKAGE): gives the package its own folder of documents, and compresses the
-# long ones.
+# stage_documents(ROOT PACKAGE): gives the package its own folder of documents, and compresses
+# manual pages and changelogs.
 function(stage_documents root package)
   set(documents ${root}/usr/share/doc/${package})
   if(NOT package STREQUAL "mailstructure" AND EXISTS ${root}/usr/share/doc/mailstructure)
@@ -65,14 +66,13 @@ function(stage_documents root package)
   if(EXISTS ${documents}/CHANGELOG.md)
     file(RENAME ${documents}/CHANGELOG.md ${documents}/changelog)
   endif()
+  if(EXISTS ${documents}/README.md)
+    file(READ ${documents}/README.md readme)
+    string(REPLACE "](CHANGELOG.md)" "](../${library_package}/changelog.gz)" readme "${readme}")
+    string(REPLACE "](LICENSE)" "](copyright)" readme "${readme}")
+    file(WRITE ${documents}/README.md "${readme}")
+  endif()
   file(GLOB_RECURSE texts ${documents}/changelog* ${root}/usr/share/man/*)
-  file(GLOB_RECURSE long_texts ${documents}/*.md)
-  foreach(text IN LISTS long_texts)
-    file(SIZE ${text} bytes)
-    if(bytes GREATER 4096)
-      list(APPEND texts ${text})
-    endif()
-  endforeach()
   foreach(text IN LISTS texts)
     run(gzip -9 --no-name ${text})
   endforeach()

@@ -59,6 +59,10 @@ find "$root" -name '*.gz' -print0 | while IFS= read -r -d '' file; do
         fail "$file keeps a name or a time"
 done
 
+echo "== documents"
+bash "$sources/tests/documents/links.sh" "$root/usr/share/doc"
+[[ $(find "$root/usr/share/doc" -name json.md | wc -l) == 2 ]]
+
 echo "== the tool"
 ! readelf -d "$root/usr/bin/mailstructure" | grep -E 'RPATH|RUNPATH' ||
     fail "the tool has a search path of its own"
