@@ -9,7 +9,7 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "scan", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "map", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -21,6 +21,10 @@ OFFERS = [
     ("mailstructure json ", FILES),
     ("mailstructure json --", {"--flat", "--help", "--max-size", "--pretty", "--rules"}),
     ("mailstructure dump --", {"--help", "--keep-text", "--max-size", "--memlimit", "--rules"}),
+    ("mailstructure map --", {"--force", "--format", "--help", "--max-size", "--output",
+                              "--rules"}),
+    ("mailstructure map --format ", {"html", "svg"}),
+    ("mailstructure map --format html ", FILES),
     ("mailstructure letter.eml --d", {"--decoded"}),
     ("mailstructure --v", {"--version"}),
     ("mailstructure json --v", set()),
@@ -60,6 +64,9 @@ COMPLETED = [
     ("mailstructure part --output=le", "mailstructure part --output=letter.eml"),
     ("mailstructure part --range body -o out --max-size 25M --rules=classic H",
      "mailstructure part --range body -o out --max-size 25M --rules=classic HEADER"),
+    ("mailstructure map --format=h", "mailstructure map --format=html"),
+    ("mailstructure map -o le", "mailstructure map -o letter.eml"),
+    ("mailstructure map le", "mailstructure map letter.eml"),
     ("mailstructure part 2 le", "mailstructure part 2 letter.eml"),
     ("mailstructure part --list le", "mailstructure part --list letter.eml"),
     ('mailstructure json "a', 'mailstructure json "a b.eml"'),

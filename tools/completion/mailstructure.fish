@@ -4,7 +4,7 @@
 # Prints the command that the line names before the cursor. Without one, tree is meant.
 function __mailstructure_command
     set -l words (commandline -opc)
-    if set -q words[2]; and contains -- $words[2] tree json part scan dump help
+    if set -q words[2]; and contains -- $words[2] tree json part scan map dump help
         echo $words[2]
     else
         echo tree
@@ -21,8 +21,8 @@ end
 
 # Prints those of the words that are no options and no values of options.
 function __mailstructure_plain_words
-    set -l take_next --charset --color --colour --max-size --memlimit --name -o --output --range \
-        --rules
+    set -l take_next --charset --color --colour --format --max-size --memlimit --name -o --output \
+        --range --rules
     set -l is_value no
     for word in $argv
         if test $is_value = yes
@@ -47,12 +47,14 @@ complete -c mailstructure -n __mailstructure_at_first_word -a tree -d 'Draw the 
 complete -c mailstructure -n __mailstructure_at_first_word -a json -d 'Print trees as JSON'
 complete -c mailstructure -n __mailstructure_at_first_word -a part -d 'Write a piece of a message'
 complete -c mailstructure -n __mailstructure_at_first_word -a scan -d 'Print rows about mailboxes'
+complete -c mailstructure -n __mailstructure_at_first_word -a map -d 'Draw what each byte is of'
 complete -c mailstructure -n __mailstructure_at_first_word -a dump -d 'Print the library'\''s dump'
 complete -c mailstructure -n __mailstructure_at_first_word -a help -d 'Print the help'
 complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print the version'
 complete -c mailstructure -s h -l help -d 'Print the help'
 
-complete -c mailstructure -n '__mailstructure_command_is help' -f -a 'tree json part scan dump help'
+complete -c mailstructure -n '__mailstructure_command_is help' -f \
+    -a 'tree json part scan map dump help'
 complete -c mailstructure -n 'not __mailstructure_command_is help' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
 complete -c mailstructure -n 'not __mailstructure_command_is help' -l max-size -x \
@@ -100,6 +102,11 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l threads -x \
     -d 'How many threads to use'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
     -a 'auto always never' -d 'Show how far the scan is'
+complete -c mailstructure -n '__mailstructure_command_is map' -s o -l output -r -F \
+    -d 'Write to this file'
+complete -c mailstructure -n '__mailstructure_command_is map' -l force -d 'Replace the output file'
+complete -c mailstructure -n '__mailstructure_command_is map' -l format -x -a 'svg html' \
+    -d 'Write a drawing or a page'
 
 complete -c mailstructure -n '__mailstructure_command_is dump' -l keep-text -d 'Print texts too'
 complete -c mailstructure -n '__mailstructure_command_is dump' -l memlimit -x \

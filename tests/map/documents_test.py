@@ -1,0 +1,214 @@
+#!/usr/bin/env python3
+"""What the documents of `mailstructure map` must be for any message: well-formed, closed to
+scripts and to the network, small, and the same each time.
+
+tests/map/documents_test.py TOOL
+"""
+
+import base64
+import hashlib
+import html.parser
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree
+
+import hostile
+
+TOP = pathlib.Path(__file__).resolve().parent.parent.parent
+TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
+SAMPLES = sorted(path for path in (TOP / "tests/data").rglob("*") if path.suffix == ".eml")
+MOST_BYTES = 1024 * 1024
+
+SVG = "{http://www.w3.org/2000/svg}"
+XHTML = "{http://www.w3.org/1999/xhtml}"
+# All that the documents are made of. No element here runs or loads anything.
+ELEMENTS = {
+    *(SVG + name for name in ("svg", "title", "style", "g", "rect", "text", "a")),
+    *(XHTML + name for name in (
+        "html", "head", "meta", "title", "style", "body", "header", "main", "section", "div",
+        "h1", "h2", "p", "ul", "li", "span", "table", "caption", "thead", "tbody", "tr", "th",
+        "td", "a")),
+}
+# All values of attributes are numbers, words of ours, and links within the document.
+VALUES = {
+    "href": r"#[be]\d+|#map", "id": r"[be]\d+|map|parts",
+    "class": r"k\d+|d\d|swatch k\d+|[a-z]+", "x": r"[\d.]+", "y": r"[\d.]+",
+    "width": r"[\d.]+", "height": r"[\d.]+", "viewBox": r"0 0 \d+ \d+",
+    "scope": "row|col", "role": "group|region", "aria-labelledby": "map|parts",
+    "aria-hidden": "true", "tabindex": "0", "lang": "en", "charset": "utf-8",
+    "http-equiv": "Content-Security-Policy", "name": "viewport|referrer",
+    "content": "no-referrer|width=device-width, initial-scale=1|"
+    r"default-src 'none'; style-src 'sha256-[\w+/=]{44}'; base-uri 'none'; form-action 'none'",
+}
+
+
+def run(*arguments, data=b""):
+    """What the tool writes to standard output. It must succeed."""
+    done = subprocess.run([TOOL, "map", *arguments], input=data, capture_output=True, check=False)
+    assert done.returncode == 0 and done.stderr == b"", done.stderr
+    return done.stdout
+
+
+def maps_of(data):
+    """The maps of a message in both forms, by both sets of rules where these accept it."""
+    for form in ("svg", "html"):
+        yield form, run(f"--format={form}", data=data)
+    done = subprocess.run([TOOL, "map", "--rules=classic", "--format=html"], input=data,
+                          capture_output=True, check=False)
+    if done.returncode == 0:
+        yield "html", done.stdout
+
+
+class Tags(html.parser.HTMLParser):
+    """The elements as a reader of HTML sees them, who does not know XML."""
+
+    VOID = {"meta", "rect"}
+
+    def __init__(self):
+        super().__init__(convert_charrefs=True)
+        self.open, self.names, self.text = [], set(), []
+
+    def handle_starttag(self, tag, attrs):
+        self.names.add(tag)
+        assert not any(name.startswith("on") or name == "style" for name, _ in attrs), attrs
+        if tag not in self.VOID:
+            self.open.append(tag)
+
+    def handle_endtag(self, tag):
+        if tag not in self.VOID:
+            assert self.open.pop() == tag, tag
+
+    def handle_data(self, data):
+        self.text.append(data)
+
+    def handle_comment(self, data):
+        raise AssertionError(f"a comment: {data}")
+
+
+class Documents(unittest.TestCase):
+    def check(self, form, document):
+        """The document is well-formed, and holds nothing that loads or runs anything."""
+        self.assertLess(len(document), MOST_BYTES)
+        text = document.decode("utf-8", errors="strict")
+        root = xml.etree.ElementTree.fromstring(text)
+        for element in root.iter():
+            self.assertIn(element.tag, ELEMENTS)
+            for name, value in element.attrib.items():
+                self.assertRegex(value, rf"\A(?:{VALUES[name]})\Z")
+        styles = [element.text for element in root.iter() if element.tag.endswith("}style")]
+        self.assertEqual(len(styles), 1)
+        self.assertNotRegex(styles[0], r"url\(|@import|expression|<")
+        if form == "html":
+            self.check_page(text, styles[0])
+        else:
+            self.assertNotIn("href", text.split("</title>")[0])
+        return root
+
+    def check_page(self, text, style):
+        tags = Tags()
+        tags.feed(text)
+        tags.close()
+        self.assertEqual(tags.open, [])
+        self.assertLessEqual({f"{XHTML}{tag}" for tag in tags.names}
+                             - {f"{XHTML}{tag}" for tag in ("svg", "g", "rect", "text")}, ELEMENTS)
+        digest = base64.b64encode(hashlib.sha256(style.encode()).digest()).decode()
+        policy = (f"default-src 'none'; style-src 'sha256-{digest}'; base-uri 'none'; "
+                  "form-action 'none'")
+        self.assertIn(f'<meta http-equiv="Content-Security-Policy" content="{policy}" />', text)
+        # The policy precedes everything that it is to hold for.
+        self.assertLess(text.index("Content-Security-Policy"), text.index("<style>"))
+        self.check_links(text)
+
+    def check_links(self, text):
+        """Each link leads to an element of the document, and no two elements share a name."""
+        names = re.findall(r' id="([^"]*)"', text)
+        self.assertEqual(len(names), len(set(names)))
+        targets = set(re.findall(r' href="#([^"]*)"', text))
+        self.assertLessEqual(targets, set(names))
+
+    def test_hostile_text(self):
+        for name, text in hostile.TEXTS.items():
+            for form, document in maps_of(hostile.message(text)):
+                with self.subTest(text=name, form=form):
+                    self.check(form, document)
+                    self.assertNotIn(b"<script", document)
+
+    def test_hostile_text_is_shown(self):
+        page = run("--format=html", data=hostile.message(hostile.SCRIPT))
+        root = self.check("html", page)
+        values = [cell.text for cell in root.iter(XHTML + "td")]
+        self.assertIn("<script>alert(1)</script>", values)
+        names = [row.text for row in root.iter(XHTML + "th")]
+        self.assertIn("X-<script>alert1<script>", names)
+
+    def test_hostile_file_names(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for index, text in enumerate(hostile.TEXTS.values()):
+                name = text.replace(b"/", b"").replace(b"\0", b"")[:200]
+                path = os.path.join(os.fsencode(folder), name)
+                with open(path, "wb") as file:
+                    file.write(b"Subject: a\n\nb\n")
+                for form in ("svg", "html"):
+                    with self.subTest(text=index, form=form):
+                        self.check(form, run(f"--format={form}", path))
+
+    def test_samples(self):
+        self.assertGreater(len(SAMPLES), 5)
+        for path in SAMPLES:
+            for form, document in maps_of(path.read_bytes()):
+                with self.subTest(path=path.name, form=form):
+                    self.check(form, document)
+
+    def test_edges(self):
+        for data in (b"", b"\n", b"x", b"a: b", b"\0", b"From a\n", b"--\n\n--\n"):
+            for form, document in maps_of(data):
+                with self.subTest(data=data, form=form):
+                    self.check(form, document)
+
+    def test_same_bytes_twice(self):
+        for form in ("svg", "html"):
+            arguments = (f"--format={form}", SAMPLES[0])
+            self.assertEqual(run(*arguments), run(*arguments))
+
+    def test_a_million_parts(self):
+        data = (b"Content-Type: multipart/mixed; boundary=b\n\n" + b"--b\n\nx\n" * 1000000
+                + b"--b--\n")
+        for form in ("svg", "html"):
+            root = self.check(form, run(f"--format={form}", data=data))
+            text = "".join(root.itertext())
+            self.assertIn("3,000,002 pieces and 1,000,000 parts", text)
+            self.assertIn("1,000,001 entities", text)
+        self.assertIn("The first 1,000 of 1,000,001 entities.", text)
+
+    def test_many_parts_of_a_pixel(self):
+        """Of these, none is too small to be drawn, but all of them would take too much room."""
+        part = b"--b\nContent-Type: image/png\n\n" + b"x" * 40 + b"\n"
+        data = b"Content-Type: multipart/mixed; boundary=b\n\n" + part * 13000 + b"--b--\n"
+        for form, document in maps_of(data):
+            self.check(form, document)
+            self.assertIn(b"folded into one box", document)
+
+    def test_many_hostile_parts(self):
+        """Every text takes as many bytes as it can."""
+        part = (b"--b\nContent-Type: " + b"&" * 70 + b"/" + b"<" * 70 + b'; name="' + b"&" * 300
+                + b'"\n' + b"X-" + b"&" * 200 + b": " + b"&" * 1000 + b"\n\nx\n")
+        data = b"Content-Type: multipart/mixed; boundary=b\n\n" + part * 3000 + b"--b--\n"
+        for form, document in maps_of(data):
+            self.check(form, document)
+
+    def test_a_hundred_thousand_levels(self):
+        data = b"".join(b"Content-Type: multipart/mixed; boundary=b%d\n\n--b%d\n" % (n, n)
+                        for n in range(100000)) + b"\nhi\n"
+        for form in ("svg", "html"):
+            document = run(f"--format={form}", data=data)
+            self.check(form, document)
+            self.assertIn(b"99,992 entities lie deeper than level 8", document)
+
+
+if __name__ == "__main__":
+    unittest.main()

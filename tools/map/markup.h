@@ -1,0 +1,34 @@
+// The text nodes of the documents that are written here. This is the only place where text that
+// others have chosen enters a document: there is no function that puts such text into an attribute,
+// an address or a style.
+
+#ifndef TOOLS_MAP_MARKUP_H
+#define TOOLS_MAP_MARKUP_H
+
+#include "common/printable.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// The text as a text node of XML 1.0 and of HTML. What is not shown, or not allowed in XML, is
+/// spelled out as printable() does; then &, < and > become references. A longer text is cut to that
+/// many bytes first, and ends with an ellipsis. The result takes no more than five bytes for each
+/// byte of the text, and is one line.
+std::string text_node(std::string_view text, std::size_t most_bytes,
+                      character_set set = character_set::utf8);
+
+/// "1,234,567"
+std::string grouped(std::uint64_t number);
+
+/// "1 part", "2,000 parts"
+std::string counted(std::uint64_t number, const std::string& one, const std::string& several);
+
+/// "10-20": the offsets of the first byte and of the byte past the last, as `tree` gives them.
+std::string place_text(std::uint32_t begin, std::uint32_t end);
+
+/// "33.5 %"; "100 %" for all, and "under 0.1 %" for less than that.
+std::string percent_text(std::uint64_t part, std::uint64_t whole);
+
+#endif

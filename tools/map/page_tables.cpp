@@ -1,0 +1,156 @@
+// Reads what the tables show, up to a limit, and writes it as markup; see the header.
+
+#include "map/page_tables.h"
+
+#include "common/encoded_text.h"
+#include "common/field_lookup.h"
+#include "common/message_fields.h"
+#include "map/entity_labels.h"
+#include "map/markup.h"
+
+#include <algorithm>
+
+namespace {
+
+using MimeObj = MailStructure::MimeObj;
+
+// What the rows of the two tables may take, in bytes, and how many parts are listed.
+constexpr std::size_t most_parts_bytes = std::size_t{300} * 1024;
+constexpr std::size_t most_parts = 1000;
+constexpr std::size_t most_fields_bytes = std::size_t{200} * 1024;
+// What is shown of a text, in bytes.
+constexpr std::size_t longest_name = 120;
+constexpr std::size_t longest_field_name = 60;
+constexpr std::size_t longest_value = 300;
+/// What is read of a field. Of a longer one, the rest would not be shown in any case.
+constexpr std::size_t longest_field_read = 2000;
+constexpr std::uint32_t deepest_indent = 5; // the style sheet has no more
+
+/// A value as people read it: its encoded words decoded, its lines joined.
+std::string readable(std::string_view value) {
+    std::string decoded = decode_encoded_words(value);
+    decoded.erase(std::remove_if(decoded.begin(), decoded.end(),
+                                 [](char byte) { return byte == '\r' || byte == '\n'; }),
+                  decoded.end());
+    std::replace(decoded.begin(), decoded.end(), '\t', ' ');
+    const std::size_t begin = std::min(decoded.find_first_not_of(' '), decoded.size());
+    return decoded.substr(begin, decoded.find_last_not_of(' ') + 1 - begin);
+}
+
+/// What follows the name and the colon in the file. The library keeps the parameters of a field
+/// apart from its value, and some values only in part.
+std::string value_of(const MailStructure::header& field, const tree_source& source) {
+    if (field.m_beg >= source.m_bytes.size() || field.m_end < field.m_beg)
+        return readable(std::string_view(field.m_value).substr(0, longest_field_read));
+    std::string_view text = source.m_bytes.substr(field.m_beg, field.m_end - field.m_beg);
+    text = text.substr(0, longest_field_read);
+    const std::size_t colon = text.find(':');
+    return readable(colon == std::string_view::npos ? text : text.substr(colon + 1));
+}
+
+/// The name by which people know an entity: that of its file or, of a message, its subject.
+std::string known_as(const mail_sections::visited& visited, const tree_source& source) {
+    std::string file_name = file_name_of(*visited.m_entity, source);
+    if (!file_name.empty() || !visited.m_is_message) return file_name;
+    return readable(subject_of(*visited.m_entity));
+}
+
+std::string cell(const std::string& markup, const char* name = "") {
+    const std::string attribute = *name == '\0' ? "" : std::string(" class=\"") + name + '"';
+    return "<td" + attribute + '>' + markup + "</td>";
+}
+
+std::string swatch_of(byte_kind kind) {
+    return "<span class=\"swatch k" + std::to_string(static_cast<unsigned>(kind)) + "\"></span>";
+}
+
+std::string table(const char* kind, const std::string& caption, const std::string& head,
+                  const std::string& rows) {
+    return std::string("<table class=\"") + kind + "\">\n<caption>" + caption
+           + "</caption>\n<thead><tr>" + head + "</tr></thead>\n<tbody>\n" + rows
+           + "</tbody>\n</table>\n";
+}
+
+/// "All 3 parts." or "The first 200 of 1,000 parts."
+std::string extent_text(std::uint64_t listed, std::uint64_t all, const std::string& one,
+                        const std::string& several) {
+    if (listed == all) return counted(all, one, several) + '.';
+    return "The first " + grouped(listed) + " of " + counted(all, one, several) + '.';
+}
+
+} // namespace
+
+page_tables::page_tables(const MimeObj& root, const tree_source& source, const byte_runs& runs) {
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const visited = walk.next()) {
+        if (m_parts_bytes < most_parts_bytes && m_parts.size() < most_parts
+            && m_parts.size() == m_all_parts)
+            list_part(*visited, runs.m_entities[m_all_parts], source);
+        list_fields(*visited->m_entity, visited->m_name, source);
+        ++m_all_parts;
+    }
+}
+
+void page_tables::list_part(const mail_sections::visited& visited, const entity_place& place,
+                            const tree_source& source) {
+    const MimeObj& entity = *visited.m_entity;
+    const bool holds_others = entity.m_multipart || !entity.m_children.empty();
+    part_row row;
+    row.m_depth = place.m_depth;
+    row.m_number = text_node(shown_number(visited.m_name), longest_number + 3);
+    row.m_cells = cell((holds_others ? "" : swatch_of(body_kind_of(entity)))
+                           + text_node(media_type_of(entity), longest_type),
+                       "type")
+                  + cell(text_node(known_as(visited, source), longest_name))
+                  + cell(grouped(place.m_end - place.m_begin), "size")
+                  + cell(place_text(place.m_begin, place.m_end), "place");
+    constexpr std::size_t around = 80; // the row and the link
+    m_parts_bytes += row.m_number.size() + row.m_cells.size() + around;
+    m_parts.push_back(std::move(row));
+}
+
+void page_tables::list_fields(const MimeObj& entity, std::string_view name,
+                              const tree_source& source) {
+    for (const MailStructure::header& field : entity.m_headers) {
+        const bool is_next = m_fields_listed == m_all_fields++;
+        if (!is_next || m_fields.size() >= most_fields_bytes) continue;
+        ++m_fields_listed;
+        m_fields += "<tr>" + cell(text_node(shown_number(name), longest_number + 3), "number")
+                    + "<th scope=\"row\">" + text_node(field.m_name, longest_field_name) + "</th>"
+                    + cell(text_node(value_of(field, source), longest_value))
+                    + cell(field.m_end == 0 ? "" : place_text(field.m_beg, field.m_end), "place")
+                    + "</tr>\n";
+    }
+}
+
+std::string page_tables::parts(const map_layout& layout) const {
+    std::string rows;
+    std::uint32_t index = 0;
+    for (const part_row& row : m_parts) {
+        const std::optional<std::uint32_t> box = layout.m_box_of[index];
+        const std::string target = index == 0 ? "map"
+                                   : box      ? "b" + std::to_string(*box)
+                                              : std::string();
+        rows += "<tr id=\"e" + std::to_string(index++) + "\" class=\"d"
+                + std::to_string(std::min(row.m_depth, deepest_indent))
+                + "\"><th scope=\"row\" class=\"number\">"
+                + (target.empty() ? row.m_number
+                                  : "<a href=\"#" + target + "\">" + row.m_number + "</a>")
+                + "</th>" + row.m_cells + "</tr>\n";
+    }
+    return table("parts",
+                 extent_text(m_parts.size(), m_all_parts, "entity", "entities")
+                     + " A number leads to the place on the map.",
+                 "<th scope=\"col\">Part</th><th scope=\"col\">Type</th>"
+                 "<th scope=\"col\">Name or subject</th>"
+                 "<th scope=\"col\" class=\"size\">Bytes</th><th scope=\"col\">Place</th>",
+                 rows);
+}
+
+std::string page_tables::fields() const {
+    if (m_all_fields == 0) return "<p>There are no header fields.</p>\n";
+    return table("fields", extent_text(m_fields_listed, m_all_fields, "field", "fields"),
+                 "<th scope=\"col\">Part</th><th scope=\"col\">Field</th>"
+                 "<th scope=\"col\">Value</th><th scope=\"col\">Place</th>",
+                 m_fields);
+}
