@@ -74,7 +74,9 @@ typedef enum mail_structure_code {
     /** A parameter is null or has no meaning, or the function may not be called now. */
     MAIL_STRUCTURE_WRONG_CALL = 5,
     /** Something failed that no other code names. */
-    MAIL_STRUCTURE_FAILED = 6
+    MAIL_STRUCTURE_FAILED = 6,
+    /** The message has no such section, or the text is not the name of a section. */
+    MAIL_STRUCTURE_NO_SECTION = 7
 } mail_structure_code;
 
 /** Stands for "no such record" in an index, and for "no such place" in an offset. */
@@ -156,6 +158,41 @@ typedef struct mail_structure_tree {
     size_t text_bytes;                          /**< Bytes in the text area. */
 } mail_structure_tree;
 
+/** The names of all entities, as mail_sections::walk gives them: "1", "2.1", "TEXT". */
+typedef struct mail_structure_names {
+    size_t struct_bytes; /**< sizeof(mail_structure_names), set by the caller before the call. */
+    const mail_structure_text* names; /**< Where each name lies in mail_structure_names::text, in
+                                           the order of the entities. A name of more than 100
+                                           numbers is left empty. */
+    size_t name_count;                /**< The number of entities. */
+    const char* text;                 /**< The names. No NUL stands between them. */
+    size_t text_bytes;                /**< Bytes in all names. */
+} mail_structure_names;
+
+/** In mail_structure_section::piece: the whole message. */
+#define MAIL_STRUCTURE_WHOLE UINT32_C(0)
+/** In mail_structure_section::piece: the header block, with the empty line that ends it. */
+#define MAIL_STRUCTURE_HEADER_BLOCK UINT32_C(1)
+/** In mail_structure_section::piece: all that follows the header block. */
+#define MAIL_STRUCTURE_BODY UINT32_C(2)
+
+/** A section of the message, or why there is none; see mail_sections.h. */
+typedef struct mail_structure_section {
+    size_t struct_bytes; /**< sizeof(mail_structure_section), set by the caller before the call. */
+    uint32_t entity;     /**< Index of its entity; MAIL_STRUCTURE_NONE where there is none. */
+    uint32_t piece;      /**< MAIL_STRUCTURE_WHOLE, _HEADER_BLOCK or _BODY. */
+    uint32_t is_message; /**< 1 for the message itself or a message within, 0 for a part. */
+    uint32_t part_count; /**< Where there is no such part: how many there are in its place. */
+    const mail_structure_range* ranges; /**< Its bytes: one range, except of HEADER.FIELDS. */
+    size_t range_count;                 /**< Number of ranges; 0 if no bytes were given. */
+    size_t error_offset;   /**< Of a text that names no section: where the mistake is in it. */
+    const char* expected;  /**< What is expected there, in words; no NUL ends them. */
+    size_t expected_bytes; /**< Bytes in expected; 0 where the text does name a section. */
+    const char* nearest;   /**< Where there is no such section: the existing one that comes closest;
+                                no NUL ends it. */
+    size_t nearest_bytes;  /**< Bytes in nearest. */
+} mail_structure_section;
+
 /** Makes a parser. Returns null where memory has run out. */
 MAIL_STRUCTURE_C_API mail_structure_parser* mail_structure_new(void);
 
@@ -199,6 +236,38 @@ MAIL_STRUCTURE_C_API mail_structure_code mail_structure_finish(mail_structure_pa
  *              are, and so does everything where the call fails */
 MAIL_STRUCTURE_C_API mail_structure_code mail_structure_get_tree(mail_structure_parser* parser,
                                                                  mail_structure_tree* tree);
+
+/** Gives the names of all entities of the last message. May be called when mail_structure_get_tree
+ * may. The first call for a message takes time n log n in the number of entities, and memory for
+ * each name; others cost nothing.
+ * @param parser  has read the message
+ * @param names   its struct_bytes must be set, as in mail_structure_tree. What it is given belongs
+ *                to the parser, and stays as it is as long as the tree does. */
+MAIL_STRUCTURE_C_API mail_structure_code mail_structure_get_names(mail_structure_parser* parser,
+                                                                  mail_structure_names* names);
+
+/** Finds the section that a text such as "1.2", "1.2.MIME" or "HEADER.FIELDS (To Cc)" names; the
+ * empty text names the whole message. May be called when mail_structure_get_tree may. Linear in
+ * the length of the text and, for the ranges of a section, in what mail_sections::ranges states;
+ * the first call for a message costs what that of mail_structure_get_names does.
+ * @param parser      has read the message
+ * @param text        the text; null only where text_bytes is 0
+ * @param text_bytes  its bytes
+ * @param bytes       the message once more; null where the ranges are not wanted
+ * @param count       its bytes
+ * @param section     its struct_bytes must be set, as in mail_structure_tree. What it is given
+ *                    belongs to the parser, and is valid until the next call of this function, or
+ *                    as long as the tree is.
+ * @return MAIL_STRUCTURE_NO_SECTION where there is no such section; the members of the section then
+ *         say why, and what there is instead */
+MAIL_STRUCTURE_C_API mail_structure_code
+mail_structure_find_section(mail_structure_parser* parser, const char* text, size_t text_bytes,
+                            const void* bytes, size_t count, mail_structure_section* section);
+
+/** For programs that are in C++ too: the address of the MailStructure object whose tree the parser
+ * gives. The object must not be changed, and its tree is there as long as that of
+ * mail_structure_get_tree. Null for a null parser. */
+MAIL_STRUCTURE_C_API const void* mail_structure_object(const mail_structure_parser* parser);
 
 /** A sentence without a full stop that says what a code means; of an unknown code, that it is
  * unknown. Never null, and valid for ever. */

@@ -310,9 +310,9 @@ TEST(c_interface, drops_an_unfinished_message_when_another_begins) {
 }
 
 TEST(c_interface, has_a_text_for_every_code) {
-    for (int code = MAIL_STRUCTURE_OK; code <= MAIL_STRUCTURE_FAILED; ++code)
+    for (int code = MAIL_STRUCTURE_OK; code <= MAIL_STRUCTURE_NO_SECTION; ++code)
         EXPECT_STRNE(mail_structure_code_text(code), "unknown code");
-    EXPECT_STREQ(mail_structure_code_text(MAIL_STRUCTURE_FAILED + 1), "unknown code");
+    EXPECT_STREQ(mail_structure_code_text(MAIL_STRUCTURE_NO_SECTION + 1), "unknown code");
     EXPECT_STREQ(mail_structure_code_text(-1), "unknown code");
 }
 

@@ -32,6 +32,19 @@ mail_structure_code feed(mail_structure_parser* parser, std::string_view bytes, 
     return code == MAIL_STRUCTURE_OK ? mail_structure_finish(parser) : code;
 }
 
+/// Asks for the names of all entities and for a section that most messages have.
+mail_structure_code find_sections(mail_structure_parser* parser, std::string_view bytes) {
+    mail_structure_names names{};
+    names.struct_bytes = sizeof names;
+    mail_structure_section section{};
+    section.struct_bytes = sizeof section;
+    const mail_structure_code code = mail_structure_get_names(parser, &names);
+    if (code != MAIL_STRUCTURE_OK) return code;
+    const mail_structure_code found = mail_structure_find_section(
+        parser, "HEADER.FIELDS (Subject)", 23, bytes.data(), bytes.size(), &section);
+    return found == MAIL_STRUCTURE_NO_SECTION ? MAIL_STRUCTURE_OK : found;
+}
+
 /// Reads the message and lays its tree out. A message that the rules refuse has a tree too.
 run_result run(mail_structure_parser* parser, std::string_view bytes, int rules, bool in_pieces,
                std::size_t failing, memory afterwards) {
@@ -43,8 +56,9 @@ run_result run(mail_structure_parser* parser, std::string_view bytes, int rules,
         result.m_code = in_pieces ? feed(parser, bytes, rules)
                                   : mail_structure_parse(parser, bytes.data(), bytes.size(), rules);
         if (result.m_code != MAIL_STRUCTURE_NO_MEMORY) {
-            const mail_structure_code code = mail_structure_get_tree(parser, &tree);
-            if (code != MAIL_STRUCTURE_OK) result.m_code = code;
+            for (const mail_structure_code code :
+                 {mail_structure_get_tree(parser, &tree), find_sections(parser, bytes)})
+                if (code != MAIL_STRUCTURE_OK) result.m_code = code;
         }
         result.m_has_sprung = trap.has_sprung();
     }
