@@ -1,9 +1,9 @@
-# `cmake --install` runs this before it copies anything. It stops with one sentence if a library or
-# the tool has not been built: a build of single targets may leave them out. cmake/install.cmake
-# sets built_for_NAME to the built files that belong to the component.
+# `cmake --install` runs this before it copies anything. It stops with one sentence if a library,
+# the tool or the package for Python has not been built: a build of single targets may leave them
+# out. cmake/install.cmake sets built_for_NAME to the built files that belong to the component.
 
 set(not_built "")
-foreach(component runtime development tool)
+foreach(component runtime development tool python)
   if(NOT CMAKE_INSTALL_COMPONENT OR CMAKE_INSTALL_COMPONENT STREQUAL component)
     foreach(file IN LISTS built_for_${component})
       if(NOT EXISTS "${file}")

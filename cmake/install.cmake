@@ -3,7 +3,8 @@
 # the folder that it was installed into, so the whole prefix can be moved.
 #
 # Each component is a package of a distribution: `runtime` (the shared library), `development` (what
-# a host is built with) and `tool`.
+# a host is built with), `tool` and `python`. What belongs to the last one, python/CMakeLists.txt
+# says.
 
 include(CMakePackageConfigHelpers)
 
@@ -20,6 +21,7 @@ endif()
 set(built_for_runtime "")
 set(built_for_development "")
 set(built_for_tool "")
+set(built_for_python "")
 if(library_kind STREQUAL "SHARED_LIBRARY")
   set(built_for_runtime "$<TARGET_FILE:mailstructure>")
   set(built_for_development "$<TARGET_FILE:mailstructure_static>")
@@ -29,9 +31,13 @@ endif()
 if(MAILSTRUCTURE_TOOLS)
   set(built_for_tool "$<TARGET_FILE:mailstructure_tool>")
 endif()
+if(TARGET mailstructure_python AND MAILSTRUCTURE_PYTHON_DIR)
+  set(built_for_python "$<TARGET_FILE:mailstructure_python>")
+endif()
 install(CODE "set(built_for_runtime \"${built_for_runtime}\")
 set(built_for_development \"${built_for_development}\")
 set(built_for_tool \"${built_for_tool}\")
+set(built_for_python \"${built_for_python}\")
 set(build_folder \"${CMAKE_BINARY_DIR}\")" ALL_COMPONENTS)
 install(SCRIPT cmake/built.cmake ALL_COMPONENTS)
 
@@ -112,16 +118,17 @@ install(
 # The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
   FILES doc/architecture.md doc/behaviour.md doc/json.md doc/json.schema.json doc/map.md
-        doc/map.svg doc/scan.md doc/scan.schema.json doc/standard.md
+        doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
-  FILES bench/profile.md bench/results.md bench/results.svg
+  FILES bench/profile.md bench/python.md bench/results.md bench/results.svg
   DESTINATION ${document_dir}/bench
   COMPONENT development)
 install(
   FILES examples/list_parts.cpp examples/list_parts_c.c examples/list_attachments.cpp
         examples/serve_section.cpp examples/index_folder.cpp examples/milter.cpp
+        examples/count_types.py
   DESTINATION ${document_dir}/examples
   COMPONENT development)
 
