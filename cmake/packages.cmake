@@ -1,6 +1,6 @@
-# The Debian packages that `cpack` builds: libmailstructure1, libmailstructure-dev and
-# mailstructure, one for each component of cmake/install.cmake. The folders must be those of a
-# Debian system, which the preset `package` sets:
+# The Debian packages that `cpack` builds: libmailstructure1, libmailstructure-dev, mailstructure
+# and python3-mailstructure, one for each component of cmake/install.cmake. The folders must be
+# those of a Debian system, which the preset `package` sets:
 #
 #     cmake --preset package && cmake --build --preset package && cpack --preset package
 #
@@ -20,7 +20,7 @@ set(CPACK_SOURCE_IGNORE_FILES "/build/" "/\\.git/")
 set(CPACK_PACKAGE_NAME mailstructure)
 set(CPACK_PACKAGE_VENDOR "The mailstructure developers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
-set(CPACK_COMPONENTS_ALL runtime development tool)
+set(CPACK_COMPONENTS_ALL runtime development tool python)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -70,8 +70,18 @@ string(CONCAT CPACK_COMPONENT_TOOL_DESCRIPTION
               "This package holds a command-line tool around the library.")
 set(CPACK_COMPONENT_TOOL_DEPENDS runtime)
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-mailstructure)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+string(CONCAT CPACK_COMPONENT_PYTHON_DESCRIPTION
+              "find the structure of Internet mail - Python package\n${about}.\n"
+              "This package holds a package for Python 3.")
+set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)
+
 if(NOT MAILSTRUCTURE_TOOLS)
   list(REMOVE_ITEM CPACK_COMPONENTS_ALL tool)
+endif()
+if(NOT TARGET mailstructure_python OR NOT MAILSTRUCTURE_PYTHON_DIR)
+  list(REMOVE_ITEM CPACK_COMPONENTS_ALL python)
 endif()
 
 include(CPack)

@@ -23,6 +23,9 @@ set(work ${CPACK_TEMPORARY_DIRECTORY}.control)
 file(REMOVE_RECURSE ${work})
 file(MAKE_DIRECTORY ${work}/debian)
 
+# What Python loads, below the folder of a package.
+set(python_modules usr/lib/python3/dist-packages/mailstructure/*.so)
+
 function(run)
   execute_process(COMMAND ${ARGV} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
@@ -38,7 +41,8 @@ endif()
 
 # stage_binaries(ROOT): strips programs and libraries, and removes their search paths.
 function(stage_binaries root)
-  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*)
+  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*
+       ${root}/${python_modules})
   foreach(binary IN LISTS binaries)
     file(RPATH_REMOVE FILE ${binary})
     run(${CPACK_MAILSTRUCTURE_STRIP} --remove-section=.comment --remove-section=.note
@@ -119,7 +123,8 @@ endfunction()
 
 # find_dependencies(ROOT VARIABLE): sets the variable to the packages that this one depends on.
 function(find_dependencies root variable)
-  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*)
+  file(GLOB binaries ${root}/usr/bin/* ${root}/usr/lib/${triplet}/*.so.*.*.*
+       ${root}/${python_modules})
   list(TRANSFORM binaries PREPEND "-e")
   execute_process(
     COMMAND dpkg-shlibdeps -O -S${work}/${library_package} ${binaries}
@@ -150,4 +155,12 @@ find_dependencies(${root_of_runtime} CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${version})")
 if(root_of_tool)
   find_dependencies(${root_of_tool} CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS)
+endif()
+if(root_of_python)
+  # The module keeps to the stable ABI of this version, so that any later Python 3 will do.
+  find_dependencies(${root_of_python} libraries)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${libraries}, python3 (>= 3.11~)")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+      ${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/python3-mailstructure/postinst
+      ${CPACK_MAILSTRUCTURE_DEBIAN_FILES}/python3-mailstructure/prerm)
 endif()

@@ -16,7 +16,7 @@ mkdir -p "$root" "$work/control"
 field() { dpkg-deb -f "$packages/$1_1.0.0-1_$architecture.deb" "$2"; }
 
 echo "== names and dependencies"
-for package in libmailstructure1 libmailstructure-dev mailstructure; do
+for package in libmailstructure1 libmailstructure-dev mailstructure python3-mailstructure; do
     [[ $(field $package Version) == 1.0.0-1 ]]
     [[ $(field $package Source) == mailstructure ]]
     [[ $(field $package Maintainer) == *"<"*"@"*">" ]]
@@ -33,6 +33,10 @@ done
 [[ $(field mailstructure Depends) == *"libmailstructure1 (>= 1.0.0)"* ]] ||
     fail "$(field mailstructure Depends)"
 [[ $(field mailstructure Depends) == *"libc6 ("* ]]
+for dependency in "libmailstructure1 (>= 1.0.0)" libnettle8 "python3 (>= 3.11~)"; do
+    [[ $(field python3-mailstructure Depends) == *"$dependency"* ]] ||
+        fail "$(field python3-mailstructure Depends)"
+done
 
 echo "== control files of the library"
 shlibs=$(< "$work/control/libmailstructure1/shlibs")
@@ -73,6 +77,15 @@ dumped=$("$root/usr/bin/mailstructure" dump "$sources/tests/data/messages/plain.
 test -f "$root/usr/share/zsh/vendor-completions/_mailstructure"
 zcat "$root/usr/share/man/man1/mailstructure.1.gz" | cmp - "$sources/man/mailstructure.1"
 zcat "$root/usr/share/man/man3/MailStructure::Fill.3.gz" | cmp - "$sources/man/MailStructure.Fill.3"
+
+echo "== the package for Python"
+module=$root/usr/lib/python3/dist-packages/mailstructure/_core.abi3.so
+! readelf -d "$module" | grep -E 'RPATH|RUNPATH' || fail "the module has a search path of its own"
+readelf -d "$module" | grep -q 'NEEDED.*libmailstructure\.so\.1\]'
+PYTHONPATH=$root/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1 \
+    MAILSTRUCTURE_TOOL=$root/usr/bin/mailstructure "$sources/tests/python/run" /usr/bin/python3 \
+    "$sources"/tests/python/{buffers,entity,parse,parser,sections,table,to_dict}_test.py ||
+    (($? == 77))
 
 echo "== hosts"
 export PKG_CONFIG_LIBDIR="$root/usr/lib/$triplet/pkgconfig"

@@ -23,7 +23,8 @@ hashes() {
             find unpacked -type f -printf "$package %P %m\n" | LC_ALL=C sort
             find unpacked -type f -exec sha256sum {} + | LC_ALL=C sort -k 2
         done
-        sha256sum ./*.deb src/libmailstructure.so.*.*.* src/libmailstructure.a tools/mailstructure
+        sha256sum ./*.deb src/libmailstructure.so.*.*.* src/libmailstructure.a tools/mailstructure \
+            python/mailstructure/_core.abi3.so
     )
 }
 hashes "$work/one" > "$work/hashes_of_one"
@@ -35,7 +36,8 @@ diff "$work/hashes_of_one" "$work/hashes_of_others"
 ! grep -rlF -e "$work" "$work/one/build/package/unpacked" ||
     fail "the place of the build is in these"
 built=$work/one/build/package
-for file in "$built"/{src/libmailstructure.so,src/libmailstructure.a,tools/mailstructure}; do
+for file in "$built"/{src/libmailstructure.so,src/libmailstructure.a,tools/mailstructure} \
+    "$built/python/mailstructure/_core.abi3.so"; do
     ! grep -qF "$work" "$file" || fail "the place of the build is in $file"
 done
 
