@@ -3,6 +3,7 @@
 
 #include <mail_structure.h>
 
+#include "support/line_end_locale.h"
 #include "support/parse.h"
 
 #include <cctype>
@@ -81,19 +82,8 @@ TEST(fill_from_memory, leaves_done_as_it_was_when_it_throws) {
     EXPECT_TRUE(message.m_done);
 }
 
-/// A locale in which LF is widened to '|', so that '|' ends the lines of its streams.
-class other_line_ends : public std::ctype<char> {
-protected:
-    char do_widen(char c) const override { return c == '\n' ? '|' : c; }
-    const char* do_widen(const char* begin, const char* end, char* to) const override {
-        for (; begin != end; ++begin) *to++ = do_widen(*begin);
-        return end;
-    }
-};
-
 TEST(fill_from_memory, no_locale_decides_where_lines_end) {
-    const std::locale before =
-        std::locale::global(std::locale(std::locale::classic(), new other_line_ends));
+    const std::locale before = std::locale::global(test_support::locale_with_line_end('|'));
     MailStructure message;
     message.Fill("a: b\n\none\ntwo|three\n");
     std::istringstream in("a: b||one|two|three|");

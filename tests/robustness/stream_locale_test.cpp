@@ -7,6 +7,7 @@
 #include "robustness/after_reading.h"
 #include "support/compare.h"
 #include "support/expect_tree_text.h"
+#include "support/line_end_locale.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
 #include "support/streams.h"
@@ -24,26 +25,7 @@ namespace {
 
 using differential::rule_set;
 using test_support::delivery;
-
-/// A character facet in which another byte ends a line, as in some encodings that are not ASCII.
-class other_line_end : public std::ctype<char> {
-public:
-    explicit other_line_end(char end) : m_end(end) {}
-
-protected:
-    char do_widen(char c) const override { return c == '\n' ? m_end : c; }
-    const char* do_widen(const char* from, const char* end, char* to) const override {
-        while (from != end) *to++ = do_widen(*from++);
-        return end;
-    }
-
-private:
-    char m_end;
-};
-
-std::locale locale_with_line_end(char end) {
-    return {std::locale::classic(), new other_line_end(end)};
-}
+using test_support::locale_with_line_end;
 
 std::string with_line_end(std::string text, char end) {
     std::replace(text.begin(), text.end(), '\n', end);

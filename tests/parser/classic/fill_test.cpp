@@ -3,6 +3,7 @@
 #include <mail_structure.h>
 
 #include "support/expect_tree_text.h"
+#include "support/line_end_locale.h"
 #include "support/parse.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
@@ -352,16 +353,6 @@ TEST(fill, lets_failures_out_where_the_stream_has_a_mask) {
                                                      "  0-5 \"a\" \"b\"\n");
 }
 
-/// A character facet of a locale in which a line ends with '|'.
-class facet_with_another_line_end : public std::ctype<char> {
-protected:
-    char do_widen(char c) const override { return c == '\n' ? '|' : c; }
-    const char* do_widen(const char* from, const char* to, char* result) const override {
-        for (; from != to; ++from) *result++ = do_widen(*from);
-        return to;
-    }
-};
-
 /// A character facet that cannot widen.
 class facet_without_widening : public std::ctype<char> {
 protected:
@@ -370,7 +361,7 @@ protected:
 };
 
 TEST(fill, keeps_line_end_to_the_locale_of_the_stream) {
-    const std::locale changed(std::locale::classic(), new facet_with_another_line_end);
+    const std::locale changed = test_support::locale_with_line_end('|');
     for (const delivery& way : all_deliveries) {
         delivered_stream in("a: b\r||hi\n|ho\r|", way);
         in.imbue(changed);
