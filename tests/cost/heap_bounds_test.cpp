@@ -6,6 +6,7 @@
 #include "cost/heap_meter.h"
 #include "support/build_kind.h"
 #include "support/fill_unchecked.h"
+#include "support/repeated.h"
 #include "support/streams.h"
 
 #include <algorithm>
@@ -21,15 +22,9 @@
 
 using cost::heap_bound;
 using cost::heap_meter;
+using test_support::repeated;
 
 namespace {
-
-std::string repeated(std::size_t count, const std::string& piece) {
-    std::string all;
-    all.reserve(count * piece.size());
-    while (count-- > 0) all += piece;
-    return all;
-}
 
 const std::string multipart = "c:multipart/;b=x\n";
 

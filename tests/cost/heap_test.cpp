@@ -8,6 +8,7 @@
 #include "cost/shapes.h"
 #include "differential/rule_sets.h"
 #include "support/fill_unchecked.h"
+#include "support/repeated.h"
 #include "support/streams.h"
 
 #include <algorithm>
@@ -22,6 +23,7 @@
 #include <vector>
 
 using cost::heap_meter;
+using test_support::repeated;
 using test_support::repeating_stream;
 
 namespace {
@@ -223,12 +225,6 @@ TEST_P(heap, holds_next_to_nothing_of_a_message_that_comes_in_chunks) {
     for (int lines = 0; lines < 10000; ++lines) feed_bytes(feeder, line);
     feeder.finish();
     EXPECT_LE(meter.peak(), besides + 3 * line.size()); // the string of a line grows
-}
-
-std::string repeated(std::size_t times, const std::string& text) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
 }
 
 /// What the object holds, beyond what it held when the meter began, after it has been filled.

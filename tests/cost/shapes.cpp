@@ -1,11 +1,15 @@
 #include "cost/shapes.h"
 
+#include "support/repeated.h"
+
 #include <initializer_list>
 #include <span>
 
 namespace cost {
 
 namespace {
+
+using test_support::repeated;
 
 const words classic_words{
     MailStructure::rules::classic, "c:multipart/;b=x\n", "C:\n\n\n", "C:\n\n", "c:", ";b=x"};
@@ -15,13 +19,6 @@ const words standard_words{MailStructure::rules::standard,
                            "Content-Type:message/news\n\n",
                            "Content-Type:",
                            ";boundary=x"};
-
-std::string repeated(std::size_t count, const std::string& piece) {
-    std::string all;
-    all.reserve(count * piece.size());
-    for (std::size_t i = 0; i < count; ++i) all += piece;
-    return all;
-}
 
 const std::string separator = "--x\n";
 const std::string closing = "--x--\n";

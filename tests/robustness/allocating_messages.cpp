@@ -1,6 +1,7 @@
 #include "robustness/allocating_messages.h"
 
 #include "support/cr_lf.h"
+#include "support/repeated.h"
 
 #include <cstddef>
 #include <utility>
@@ -8,16 +9,12 @@
 namespace test_support {
 namespace {
 
+using test_support::repeated;
+
 /// So many letters. More than 15 do not fit into a string object, and have to be allocated.
 std::string letters(std::size_t count) {
     std::string result;
     for (std::size_t i = 0; i < count; ++i) result += static_cast<char>('a' + i % 26);
-    return result;
-}
-
-std::string repeated(std::size_t times, const std::string& text) {
-    std::string result;
-    for (std::size_t i = 0; i < times; ++i) result += text;
     return result;
 }
 

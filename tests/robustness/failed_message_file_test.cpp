@@ -3,11 +3,10 @@
 
 #include "common/message_file.h"
 #include "robustness/failing_new.h"
+#include "support/repeated.h"
+#include "tools/temporary_file.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -16,20 +15,15 @@ using test_support::live_allocations;
 using test_support::memory;
 
 TEST(failed_message_file, tells_that_memory_is_out) {
-    std::string contents = "From a\n"
-                           "Content-Type: multipart/mixed; boundary=b\n"
-                           "\n";
-    for (int part = 0; part < 40; ++part) contents += "--b\nA: b\n\nx\n";
-    std::string name = testing::TempDir() + "failed_message_file_XXXXXX";
-    const int descriptor = ::mkstemp(name.data());
-    ASSERT_EQ(::write(descriptor, contents.data(), contents.size()),
-              static_cast<ssize_t>(contents.size()));
-    ::close(descriptor);
+    const temporary_file written("From a\n"
+                                 "Content-Type: multipart/mixed; boundary=b\n"
+                                 "\n"
+                                 + test_support::repeated(40, "--b\nA: b\n\nx\n"));
     std::size_t failing = 0;
     for (bool has_failed = true; has_failed; ++failing) {
         const std::size_t live_before = live_allocations();
         {
-            message_file file(name);
+            message_file file(written.name());
             MailStructure message;
             const allocation_trap trap(failing, memory::comes_back);
             std::optional<input_fault> fault;
@@ -41,7 +35,6 @@ TEST(failed_message_file, tells_that_memory_is_out) {
         EXPECT_EQ(live_allocations(), live_before) << failing;
     }
     EXPECT_GT(failing, 10U);
-    ::unlink(name.c_str());
 }
 
 } // namespace

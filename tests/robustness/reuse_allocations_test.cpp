@@ -4,6 +4,7 @@
 
 #include "differential/rule_sets.h"
 #include "robustness/failing_new.h"
+#include "support/repeated.h"
 
 #include <cstddef>
 #include <gtest/gtest.h>
@@ -17,12 +18,7 @@
 namespace {
 
 using test_support::allocation_trap;
-
-std::string repeated(std::size_t times, const std::string& text) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
-}
+using test_support::repeated;
 
 /// A stream that shows all of its bytes from the start, so that no line is ever copied.
 class text_stream : public std::istream {

@@ -1,6 +1,7 @@
 // How the tool gets the bytes of a file: mapped or read, all of them or none.
 
 #include "common/file_bytes.h"
+#include "tools/temporary_file.h"
 
 #include <array>
 #include <cerrno>
@@ -15,26 +16,6 @@
 #include <unistd.h>
 
 namespace {
-
-/// A file that is removed when this object ends.
-class temporary_file {
-public:
-    explicit temporary_file(const std::string& contents) {
-        const int descriptor = ::mkstemp(m_name.data());
-        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()),
-                  static_cast<ssize_t>(contents.size()));
-        ::close(descriptor);
-    }
-    ~temporary_file() { ::unlink(m_name.c_str()); }
-    temporary_file(const temporary_file&) = delete;
-    temporary_file& operator=(const temporary_file&) = delete;
-
-    const std::string& name() const { return m_name; }
-    int open() const { return ::open(m_name.c_str(), O_RDONLY | O_CLOEXEC); }
-
-private:
-    std::string m_name = testing::TempDir() + "file_bytes_test_XXXXXX";
-};
 
 TEST(file_bytes, maps_a_file) {
     for (const std::string& contents :
@@ -62,14 +43,14 @@ TEST(file_bytes, reads_a_file_that_tells_no_size) {
 
 TEST(file_bytes, takes_what_is_left_in_a_descriptor) {
     const temporary_file file("first\nsecond\n");
-    const int descriptor = file.open();
+    const int descriptor = ::open(file.name().c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(::lseek(descriptor, 6, SEEK_SET), 6);
     EXPECT_EQ(file_bytes(descriptor).bytes(), "second\n");
 }
 
 TEST(file_bytes, leaves_a_mapped_descriptor_at_its_end) {
     const temporary_file file("first\nsecond\n");
-    const int descriptor = file.open();
+    const int descriptor = ::open(file.name().c_str(), O_RDONLY | O_CLOEXEC);
     const int same_place = ::dup(descriptor);
     EXPECT_TRUE(file_bytes(descriptor).is_mapped());
     EXPECT_EQ(file_bytes(same_place).bytes(), "");

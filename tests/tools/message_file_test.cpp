@@ -5,11 +5,10 @@
 #include "support/message_generator.h"
 #include "support/parse.h"
 #include "support/tree_text.h"
+#include "tools/temporary_file.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -22,25 +21,6 @@ namespace {
 MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
 using test_support::tree_text;
 using rules = MailStructure::rules;
-
-/// A file with these contents that is removed when this object ends.
-class temporary_file {
-public:
-    explicit temporary_file(const std::string& contents) {
-        const int descriptor = ::mkstemp(m_name.data());
-        EXPECT_EQ(::write(descriptor, contents.data(), contents.size()),
-                  static_cast<ssize_t>(contents.size()));
-        ::close(descriptor);
-    }
-    ~temporary_file() { ::unlink(m_name.c_str()); }
-    temporary_file(const temporary_file&) = delete;
-    temporary_file& operator=(const temporary_file&) = delete;
-
-    const std::string& name() const { return m_name; }
-
-private:
-    std::string m_name = testing::TempDir() + "message_file_test_XXXXXX";
-};
 
 struct start_case {
     const char* m_name;

@@ -2,6 +2,7 @@
 
 #include "common/message_reader.h"
 #include "support/parse.h"
+#include "support/repeated.h"
 #include "support/tree_text.h"
 
 #include <cstdio>
@@ -12,6 +13,8 @@
 #include <vector>
 
 namespace {
+
+using test_support::repeated;
 
 /// A file that is written anew for each message, and removed when this object ends.
 class rewritten_file {
@@ -32,17 +35,11 @@ private:
     std::string m_name = testing::TempDir() + "message_reader_test_XXXXXX";
 };
 
-std::string repeated(const std::string& text, std::size_t count) {
-    std::string result;
-    for (; count != 0; --count) result += text;
-    return result;
-}
-
 const std::string multipart = "Content-Type: multipart/mixed; boundary=b\n"
                               "\n";
 const std::string small = "A: b\n\nx\n";
 const std::string parts = multipart + "--b\nC: d\n\ny\n--b\n\nz\n--b--\nend\n";
-const std::string large = multipart + repeated("--b\nA: b\n\nx\n", 100000); // more than 1 MiB
+const std::string large = multipart + repeated(100000, "--b\nA: b\n\nx\n"); // more than 1 MiB
 
 TEST(message_reader, gives_each_file_its_own_tree) {
     const rewritten_file file;

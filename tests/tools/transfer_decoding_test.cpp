@@ -2,11 +2,14 @@
 
 #include "common/transfer_decoding.h"
 #include "support/case_name.h"
+#include "support/repeated.h"
 
 #include <gtest/gtest.h>
 #include <string>
 
 namespace {
+
+using test_support::repeated;
 
 struct decoded_text {
     std::string m_text;
@@ -173,15 +176,9 @@ TEST_P(lenient_decoding, gives) { check_decoding(GetParam(), strictness::lenient
 INSTANTIATE_TEST_SUITE_P(cases, lenient_decoding, testing::ValuesIn(lenient_cases),
                          test_support::case_name<decoding_case>);
 
-std::string repeated(const std::string& text, std::size_t times) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
-}
-
 TEST(transfer_decoding_of_long_texts, hands_base64_over_in_blocks) {
-    const decoded_text result = decode_all(base64, repeated("QUJD\r\n", 100000));
-    EXPECT_EQ(result.m_text, repeated("ABC", 100000));
+    const decoded_text result = decode_all(base64, repeated(100000, "QUJD\r\n"));
+    EXPECT_EQ(result.m_text, repeated(100000, "ABC"));
     EXPECT_EQ(result.m_damage, "");
     EXPECT_GT(result.m_pieces, 5U);
 }
@@ -189,8 +186,8 @@ TEST(transfer_decoding_of_long_texts, hands_base64_over_in_blocks) {
 TEST(transfer_decoding_of_long_texts, finds_damage_behind_the_first_block) {
     for (const std::size_t groups : {16383U, 16384U, 16385U, 40000U}) {
         const decoded_text result =
-            decode_all(base64, repeated("QUJD", groups) + "Q!" + repeated("QUJD", groups));
-        EXPECT_EQ(result.m_text, repeated("ABC", groups));
+            decode_all(base64, repeated(groups, "QUJD") + "Q!" + repeated(groups, "QUJD"));
+        EXPECT_EQ(result.m_text, repeated(groups, "ABC"));
         EXPECT_EQ(result.m_damage, "not a base64 character at " + std::to_string(4 * groups + 1));
     }
 }
@@ -200,18 +197,18 @@ TEST(transfer_decoding_of_long_texts, passes_over_much_damage_in_linear_time) {
     const auto decoded = [](const std::string& text) {
         return decode_all(base64, text, strictness::lenient);
     };
-    EXPECT_EQ(decoded(repeated("QUJD!", 1000000)).m_text, repeated("ABC", 1000000));
-    EXPECT_EQ(decoded(repeated("QQ==", 1000000)).m_text, repeated("A", 1000000));
-    const decoded_text footer = decoded("QQ==" + repeated("QUJDQ\n", 500000) + repeated("=", 9));
+    EXPECT_EQ(decoded(repeated(1000000, "QUJD!")).m_text, repeated(1000000, "ABC"));
+    EXPECT_EQ(decoded(repeated(1000000, "QQ==")).m_text, repeated(1000000, "A"));
+    const decoded_text footer = decoded("QQ==" + repeated(500000, "QUJDQ\n") + repeated(9, "="));
     EXPECT_EQ(footer.m_text, "A");
     EXPECT_EQ(footer.m_damage, "text behind the base64 padding at 4, 2500009");
-    EXPECT_EQ(decoded("QQ==" + repeated("QUJD", 500000) + "Q\nQQ==").m_text, "AA");
+    EXPECT_EQ(decoded("QQ==" + repeated(500000, "QUJD") + "Q\nQQ==").m_text, "AA");
 }
 
 TEST(transfer_decoding_of_long_texts, hands_quoted_printable_over_in_blocks) {
     const decoded_text result =
-        decode_all(quoted, repeated("a=3D=\n", 100000) + std::string(100000, 'b'));
-    EXPECT_EQ(result.m_text, repeated("a=", 100000) + std::string(100000, 'b'));
+        decode_all(quoted, repeated(100000, "a=3D=\n") + std::string(100000, 'b'));
+    EXPECT_EQ(result.m_text, repeated(100000, "a=") + std::string(100000, 'b'));
     EXPECT_GT(result.m_pieces, 4U);
 }
 
@@ -231,7 +228,7 @@ TEST(transfer_decoding_into_a_full_sink, stops) {
                 ++calls;
                 return false;
             };
-            EXPECT_FALSE(decode(encoding, repeated("QUJD", 100000) + "=", sink, how));
+            EXPECT_FALSE(decode(encoding, repeated(100000, "QUJD") + "=", sink, how));
             EXPECT_EQ(calls, 1U);
         }
     }

@@ -8,6 +8,7 @@
 #include "robustness/scripted_stream.h"
 #include "support/build_kind.h"
 #include "support/parse.h"
+#include "support/repeated.h"
 #include "support/tree_case.h"
 #include "support/tree_text.h"
 
@@ -26,6 +27,7 @@ namespace {
 
 using test_support::case_name;
 using test_support::expect_full_tree;
+using test_support::repeated;
 using test_support::tree_case;
 
 const tree_case limit_cases[] = {
@@ -208,13 +210,6 @@ TEST(memory_bound, is_counted_anew_for_each_message) {
 }
 
 /// So many copies of a text, one after the other.
-std::string repeated(std::size_t times, std::string_view text) {
-    std::string result;
-    result.reserve(times * text.size());
-    while (times-- > 0) result += text;
-    return result;
-}
-
 /// 14 million fields, none of which has a record, bring the estimate to 4 below 2^32.
 TEST(memory_bound, keeps_estimate_that_wraps) {
     if (test_support::is_plain_build || test_support::is_sanitized_build)

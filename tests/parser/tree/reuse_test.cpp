@@ -6,6 +6,7 @@
 
 #include "support/expect_tree_text.h"
 #include "support/parse.h"
+#include "support/repeated.h"
 #include "support/small_stack.h"
 #include "support/streams.h"
 #include "support/tree_text.h"
@@ -25,14 +26,9 @@ using namespace std::string_view_literals;
 using MimeObj = MailStructure::MimeObj;
 using test_support::fill;
 using test_support::full_tree_text;
+using test_support::repeated;
 
 const std::string long_word(60, 'w');
-
-std::string repeated(std::size_t times, const std::string& text) {
-    std::string result;
-    while (times-- > 0) result += text;
-    return result;
-}
 
 /// Messages that differ in how much they have of everything, and that end in every way.
 std::vector<std::string> all_messages() {
