@@ -93,7 +93,7 @@ install(
 # A page is installed under the name of what it describes. The sources have a dot for the colons,
 # which some file systems do not allow in names.
 foreach(page MailStructure MailStructure::Fill MailStructure::MimeObj MailStructure::feeder
-             MailStructure::header mail_sections mail_structure_c)
+             MailStructure::header mail_findings mail_sections mail_structure_c)
   string(REPLACE "::" "." file ${page})
   install(
     FILES man/${file}.3
@@ -117,8 +117,8 @@ install(
   COMPONENT development)
 # The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
-  FILES doc/architecture.md doc/behaviour.md doc/json.md doc/json.schema.json doc/map.md
-        doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json doc/standard.md
+  FILES doc/architecture.md doc/behaviour.md doc/check.md doc/json.md doc/json.schema.json
+        doc/map.md doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(

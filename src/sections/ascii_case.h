@@ -8,19 +8,19 @@
 
 namespace mail_structure_detail {
 
-constexpr char lower_case(char letter) noexcept {
+constexpr char in_lower_case(char letter) noexcept {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 inline bool equal_ignoring_case(std::string_view one, std::string_view other) noexcept {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [](char a, char b) { return lower_case(a) == lower_case(b); });
+                      [](char a, char b) { return in_lower_case(a) == in_lower_case(b); });
 }
 
 inline bool less_ignoring_case(std::string_view one, std::string_view other) noexcept {
     return std::lexicographical_compare(
         one.begin(), one.end(), other.begin(), other.end(),
-        [](char a, char b) { return lower_case(a) < lower_case(b); });
+        [](char a, char b) { return in_lower_case(a) < in_lower_case(b); });
 }
 
 } // namespace mail_structure_detail

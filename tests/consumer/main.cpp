@@ -1,5 +1,6 @@
 // A host program in strict C++17 that uses nothing but an installed copy of the library.
 
+#include <mail_findings.h>
 #include <mail_sections.h>
 #include <mail_structure.h>
 
@@ -32,6 +33,11 @@ int main() {
     if (!first || text.substr(range.m_offset, range.m_length) != "hello") return 1;
     if (mail_sections::text_of(ranges.at(range.m_offset).m_section) != "1") return 1;
     if (mail_sections::find(copy.m_root, "2").m_error.m_parts != 1) return 1;
+    int dangers = 0;
+    mail_findings::find("a : b\n\n", [&dangers](const mail_findings::finding& found) {
+        if (found.m_level == mail_findings::level::danger) ++dangers;
+    });
+    if (dangers != 1) return 1;
     std::cout << _lib_version << ' ' << part.m_body_beg << ' ' << part.m_body_len << ' '
               << MailStructure::m_memlimit << '\n';
     return 0;

@@ -6,6 +6,7 @@
 // runs the shapes of a rule set, or some of them, each at its size and at twice that size. Under
 // callgrind each stage becomes a dump of its own, whose trigger is SHAPE:SIZE:STAGE.
 
+#include <mail_findings.h>
 #include <mail_sections.h>
 
 #include "cost/shapes.h"
@@ -92,6 +93,7 @@ public:
         stage("assign", [&] { *copy = message->m_root; });
         stage("dump", [&] { message->Dump(unread); });
         stage("sections", [&] { find_sections(message->m_root, by); });
+        stage("findings", [&] { mail_findings::find(m_text, [](const auto&) {}); });
         stage("clear", [&] { message->m_root.clear(); });
         stage("destroy", [&] { copy.reset(); });
     }

@@ -30,7 +30,7 @@ find "$scratch" -name 'out.*' -exec awk '
         { last_stage = stage; last_n = n; last_count = count; if (stage) first_n = n }
         function end_row() {
           if (last_shape == "") return
-          bad = bad || stages != 8
+          bad = bad || stages != 9
           printf "%-34s %8d%s%s\n", last_shape, first_n, row, bad ? "   <-- more than linear" : ""
           all_bad = all_bad || bad; ++shapes
         }

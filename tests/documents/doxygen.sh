@@ -14,6 +14,7 @@ rm -rf "$output"
 mkdir -p "$output"
 (cd "$sources" && doxygen doc/Doxyfile)
 test -s "$output/html/structMailStructure_1_1MimeObj.html"
+test -s "$output/html/namespacemail__findings.html"
 test -s "$output/html/namespacemail__sections.html"
 [ "${4-}" = --check ] || exit 0
 

@@ -17,8 +17,8 @@ declared() {
 # declarations PAGE: those that belong to it. In mail_structure.h, nested records and Fill have
 # pages of their own.
 declarations() {
-    if [[ $1 == mail_sections ]]; then
-        declared "$sources/include/mail_sections.h"
+    if [[ $1 == mail_sections || $1 == mail_findings ]]; then
+        declared "$sources/include/$1.h"
         return
     fi
     declared "$sources/include/mail_structure.h" | awk -v page="$1" '
@@ -73,8 +73,8 @@ lint)
 members)
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
-    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header} mail_sections \
-        mail_structure_c; do
+    for page in MailStructure{,.Fill,.MimeObj,.feeder,.header} mail_findings \
+        mail_sections mail_structure_c; do
         with_synopsis "$page" > "$work/page"
         if [[ ${3-} == --update ]]; then
             cp "$work/page" "$sources/man/$page.3"
@@ -83,7 +83,7 @@ members)
         fi
     done
     # Each declared line of the headers for C++ belongs to one page and no other.
-    diff <(for header in structure sections; do
+    diff <(for header in structure findings sections; do
         declared "$sources/include/mail_$header.h"
     done | sed 's/^ *//' | sort) \
         <(sed 's/^ *//' "$work/all" | sort)
@@ -112,8 +112,8 @@ END
 
     # The shorter ones, in a program that uses them.
     {
-        printf '#include <%s>\n' mail_sections.h iostream istream streambuf string string_view \
-            vector
+        printf '#include <%s>\n' mail_findings.h mail_sections.h iostream istream streambuf \
+            string string_view vector
         literal MailStructure.Fill.3 2
         literal MailStructure.feeder.3 2
         literal MailStructure.header.3 2
@@ -122,6 +122,7 @@ END
         echo '}'
         literal MailStructure.MimeObj.3 2
         literal mail_sections.3 2
+        literal mail_findings.3 2
         cat << 'END'
 int main() {
     MailStructure message;
@@ -130,7 +131,7 @@ int main() {
     parse(message, text);
     visit(message.m_root);
     std::cout << section_of(message, text, "1.MIME").substr(14, 9)
-              << section_of(message, text, "3") << ';';
+              << section_of(message, text, "3") << ';' << first_danger("a : b\n\n") << ';';
     const std::string pieces[] = {"Content-Type: te", "xt/csv\n", "\nhello"};
     std::size_t next = 0;
     parse_pieces(message, [&] { return next < 3 ? std::string_view(pieces[next++]) : ""; });
@@ -139,7 +140,7 @@ int main() {
 END
     } > "$work/rest.cpp"
     compile "$work/rest.cpp" "$library" -o "$work/rest"
-    [[ $("$work/rest") == "x;htmlutf-8;text/html1;csv;" ]]
+    [[ $("$work/rest") == "x;htmlutf-8;text/html1;blank-before-colon;csv;" ]]
 
     {
         printf '#include <%s>\n' mail_structure_c.h stdio.h

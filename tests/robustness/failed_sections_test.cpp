@@ -3,17 +3,17 @@
 #include <mail_sections.h>
 
 #include "robustness/failing_new.h"
+#include "robustness/failures_of.h"
 
 #include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
 
 namespace {
 
 using test_support::allocation_trap;
-using test_support::live_allocations;
+using test_support::failures_of;
 using test_support::memory;
 
 const std::string message_text = "Content-Type: multipart/mixed; boundary=\"a long boundary that "
@@ -33,26 +33,6 @@ const std::string message_text = "Content-Type: multipart/mixed; boundary=\"a lo
                                  "\n"
                                  "--b--\n"
                                  "--a long boundary that no string object holds--\n";
-
-/// Lets each allocation of the job fail in turn, until the job succeeds. Returns how many failed.
-std::size_t failures_of(const std::function<void()>& job, memory afterwards) {
-    for (std::size_t failing = 0;; ++failing) {
-        const std::size_t live_before = live_allocations();
-        bool has_failed = false;
-        {
-            const allocation_trap trap(failing, afterwards);
-            try {
-                job();
-            } catch (const std::bad_alloc&) {
-                has_failed = true;
-            }
-            EXPECT_EQ(has_failed, trap.has_sprung()) << "allocation " << failing;
-            if (!trap.has_sprung()) return failing;
-        }
-        EXPECT_EQ(live_allocations(), live_before) << "leaked, allocation " << failing;
-        if (testing::Test::HasFailure()) return failing;
-    }
-}
 
 class failed_sections : public testing::TestWithParam<memory> {};
 

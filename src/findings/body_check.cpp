@@ -1,0 +1,112 @@
+#include "body_check.h"
+
+#include "../parser/lines/character_class.h"
+#include "line_bytes.h"
+
+#include <array>
+#include <utility>
+
+namespace mail_structure_detail::findings {
+
+namespace {
+
+constexpr std::array<bool, 256> make_base64_digits() noexcept {
+    std::array<bool, 256> held{};
+    for (std::size_t byte = 0; byte < 128; ++byte) {
+        const char c = static_cast<char>(byte);
+        held[byte] = is_letter(c) || (c >= '0' && c <= '9') || c == '+' || c == '/';
+    }
+    return held;
+}
+constexpr std::array<bool, 256> base64_digits = make_base64_digits();
+
+bool is_base64_digit(char c) noexcept { return base64_digits[static_cast<unsigned char>(c)]; }
+
+bool is_hex_digit(char c) noexcept {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+}
+
+/// The most "=" that end a text in base64.
+constexpr std::uint64_t longest_padding = 2;
+constexpr std::uint64_t digits_of_a_group = 4;
+
+} // namespace
+
+void body_check::begin(transfer_encoding encoding) noexcept {
+    m_encoding = encoding;
+    m_given = 0;
+    m_has_bare_cr = false;
+    m_digits = 0;
+    m_is_padded = false;
+}
+
+void body_check::take(const message_line& line, bool has_delimiters) {
+    check_bytes(line, has_delimiters);
+    if (m_encoding == transfer_encoding::base64) check_base64(line);
+    if (m_encoding == transfer_encoding::quoted_printable) check_quoted_printable(line);
+}
+
+void body_check::end() {
+    if (m_encoding == transfer_encoding::base64 && m_digits % digits_of_a_group != 0)
+        give_once(name::base64_invalid, m_last_digit);
+}
+
+void body_check::give_once(name found, const place& where) {
+    const std::uint64_t bit = std::uint64_t{1} << static_cast<unsigned>(found);
+    if ((std::exchange(m_given, m_given | bit) & bit) == 0)
+        m_report.give(found,
+                      found == name::nul ? level::fault : mail_findings::highest_level_of(found),
+                      where);
+}
+
+void body_check::check_bytes(const message_line& line, bool has_delimiters) {
+    const line_bytes bytes = bytes_of(line);
+    // A reader that ends lines at a CR finds the delimiter line behind it.
+    const std::size_t hidden =
+        bytes.m_bare_cr == not_found || !has_delimiters ? not_found : line.m_bytes.find("\r--");
+    if (hidden != not_found) m_report.give(name::bare_cr, line.at(hidden, 1));
+    if (m_encoding != transfer_encoding::binary) {
+        if (bytes.m_nul != not_found) give_once(name::nul, line.at(bytes.m_nul, 1));
+        if (bytes.m_bare_cr != not_found && hidden == not_found && !m_has_bare_cr) {
+            m_has_bare_cr = true;
+            m_report.give(name::bare_cr, level::fault, line.at(bytes.m_bare_cr, 1));
+        }
+        if (line.m_text.size() > longest_line) give_once(name::line_too_long, line.whole());
+    }
+    const bool is_8_bit_clean = m_encoding == transfer_encoding::eight_bit
+                                || m_encoding == transfer_encoding::binary
+                                || m_encoding == transfer_encoding::unknown;
+    if (bytes.m_8_bit != not_found && !is_8_bit_clean)
+        give_once(name::undeclared_8_bit, line.at(bytes.m_8_bit, 1));
+}
+
+/// White space stands anywhere in base64; other bytes are no part of it, and nothing follows the
+/// padding.
+void body_check::check_base64(const message_line& line) {
+    for (std::size_t at = 0; at < line.m_text.size(); ++at) {
+        const char c = line.m_text[at];
+        if (is_space(c)) continue;
+        if (c == '=') {
+            const bool is_good = m_is_padded ? m_digits % digits_of_a_group != 0
+                                             : m_digits % digits_of_a_group >= longest_padding;
+            if (!is_good) give_once(name::base64_invalid, line.at(at, 1));
+            m_is_padded = true;
+        } else if (!is_base64_digit(c) || m_is_padded) {
+            return give_once(name::base64_invalid, line.at(at, 1));
+        }
+        ++m_digits;
+        m_last_digit = line.at(at, 1);
+    }
+}
+
+/// "=" begins two hexadecimal digits, or ends the line.
+void body_check::check_quoted_printable(const message_line& line) {
+    const std::string_view text = line.m_text;
+    for (std::size_t at = text.find('='); at != not_found; at = text.find('=', at + 1)) {
+        if (text.find_first_not_of(" \t", at + 1) == not_found) return;
+        if (text.size() - at < 3 || !is_hex_digit(text[at + 1]) || !is_hex_digit(text[at + 2]))
+            return give_once(name::quoted_printable_invalid, line.at(at, 1));
+    }
+}
+
+} // namespace mail_structure_detail::findings

@@ -1,0 +1,38 @@
+#include "line_bytes.h"
+
+#include <algorithm>
+
+namespace mail_structure_detail::findings {
+
+std::string_view without_line_end(const message_line& line) noexcept {
+    std::string_view bytes = line.m_bytes;
+    if (bytes.ends_with('\n')) {
+        bytes.remove_suffix(1);
+        if (bytes.ends_with('\r')) bytes.remove_suffix(1);
+    }
+    return bytes;
+}
+
+line_bytes bytes_of(const message_line& line) noexcept {
+    const std::string_view bytes = without_line_end(line);
+    unsigned char all = 0;
+    bool has_low = false;        // a NUL or a CR
+    for (const char c : bytes) { // nearly always all that is needed; the compiler makes vectors
+        all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
+        has_low |= c == '\0';
+        has_low |= c == '\r';
+    }
+    line_bytes found;
+    if (has_low) {
+        found.m_nul = bytes.find('\0');
+        found.m_bare_cr = bytes.find('\r');
+    }
+    if (all > 127) {
+        const auto* const high = std::find_if(
+            bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) > 127; });
+        found.m_8_bit = static_cast<std::size_t>(high - bytes.begin());
+    }
+    return found;
+}
+
+} // namespace mail_structure_detail::findings
