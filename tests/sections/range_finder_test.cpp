@@ -50,18 +50,18 @@ struct bytes_case {
 
 // ---- The same by both sets of rules
 
-const std::string two_parts = mixed_x
-                              + "preamble\n"
-                                "--X\n"
-                                "a: b\n"
-                                "\n"
-                                "hi\n"
-                                "\n"
-                                "--X\n"
-                                "\n"
-                                "(ho)\n"
-                                "--X--\n"
-                                "epilogue\n";
+const std::string two_parts_text = "preamble\n"
+                                   "--X\n"
+                                   "a: b\n"
+                                   "\n"
+                                   "hi\n"
+                                   "\n"
+                                   "--X\n"
+                                   "\n"
+                                   "(ho)\n"
+                                   "--X--\n"
+                                   "epilogue\n";
+const std::string two_parts = mixed_x + two_parts_text;
 const std::string messages = mixed_x + "--X\n" + rfc822 + letter + "--X\n" + rfc822
                              + "a: b\n"
                                "\n"
@@ -114,18 +114,7 @@ const std::string message_and_part = rfc822_and_mixed_x + letter
 const bytes_case bytes_cases[] = {
     {"whole", two_parts, "", two_parts},
     {"header", two_parts, "HEADER", mixed_x},
-    {"text_with_the_epilogue", two_parts, "TEXT",
-     "preamble\n"
-     "--X\n"
-     "a: b\n"
-     "\n"
-     "hi\n"
-     "\n"
-     "--X\n"
-     "\n"
-     "(ho)\n"
-     "--X--\n"
-     "epilogue\n"},
+    {"text_with_the_epilogue", two_parts, "TEXT", two_parts_text},
     {"part_without_the_line_end_of_the_boundary_line", two_parts, "1", "hi\n"},
     {"mime_with_its_empty_line", two_parts, "1.MIME",
      "a: b\n"

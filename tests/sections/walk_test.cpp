@@ -37,6 +37,14 @@ struct walk_case {
     const char* m_walk;
 };
 
+const std::string parts_in_x = "--X\n"
+                               "\n"
+                               "a\n"
+                               "--X\n"
+                               "\n"
+                               "b\n"
+                               "--X--\n";
+
 const walk_case walk_cases[] = {
     {"empty_input", "", "1\n"},
     {"text",
@@ -44,15 +52,7 @@ const walk_case walk_cases[] = {
      "\n"
      "hi\n",
      "1\n"},
-    {"multipart_is_named_text",
-     mixed_x
-         + "--X\n"
-           "\n"
-           "a\n"
-           "--X\n"
-           "\n"
-           "b\n"
-           "--X--\n",
+    {"multipart_is_named_text", mixed_x + parts_in_x,
      "TEXT\n"
      " 1\n"
      " 2\n"},
@@ -123,15 +123,7 @@ const walk_case walk_cases[] = {
     {"message_and_multipart_is_a_message", rfc822_and_mixed_x + letter,
      "1\n"
      " 1.1 message\n"},
-    {"parts_beside_a_message_within_go_on_behind_its_own",
-     rfc822_and_mixed_x + letter
-         + "--X\n"
-           "\n"
-           "a\n"
-           "--X\n"
-           "\n"
-           "b\n"
-           "--X--\n",
+    {"parts_beside_a_message_within_go_on_behind_its_own", rfc822_and_mixed_x + letter + parts_in_x,
      "1\n"
      " 1.1 message\n"
      " 1.2\n"
