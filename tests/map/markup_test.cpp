@@ -28,7 +28,7 @@ TEST(text_node, does_not_change_the_order_of_text) {
               "\\u{202e}gpj.exe");
 }
 
-TEST(text_node, keeps_other_characters) {
+TEST(text_node, leaves_other_characters_as_they_are) {
     EXPECT_EQ(text_node("\"gr\xc3\xbc\xc3\x9f\" 'x'", 100), "\"gr\xc3\xbc\xc3\x9f\" 'x'");
     EXPECT_EQ(text_node("gr\xc3\xbc\xc3\x9f", 100, character_set::ascii), "gr\\u{fc}\\u{df}");
 }
