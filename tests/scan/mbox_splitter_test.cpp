@@ -63,7 +63,7 @@ std::string with_crlf(const std::string& text) {
 
 std::string split(const std::string& text, mbox_options options = {}) {
     const std::string whole = described(text, findings(text, options, text.size() + 1));
-    for (const std::size_t step : {1, 2, 3, 7, 64})
+    for (const std::size_t step : std::vector<std::size_t>{1, 2, 3, 7, 64})
         EXPECT_EQ(described(text, findings(text, options, step)), whole) << "in steps of " << step;
     const std::string crlf = with_crlf(text);
     for (const std::size_t step : {std::size_t{1}, crlf.size() + 1})
