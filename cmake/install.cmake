@@ -118,7 +118,8 @@ install(
 # The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
   FILES doc/architecture.md doc/behaviour.md doc/check.md doc/json.md doc/json.schema.json
-        doc/map.md doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json doc/standard.md
+        doc/map.md doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json doc/scan.sql
+        doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
@@ -156,7 +157,7 @@ if(MAILSTRUCTURE_TOOLS)
     COMPONENT tool)
   install(
     FILES doc/behaviour.md doc/json.md doc/json.schema.json doc/map.md doc/map.svg doc/scan.md
-          doc/scan.schema.json doc/standard.md
+          doc/scan.schema.json doc/scan.sql doc/standard.md
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()

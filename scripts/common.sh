@@ -6,13 +6,13 @@ set -euo pipefail
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(cmake g++ libcli11-dev ninja-build nettle-dev rapidjson-dev)
+build_packages=(cmake g++ libcli11-dev libsqlite3-dev ninja-build nettle-dev rapidjson-dev)
 # What the package for Python is built with, beside these.
 python_packages=(libpython3-dev python3)
 # What our Debian packages, and hosts that use them, are built and checked with; see the end of
 # tests/package/CMakeLists.txt.
-packaging_packages=(abigail-tools clang doxygen dpkg-dev libmilter-dev libsqlite3-dev
-    lintian mandoc miltertest pkg-config tcc)
+packaging_packages=(abigail-tools clang doxygen dpkg-dev libmilter-dev lintian mandoc
+    miltertest pkg-config tcc)
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
 test_packages=("${build_packages[@]}" "${python_packages[@]}" "${arm_packages[@]}"
     "${packaging_packages[@]}" fish libgtest-dev python3-jsonschema python3-numpy python3-pip

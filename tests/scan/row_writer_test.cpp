@@ -1,5 +1,6 @@
 // Rows as lines of JSON: what is written as it is, and what is spelled out.
 
+#include "scan/rows/packed_rows.h"
 #include "scan/rows/row_writer.h"
 
 #include <gtest/gtest.h>
@@ -11,11 +12,11 @@ namespace {
 
 std::string quoted(std::string_view value) {
     std::string out;
-    row_writer row(out);
-    row.begin("k");
+    row_writer row(out, row_form::json);
+    row.begin(row_kind::fault);
     row.write_text("v", value);
     row.end();
-    const std::string before = "{\"kind\":\"k\",\"v\":\"";
+    const std::string before = "{\"kind\":\"fault\",\"v\":\"";
     const std::string after = "\"}\n";
     EXPECT_EQ(out.substr(0, before.size()), before);
     EXPECT_EQ(out.substr(out.size() - after.size()), after);
@@ -24,8 +25,8 @@ std::string quoted(std::string_view value) {
 
 TEST(row_writer, writes_one_line) {
     std::string out;
-    row_writer row(out);
-    row.begin("fault");
+    row_writer row(out, row_form::json);
+    row.begin(row_kind::fault);
     row.write_number("zero", 0);
     row.write_number("most", std::numeric_limits<std::uint64_t>::max());
     row.write_flag("yes", true);
@@ -57,6 +58,45 @@ TEST(row_writer, replaces_bytes_that_are_no_utf8) {
     EXPECT_EQ(quoted("a\xff"), "a\\ufffd");
     EXPECT_EQ(quoted("\xc3"), "\\ufffd");
     EXPECT_EQ(quoted("\xed\xa0\x80"), "\\ufffd\\ufffd\\ufffd"); // a surrogate
+}
+
+/// The items of packed rows, in words.
+std::string unpacked(std::string_view packed) {
+    std::string result;
+    packed_rows rows(packed);
+    while (!rows.is_at_end()) {
+        switch (rows.next()) {
+        case packed_item::row:
+            result += "row " + std::to_string(static_cast<int>(rows.kind())) + ':';
+            break;
+        case packed_item::null: result += " null"; break;
+        case packed_item::number: result += ' ' + std::to_string(rows.number()); break;
+        case packed_item::text: result += " \"" + std::string(rows.text()) + '"'; break;
+        case packed_item::end: result += " end\n"; break;
+        }
+    }
+    return result;
+}
+
+TEST(row_writer, packs_values_without_names) {
+    std::string out;
+    row_writer row(out, row_form::packed);
+    row.begin(row_kind::entity);
+    row.write_number("most", std::numeric_limits<std::uint64_t>::max());
+    row.write_flag("yes", true);
+    row.write_flag("no", false);
+    row.write_null("none");
+    row.write_text_or_null("empty", "");
+    row.write_text("empty", "");
+    row.write_range("range", 1, 4294967295);
+    row.end();
+    row.begin(row_kind::source);
+    row.write_text("text", std::string_view("a\0b\"\n\xffü\xc3", 9));
+    row.write_text("long", std::string(70000, 'x'));
+    row.end();
+    EXPECT_EQ(unpacked(out), "row 1: 18446744073709551615 1 0 null null \"\" 1 4294967295 end\n"
+                             "row 3: \"a\ufffdb\"\n\ufffdü\ufffd\" \""
+                                 + std::string(70000, 'x') + "\" end\n");
 }
 
 } // namespace

@@ -80,8 +80,9 @@ std::string name_of_descriptor(int descriptor) {
 
 } // namespace
 
-unfinished_file::unfinished_file(int folder, mode_t mode) : m_folder(folder) {
-    if (!create_unnamed(mode) && !create_named(mode)) m_error = errno;
+unfinished_file::unfinished_file(int folder, mode_t mode, naming names) : m_folder(folder) {
+    if (names == naming::if_needed && create_unnamed(mode)) return;
+    if (!create_named(mode)) m_error = errno;
 }
 
 unfinished_file::~unfinished_file() {

@@ -3,6 +3,7 @@
 #ifndef TOOLS_COMMON_UNFINISHED_FILE_H
 #define TOOLS_COMMON_UNFINISHED_FILE_H
 
+#include <cstdint>
 #include <string>
 #include <sys/types.h>
 
@@ -12,10 +13,14 @@
 /// handled. There is one object at a time.
 class unfinished_file {
 public:
+    /// Whether the file has a temporary name even where it could do without one: whoever opens it
+    /// a second time needs one.
+    enum class naming : std::uint8_t { if_needed, always };
+
     /// Creates the file; a failure shows in error().
     /// @param folder  descriptor of the folder; it stays the caller's, and must outlive this object
     /// @param mode    permissions of the file, from which the process's umask is taken
-    unfinished_file(int folder, mode_t mode);
+    unfinished_file(int folder, mode_t mode, naming names = naming::if_needed);
     ~unfinished_file();
     unfinished_file(const unfinished_file&) = delete;
     unfinished_file& operator=(const unfinished_file&) = delete;
@@ -25,6 +30,8 @@ public:
     int descriptor() const { return m_descriptor; }
     /// Whether the file has a temporary name now.
     bool is_named() const { return !m_name.empty(); }
+    /// The temporary name in the folder; empty if the file has none.
+    const std::string& temporary_name() const { return m_name; }
 
     /// Gives the file a name in its folder that nothing has yet; a link is not followed. After a
     /// failure another name can be tried. To be called until it succeeds once.

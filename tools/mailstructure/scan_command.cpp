@@ -3,10 +3,12 @@
 #include "mailstructure/scan_command.h"
 
 #include "mailstructure/command_line.h"
+#include "scan/rows/table_file.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -47,6 +49,17 @@ void complain_about_faults(const scan_totals& totals) {
                  + codes);
 }
 
+/// False, after a complaint, if the file cannot be written.
+bool scan_into_tables(scan_options& options, const std::string& file_name, scan_totals& totals) {
+    options.m_rows.m_form = row_form::packed;
+    table_file tables(file_name);
+    if (tables.error().empty())
+        totals = scan(options, [&tables](std::string_view rows) { return tables.add(rows); });
+    if (tables.finish()) return true;
+    complain_about_input(file_name, "cannot write: " + tables.error(), std::nullopt);
+    return false;
+}
+
 unsigned threads_of_machine() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
 }
@@ -56,7 +69,13 @@ unsigned threads_of_machine() {
 void describe_scan(CLI::App& command, scan_command_options& options) {
     scan_options& chosen = options.m_scan;
     chosen.m_threads = threads_of_machine();
-    command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
+    CLI::Option* const summary =
+        command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
+    command
+        .add_option("--sqlite", options.m_sqlite,
+                    "Write the rows to this new file of SQLite instead of printing them")
+        ->type_name("FILE")
+        ->excludes(summary);
     describe_choice(
         command, "--hash", {"none", "message", "parts"}, "WHAT",
         [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
@@ -112,10 +131,15 @@ exit_status run_scan(const scan_command_options& chosen) {
     options.m_pile.m_rules = options.m_rows.m_rules;
     options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
     if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
-    errno = 0;
-    const scan_totals totals = scan(options, write_rows);
-    if (chosen.m_summary) std::cout << summary_of(totals);
-    if (!output_got_out()) return some_input_failed;
+    scan_totals totals;
+    if (chosen.m_sqlite.empty()) {
+        errno = 0;
+        totals = scan(options, write_rows);
+        if (chosen.m_summary) std::cout << summary_of(totals);
+        if (!output_got_out()) return some_input_failed;
+    } else if (!scan_into_tables(options, chosen.m_sqlite, totals)) {
+        return some_input_failed;
+    }
     complain_about_faults(totals);
     return totals.m_errors == 0 ? all_well : some_input_failed;
 }

@@ -62,8 +62,8 @@ private:
         if (done.m_ends_source) {
             ++m_totals.m_sources;
             if (m_options.m_makes_rows)
-                append_source_row(done.m_rows, *done.m_source, m_messages_of_source,
-                                  m_faults_of_source);
+                append_source_row(done.m_rows, m_options.m_rows.m_form, *done.m_source,
+                                  m_messages_of_source, m_faults_of_source);
             m_messages_of_source = m_faults_of_source = 0;
         }
         return done.m_rows.empty() || m_write(done.m_rows);

@@ -113,8 +113,8 @@ public:
 private:
     void append_row(const mail_sections::visited& visited, std::uint64_t index) {
         const MimeObj& entity = *visited.m_entity;
-        row_writer row(m_rows);
-        row.begin("entity");
+        row_writer row(m_rows, m_options.m_form);
+        row.begin(row_kind::entity);
         write_key(row, m_message.m_source, m_message.m_place->m_offset);
         row.write_number("index", index);
         m_path.resize(visited.m_depth);
@@ -172,8 +172,8 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
                                   const row_options& options) {
     const tree_extent extent =
         message.m_root == nullptr ? tree_extent() : extent_of(*message.m_root);
-    row_writer row(rows);
-    row.begin("message");
+    row_writer row(rows, options.m_form);
+    row.begin(row_kind::message);
     write_key(row, message.m_source, message.m_place->m_offset);
     row.write_number("from_offset", message.m_place->m_from_offset);
     row.write_number("length", message.m_place->m_length);
@@ -189,9 +189,10 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
     return entity_rows(rows, message, options).append();
 }
 
-void append_fault_row(std::string& rows, std::string_view source, const scan_fault& fault) {
-    row_writer row(rows);
-    row.begin("fault");
+void append_fault_row(std::string& rows, row_form form, std::string_view source,
+                      const scan_fault& fault) {
+    row_writer row(rows, form);
+    row.begin(row_kind::fault);
     row.write_text("source", source);
     fault.m_message ? row.write_number("message", *fault.m_message) : row.write_null("message");
     row.write_number("byte", fault.m_byte);
@@ -201,11 +202,11 @@ void append_fault_row(std::string& rows, std::string_view source, const scan_fau
     row.end();
 }
 
-void append_source_row(std::string& rows, const source_facts& source, std::uint64_t messages,
-                       std::uint64_t faults) {
+void append_source_row(std::string& rows, row_form form, const source_facts& source,
+                       std::uint64_t messages, std::uint64_t faults) {
     constexpr const char* names[] = {"unknown", "mbox", "message", "empty"};
-    row_writer row(rows);
-    row.begin("source");
+    row_writer row(rows, form);
+    row.begin(row_kind::source);
     row.write_text("source", source.m_name);
     row.write_text("format", names[static_cast<std::size_t>(source.m_kind)]);
     source.m_size ? row.write_number("size", *source.m_size) : row.write_null("size");

@@ -6,6 +6,7 @@
 #include <mail_structure.h>
 
 #include "scan/pipeline/batch.h"
+#include "scan/rows/row_writer.h"
 
 #include <cstdint>
 #include <string>
@@ -21,6 +22,7 @@ enum class hash_choice : std::uint8_t {
 struct row_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     hash_choice m_hash = hash_choice::message;
+    row_form m_form = row_form::json;
     std::uint64_t m_max_size = 0xFFFFFFFF; ///< A message of more bytes has no tree.
 };
 
@@ -40,10 +42,11 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
                                   const row_options& options);
 
 /// Appends the row of a fault.
-void append_fault_row(std::string& rows, std::string_view source, const scan_fault& fault);
+void append_fault_row(std::string& rows, row_form form, std::string_view source,
+                      const scan_fault& fault);
 
 /// Appends the row of a source, which comes after all others of that source.
-void append_source_row(std::string& rows, const source_facts& source, std::uint64_t messages,
-                       std::uint64_t faults);
+void append_source_row(std::string& rows, row_form form, const source_facts& source,
+                       std::uint64_t messages, std::uint64_t faults);
 
 #endif

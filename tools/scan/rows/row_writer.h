@@ -1,4 +1,5 @@
-// Writes rows as lines of JSON (RFC 8259): UTF-8, one object a line, no blanks.
+// Writes rows, as lines of JSON (RFC 8259: UTF-8, one object a line, no blanks) or packed, for
+// packed_rows to read.
 
 #ifndef TOOLS_SCAN_ROWS_ROW_WRITER_H
 #define TOOLS_SCAN_ROWS_ROW_WRITER_H
@@ -7,15 +8,21 @@
 #include <string>
 #include <string_view>
 
-/// Appends to a text. Values may hold any bytes: what is no UTF-8 becomes U+FFFD, and control
-/// characters, and characters that reorder or hide the text around them, are spelled out.
+enum class row_form : std::uint8_t { json, packed };
+
+/// What a row is about.
+enum class row_kind : std::uint8_t { message, entity, fault, source };
+
+/// Appends to a text. Values may hold any bytes: what is no UTF-8 becomes U+FFFD. In JSON, control
+/// characters, and characters that reorder or hide the text around them, are spelled out. In packed
+/// rows NUL becomes U+FFFD as well, because a text of SQLite ends there for many functions.
 class row_writer {
 public:
-    explicit row_writer(std::string& out) : m_out(out) {}
+    row_writer(std::string& out, row_form form) : m_out(out), m_form(form) {}
 
     /// Begins a row with the member "kind". The names of members are written as they are.
-    void begin(std::string_view kind);
-    void end() { m_out += "}\n"; }
+    void begin(row_kind kind);
+    void end();
 
     void write_text(std::string_view name, std::string_view value);
     /// As write_text; null for an empty text.
@@ -23,17 +30,20 @@ public:
     void write_number(std::string_view name, std::uint64_t value);
     void write_flag(std::string_view name, bool value);
     void write_null(std::string_view name);
-    /// A member with an offset and a length in it.
+    /// A member with an offset and a length in it; two packed numbers.
     void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
 
 private:
     void write_name(std::string_view name);
-    void append_number(std::uint64_t value);
+    void append_digits(std::uint64_t value);
     void append_quoted(std::string_view value);
     void append_unusual(std::string_view& rest);
     void append_escape(char32_t code_point);
+    void pack_number(std::uint64_t value);
+    void pack_text(std::string_view value);
 
     std::string& m_out;
+    row_form m_form;
 };
 
 #endif
