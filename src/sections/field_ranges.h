@@ -10,8 +10,8 @@
 
 namespace mail_structure_detail {
 
-/// The ranges of the header block that the section names, without those that touch.
-/// @param bytes   from which the offset of the block counts; the block lies within them
+/// The ranges of the header block that the section names. Ranges that touch are made one.
+/// @param bytes   the bytes from which the offset of the block counts; the block lies within them
 /// @param wanted  a section whose word is header_fields or header_fields_not
 /// @throws std::bad_alloc
 std::vector<mail_sections::byte_range> field_ranges(std::string_view bytes,

@@ -34,7 +34,7 @@ constexpr chain chains[] = {
     {"entities_without_a_mark", false, false},
 };
 
-/// A chain of entities, each with a header block of one byte. The bytes are one for each.
+/// A chain of entities, each with a header block of one byte; the message has no other bytes.
 entity nested(const chain& kind) {
     entity root;
     entity* innermost = &root;

@@ -11,7 +11,7 @@ namespace {
 
 using test_support::repeated;
 
-/// So many letters. More than 15 do not fit into a string object, and have to be allocated.
+/// A text of this many letters. More than 15 do not fit into a string object, and are allocated.
 std::string letters(std::size_t count) {
     std::string result;
     for (std::size_t i = 0; i < count; ++i) result += static_cast<char>('a' + i % 26);

@@ -51,7 +51,7 @@ TEST(keyed_hash, differs_for_each_bit) {
     }
 }
 
-/// Words of eight bytes do not count by their sum.
+/// The order of the words of eight bytes counts, and not their sum alone.
 TEST(keyed_hash, differs_for_each_order_of_words) {
     const std::string a = "aaaaaaaa";
     const std::string b = "bbbbbbbb";
