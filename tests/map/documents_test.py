@@ -30,8 +30,8 @@ XHTML = "{http://www.w3.org/1999/xhtml}"
 ELEMENTS = {
     *(SVG + name for name in ("svg", "title", "style", "g", "rect", "text", "a")),
     *(XHTML + name for name in (
-        "html", "head", "meta", "title", "style", "body", "header", "main", "section", "div",
-        "h1", "h2", "p", "ul", "li", "span", "table", "caption", "thead", "tbody", "tr", "th",
+        "html", "head", "meta", "title", "style", "body", "header", "main", "section", "div", "h1",
+        "h2", "p", "wbr", "ul", "li", "span", "table", "caption", "thead", "tbody", "tr", "th",
         "td", "a")),
 }
 # All values of attributes are numbers, words of ours, and links within the document.
@@ -67,7 +67,7 @@ def maps_of(data):
 class Tags(html.parser.HTMLParser):
     """The elements as a reader of HTML sees them, who does not know XML."""
 
-    VOID = {"meta", "rect"}
+    VOID = {"meta", "rect", "wbr"}
 
     def __init__(self):
         super().__init__(convert_charrefs=True)

@@ -31,10 +31,11 @@ def message(text):
     token = bytes(byte for byte in text if byte > 32 and byte not in b":;()\"\\/\x7f")
     return b"".join((
         b"Subject: ", text, b"\nFrom: ", text, b"\nX-", token, b": ", text, b"\n",
-        b"Content-Type: multipart/", token, b'; boundary="b"; x="', quoted, b'"\n\n',
+        b'Content-Type: multipart/mixed; boundary="b"; x="', quoted, b'"\n\n',
         text, b"\n--b\nContent-Type: ", token, b"/", token, b'; name="', quoted, b'"\n\n',
+        text, b"\n--b\nContent-Type: a&'{}/b&amp'*{}\n\n",
         text, b"\n--b\nContent-Type: text/html\nContent-Disposition: ", token,
         b'; filename="', quoted, b'"\n\n', text, b"\n--b\nContent-Type: message/rfc822\n\n",
-        b"Subject: ", text, b"\nContent-Type: multipart/mixed; boundary=", token,
-        b"\n\n--", token, b"\n\n", text, b"\n--b--\n", text, b"\n",
+        b"Subject: ", text, b'\nContent-Type: multipart/mixed; boundary="c"; x="',
+        quoted, b'"\n\n--c\n\n', text, b"\n--b--\n", text, b"\n",
     ))

@@ -21,6 +21,7 @@ constexpr const char* colours = R"(
 .k10{fill:#f59a3c;background:#f59a3c}
 .k11{fill:#7fd0d8;background:#7fd0d8}
 .k12{fill:#b98d6f;background:#b98d6f}
+.edge{fill:#fff}
 .lanes rect{fill:#fff;stroke:#555;stroke-width:1}
 .lanes .holder rect{fill:#dfe3e8}
 .lanes .many rect{fill:#fff;stroke-dasharray:2 1}
@@ -33,6 +34,7 @@ svg .offsets text{text-anchor:end}
 
 constexpr const char* dark_colours = R"(
 .k2{fill:#6b7480;background:#6b7480}
+.edge{fill:#16181c}
 .lanes rect,.lanes .many rect{fill:#1b1e23;stroke:#a9b0b8}
 .lanes .holder rect{fill:#3a424c}
 .lanes text,.offsets text,.words text{fill:#e6e6e6}
@@ -69,7 +71,8 @@ th{font-weight:600}
 .type{min-width:10rem}
 .parts td.size{text-align:right;white-space:nowrap;font-variant-numeric:tabular-nums}
 .parts th.size{text-align:right;white-space:nowrap}
-.fields td:nth-child(2){min-width:6rem}
+.fields tbody th{min-width:9rem}
+thead th{white-space:nowrap}
 .d1 th{padding-left:.9rem}.d2 th{padding-left:1.8rem}.d3 th{padding-left:2.7rem}
 .d4 th{padding-left:3.6rem}.d5 th{padding-left:4.5rem}
 tr:target,tr:focus-within{background:#fff0c2}
@@ -80,6 +83,7 @@ body{padding:.6rem}
 svg text{font-size:12px}
 table{font-size:.8rem}
 .type{min-width:5.5rem}
+.fields tbody th{min-width:6rem}
 th,td{padding-right:.35rem}
 .d1 th{padding-left:.4rem}.d2 th{padding-left:.8rem}.d3 th{padding-left:1.2rem}
 .d4 th{padding-left:1.6rem}.d5 th{padding-left:2rem}
@@ -87,6 +91,7 @@ th,td{padding-right:.35rem}
 @media print{
 body{max-width:none;padding:0;font-size:10pt}
 .columns{display:block}
+svg{max-width:17cm}
 .long{max-height:none;overflow:visible}
 a{color:inherit;text-decoration:none}
 tr{break-inside:avoid}

@@ -60,6 +60,13 @@ std::string cell(const std::string& markup, const char* name = "") {
     return "<td" + attribute + '>' + markup + "</td>";
 }
 
+/// The media type, which may be broken after its slash.
+std::string type_text(const std::string& type) {
+    std::string text = text_node(type, longest_type);
+    const std::size_t slash = text.find('/');
+    return slash == std::string::npos ? text : text.insert(slash + 1, "<wbr />");
+}
+
 std::string swatch_of(byte_kind kind) {
     return "<span class=\"swatch k" + std::to_string(static_cast<unsigned>(kind)) + "\"></span>";
 }
@@ -99,7 +106,7 @@ void page_tables::list_part(const mail_sections::visited& visited, const entity_
     row.m_depth = place.m_depth;
     row.m_number = text_node(shown_number(visited.m_name), longest_number + 3);
     row.m_cells = cell((holds_others ? "" : swatch_of(body_kind_of(entity)))
-                           + text_node(media_type_of(entity), longest_type),
+                           + type_text(media_type_of(entity)),
                        "type")
                   + cell(text_node(known_as(visited, source), longest_name))
                   + cell(grouped(place.m_end - place.m_begin), "size")

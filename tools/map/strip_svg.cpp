@@ -53,7 +53,14 @@ public:
     drawn_strip draw() {
         draw_offsets();
         m_out += "<g class=\"strip\" aria-hidden=\"true\">\n";
-        for (const strip_box& box : m_layout.m_strip) draw(box);
+        const strip_box* previous = nullptr;
+        for (const strip_box& box : m_layout.m_strip) {
+            draw(box);
+            const bool alike = previous != nullptr && previous->m_kind == box.m_kind
+                               && previous->m_runs == 1 && box.m_runs == 1;
+            if (alike) draw_edge(box.m_begin);
+            previous = &box;
+        }
         m_out += "</g>\n<g class=\"lanes\">\n";
         std::uint32_t index = 0;
         for (const lane_box& box : m_layout.m_lanes) draw(box, index++);
@@ -91,6 +98,15 @@ private:
         m_out += "</g>\n";
     }
 
+    /// Two neighbours of one colour are kept apart by a line.
+    void draw_edge(std::uint32_t offset) {
+        const std::uint32_t row = offset / m_layout.m_row_bytes;
+        constexpr std::uint64_t edge_width = 800;
+        add_rectangle("edge", {row, x_of(row, offset), edge_width}, m_strip_tops[row],
+                      strip_height);
+        m_out += '\n';
+    }
+
     /// Folded runs are drawn as stripes, one above the other, whose heights are the shares of the
     /// kinds of bytes in the box.
     void draw_stripes(const strip_box& box, const box_piece& piece) {
@@ -124,10 +140,10 @@ private:
                 m_strip_tops[piece.m_row] - (lanes_of(piece) - box.m_lane + 1) * lane_height;
             add_rectangle("", piece, top + 1, lane_height - 2);
             // The type is written once, and the number in each row.
-            if (add_label(texts.front(), piece, top + 10))
+            if (add_label(texts.front(), piece, top + 11))
                 texts.front() = texts.back();
             else if (texts.size() > 1)
-                add_label(texts.back(), piece, top + 10);
+                add_label(texts.back(), piece, top + 11);
         }
         m_out += linked ? "</g></a>\n" : "</g>\n";
     }
