@@ -1,4 +1,4 @@
-// The three groups of benchmarks. Each registers "workload/what".
+// The groups of benchmarks. Each registers "workload/what".
 
 #ifndef MAILSTRUCTURE_BENCH_BENCHES_H
 #define MAILSTRUCTURE_BENCH_BENCHES_H
@@ -12,6 +12,8 @@ namespace bench {
 
 /// A parse from a memory stream, from memory, and in chunks.
 void register_parse(workload_source& source);
+/// A parse through the interface for C.
+void register_c_interface(workload_source& source);
 /// A parse with the text kept, and from other streams.
 void register_parse_of_large(workload_source& source);
 /// What bounds a parse from memory.

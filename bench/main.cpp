@@ -6,6 +6,7 @@ namespace {
 
 void register_common(bench::workload_source& source) {
     bench::register_parse(source);
+    bench::register_c_interface(source);
     bench::register_floors(source);
     bench::register_peers(source);
 }

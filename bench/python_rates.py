@@ -1,7 +1,7 @@
 """Measures how many messages a second the package parses and walks, and how many the parser of
 Python's standard library does: python_rates.py MESSAGES REPORT
 
-bench/python calls it. The file has the length of each message on a line before the message.
+bench/python calls it. MESSAGES is what mailstructure_workload wrote.
 """
 
 import email
@@ -13,21 +13,10 @@ import sys
 import time
 
 import mailstructure
+import workload_file
 
 ROUNDS = 5
 STANDARD_LIBRARY_MESSAGES = 500  # of the messages; it needs seconds for all
-
-
-def messages_in(path):
-    """All messages of the file."""
-    data = pathlib.Path(path).read_bytes()
-    messages, place = [], 0
-    while place < len(data):
-        line_end = data.index(b"\n", place)
-        message_end = line_end + 1 + int(data[place:line_end])
-        messages.append(data[line_end + 1 : message_end])
-        place = message_end
-    return messages
 
 
 def walk_ours(messages):
@@ -100,8 +89,11 @@ def measure(messages):
     return rates
 
 
-def check(messages):
-    """Both parsers find the same number of parts in the messages."""
+def check(messages, totals):
+    """The package finds all parts of the messages, and both parsers the same number in some."""
+    found = walk_ours(messages)
+    if found != totals["entities"]:
+        sys.exit(f"{found} entities of {totals['entities']}")
     few = messages[:STANDARD_LIBRARY_MESSAGES]
     ours, theirs = walk_ours(few), walk_email(few)
     if ours != theirs:
@@ -136,8 +128,8 @@ def report(messages, rates):
 
 def main():
     """Measures, writes the report and prints it."""
-    messages = messages_in(sys.argv[1])
-    check(messages)
+    totals, messages = workload_file.read(sys.argv[1])
+    check(messages, totals)
     page = report(messages, measure(messages))
     pathlib.Path(sys.argv[2]).write_text(page, encoding="utf-8")
     print(page, end="")

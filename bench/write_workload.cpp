@@ -1,5 +1,5 @@
-// Writes the messages of a workload to standard output, for benchmarks in other languages: before
-// each message its length in bytes, as a line of decimal digits.
+// Writes a workload to standard output, for benchmarks in other languages: a line of JSON with what
+// a right parse finds, then the messages, each after its length in bytes as a line of digits.
 
 #include "workloads.h"
 
@@ -25,7 +25,10 @@ int main(int count, char** arguments) {
         std::cerr << "usage: mailstructure_workload NAME\n";
         return 2;
     }
-    for (const std::string& message : source->get().m_messages)
+    const bench::workload& mail = source->get();
+    std::cout << "{\"entities\": " << mail.m_entities << ", \"body_lines\": " << mail.m_body_lines
+              << ", \"lines\": " << mail.m_lines << "}\n";
+    for (const std::string& message : mail.m_messages)
         std::cout << message.size() << '\n' << message;
     return std::cout.flush() ? 0 : 1;
 }
