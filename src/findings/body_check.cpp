@@ -77,7 +77,7 @@ void body_check::check_bytes(const message_line& line, bool has_delimiters) {
                                 || m_encoding == transfer_encoding::binary
                                 || m_encoding == transfer_encoding::unknown;
     if (bytes.m_8_bit != not_found && !is_8_bit_clean)
-        give_once(name::undeclared_8_bit, line.at(bytes.m_8_bit, 1));
+        give_once(name::undeclared_8_bit, line.at(bytes.m_8_bit, bytes.m_8_bit_length));
 }
 
 /// White space stands anywhere in base64; other bytes are no part of it, and nothing follows the

@@ -106,7 +106,7 @@ void check_header_bytes(const message_line& line, const reporter& report) {
     if (bytes.m_bare_cr != not_found) report.give(name::bare_cr, line.at(bytes.m_bare_cr, 1));
     if (bytes.m_8_bit != not_found)
         report.give(name::header_not_ascii, is_utf8(line.m_text) ? level::note : level::fault,
-                    line.at(bytes.m_8_bit, 1));
+                    line.at(bytes.m_8_bit, bytes.m_8_bit_length));
     if (line.m_text.size() > longest_line) report.give(name::line_too_long, line.whole());
     check_encoded_words(line, report);
 }

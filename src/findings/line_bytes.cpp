@@ -28,9 +28,11 @@ line_bytes bytes_of(const message_line& line) noexcept {
         found.m_bare_cr = bytes.find('\r');
     }
     if (all > 127) {
-        const auto* const high = std::find_if(
-            bytes.begin(), bytes.end(), [](char c) { return static_cast<unsigned char>(c) > 127; });
-        found.m_8_bit = static_cast<std::size_t>(high - bytes.begin());
+        const auto is_high = [](char c) { return static_cast<unsigned char>(c) > 127; };
+        const auto* const begin = std::find_if(bytes.begin(), bytes.end(), is_high);
+        const auto* const end = std::find_if_not(begin, bytes.end(), is_high);
+        found.m_8_bit = static_cast<std::size_t>(begin - bytes.begin());
+        found.m_8_bit_length = static_cast<std::size_t>(end - begin);
     }
     return found;
 }

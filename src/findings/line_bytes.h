@@ -20,6 +20,7 @@ struct line_bytes {
     std::size_t m_nul = not_found;
     std::size_t m_bare_cr = not_found; // a CR that is not the one before the LF
     std::size_t m_8_bit = not_found;
+    std::size_t m_8_bit_length = 0; // of the run of such bytes
 };
 
 /// The line without its LF, and without one CR before that.

@@ -85,8 +85,7 @@ constexpr std::array<description, name_count> descriptions{{
     {name::delimiter_of_closed_multipart, level::danger, "delimiter-of-closed-multipart",
      "This multipart is closed already; some readers begin a further part here."},
     {name::delimiter_line_end, level::danger, "delimiter-line-end",
-     "This delimiter line ends otherwise than the line before it; readers differ on the last bytes"
-     " of the part."},
+     "The line before ends otherwise than this delimiter line; readers differ on its last bytes."},
     {name::delimiter_padded, level::note, "delimiter-padded",
      "White space stands at the end of this delimiter line."},
     {name::message_encoded, level::danger, "message-encoded",

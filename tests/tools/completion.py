@@ -9,7 +9,7 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "scan", "map", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "check", "map", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -21,6 +21,9 @@ OFFERS = [
     ("mailstructure json ", FILES),
     ("mailstructure json --", {"--flat", "--help", "--max-size", "--pretty", "--rules"}),
     ("mailstructure dump --", {"--help", "--keep-text", "--max-size", "--memlimit", "--rules"}),
+    ("mailstructure check --", {"--fail-on", "--help", "--json", "--max-size"}),
+    ("mailstructure check --fail-on ", {"danger", "fault", "note"}),
+    ("mailstructure check --fail-on note ", FILES),
     ("mailstructure map --", {"--force", "--format", "--help", "--max-size", "--output",
                               "--rules"}),
     ("mailstructure map --format ", {"html", "svg"}),
@@ -65,6 +68,9 @@ COMPLETED = [
     ("mailstructure part --output=le", "mailstructure part --output=letter.eml"),
     ("mailstructure part --range body -o out --max-size 25M --rules=classic H",
      "mailstructure part --range body -o out --max-size 25M --rules=classic HEADER"),
+    ("mailstructure check --fail-on=d", "mailstructure check --fail-on=danger"),
+    ("mailstructure check --fail-on fault le",
+     "mailstructure check --fail-on fault letter.eml"),
     ("mailstructure map --format=h", "mailstructure map --format=html"),
     ("mailstructure map -o le", "mailstructure map -o letter.eml"),
     ("mailstructure map le", "mailstructure map letter.eml"),

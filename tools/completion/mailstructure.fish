@@ -4,7 +4,7 @@
 # Prints the command that the line names before the cursor. Without one, tree is meant.
 function __mailstructure_command
     set -l words (commandline -opc)
-    if set -q words[2]; and contains -- $words[2] tree json part scan map dump help
+    if set -q words[2]; and contains -- $words[2] tree json part scan check map dump help
         echo $words[2]
     else
         echo tree
@@ -12,7 +12,7 @@ function __mailstructure_command
 end
 
 function __mailstructure_command_is
-    test (__mailstructure_command) = $argv[1]
+    contains -- (__mailstructure_command) $argv
 end
 
 function __mailstructure_at_first_word
@@ -21,8 +21,8 @@ end
 
 # Prints those of the words that are no options and no values of options.
 function __mailstructure_plain_words
-    set -l take_next --charset --color --colour --format --max-size --memlimit --name -o --output \
-        --range --rules
+    set -l take_next --charset --color --colour --fail-on --format --max-size --memlimit --name \
+        -o --output --range --rules
     set -l is_value no
     for word in $argv
         if test $is_value = yes
@@ -47,6 +47,8 @@ complete -c mailstructure -n __mailstructure_at_first_word -a tree -d 'Draw the 
 complete -c mailstructure -n __mailstructure_at_first_word -a json -d 'Print trees as JSON'
 complete -c mailstructure -n __mailstructure_at_first_word -a part -d 'Write a piece of a message'
 complete -c mailstructure -n __mailstructure_at_first_word -a scan -d 'Print rows about mailboxes'
+complete -c mailstructure -n __mailstructure_at_first_word -a check \
+    -d 'Tell where readers disagree'
 complete -c mailstructure -n __mailstructure_at_first_word -a map -d 'Draw what each byte is of'
 complete -c mailstructure -n __mailstructure_at_first_word -a dump -d 'Print the library'\''s dump'
 complete -c mailstructure -n __mailstructure_at_first_word -a help -d 'Print the help'
@@ -54,8 +56,8 @@ complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print 
 complete -c mailstructure -s h -l help -d 'Print the help'
 
 complete -c mailstructure -n '__mailstructure_command_is help' -f \
-    -a 'tree json part scan map dump help'
-complete -c mailstructure -n 'not __mailstructure_command_is help' -l rules -x \
+    -a 'tree json part scan check map dump help'
+complete -c mailstructure -n 'not __mailstructure_command_is help check' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
 complete -c mailstructure -n 'not __mailstructure_command_is help' -l max-size -x \
     -d 'Refuse larger messages'
@@ -104,6 +106,12 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l threads -x \
     -d 'How many threads to use'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
     -a 'auto always never' -d 'Show how far the scan is'
+
+complete -c mailstructure -n '__mailstructure_command_is check' -l json \
+    -d 'Print a line of JSON for each finding'
+complete -c mailstructure -n '__mailstructure_command_is check' -l fail-on -x \
+    -a 'danger fault note' -d 'Fail if a finding has this level'
+
 complete -c mailstructure -n '__mailstructure_command_is map' -s o -l output -r -F \
     -d 'Write to this file'
 complete -c mailstructure -n '__mailstructure_command_is map' -l force -d 'Replace the output file'
