@@ -4,11 +4,13 @@
 #include "map/byte_runs.h"
 #include "support/case_name.h"
 #include "support/message_generator.h"
+#include "support/seeded_random.h"
 #include "support/standard_message_generator.h"
 
 #include <exception>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -137,6 +139,59 @@ TEST(byte_runs, give_bytes_that_two_pieces_claim_to_the_first) {
     message.m_root.m_children.push_back(message.m_root.m_children.front());
     const std::string longer(500, 'x');
     expect_all_bytes_once(longer, byte_runs_of(message.m_root, {longer, rules::standard}));
+}
+
+TEST(byte_runs, cover_bytes_that_no_range_holds) {
+    const MailStructure empty;
+    const std::string input = "of no message";
+    const byte_runs runs = byte_runs_of(empty.m_root, {input, rules::standard});
+    expect_all_bytes_once(input, runs);
+    EXPECT_EQ(text_of(input, runs), "0 plain text: of no message\n");
+}
+
+/// A tree that no parser would make: ranges and flags by chance.
+void fill_at_random(MailStructure::MimeObj& root, test_support::seeded_random& random,
+                    std::uint32_t size) {
+    const auto any_range = [&](std::uint32_t& begin, std::uint32_t& length) {
+        begin = static_cast<std::uint32_t>(random.below(size));
+        length = static_cast<std::uint32_t>(random.below(size));
+    };
+    MailStructure::MimeObj* entity = &root;
+    for (int left = 20; left != 0; --left) {
+        any_range(entity->m_header_beg, entity->m_header_len);
+        any_range(entity->m_mime_beg, entity->m_mime_len);
+        any_range(entity->m_body_beg, entity->m_body_len);
+        any_range(entity->m_contents_beg, entity->m_contents_len);
+        any_range(entity->m_epilogue_beg, entity->m_epilogue_len);
+        entity->m_multipart = random.below(2) != 0;
+        entity->m_message = random.below(4) == 0;
+        MailStructure::MimeObj* const parent = entity->m_parent;
+        const bool goes_up = parent != nullptr && parent->m_parent != nullptr;
+        entity = (goes_up && random.below(2) != 0 ? parent->m_parent : entity)->get_obj();
+    }
+}
+
+TEST(byte_runs, of_any_tree_hold_every_byte_once_and_nest_as_the_entities_do) {
+    test_support::seeded_random random(7);
+    const std::string input(200, '\n');
+    for (int turn = 0; turn < 3000; ++turn) {
+        MailStructure::MimeObj root;
+        fill_at_random(root, random, static_cast<std::uint32_t>(input.size()));
+        const rules by = turn % 2 == 0 ? rules::standard : rules::classic;
+        const byte_runs runs = byte_runs_of(root, {input, by});
+        expect_all_bytes_once(input, runs);
+        std::vector<entity_place> open;
+        for (const entity_place& entity : runs.m_entities) {
+            open.resize(entity.m_depth);
+            ASSERT_LE(entity.m_begin, entity.m_end);
+            if (!open.empty()) {
+                ASSERT_LE(open.back().m_begin, entity.m_begin);
+                ASSERT_LE(entity.m_end, open.back().m_end);
+            }
+            open.push_back(entity);
+        }
+        if (HasFatalFailure()) return;
+    }
 }
 
 } // namespace

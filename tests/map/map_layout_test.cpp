@@ -145,6 +145,35 @@ TEST(map_layout, does_not_fold_what_is_as_wide_as_a_pixel) {
     expect_whole(coarser, static_cast<std::uint32_t>(input.size()));
 }
 
+TEST(map_layout, folds_what_is_smaller_than_the_limit_and_not_what_is_as_large) {
+    // Rows of 1,000 bytes: 3 pixels are 5 bytes.
+    for (const std::uint32_t length : {4U, 5U}) {
+        byte_runs runs;
+        const std::uint32_t size = 59995;
+        for (std::uint32_t begin = 0; begin < 100; begin += length)
+            runs.m_runs.push_back({begin, begin + length, 0, byte_kind::header});
+        runs.m_runs.push_back({100, size, 0, byte_kind::other});
+        runs.m_entities.push_back({0, size, 0});
+        const map_layout layout = lay_out(runs, 3);
+        ASSERT_EQ(layout.m_row_bytes, 1000U);
+        EXPECT_EQ(layout.m_folded_runs, length == 4 ? 25U : 0U);
+        expect_whole(layout, size);
+    }
+}
+
+TEST(map_layout, does_not_fold_small_entities_that_are_far_apart) {
+    byte_runs runs;
+    const std::uint32_t size = 60000;
+    runs.m_runs.push_back({0, size, 0, byte_kind::other});
+    runs.m_entities = {{0, size, 0}, {10, 11, 1}, {11, 12, 1}, {500, 501, 1}, {501, 502, 1}};
+    const map_layout layout = lay_out(runs, 1);
+    ASSERT_EQ(layout.m_lanes.size(), 2U);
+    EXPECT_EQ(layout.m_lanes[0].m_begin, 10U);
+    EXPECT_EQ(layout.m_lanes[0].m_end, 12U);
+    EXPECT_EQ(layout.m_lanes[1].m_begin, 500U);
+    EXPECT_EQ(layout.m_folded_entities, 4U);
+}
+
 TEST(map_layout, leads_deep_entities_to_the_last_lane) {
     const std::string input = levels(most_lanes + 3);
     const map_layout layout = lay_out(runs_of(input), 1);

@@ -36,9 +36,9 @@ public:
         const byte_range body = range_of(entity, mail_sections::piece::body);
         const std::uint32_t begin = header.m_length != 0 ? header.m_offset : body.m_offset;
         const std::uint32_t end = std::max(end_of(header), end_of(body));
-        if (begin < end && !m_open.empty())
-            add_run(begin, m_open.back().m_index, m_open.back().m_between);
         const std::uint32_t limit = m_open.empty() ? m_size : m_open.back().m_end;
+        if (begin < end && !m_open.empty())
+            add_run(std::min(begin, limit), m_open.back().m_index, m_open.back().m_between);
         const std::uint32_t true_end = std::max(m_cursor, std::min(end, limit));
         m_result.m_entities.push_back(
             {m_cursor, true_end, static_cast<std::uint32_t>(entity.m_depth)});
@@ -46,9 +46,9 @@ public:
         open(entity, {index, true_end, byte_kind::delimiter, {}});
     }
 
+    /// The sections of the message itself end with the file, and so do the runs.
     byte_runs finish() {
         while (!m_open.empty()) close_innermost();
-        add_run(m_size, 0, byte_kind::other);
         return std::move(m_result);
     }
 
