@@ -14,6 +14,22 @@
 #error "the consumer is to be built as strict C++17"
 #endif
 
+/// The tree of the message from memory, or in two pieces.
+MailStructure from_memory(const std::string& text) {
+    MailStructure message;
+    message.Fill(text);
+    return message;
+}
+
+MailStructure in_pieces(const std::string& text) {
+    MailStructure message;
+    MailStructure::feeder feeder(message, MailStructure::rules::classic);
+    feeder.feed(text.substr(0, 30));
+    feeder.feed(text.substr(30));
+    feeder.finish();
+    return message;
+}
+
 int main() {
     const std::string text =
         "Subject: hi\nContent-Type: multipart/mixed; boundary=XY\n\n--XY\nA: b\n\nhello\n--XY--\n";
@@ -25,6 +41,8 @@ int main() {
     const MailStructure::MimeObj& part = copy.m_root.m_children.front();
     const std::string* subject = copy.m_root.find_header("subject", nullptr);
     if (subject == nullptr || !strncasecmp(*subject, "HI", 2)) return 1;
+    for (const MailStructure& same : {from_memory(text), in_pieces(text)})
+        if (same.m_root.m_children.at(0).m_body_beg != part.m_body_beg) return 1;
     mail_sections::walk walk(copy.m_root);
     if (walk.next()->m_name != "TEXT" || walk.next()->m_name != "1") return 1;
     mail_sections::ranges ranges(copy.m_root, {text, MailStructure::rules::classic});

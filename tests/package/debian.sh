@@ -101,6 +101,8 @@ cmake -G Ninja -S "$sources/tests/consumer" -B "$work/consumer" \
 cmake --build "$work/consumer" > /dev/null
 [[ $("$work/consumer/consumer_of_mailstructure") == "1 67 6 4294967295" ]]
 [[ $("$work/consumer/consumer_of_mailstructure_static") == "1 67 6 4294967295" ]]
+[[ $("$work/consumer/c_consumer_of_mailstructure") == "1 text/html 91 6" ]]
+[[ $("$work/consumer/c_consumer_of_mailstructure_static") == "1 text/html 91 6" ]]
 
 echo "== lintian"
 # lintian expects that the first entry of a changelog closes the report by which a package enters
