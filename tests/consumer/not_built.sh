@@ -12,8 +12,8 @@ complain() {
 
 rm -rf "$work"
 mkdir -p "$work/sources" "$work/bin"
-(cd "$sources" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json cmake include scripts src \
-    tools "$work/sources")
+(cd "$sources" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json cmake doc include scripts \
+    src tools "$work/sources")
 
 # scripts/run with a cmake that configures, but only tells what it would build.
 cat > "$work/bin/cmake" << END
