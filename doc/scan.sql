@@ -1,10 +1,11 @@
 -- The tables that `mailstructure scan --sqlite FILE` writes. They hold what doc/scan.md says of the
 -- rows. All offsets and lengths count bytes.
 
-CREATE TABLE source ( -- one for each file
+CREATE TABLE source ( -- one for each file, also for each file in an archive
     id INTEGER PRIMARY KEY, -- 1, 2, and so on in the order of the scan
     source TEXT NOT NULL, -- the path as given, or as found in a folder
-    format TEXT NOT NULL, -- 'mbox', 'message', 'empty' or 'unknown'
+    member TEXT, -- the name of the file in the archive that source is
+    format TEXT NOT NULL, -- 'mbox', 'message', 'empty', 'archive' or 'unknown'
     size INTEGER, -- when the file was opened
     modified_ns INTEGER, -- nanoseconds since 1970
     messages INTEGER NOT NULL, -- how many rows of message it has

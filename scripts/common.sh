@@ -6,7 +6,8 @@ set -euo pipefail
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(cmake g++ libcli11-dev libsqlite3-dev ninja-build nettle-dev rapidjson-dev)
+build_packages=(cmake g++ libarchive-dev libcli11-dev libsqlite3-dev ninja-build nettle-dev
+    rapidjson-dev)
 # What the package for Python is built with, beside these.
 python_packages=(libpython3-dev python3)
 # What our Debian packages, and hosts that use them, are built and checked with; see the end of

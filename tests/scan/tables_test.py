@@ -9,6 +9,7 @@ import pathlib
 import signal
 import sqlite3
 import subprocess
+import tarfile
 import tempfile
 import unittest
 
@@ -47,7 +48,11 @@ class Tables(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
         self.pile = self.folder / "pile"
         self.pile.write_bytes(PILE)
-        self.sources = [SAMPLES, "no-such-file", self.pile]
+        self.packed = self.folder / "tar"
+        with tarfile.open(self.packed, "w:gz") as archive:
+            archive.add(self.pile, "a/pile")
+            archive.add(SAMPLES / "plain.eml", "b")
+        self.sources = [SAMPLES, "no-such-file", self.pile, self.packed]
 
     def written(self, *options):
         """The tables, and the exit status."""
@@ -55,7 +60,7 @@ class Tables(unittest.TestCase):
         file.unlink(missing_ok=True)
         output, status = scanned.run("--sqlite", file, *options, *self.sources)
         self.assertEqual(output, b"")
-        self.assertEqual(sorted(os.listdir(self.folder)), ["pile", "tables"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["pile", "tables", "tar"])
         table = sqlite3.connect(file)
         self.addCleanup(table.close)
         table.row_factory = sqlite3.Row
@@ -75,11 +80,11 @@ class Tables(unittest.TestCase):
             wanted.setdefault(row["kind"], []).append(flattened(row))
         queries = {
             "source": "SELECT *, 'source' AS kind FROM source ORDER BY id",
-            "message": "SELECT message.*, source, 'message' AS kind FROM message"
+            "message": "SELECT message.*, source, member, 'message' AS kind FROM message"
                        " JOIN source ON source.id = source_id ORDER BY message.id",
-            "fault": "SELECT fault.*, source, 'fault' AS kind FROM fault"
+            "fault": "SELECT fault.*, source, member, 'fault' AS kind FROM fault"
                      " JOIN source ON source.id = source_id ORDER BY fault.rowid",
-            "entity": "SELECT entity.*, source, message, 'entity' AS kind FROM entity"
+            "entity": "SELECT entity.*, source, member, message, 'entity' AS kind FROM entity"
                       " JOIN message ON message.id = of_message"
                       " JOIN source ON source.id = source_id ORDER BY entity.rowid",
         }
@@ -126,13 +131,13 @@ class Tables(unittest.TestCase):
     def test_leave_nothing_when_a_signal_comes(self):
         waiting = subprocess.Popen([scanned.TOOL, "scan", "--sqlite", self.folder / "tables", "-"],
                                    stdin=subprocess.PIPE)
-        while len(os.listdir(self.folder)) < 2:
+        while len(os.listdir(self.folder)) < 3:
             self.assertIsNone(waiting.poll())
         self.assertNotIn("tables", os.listdir(self.folder))
         waiting.send_signal(signal.SIGTERM)
         waiting.communicate()
         self.assertEqual(waiting.returncode, -signal.SIGTERM)
-        self.assertEqual(os.listdir(self.folder), ["pile"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["pile", "tar"])
 
 
 if __name__ == "__main__":

@@ -2,14 +2,19 @@
 
 #include "scan/input/file_reader.h"
 
+#include "common/complaint.h"
 #include "common/descriptor_io.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
-file_reader::file_reader(const std::string& name) : m_owned(name != "-") {
+file_reader::file_reader(const std::string& name, std::function<void(std::uint64_t)> count)
+    : m_count(std::move(count)), m_owned(name != "-") {
     m_descriptor = m_owned ? ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY) : STDIN_FILENO;
     struct stat file = {};
     if (m_descriptor < 0 || ::fstat(m_descriptor, &file) != 0) {
@@ -21,12 +26,12 @@ file_reader::file_reader(const std::string& name) : m_owned(name != "-") {
         return;
     }
     if (!S_ISREG(file.st_mode)) return;
-    const off_t position = ::lseek(m_descriptor, 0, SEEK_CUR);
-    if (position < 0) return;
-    m_start = static_cast<std::uint64_t>(position);
-    m_size = static_cast<std::uint64_t>(file.st_size > position ? file.st_size - position : 0);
+    const off_t start = ::lseek(m_descriptor, 0, SEEK_CUR);
+    if (start < 0) return;
+    m_start = static_cast<std::uint64_t>(start);
+    m_size = static_cast<std::uint64_t>(file.st_size > start ? file.st_size - start : 0);
     m_modified = std::int64_t{file.st_mtim.tv_sec} * 1'000'000'000 + file.st_mtim.tv_nsec;
-    ::posix_fadvise(m_descriptor, position, 0, POSIX_FADV_SEQUENTIAL);
+    ::posix_fadvise(m_descriptor, start, 0, POSIX_FADV_SEQUENTIAL);
 }
 
 file_reader::~file_reader() {
@@ -34,10 +39,46 @@ file_reader::~file_reader() {
 }
 
 std::size_t file_reader::read(char* to, std::size_t count) {
+    const std::size_t ahead = std::min(count, m_beginning.size() - m_given);
+    if (ahead == 0)
+        count = read_file(to, count);
+    else
+        count = m_beginning.copy(to, ahead, m_given);
+    m_given += ahead;
+    m_position += count;
+    return count;
+}
+
+std::size_t file_reader::read_file(char* to, std::size_t count) {
     if (m_error != 0) return 0;
     const ssize_t got = read_some(m_descriptor, to, count);
     if (got < 0) m_error = errno;
-    return got < 0 ? 0 : static_cast<std::size_t>(got);
+    if (got <= 0) return 0;
+    m_count(static_cast<std::uint64_t>(got));
+    return static_cast<std::size_t>(got);
+}
+
+std::optional<read_failure> file_reader::failure() const {
+    if (m_error == 0) return std::nullopt;
+    return read_failure{"cannot-read", system_error_text(m_error)};
+}
+
+std::string_view file_reader::beginning(std::size_t count) {
+    while (m_beginning.size() < count) {
+        const std::size_t filled = m_beginning.size();
+        m_beginning.resize(count);
+        const std::size_t got = read_file(m_beginning.data() + filled, count - filled);
+        m_beginning.resize(filled + got);
+        if (got == 0) break;
+    }
+    return m_beginning;
+}
+
+bool file_reader::seek(std::uint64_t offset) {
+    if (::lseek(m_descriptor, static_cast<off_t>(m_start + offset), SEEK_SET) < 0) return false;
+    m_given = m_beginning.size();
+    m_position = offset;
+    return true;
 }
 
 std::string file_reader::peek(std::uint64_t offset, std::size_t count) const {

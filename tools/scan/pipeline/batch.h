@@ -16,14 +16,15 @@
 #include <vector>
 
 /// What a file turned out to be.
-enum class source_kind : std::uint8_t { unknown, mbox, message, empty };
+enum class source_kind : std::uint8_t { unknown, mbox, message, empty, archive };
 
 /// What is known of a source.
 struct source_facts {
     std::string m_name;
+    std::optional<std::string> m_member; ///< The file within an archive that this is about.
     source_kind m_kind = source_kind::unknown;
-    std::optional<std::uint64_t> m_size; ///< Bytes when it was opened; nothing for a pipe.
-    std::int64_t m_modified = 0;         ///< Nanoseconds since 1970; 0 for a pipe.
+    std::optional<std::uint64_t> m_size;    ///< Bytes when it was opened, if that is known.
+    std::optional<std::int64_t> m_modified; ///< Nanoseconds since 1970; nothing for a pipe.
 };
 
 enum class fault_level : std::uint8_t {

@@ -44,13 +44,13 @@ void message_worker::work_on(batch& work) {
 void message_worker::append_faults_before(batch& work, std::uint64_t offset) {
     for (; m_faults_done < work.m_faults.size() && work.m_faults[m_faults_done].m_byte < offset;
          ++m_faults_done)
-        append_fault_row(work.m_rows, m_options.m_form, work.m_source->m_name,
+        append_fault_row(work.m_rows, m_options.m_form, *work.m_source,
                          work.m_faults[m_faults_done]);
 }
 
 void message_worker::work_on_message(batch& work, const batch_message& message) {
     message_facts facts;
-    facts.m_source = work.m_source->m_name;
+    facts.m_source = work.m_source.get();
     facts.m_place = &message;
     const large_message* const large = message.m_large.get();
     if (large == nullptr)
@@ -118,6 +118,6 @@ void message_worker::report(batch& work, const batch_message& message, std::stri
     fault.m_text = std::move(text);
     fault.m_byte = message.m_offset;
     fault.m_message = message.m_offset;
-    if (m_makes_rows) append_fault_row(work.m_rows, m_options.m_form, work.m_source->m_name, fault);
+    if (m_makes_rows) append_fault_row(work.m_rows, m_options.m_form, *work.m_source, fault);
     work.m_message_faults.push_back(std::move(fault));
 }

@@ -3,6 +3,7 @@
 #include "scan/pipeline/pile_reader.h"
 
 #include "common/complaint.h"
+#include "scan/input/archive_reader.h"
 
 #include <algorithm>
 #include <utility>
@@ -29,14 +30,14 @@ scan_fault fault_at(std::uint64_t byte, fault_level level, std::string_view code
 /// The source that is being read.
 class pile_reader::one_source {
 public:
-    one_source(const pile_reader& pile, file_reader& file, std::shared_ptr<source_facts> facts)
+    one_source(const pile_reader& pile, byte_source& file, std::shared_ptr<source_facts> facts)
         : m_pile(pile), m_exchange(pile.m_exchange), m_file(file), m_facts(std::move(facts)),
           m_splitter(pile.m_options.m_mbox, 0, peek_function_of(file)) {}
 
     bool read(bool is_named);
 
 private:
-    static mbox_splitter::peek_function peek_function_of(const file_reader& file) {
+    static mbox_splitter::peek_function peek_function_of(const byte_source& file) {
         if (!file.size()) return {};
         return
             [&file](std::uint64_t offset, std::size_t count) { return file.peek(offset, count); };
@@ -63,7 +64,7 @@ private:
 
     const pile_reader& m_pile;
     batch_exchange& m_exchange;
-    file_reader& m_file;
+    byte_source& m_file;
     std::shared_ptr<source_facts> m_facts;
     mbox_splitter m_splitter;
     std::unique_ptr<batch> m_batch;
@@ -77,13 +78,55 @@ private:
 };
 
 bool pile_reader::read(const std::string& name, bool is_named) {
-    file_reader file(name);
+    file_reader file(name, [this](std::uint64_t bytes) { m_exchange.count_read(bytes); });
+    if (file.error() != 0) return refuse(name, file.error());
+    if (is_packed(file.beginning(packed_beginning))) return read_archive(file, name, is_named);
     auto facts = std::make_shared<source_facts>();
     facts->m_name = name;
     facts->m_size = file.size();
-    facts->m_modified = file.modified();
-    if (file.error() != 0) return refuse(name, file.error());
+    if (file.size()) facts->m_modified = file.modified();
     return one_source(*this, file, std::move(facts)).read(is_named);
+}
+
+bool pile_reader::read_archive(file_reader& file, const std::string& name, bool is_named) {
+    archive_reader archive(file);
+    archive_member member;
+    std::size_t members = 0;
+    bool is_reported = false; // what is wrong with the last member
+    for (; archive.next(member); ++members) {
+        auto facts = std::make_shared<source_facts>();
+        facts->m_name = name;
+        facts->m_member = member.m_name;
+        facts->m_modified = member.m_modified;
+        const bool is_whole = !member.m_name; // the file is compressed and nothing more
+        if (is_whole && file.size()) facts->m_modified = file.modified();
+        if (facts->m_modified == 0) facts->m_modified.reset();
+        one_source unpacked(*this, archive, facts);
+        if (!unpacked.read(is_named && is_whole)) return false;
+        if (is_whole) return true;
+        is_reported = archive.failure().has_value();
+    }
+    std::vector<scan_fault> faults;
+    if (const std::optional<read_failure> failure = archive.failure(); failure && !is_reported)
+        faults.push_back(fault_at(0, fault_level::error, failure->m_code, failure->m_text));
+    else if (members == 0)
+        faults.push_back(fault_at(0, fault_level::note, "empty-archive", "no files are in it"));
+    return end_archive(file, name, std::move(faults));
+}
+
+/// Gives the row of the archive itself.
+bool pile_reader::end_archive(const file_reader& file, const std::string& name,
+                              std::vector<scan_fault> faults) {
+    auto facts = std::make_shared<source_facts>();
+    facts->m_name = name;
+    facts->m_kind = source_kind::archive;
+    facts->m_size = file.size();
+    if (file.size()) facts->m_modified = file.modified();
+    std::unique_ptr<batch> last = m_exchange.fresh();
+    last->m_source = std::move(facts);
+    last->m_faults = std::move(faults);
+    last->m_ends_source = true;
+    return m_exchange.take(std::move(last));
 }
 
 bool pile_reader::refuse(const std::string& name, int error) {
@@ -163,13 +206,15 @@ void pile_reader::one_source::read_block() {
     const std::size_t count = m_file.read(m_batch->m_bytes.room_for(wanted), wanted);
     m_batch->m_bytes.add(count);
     m_is_at_end = count == 0;
-    m_exchange.count_read(count);
 }
 
 void pile_reader::one_source::recognise(bool is_named) {
-    if (bytes().empty() && m_file.error() != 0) return; // report_end() says so
+    if (bytes().empty() && m_file.failure()) return; // report_end() says so
     m_facts->m_kind = m_pile.kind_of(bytes(), m_is_at_end);
-    if (m_facts->m_kind == source_kind::unknown)
+    if (m_facts->m_kind == source_kind::unknown && is_packed(bytes()))
+        m_batch->m_faults.push_back(fault_at(0, fault_level::error, "nested-archive",
+                                             "a packed file within a packed one is not unpacked"));
+    else if (m_facts->m_kind == source_kind::unknown)
         m_batch->m_faults.push_back(
             fault_at(0, is_named ? fault_level::error : fault_level::note, "not-mail",
                      "the file begins neither as a message nor as an mbox does"));
@@ -258,9 +303,9 @@ void pile_reader::one_source::feed_large_message(std::uint64_t end) {
 void pile_reader::one_source::report_end() {
     if (!m_is_at_end && m_file.size() && *m_file.size() > end())
         m_exchange.count_read(*m_file.size() - end()); // as good as read
-    if (m_file.error() != 0)
+    if (const std::optional<read_failure> failure = m_file.failure())
         m_batch->m_faults.push_back(
-            fault_at(end(), fault_level::error, "cannot-read", system_error_text(m_file.error())));
+            fault_at(end(), fault_level::error, failure->m_code, failure->m_text));
     else if (m_file.size() && m_is_at_end && end() < *m_file.size())
         m_batch->m_faults.push_back(fault_at(end(), fault_level::error, "shrunk",
                                              "the file became shorter while it was read"));

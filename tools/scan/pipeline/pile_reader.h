@@ -3,6 +3,7 @@
 #ifndef TOOLS_SCAN_PIPELINE_PILE_READER_H
 #define TOOLS_SCAN_PIPELINE_PILE_READER_H
 
+#include "scan/input/byte_source.h"
 #include "scan/input/file_reader.h"
 #include "scan/mbox/mbox_splitter.h"
 #include "scan/pipeline/batch.h"
@@ -52,6 +53,10 @@ public:
 
 private:
     class one_source;
+
+    bool read_archive(file_reader& file, const std::string& name, bool is_named);
+    bool end_archive(const file_reader& file, const std::string& name,
+                     std::vector<scan_fault> faults);
 
     const pile_options m_options;
     batch_exchange& m_exchange;

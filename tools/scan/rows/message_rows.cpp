@@ -20,10 +20,15 @@ namespace {
 
 using MimeObj = MailStructure::MimeObj;
 
-/// Members that every row has: they name the message that the row is about.
-void write_key(row_writer& row, std::string_view source, std::uint64_t offset) {
-    row.write_text("source", source);
-    row.write_number("message", offset);
+void write_source(row_writer& row, const source_facts& source) {
+    row.write_text("source", source.m_name);
+    source.m_member ? row.write_text("member", *source.m_member) : row.write_null("member");
+}
+
+/// Members that name the message that the row is about.
+void write_key(row_writer& row, const message_facts& message) {
+    write_source(row, *message.m_source);
+    row.write_number("message", message.m_place->m_offset);
 }
 
 /// The addresses in the field, separated by commas.
@@ -115,7 +120,7 @@ private:
         const MimeObj& entity = *visited.m_entity;
         row_writer row(m_rows, m_options.m_form);
         row.begin(row_kind::entity);
-        write_key(row, m_message.m_source, m_message.m_place->m_offset);
+        write_key(row, m_message);
         row.write_number("index", index);
         m_path.resize(visited.m_depth);
         m_path.empty() ? row.write_null("parent") : row.write_number("parent", m_path.back());
@@ -174,7 +179,7 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
         message.m_root == nullptr ? tree_extent() : extent_of(*message.m_root);
     row_writer row(rows, options.m_form);
     row.begin(row_kind::message);
-    write_key(row, message.m_source, message.m_place->m_offset);
+    write_key(row, message);
     row.write_number("from_offset", message.m_place->m_from_offset);
     row.write_number("length", message.m_place->m_length);
     row.write_text("rules",
@@ -189,11 +194,11 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
     return entity_rows(rows, message, options).append();
 }
 
-void append_fault_row(std::string& rows, row_form form, std::string_view source,
+void append_fault_row(std::string& rows, row_form form, const source_facts& source,
                       const scan_fault& fault) {
     row_writer row(rows, form);
     row.begin(row_kind::fault);
-    row.write_text("source", source);
+    write_source(row, source);
     fault.m_message ? row.write_number("message", *fault.m_message) : row.write_null("message");
     row.write_number("byte", fault.m_byte);
     row.write_text("level", fault.m_level == fault_level::error ? "error" : "note");
@@ -204,14 +209,14 @@ void append_fault_row(std::string& rows, row_form form, std::string_view source,
 
 void append_source_row(std::string& rows, row_form form, const source_facts& source,
                        std::uint64_t messages, std::uint64_t faults) {
-    constexpr const char* names[] = {"unknown", "mbox", "message", "empty"};
+    constexpr const char* names[] = {"unknown", "mbox", "message", "empty", "archive"};
     row_writer row(rows, form);
     row.begin(row_kind::source);
-    row.write_text("source", source.m_name);
+    write_source(row, source);
     row.write_text("format", names[static_cast<std::size_t>(source.m_kind)]);
     source.m_size ? row.write_number("size", *source.m_size) : row.write_null("size");
-    source.m_size ? row.write_number("modified_ns", static_cast<std::uint64_t>(source.m_modified))
-                  : row.write_null("modified_ns");
+    source.m_modified ? row.write_signed("modified_ns", *source.m_modified)
+                      : row.write_null("modified_ns");
     row.write_number("messages", messages);
     row.write_number("faults", faults);
     row.end();

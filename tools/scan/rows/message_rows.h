@@ -28,7 +28,7 @@ struct row_options {
 
 /// A message as the rows need it.
 struct message_facts {
-    std::string_view m_source;
+    const source_facts* m_source = nullptr;
     const batch_message* m_place = nullptr;
     std::string_view m_bytes; ///< All of the message; empty where it was too large.
     const MailStructure::MimeObj* m_root = nullptr; ///< Null where there is no tree.
@@ -42,7 +42,7 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
                                   const row_options& options);
 
 /// Appends the row of a fault.
-void append_fault_row(std::string& rows, row_form form, std::string_view source,
+void append_fault_row(std::string& rows, row_form form, const source_facts& source,
                       const scan_fault& fault);
 
 /// Appends the row of a source, which comes after all others of that source.

@@ -21,6 +21,13 @@ constexpr bool is_ascii(char byte) { return static_cast<unsigned char>(byte) < 0
 
 } // namespace
 
+template <class Number>
+void row_writer::append_digits(Number value) {
+    std::array<char, 20> digits{};
+    m_out.append(digits.data(),
+                 std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+}
+
 void row_writer::begin(row_kind kind) {
     if (m_form == row_form::packed) {
         m_out += static_cast<char>(packed_item::row);
@@ -52,6 +59,12 @@ void row_writer::write_text_or_null(std::string_view name, std::string_view valu
 
 void row_writer::write_number(std::string_view name, std::uint64_t value) {
     if (m_form == row_form::packed) return pack_number(value);
+    write_name(name);
+    append_digits(value);
+}
+
+void row_writer::write_signed(std::string_view name, std::int64_t value) {
+    if (m_form == row_form::packed) return pack_number(static_cast<std::uint64_t>(value));
     write_name(name);
     append_digits(value);
 }
@@ -88,12 +101,6 @@ void row_writer::write_name(std::string_view name) {
     m_out += ",\"";
     m_out += name;
     m_out += "\":";
-}
-
-void row_writer::append_digits(std::uint64_t value) {
-    std::array<char, 20> digits{};
-    m_out.append(digits.data(),
-                 std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
 }
 
 void row_writer::append_quoted(std::string_view value) {

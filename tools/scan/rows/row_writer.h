@@ -28,6 +28,7 @@ public:
     /// As write_text; null for an empty text.
     void write_text_or_null(std::string_view name, std::string_view value);
     void write_number(std::string_view name, std::uint64_t value);
+    void write_signed(std::string_view name, std::int64_t value);
     void write_flag(std::string_view name, bool value);
     void write_null(std::string_view name);
     /// A member with an offset and a length in it; two packed numbers.
@@ -35,7 +36,8 @@ public:
 
 private:
     void write_name(std::string_view name);
-    void append_digits(std::uint64_t value);
+    template <class Number>
+    void append_digits(Number value);
     void append_quoted(std::string_view value);
     void append_unusual(std::string_view& rest);
     void append_escape(char32_t code_point);

@@ -25,7 +25,7 @@ struct table {
 
 /// By row_kind.
 constexpr std::array<table, 4> all_tables = {
-    {{"message", 16, 1}, {"entity", 28, 2}, {"fault", 6, 1}, {"source", 7, 0}}};
+    {{"message", 16, 2}, {"entity", 28, 3}, {"fault", 6, 2}, {"source", 8, 0}}};
 
 /// "INSERT INTO fault VALUES (?,?,?,?,?,?)"
 std::string insertion_into(const table& one) {
