@@ -56,10 +56,10 @@ enum class name : std::uint8_t {
     blank_line_in_header,          ///< A line of blanks within a header block.
     blank_before_colon,            ///< A blank stands between a field name and its colon.
     content_type_twice,            ///< A second Content-Type field in a header block.
-    content_type_invalid,          ///< A Content-Type field without type and subtype.
+    content_type_invalid,          ///< A Content-Type field without a valid type.
     content_type_junk,             ///< Text between the subtype and the first semicolon.
     content_type_comment,          ///< A comment in the type of a Content-Type field.
-    content_type_folded,           ///< A line end within the type of a Content-Type field.
+    content_type_white_space,      ///< White space within the type of a Content-Type field.
     parameter_invalid,             ///< Text between semicolons that is no parameter.
     parameter_twice,               ///< A second parameter of the same name.
     parameter_encoding_invalid,    ///< An extended parameter value that RFC 2231 does not allow.

@@ -26,6 +26,13 @@ bool is_hex_digit(char c) noexcept {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
 }
 
+/// The CR that matters to a reader for whom it ends a line: the one before the "--" of a delimiter
+/// line, or the one that ends the message, since the last line end of a part is not part of it.
+std::size_t cr_that_matters(std::string_view line) noexcept {
+    const std::size_t dashes = line.find("\r--");
+    return dashes == not_found && line.ends_with('\r') ? line.size() - 1 : dashes;
+}
+
 /// The most "=" that end a text in base64.
 constexpr std::uint64_t longest_padding = 2;
 constexpr std::uint64_t digits_of_a_group = 4;
@@ -61,9 +68,8 @@ void body_check::give_once(name found, const place& where) {
 
 void body_check::check_bytes(const message_line& line, bool has_delimiters) {
     const line_bytes bytes = bytes_of(line);
-    // A reader that ends lines at a CR finds the delimiter line behind it.
     const std::size_t hidden =
-        bytes.m_bare_cr == not_found || !has_delimiters ? not_found : line.m_bytes.find("\r--");
+        bytes.m_bare_cr != not_found && has_delimiters ? cr_that_matters(line.m_bytes) : not_found;
     if (hidden != not_found) m_report.give(name::bare_cr, line.at(hidden, 1));
     if (m_encoding != transfer_encoding::binary) {
         if (bytes.m_nul != not_found) give_once(name::nul, line.at(bytes.m_nul, 1));

@@ -3,11 +3,15 @@
 
 #include "content_type_check.h"
 
+#include "../parser/lines/character_class.h"
 #include "../parser/standard/boundary.h"
 #include "../parser/standard/content_type.h"
 #include "../parser/standard/field_text.h"
 #include "boundary_check.h"
 #include "parameter_check.h"
+
+#include <algorithm>
+#include <string_view>
 
 namespace mail_structure_detail::findings {
 
@@ -42,21 +46,29 @@ void skip_comments(field_text& text, const field_value& field, const reporter& r
     report.give(name::content_type_comment, field.at(begin, text.place() - begin));
 }
 
+/// Whether a token is not empty and has no byte that RFC 2045 does not allow.
+bool is_ascii_word(std::string_view token) noexcept {
+    const auto is_high = [](char c) { return static_cast<unsigned char>(c) > 127; };
+    return !token.empty() && std::none_of(token.begin(), token.end(), is_high);
+}
+
 /// Looks at what stands before the parameters.
 void check_type(field_text& text, const field_value& field, const reporter& report) {
     skip_comments(text, field, report);
     const std::size_t begin = text.place();
-    const bool has_type = !text.take_token().empty();
+    const std::string_view type = text.take_token();
     skip_comments(text, field, report);
     const bool has_slash = text.take('/');
     skip_comments(text, field, report);
-    if (!has_type || !has_slash || text.take_token().empty()) {
+    const std::string_view subtype = has_slash ? text.take_token() : std::string_view();
+    if (!is_ascii_word(type) || !is_ascii_word(subtype)) {
         text.skip_to_semicolon();
         return report.give(name::content_type_invalid, field.field());
     }
-    const std::size_t end = text.place();
-    if (field.has_fold(begin, end - begin))
-        report.give(name::content_type_folded, field.at(begin, end - begin));
+    const std::size_t length = text.place() - begin;
+    const std::string_view written = field.text().substr(begin, length);
+    if (std::any_of(written.begin(), written.end(), is_space))
+        report.give(name::content_type_white_space, field.at(begin, length));
     skip_comments(text, field, report);
     if (text.at_end() || text.is_at(';')) return;
     const std::size_t junk = text.place();

@@ -164,9 +164,11 @@ void parameter_check::check_quoted(bool is_boundary, piece value) {
 void parameter_check::check_unquoted(bool is_boundary, piece value) {
     if (is_token(text_of(value))) return;
     if (is_boundary)
-        give(mail_findings::name::boundary_unquoted_specials, level::danger, value);
-    else
-        give(mail_findings::name::parameter_unquoted_specials, level::fault, value);
+        return give(mail_findings::name::boundary_unquoted_specials, level::danger, value);
+    // For some readers a quote hides the semicolons behind it.
+    const bool has_quote = text_of(value).find('"') != std::string_view::npos;
+    give(mail_findings::name::parameter_unquoted_specials,
+         has_quote ? level_of_loss() : level::fault, value);
 }
 
 /// Looks at what stands between a value and the next semicolon.

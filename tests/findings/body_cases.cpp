@@ -156,6 +156,8 @@ std::vector<finding_case> cases_of_bodies() {
         {name::mixed_line_ends, "once", "A: b\r\nC: d\n\nhi\n", "note 2 C: d\n"},
         {name::mixed_line_ends, "no_last_line_end", "A: b\r\n\r\nhi", ""},
         {name::bare_cr, "hides_a_delimiter", one_part("\na\r--b\rc\n"), "danger 5 \\r\n"},
+        {name::bare_cr, "ends_a_message_in_a_part", one_part("\na\r").substr(0, 50),
+         "danger 5 \\r\n"},
         {name::bare_cr, "hides_dashes_without_multipart", "A: b\n\na\r--b\n", "fault 3 \\r\n"},
         {name::bare_cr, "in_a_body", "A: b\n\na\rb\nc\rd\n", "fault 3 \\r\n"},
         {name::bare_cr, "in_a_binary_body", encoded("binary", "a\rb\n"), ""},
