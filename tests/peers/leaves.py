@@ -17,6 +17,7 @@ message entity is its one child. Where conventions differ, the form is this:
 
 import email
 import functools
+import re
 import subprocess
 from typing import NamedTuple, Optional
 
@@ -77,7 +78,7 @@ def of_program(program, files, drop_last_line_end=False):
     """What one of the programs of this folder prints of each of the files."""
     names = "".join(f"{file}\n" for file in files).encode()
     printed = subprocess.run([program], input=names, stdout=subprocess.PIPE, check=True).stdout
-    messages = printed.split(b"message\n")[1:]
+    messages = re.split(rb"^message\n", printed, flags=re.MULTILINE)[1:]
     assert len(messages) == len(files), (program, len(messages), len(files))
     return [
         list(with_paths(listed(lines, file.read_bytes(), drop_last_line_end)))
