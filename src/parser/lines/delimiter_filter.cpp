@@ -57,8 +57,8 @@ void delimiter_filter::admit(std::string_view boundary) noexcept {
 void delimiter_filter::choose_what_to_look_at() noexcept {
     const auto compared = [](unsigned char bits) { return bits != 0; };
     const auto behind_last = std::find_if(m_bits.rbegin(), m_bits.rend(), compared);
-    m_end = static_cast<std::uint8_t>(
-        behind_last == m_bits.rend() ? leading_dashes : m_place + (m_bits.rend() - behind_last));
+    const auto count = static_cast<std::size_t>(m_bits.rend() - behind_last);
+    m_end = static_cast<std::uint8_t>(count == 0 ? leading_dashes : m_place + count);
 
     const auto fewer_bits = [](unsigned char a, unsigned char b) {
         return std::popcount(a) < std::popcount(b);
