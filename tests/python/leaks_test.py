@@ -95,3 +95,12 @@ def test_no_references_are_left():
     gc.collect()
     after = [sys.getrefcount(each) for each in (*constants, message)]
     assert all(abs(new - old) < 50 for old, new in zip(counted, after, strict=True))
+
+
+def test_any_number_of_messages_may_end_together():
+    """The parsers of a few of them are kept for the next messages."""
+    for _ in range(3):
+        messages = [mailstructure.parse(b"a: %d\n\n" % number) for number in range(1000)]
+        values = [message.root.field("a").value for message in messages]
+        assert values == [str(number) for number in range(1000)]
+        messages.clear()
