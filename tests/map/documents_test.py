@@ -8,6 +8,7 @@ tests/map/documents_test.py TOOL
 import base64
 import hashlib
 import html.parser
+import json
 import os
 import pathlib
 import re
@@ -28,7 +29,7 @@ SVG = "{http://www.w3.org/2000/svg}"
 XHTML = "{http://www.w3.org/1999/xhtml}"
 # All that the documents are made of. No element here runs or loads anything.
 ELEMENTS = {
-    *(SVG + name for name in ("svg", "title", "style", "g", "rect", "text", "a")),
+    *(SVG + name for name in ("svg", "title", "style", "g", "rect", "path", "text", "a")),
     *(XHTML + name for name in (
         "html", "head", "meta", "title", "style", "body", "header", "main", "section", "div", "h1",
         "h2", "p", "wbr", "ul", "li", "span", "table", "caption", "thead", "tbody", "tr", "th",
@@ -36,10 +37,11 @@ ELEMENTS = {
 }
 # All values of attributes are numbers, words of ours, and links within the document.
 VALUES = {
-    "href": r"#[be]\d+|#map", "id": r"[be]\d+|map|parts",
+    "href": r"#[befm]\d+|#map", "id": r"[befm]\d+|map|parts|findings",
     "class": r"k\d+|d\d|swatch k\d+|[a-z]+", "x": r"[\d.]+", "y": r"[\d.]+",
     "width": r"[\d.]+", "height": r"[\d.]+", "viewBox": r"0 0 \d+ \d+",
-    "scope": "row|col", "role": "group|region", "aria-labelledby": "map|parts",
+    "scope": "row|col", "role": "group|region", "aria-labelledby": "map|parts|findings",
+    "d": r"M[\d.]+ [\d.]+[hlvz\d. -]+",
     "aria-hidden": "true", "tabindex": "0", "lang": "en", "charset": "utf-8",
     "http-equiv": "Content-Security-Policy", "name": "viewport|referrer",
     "content": "no-referrer|width=device-width, initial-scale=1|"
@@ -67,7 +69,7 @@ def maps_of(data):
 class Tags(html.parser.HTMLParser):
     """The elements as a reader of HTML sees them, who does not know XML."""
 
-    VOID = {"meta", "rect", "wbr"}
+    VOID = {"meta", "path", "rect", "wbr"}
 
     def __init__(self):
         super().__init__(convert_charrefs=True)
@@ -114,8 +116,8 @@ class Documents(unittest.TestCase):
         tags.feed(text)
         tags.close()
         self.assertEqual(tags.open, [])
-        self.assertLessEqual({f"{XHTML}{tag}" for tag in tags.names}
-                             - {f"{XHTML}{tag}" for tag in ("svg", "g", "rect", "text")}, ELEMENTS)
+        of_drawings = {f"{XHTML}{tag}" for tag in ("svg", "g", "rect", "path", "text")}
+        self.assertLessEqual({f"{XHTML}{tag}" for tag in tags.names} - of_drawings, ELEMENTS)
         digest = base64.b64encode(hashlib.sha256(style.encode()).digest()).decode()
         policy = (f"default-src 'none'; style-src 'sha256-{digest}'; base-uri 'none'; "
                   "form-action 'none'")
@@ -169,6 +171,38 @@ class Documents(unittest.TestCase):
             for form, document in maps_of(data):
                 with self.subTest(data=data, form=form):
                     self.check(form, document)
+
+    def test_findings_are_those_of_check(self):
+        for path in SAMPLES + [None]:
+            data = path.read_bytes() if path else hostile.message(hostile.TEXTS["all"])
+            printed = subprocess.run([TOOL, "check", "--json"], input=data, capture_output=True,
+                                     check=False).stdout.splitlines()
+            expected = sorted((found["level"], found["name"], found["offset"], found["line"])
+                              for found in map(json.loads, printed)
+                              if found["name"] != "rule-sets-differ")
+            root = self.check("html", run("--format=html", data=data))
+            found = []
+            for row in root.iter(XHTML + "tr"):
+                if row.get("id", "").startswith("m"):
+                    name, level, _, line, place = ("".join(cell.itertext()) for cell in row)
+                    found.append((level, name, int(place.split("-")[0]),
+                                  int(line.replace(",", ""))))
+            with self.subTest(path=path):
+                self.assertEqual(sorted(found), expected)
+                order = [level for level, _, _, _ in found]
+                self.assertEqual(order, sorted(order, key=("danger", "fault", "note").index))
+        self.assertGreater(len(found), 5)
+
+    def test_many_findings(self):
+        data = b"From: a\n" + b"X: \0\n" * 200000 + b"\n"
+        for form in ("svg", "html"):
+            root = self.check(form, run(f"--format={form}", data=data))
+            marks = [group for group in root.iter(SVG + "g") if group.get("class") == "danger"]
+            titles = "".join(group[0].text for group in marks)
+            count = sum(int(number.replace(",", ""))
+                        for number in re.findall(r"([\d,]+) findings", titles))
+            self.assertGreaterEqual(count, 200000)
+        self.assertRegex("".join(root.itertext()), "The first 200 of 200,00[0-9] findings")
 
     def test_same_bytes_twice(self):
         for form in ("svg", "html"):

@@ -66,7 +66,7 @@ void expect_lanes_in_order(const map_layout& layout) {
 }
 
 TEST(map_layout, of_an_empty_file_is_empty) {
-    const map_layout layout = lay_out(runs_of(""), 1);
+    const map_layout layout = lay_out(runs_of(""), {}, 1);
     EXPECT_TRUE(layout.m_rows.empty());
     EXPECT_TRUE(layout.m_strip.empty());
     EXPECT_EQ(layout.m_box_of.size(), 1U);
@@ -88,7 +88,7 @@ TEST(map_layout, has_rows_of_round_numbers_of_bytes) {
         byte_runs runs;
         runs.m_runs.push_back({0, each.m_size, 0, byte_kind::other});
         runs.m_entities.push_back({0, each.m_size, 0});
-        const map_layout layout = lay_out(runs, 1);
+        const map_layout layout = lay_out(runs, {}, 1);
         EXPECT_EQ(layout.m_row_bytes, each.m_row_bytes) << each.m_size;
         EXPECT_EQ(layout.m_rows.size(), each.m_rows) << each.m_size;
         expect_whole(layout, each.m_size);
@@ -98,7 +98,7 @@ TEST(map_layout, has_rows_of_round_numbers_of_bytes) {
 TEST(map_layout, has_a_box_with_the_bounds_of_each_piece) {
     const std::string input = message_of(3, 100);
     const byte_runs runs = runs_of(input);
-    const map_layout layout = lay_out(runs, 1);
+    const map_layout layout = lay_out(runs, {}, 1);
     ASSERT_EQ(layout.m_strip.size(), runs.m_runs.size());
     for (std::size_t index = 0; index < runs.m_runs.size(); ++index) {
         EXPECT_EQ(layout.m_strip[index].m_begin, runs.m_runs[index].m_begin);
@@ -120,7 +120,7 @@ TEST(map_layout, has_a_box_with_the_bounds_of_each_piece) {
 TEST(map_layout, folds_neighbours_of_less_than_a_pixel) {
     // Rows of 20,000 bytes: a pixel is 33.3 bytes. All pieces are smaller than that.
     const std::string input = message_of(40000, 20);
-    const map_layout layout = lay_out(runs_of(input), 1);
+    const map_layout layout = lay_out(runs_of(input), {}, 1);
     ASSERT_EQ(layout.m_row_bytes, 20000U);
     // The header block of the message is larger than a pixel. The rest is a box in each row.
     EXPECT_EQ(layout.m_strip.size(), layout.m_rows.size() + 1);
@@ -135,12 +135,12 @@ TEST(map_layout, folds_neighbours_of_less_than_a_pixel) {
 TEST(map_layout, does_not_fold_what_is_as_wide_as_a_pixel) {
     // Rows of 20,000 bytes. The bodies are of 34 bytes, the next more than a pixel.
     const std::string input = message_of(25000, 34);
-    const map_layout layout = lay_out(runs_of(input), 1);
+    const map_layout layout = lay_out(runs_of(input), {}, 1);
     ASSERT_EQ(layout.m_row_bytes, 20000U);
     EXPECT_GT(layout.m_strip.size(), 50000U);
     EXPECT_EQ(layout.m_folded_entities, 0U);
     expect_whole(layout, static_cast<std::uint32_t>(input.size()));
-    const map_layout coarser = lay_out(runs_of(input), 2);
+    const map_layout coarser = lay_out(runs_of(input), {}, 2);
     EXPECT_LE(coarser.m_strip.size(), most_rows + 1);
     expect_whole(coarser, static_cast<std::uint32_t>(input.size()));
 }
@@ -154,7 +154,7 @@ TEST(map_layout, folds_what_is_smaller_than_the_limit_and_not_what_is_as_large) 
             runs.m_runs.push_back({begin, begin + length, 0, byte_kind::header});
         runs.m_runs.push_back({100, size, 0, byte_kind::other});
         runs.m_entities.push_back({0, size, 0});
-        const map_layout layout = lay_out(runs, 3);
+        const map_layout layout = lay_out(runs, {}, 3);
         ASSERT_EQ(layout.m_row_bytes, 1000U);
         EXPECT_EQ(layout.m_folded_runs, length == 4 ? 25U : 0U);
         expect_whole(layout, size);
@@ -166,7 +166,7 @@ TEST(map_layout, does_not_fold_small_entities_that_are_far_apart) {
     const std::uint32_t size = 60000;
     runs.m_runs.push_back({0, size, 0, byte_kind::other});
     runs.m_entities = {{0, size, 0}, {10, 11, 1}, {11, 12, 1}, {500, 501, 1}, {501, 502, 1}};
-    const map_layout layout = lay_out(runs, 1);
+    const map_layout layout = lay_out(runs, {}, 1);
     ASSERT_EQ(layout.m_lanes.size(), 2U);
     EXPECT_EQ(layout.m_lanes[0].m_begin, 10U);
     EXPECT_EQ(layout.m_lanes[0].m_end, 12U);
@@ -174,9 +174,52 @@ TEST(map_layout, does_not_fold_small_entities_that_are_far_apart) {
     EXPECT_EQ(layout.m_folded_entities, 4U);
 }
 
+TEST(map_layout, marks_the_places_of_findings) {
+    using mail_findings::level;
+    using mail_findings::name;
+    // Rows of 1,000 bytes: 9 pixels are 15 bytes.
+    byte_runs runs;
+    const std::uint32_t size = 60000;
+    runs.m_runs.push_back({0, size, 0, byte_kind::other});
+    runs.m_entities.push_back({0, size, 0});
+    const std::vector<map_finding> findings = {
+        {10, 12, 1, name::from_line, level::note}, {24, 24, 1, name::nul, level::danger},
+        {25, 26, 1, name::nul, level::danger},     {990, 991, 2, name::nul, level::fault},
+        {1000, 1001, 3, name::nul, level::fault},  {1001, 1002, 3, name::nul, level::fault},
+        {size, size, 9, name::nul, level::danger},
+    };
+    const map_layout layout = lay_out(runs, findings, 1);
+    std::string marks; // of each: its place, its worst finding, how many they are
+    for (const finding_mark& mark : layout.m_marks)
+        marks += std::to_string(mark.m_offset) + ':' + std::to_string(mark.m_finding) + '*'
+                 + std::to_string(mark.m_findings) + ' ';
+    EXPECT_EQ(marks, "10:1*2 25:2*1 990:3*1 1000:4*2 59999:6*1 ");
+    EXPECT_EQ(layout.m_mark_of, (std::vector<std::uint32_t>{0, 0, 1, 2, 3, 3, 4}));
+    EXPECT_EQ(layout.m_findings, (std::array<std::uint32_t, level_count>{1, 3, 3}));
+    EXPECT_TRUE(layout.m_rows[0].m_has_marks);
+    EXPECT_TRUE(layout.m_rows[1].m_has_marks);
+    EXPECT_FALSE(layout.m_rows[2].m_has_marks);
+    EXPECT_TRUE(layout.m_rows[59].m_has_marks);
+    EXPECT_EQ(lay_out(runs, findings, 128).m_marks.size(), 3U);
+}
+
+TEST(map_layout, has_no_place_for_findings_of_an_empty_file) {
+    const std::vector<map_finding> findings = findings_of("");
+    EXPECT_FALSE(findings.empty());
+    EXPECT_TRUE(lay_out(runs_of(""), findings, 1).m_marks.empty());
+}
+
+TEST(finding_list, is_in_the_order_of_places) {
+    const std::vector<map_finding> findings =
+        findings_of("Content-Type : multipart/mixed; boundary=b\n\n--b\n\nx\0y\n");
+    ASSERT_FALSE(findings.empty());
+    for (std::size_t index = 1; index < findings.size(); ++index)
+        EXPECT_LE(findings[index - 1].m_begin, findings[index].m_begin);
+}
+
 TEST(map_layout, leads_deep_entities_to_the_last_lane) {
     const std::string input = levels(most_lanes + 3);
-    const map_layout layout = lay_out(runs_of(input), 1);
+    const map_layout layout = lay_out(runs_of(input), {}, 1);
     EXPECT_EQ(layout.m_deep_entities, 3U);
     EXPECT_EQ(layout.m_lanes.size(), most_lanes);
     EXPECT_EQ(layout.m_lanes.back().m_lane, most_lanes);
@@ -187,7 +230,7 @@ TEST(map_layout, leads_deep_entities_to_the_last_lane) {
 TEST(map_layout, gives_an_entity_without_bytes_no_box) {
     // The separators follow each other.
     const map_layout layout =
-        lay_out(runs_of("Content-Type: multipart/mixed; boundary=b\n\n--b\n--b\n\nx\n"), 1);
+        lay_out(runs_of("Content-Type: multipart/mixed; boundary=b\n\n--b\n--b\n\nx\n"), {}, 1);
     ASSERT_EQ(layout.m_box_of.size(), 3U);
     EXPECT_EQ(layout.m_box_of[1], std::nullopt);
     EXPECT_EQ(layout.m_box_of[2], 0U);
@@ -195,7 +238,7 @@ TEST(map_layout, gives_an_entity_without_bytes_no_box) {
 
 TEST(map_layout, marks_rows_that_continue_the_one_before) {
     const std::string input = message_of(1, 500);
-    const map_layout layout = lay_out(runs_of(input), 1);
+    const map_layout layout = lay_out(runs_of(input), {}, 1);
     std::string marks; // of each row: whether it continues, and its lanes
     for (const map_row& row : layout.m_rows)
         marks += std::string(row.m_continues ? "+" : "-") + std::to_string(row.m_lanes) + ' ';
@@ -209,7 +252,7 @@ TEST(map_layout, holds_all_bytes_at_every_fold) {
     for (const std::size_t body : {1, 40, 41, 999, 100000}) {
         const std::string input = message_of(7, body) + message_of(100, 3) + levels(20);
         for (std::uint32_t pixels = 1; pixels <= 1024; pixels *= 4) {
-            const map_layout layout = lay_out(runs_of(input), pixels);
+            const map_layout layout = lay_out(runs_of(input), {}, pixels);
             expect_whole(layout, static_cast<std::uint32_t>(input.size()));
             expect_lanes_in_order(layout);
         }

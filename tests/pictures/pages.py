@@ -8,8 +8,8 @@ sys.path.insert(0, str(TOP / "tests/map"))
 
 import hostile  # noqa: E402
 
-# It claims to be from a bank, has an attachment whose name reads as if it were a PDF, and text that
-# differs between its two forms.
+# It claims to be from a bank, has an attachment of two types whose name reads as if it were a PDF,
+# and text that differs between its two forms.
 PHISHING = """\
 From: "support@bank.example" <promo@mailer.example>
 To: customer@mail.example
@@ -38,6 +38,7 @@ Content-Type: text/html; charset=utf-8
 --outer
 Content-Type: application/octet-stream;
  name*=utf-8''invoice%E2%80%AEfdp.exe
+Content-Type: text/plain
 Content-Disposition: attachment; filename*=utf-8''invoice%E2%80%AEfdp.exe
 Content-Transfer-Encoding: base64
 

@@ -80,7 +80,7 @@ void describe_map(CLI::App& command, map_options& options) {
             options.m_format = choice == 0 ? map_format::svg : map_format::html;
         },
         "What to write, whatever the output is called: svg, the drawing alone, or html, a page "
-        "with the drawing, the parts and the header fields");
+        "with the drawing, the parts, the findings and the header fields");
     describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
     command

@@ -60,6 +60,14 @@ std::string drawing(const map_layout& layout, const drawn_strip& strip) {
            + "\" role=\"group\" aria-labelledby=\"map\">\n" + strip.m_elements + "</svg>\n";
 }
 
+std::string findings(const map_layout& layout, const page_tables& tables) {
+    const std::string table = tables.findings(layout);
+    if (table.empty()) return "";
+    return "<section>\n<h2 id=\"findings\">Findings</h2>\n"
+           "<div class=\"long\" role=\"region\" aria-labelledby=\"findings\" tabindex=\"0\">\n"
+           + table + "</div>\n</section>\n";
+}
+
 } // namespace
 
 std::string html_page(std::string_view file_name, const map_layout& layout,
@@ -71,7 +79,7 @@ std::string html_page(std::string_view file_name, const map_layout& layout,
            + "<section>\n<h2 id=\"map\">Map</h2>\n" + drawing(layout, strip) + notes(layout)
            + "</section>\n<section>\n<h2 id=\"parts\">Parts</h2>\n"
            + "<div class=\"long\" role=\"region\" aria-labelledby=\"parts\" tabindex=\"0\">\n"
-           + tables.parts(layout) + "</div>\n"
-           + "</section>\n</div>\n<section>\n<h2>Header fields</h2>\n" + tables.fields()
+           + tables.parts(layout) + "</div>\n" + "</section>\n</div>\n" + findings(layout, tables)
+           + "<section>\n<h2>Header fields</h2>\n" + tables.fields()
            + "</section>\n</main>\n</body>\n</html>\n";
 }

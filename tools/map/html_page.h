@@ -1,4 +1,5 @@
-// The map as a page: the drawing, beside it the parts, and after them the header fields.
+// The map as a page: the drawing, beside it the parts, and after them the findings and the
+// header fields.
 
 #ifndef TOOLS_MAP_HTML_PAGE_H
 #define TOOLS_MAP_HTML_PAGE_H

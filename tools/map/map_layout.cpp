@@ -6,6 +6,9 @@
 
 namespace {
 
+/// Marks that are nearer to one another than this are one mark.
+constexpr std::uint32_t mark_pixels = 9;
+
 /// The length of a row: 50, 100, 200, 500 and so on, so that the offsets at which rows begin are
 /// easy to read.
 std::uint32_t row_bytes_for(std::uint32_t size) {
@@ -23,7 +26,7 @@ std::vector<map_row> rows_of(std::uint32_t size, std::uint32_t row_bytes) {
     for (std::uint64_t begin = 0; begin < size; begin += row_bytes) {
         const std::uint64_t end = std::min<std::uint64_t>(begin + row_bytes, size);
         rows.push_back(
-            {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end), 0, false});
+            {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end), 0, false, false});
     }
     return rows;
 }
@@ -115,9 +118,35 @@ void count_lanes(map_layout& layout) {
     }
 }
 
+void mark(map_layout& layout, const std::vector<map_finding>& findings) {
+    if (layout.m_rows.empty()) return;
+    const std::uint64_t nearest =
+        std::uint64_t{mark_pixels} * layout.m_fold_pixels * layout.m_row_bytes / row_pixels;
+    std::uint32_t index = 0;
+    for (const map_finding& finding : findings) {
+        ++layout.m_findings.at(static_cast<std::size_t>(finding.m_level));
+        // What is missing at the end of the file is marked at its last byte.
+        const std::uint32_t offset = std::min(finding.m_begin, layout.m_size - 1);
+        const std::uint32_t row = offset / layout.m_row_bytes;
+        finding_mark* const last = layout.m_marks.empty() ? nullptr : &layout.m_marks.back();
+        const bool joins = last != nullptr && last->m_offset / layout.m_row_bytes == row
+                           && offset - last->m_offset < std::max<std::uint64_t>(nearest, 1);
+        if (joins) {
+            ++last->m_findings;
+            if (finding.m_level > findings[last->m_finding].m_level) last->m_finding = index;
+        } else {
+            layout.m_marks.push_back({offset, index, 1});
+        }
+        layout.m_rows[row].m_has_marks = true;
+        layout.m_mark_of.push_back(static_cast<std::uint32_t>(layout.m_marks.size() - 1));
+        ++index;
+    }
+}
+
 } // namespace
 
-map_layout lay_out(const byte_runs& runs, std::uint32_t fold_pixels) {
+map_layout lay_out(const byte_runs& runs, const std::vector<map_finding>& findings,
+                   std::uint32_t fold_pixels) {
     map_layout layout;
     layout.m_size = runs.m_runs.empty() ? 0 : runs.m_runs.back().m_end;
     layout.m_row_bytes = row_bytes_for(layout.m_size);
@@ -130,5 +159,6 @@ map_layout lay_out(const byte_runs& runs, std::uint32_t fold_pixels) {
     for (const entity_place& entity : runs.m_entities) folder.add(entity, index++);
     mark_continuing_rows(layout);
     count_lanes(layout);
+    mark(layout, findings);
     return layout;
 }

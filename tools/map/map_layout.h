@@ -6,6 +6,7 @@
 
 #include "map/byte_kind.h"
 #include "map/byte_runs.h"
+#include "map/finding_list.h"
 
 #include <algorithm>
 #include <array>
@@ -42,6 +43,13 @@ struct lane_box {
     std::uint32_t m_lane = 1;     // the depth of the entities
 };
 
+/// A mark below the strip: one finding, or several that are too near to one another.
+struct finding_mark {
+    std::uint32_t m_offset = 0;   // of the first one
+    std::uint32_t m_finding = 0;  // the index of the worst one, the first of these
+    std::uint32_t m_findings = 1; // how many they are
+};
+
 struct map_row {
     std::uint32_t m_begin = 0;
     std::uint32_t m_end = 0;
@@ -49,6 +57,7 @@ struct map_row {
     /// The row holds nothing but more of the one run with which the row before ends, and that run
     /// fills enough of the row before to be recognised there. No lane box begins in such a row.
     bool m_continues = false;
+    bool m_has_marks = false;
 };
 
 struct map_layout {
@@ -64,15 +73,22 @@ struct map_layout {
     /// For each entity, the index of the lane box that it is in, or of that of the nearest ancestor
     /// that has one. Nothing for the message itself and for an entity without bytes.
     std::vector<std::optional<std::uint32_t>> m_box_of;
-    bytes_by_kind m_bytes = {}; // of the whole file
+    /// In the order of the file.
+    std::vector<finding_mark> m_marks;
+    /// For each finding, the index of its mark. Empty if the file is.
+    std::vector<std::uint32_t> m_mark_of;
+    std::array<std::uint32_t, level_count> m_findings = {}; // by their levels
+    bytes_by_kind m_bytes = {};                             // of the whole file
     std::uint32_t m_folded_runs = 0;
     std::uint32_t m_folded_entities = 0;
     std::uint32_t m_deep_entities = 0; // they are too deep to have a lane
 };
 
-/// Linear in the runs and entities. Does not recurse.
+/// Linear in the runs, entities and findings. Does not recurse.
+/// @param findings     in the order of their places
 /// @param fold_pixels  1 or more
-map_layout lay_out(const byte_runs& runs, std::uint32_t fold_pixels);
+map_layout lay_out(const byte_runs& runs, const std::vector<map_finding>& findings,
+                   std::uint32_t fold_pixels);
 
 /// Calls a function for each row that holds bytes from begin to end, with the index of the row and
 /// the begin and the end of those bytes that it holds.

@@ -25,9 +25,13 @@ constexpr const char* colours = R"(
 .lanes rect{fill:#fff;stroke:#555;stroke-width:1}
 .lanes .holder rect{fill:#dfe3e8}
 .lanes .many rect{fill:#fff;stroke-dasharray:2 1}
+.marks .danger{fill:#d40000}
+.marks .fault{fill:#a05a00}
+.marks .note{fill:#666}
 .strip text{fill:#000}
 .lanes text,.offsets text,.words text{fill:#1a1a1a}
 .lanes :target rect,.lanes a:focus rect{stroke:#c00000;stroke-width:2.5}
+.marks :target path,.marks a:focus path{stroke:#c00000;stroke-width:2.5}
 svg text{font:11px ui-monospace,"DejaVu Sans Mono",Menlo,Consolas,monospace}
 svg .offsets text{text-anchor:end}
 )";
@@ -35,10 +39,14 @@ svg .offsets text{text-anchor:end}
 constexpr const char* dark_colours = R"(
 .k2{fill:#6b7480;background:#6b7480}
 .edge{fill:#16181c}
+.marks .danger{fill:#ff6b6b}
+.marks .fault{fill:#e8a838}
+.marks .note{fill:#a5a5a5}
 .lanes rect,.lanes .many rect{fill:#1b1e23;stroke:#a9b0b8}
 .lanes .holder rect{fill:#3a424c}
 .lanes text,.offsets text,.words text{fill:#e6e6e6}
 .lanes :target rect,.lanes a:focus rect{stroke:#ff8080}
+.marks :target path,.marks a:focus path{stroke:#ff8080}
 )";
 
 constexpr const char* words_of_a_drawing = R"(

@@ -26,11 +26,36 @@ std::string summary_of(const map_layout& layout) {
            + " bytes; before it stands the offset of its first byte.";
 }
 
+namespace {
+
+/// "The marks below the strip are findings: 2 dangers (triangles), 1 note (bar)."
+std::string marks_text(const map_layout& layout) {
+    struct kind_of_mark {
+        mail_findings::level m_level;
+        const char* m_one;
+        const char* m_several;
+    };
+    using mail_findings::level;
+    std::string text;
+    for (const kind_of_mark& each :
+         {kind_of_mark{level::danger, "danger (triangle)", "dangers (triangles)"},
+          kind_of_mark{level::fault, "fault (diamond)", "faults (diamonds)"},
+          kind_of_mark{level::note, "note (bar)", "notes (bars)"}}) {
+        const std::uint32_t count = layout.m_findings.at(static_cast<std::size_t>(each.m_level));
+        if (count == 0) continue;
+        text += (text.empty() ? "" : ", ") + counted(count, each.m_one, each.m_several);
+    }
+    return "The marks below the strip are findings: " + text + '.';
+}
+
+} // namespace
+
 std::vector<std::string> notes_of(const map_layout& layout) {
     std::vector<std::string> notes;
     if (!layout.m_lanes.empty())
         notes.emplace_back("The outlined boxes above the coloured strip are the parts, one lane "
                            "for each level of nesting.");
+    if (!layout.m_marks.empty()) notes.push_back(marks_text(layout));
     if (std::any_of(layout.m_rows.begin(), layout.m_rows.end(),
                     [](const map_row& row) { return row.m_continues; }))
         notes.emplace_back("A thin row holds nothing but more of what the row above it ends with.");

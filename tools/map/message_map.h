@@ -1,5 +1,6 @@
 // The map of a message: which bytes of the file belong to what, as a picture, or as a page with the
-// picture, the parts and the header fields. One document that loads nothing and runs nothing.
+// picture, the parts, the findings and the header fields. One document that loads and runs
+// nothing.
 
 #ifndef TOOLS_MAP_MESSAGE_MAP_H
 #define TOOLS_MAP_MESSAGE_MAP_H
@@ -25,7 +26,8 @@ struct mapped_message {
 /// the map says.
 constexpr std::size_t most_map_bytes = std::size_t{1024} * 1024;
 
-/// Linear in the message. Does not recurse. The same message gives the same bytes.
+/// Linear in the message, but for the sorting of findings. Does not recurse. The same
+/// message gives the same bytes.
 /// @throws std::bad_alloc
 std::string map_of(const mapped_message& message, map_format format);
 

@@ -17,6 +17,7 @@ using MimeObj = MailStructure::MimeObj;
 // What the rows of the two tables may take, in bytes, and how many parts are listed.
 constexpr std::size_t most_parts_bytes = std::size_t{300} * 1024;
 constexpr std::size_t most_parts = 1000;
+constexpr std::size_t most_findings = 200; // no row of these takes more than 500 bytes
 constexpr std::size_t most_fields_bytes = std::size_t{200} * 1024;
 // What is shown of a text, in bytes.
 constexpr std::size_t longest_name = 120;
@@ -87,7 +88,8 @@ std::string extent_text(std::uint64_t listed, std::uint64_t all, const std::stri
 
 } // namespace
 
-page_tables::page_tables(const MimeObj& root, const tree_source& source, const byte_runs& runs) {
+page_tables::page_tables(const MimeObj& root, const tree_source& source, const byte_runs& runs,
+                         const std::vector<map_finding>& findings) {
     mail_sections::walk walk(root);
     while (const mail_sections::visited* const visited = walk.next()) {
         if (m_parts_bytes < most_parts_bytes && m_parts.size() < most_parts
@@ -95,6 +97,28 @@ page_tables::page_tables(const MimeObj& root, const tree_source& source, const b
             list_part(*visited, runs.m_entities[m_all_parts], source);
         list_fields(*visited->m_entity, visited->m_name, source);
         ++m_all_parts;
+    }
+    m_listed.m_entities = static_cast<std::uint32_t>(m_parts.size());
+    list_findings(findings);
+}
+
+void page_tables::list_findings(const std::vector<map_finding>& findings) {
+    using mail_findings::level;
+    m_all_findings = findings.size();
+    m_listed.m_findings.assign(findings.size(), false);
+    for (const level wanted : {level::danger, level::fault, level::note}) {
+        for (std::uint32_t index = 0; index < findings.size(); ++index) {
+            if (m_findings.size() >= most_findings) return;
+            const map_finding& finding = findings[index];
+            if (finding.m_level != wanted) continue;
+            const std::string explanation(mail_findings::explanation_of(finding.m_name));
+            m_listed.m_findings[index] = true;
+            m_findings.push_back({index, std::string(mail_findings::text_of(finding.m_name)),
+                                  cell(std::string(mail_findings::text_of(wanted)))
+                                      + cell(text_node(explanation, explanation.size()))
+                                      + cell(grouped(finding.m_line), "size")
+                                      + cell(place_text(finding.m_begin, finding.m_end), "place")});
+        }
     }
 }
 
@@ -151,6 +175,27 @@ std::string page_tables::parts(const map_layout& layout) const {
                  "<th scope=\"col\">Part</th><th scope=\"col\">Type</th>"
                  "<th scope=\"col\">Name or subject</th>"
                  "<th scope=\"col\" class=\"size\">Bytes</th><th scope=\"col\">Place</th>",
+                 rows);
+}
+
+std::string page_tables::findings(const map_layout& layout) const {
+    if (m_findings.empty()) return "";
+    std::string rows;
+    for (const finding_row& row : m_findings) {
+        std::string name = row.m_name;
+        if (!layout.m_mark_of.empty()) {
+            const std::string mark = std::to_string(layout.m_mark_of[row.m_finding]);
+            name = "<a href=\"#f" + mark + "\">" + name + "</a>";
+        }
+        rows += "<tr id=\"m" + std::to_string(row.m_finding) + "\"><th scope=\"row\">" + name
+                + "</th>" + row.m_cells + "</tr>\n";
+    }
+    return table("findings",
+                 extent_text(m_findings.size(), m_all_findings, "finding", "findings")
+                     + " A name leads to the place on the map.",
+                 "<th scope=\"col\">Finding</th><th scope=\"col\">Level</th>"
+                 "<th scope=\"col\">What it means</th><th scope=\"col\" class=\"size\">Line</th>"
+                 "<th scope=\"col\">Place</th>",
                  rows);
 }
 

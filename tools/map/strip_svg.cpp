@@ -16,6 +16,7 @@ constexpr std::uint32_t row_gap = 7;
 // Of a row that continues the one before, which has no lanes, no offset and no label.
 constexpr std::uint32_t thin_height = 6;
 constexpr std::uint32_t thin_gap = 2;
+constexpr std::uint32_t mark_height = 8; // below the strip of a row that has marks
 /// A character of a label takes no more than this, on small screens too; the labels are ASCII.
 constexpr std::uint64_t character_thousandths = 7250;
 
@@ -31,9 +32,10 @@ std::string attribute(const char* name, const std::string& value) {
 
 class strip_writer {
 public:
-    strip_writer(const map_layout& layout, const entity_labels& labels, std::uint32_t top,
-                 std::uint32_t linked_entities)
-        : m_layout(layout), m_labels(labels), m_linked_entities(linked_entities), m_height(top) {
+    strip_writer(const map_layout& layout, const std::vector<map_finding>& findings,
+                 const entity_labels& labels, std::uint32_t top, const listed_rows& listed)
+        : m_layout(layout), m_findings(findings), m_labels(labels), m_listed(listed),
+          m_height(top) {
         const std::uint32_t last_offset = layout.m_rows.empty() ? 0 : layout.m_rows.back().m_begin;
         m_left = 12
                  + static_cast<std::uint32_t>(std::to_string(last_offset).size()
@@ -45,8 +47,9 @@ public:
             if (!is_thin && was_thin) m_height += row_gap - thin_gap;
             was_thin = is_thin;
             m_strip_tops.push_back(m_height + row.m_lanes * lane_height);
-            m_height =
-                m_strip_tops.back() + (is_thin ? thin_height + thin_gap : strip_height + row_gap);
+            m_height = m_strip_tops.back()
+                       + (is_thin ? thin_height + thin_gap : strip_height + row_gap)
+                       + (row.m_has_marks ? mark_height : 0);
         }
     }
 
@@ -64,6 +67,9 @@ public:
         m_out += "</g>\n<g class=\"lanes\">\n";
         std::uint32_t index = 0;
         for (const lane_box& box : m_layout.m_lanes) draw(box, index++);
+        m_out += "</g>\n<g class=\"marks\">\n";
+        index = 0;
+        for (const finding_mark& mark : m_layout.m_marks) draw(mark, index++);
         m_out += "</g>\n";
         return {std::move(m_out), m_left + row_pixels + 6, m_height};
     }
@@ -125,7 +131,7 @@ private:
 
     void draw(const lane_box& box, std::uint32_t index) {
         const bool folded = box.m_entities > 1;
-        const bool linked = box.m_entity < m_linked_entities;
+        const bool linked = box.m_entity < m_listed.m_entities;
         const entity_label& label = m_labels.at(box.m_entity);
         if (linked) m_out += "<a href=\"#e" + std::to_string(box.m_entity) + "\">";
         m_out += "<g id=\"b" + std::to_string(index) + "\" class=\"";
@@ -146,6 +152,39 @@ private:
                 add_label(texts.back(), piece, top + 11);
         }
         m_out += linked ? "</g></a>\n" : "</g>\n";
+    }
+
+    /// The point of a mark touches the strip. Levels differ in their forms, not by colours alone.
+    void draw(const finding_mark& mark, std::uint32_t index) {
+        const map_finding& finding = m_findings[mark.m_finding];
+        const std::uint32_t row = mark.m_offset / m_layout.m_row_bytes;
+        const std::uint32_t height = m_layout.m_rows[row].m_continues ? thin_height : strip_height;
+        const bool linked = !m_listed.m_findings.empty() && m_listed.m_findings[mark.m_finding];
+        if (linked) m_out += "<a href=\"#m" + std::to_string(mark.m_finding) + "\">";
+        m_out += "<g id=\"f" + std::to_string(index) + "\" class=\"";
+        m_out += mail_findings::text_of(finding.m_level);
+        m_out += "\"><title>" + title_of(mark, finding) + "</title><path d=\"M"
+                 + decimal(x_of(row, mark.m_offset)) + ' '
+                 + std::to_string(m_strip_tops[row] + height + 1) + form_of(finding.m_level)
+                 + "\"/></g>" + (linked ? "</a>\n" : "\n");
+    }
+
+    static const char* form_of(mail_findings::level level) {
+        switch (level) {
+        case mail_findings::level::danger: return "l-5 8h10z";     // a triangle
+        case mail_findings::level::fault: return "l-4 4l4 4l4-4z"; // a diamond
+        default: return "h-1.5v7h3v-7z";                           // a bar
+        }
+    }
+
+    static std::string title_of(const finding_mark& mark, const map_finding& finding) {
+        std::string title;
+        if (mark.m_findings > 1)
+            title = counted(mark.m_findings, "finding", "findings") + ", the worst: ";
+        title += mail_findings::text_of(finding.m_level);
+        title += ": ";
+        title += mail_findings::text_of(finding.m_name);
+        return title + " at byte " + std::to_string(finding.m_begin);
     }
 
     std::uint32_t lanes_of(const box_piece& piece) const {
@@ -224,8 +263,9 @@ private:
     }
 
     const map_layout& m_layout;
+    const std::vector<map_finding>& m_findings;
     const entity_labels& m_labels;
-    std::uint32_t m_linked_entities;
+    const listed_rows& m_listed;
     std::vector<std::uint32_t> m_strip_tops; // of each row
     std::uint32_t m_height;
     std::uint32_t m_left; // where the rows begin
@@ -242,7 +282,7 @@ std::string decimal(std::uint64_t thousandths) {
     return text.substr(0, text.find_last_not_of('0') + 1);
 }
 
-drawn_strip draw_strip(const map_layout& layout, const entity_labels& labels, std::uint32_t top,
-                       std::uint32_t linked_entities) {
-    return strip_writer(layout, labels, top, linked_entities).draw();
+drawn_strip draw_strip(const map_layout& layout, const std::vector<map_finding>& findings,
+                       const entity_labels& labels, std::uint32_t top, const listed_rows& listed) {
+    return strip_writer(layout, findings, labels, top, listed).draw();
 }
