@@ -1,7 +1,8 @@
 // Parses a message, checks the rules that every tree obeys, and parses again with the filled
 // object. Then does with the tree what hosts do: copies, assignments, the dump, clear, destruction.
-// Breaks off a feeder as well.
+// Breaks off a feeder and looks for findings as well.
 
+#include <mail_findings.h>
 #include <mail_structure.h>
 
 #include "fuzz_options.h"
@@ -121,6 +122,19 @@ void live_on(MailStructure& message, MailStructure::MimeObj& copy) {
     require_cleared(target);
 }
 
+/// Findings lie within the message.
+void look_for_findings(std::string_view message) {
+    mail_findings::find(message, [message](const mail_findings::finding& found) {
+        fuzz::require(found.m_offset <= message.size()
+                          && found.m_length <= message.size() - found.m_offset,
+                      "a finding lies within the message");
+        fuzz::require(found.m_line >= 1 && found.m_line <= found.m_offset + 1,
+                      "a finding names a line that there can be");
+        fuzz::require(found.m_level <= mail_findings::highest_level_of(found.m_name),
+                      "a finding does not exceed the level of its name");
+    });
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -129,6 +143,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MailStructure message;
     message.m_keep_text = input.m_keep_text;
     const outcome first = fill(message, input);
+    look_for_findings(input.m_message);
     fuzz::require(message.m_root.m_parent == nullptr, "the root has no parent");
     const bool all_read =
         !input.has_faulty_stream() && input.m_exceptions == std::ios_base::goodbit;

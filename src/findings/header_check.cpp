@@ -38,6 +38,7 @@ std::size_t name_bytes_of(std::string_view text) noexcept {
 void header_check::begin(header_of whose) {
     m_whose = whose;
     m_has_lines = false;
+    m_is_at_front = true;
     m_kind = field_kind::none;
     m_fields_seen = 0;
     m_type.reset();
@@ -46,14 +47,16 @@ void header_check::begin(header_of whose) {
 }
 
 bool header_check::take(const message_line& line) {
+    const bool is_at_front = std::exchange(m_is_at_front, false);
     const bool is_first = !std::exchange(m_has_lines, true);
     check_header_bytes(line, m_report);
     if (line.m_text.empty()) {
-        if (is_first && m_whose != header_of::part) m_report.give(name::header_empty, line.whole());
+        if (is_at_front && m_whose != header_of::part)
+            m_report.give(name::header_empty, line.whole());
         return true;
     }
     if (is_blank(line.m_text.front())) {
-        if (is_first)
+        if (is_at_front)
             m_report.give(name::header_begins_with_blank, line.whole());
         else if (is_all_blank(line.m_text))
             m_report.give(name::blank_line_in_header, line.whole());
@@ -68,6 +71,7 @@ bool header_check::take(const message_line& line) {
     if (name_bytes == 0 || colon == line.m_text.size() || line.m_text[colon] != ':') {
         const bool is_from_line =
             is_first && m_whose == header_of::root && line.m_text.starts_with("From ");
+        m_is_at_front = is_from_line;
         m_report.give(is_from_line ? name::from_line : name::header_line_is_no_field, line.whole());
         return false;
     }

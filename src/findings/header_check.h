@@ -57,6 +57,7 @@ private:
     const reporter& m_report;
     header_of m_whose = header_of::root;
     bool m_has_lines = false;
+    bool m_is_at_front = true; // no line has come, or the separator line of an mbox alone
     field_kind m_kind = field_kind::none;
     field_value m_value;             // of a field of the kinds content_type and transfer_encoding
     std::uint32_t m_fields_seen = 0; // a bit for each field that may occur once only

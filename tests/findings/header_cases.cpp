@@ -32,6 +32,8 @@ std::vector<finding_case> cases_of_lines() {
         {name::from_line, "first", "From a\nB: c\n\n", "note 1 From a\n"},
         {name::from_line, "second", "B: c\nFrom a\n\n", ""},
         {name::header_begins_with_blank, "blank_first", " a\nB: c\n\n", "danger 1  a\n"},
+        {name::header_begins_with_blank, "behind_a_from_line", "From a\n b\nC: d\n\n",
+         "danger 2  b\n"},
         {name::header_begins_with_blank, "in_a_part",
          multipart("boundary=b") + "--b\n\tA: b\n\n--b--\n", "danger 4 \\tA: b\n"},
         {name::header_begins_with_blank, "blank_second", "A: b\n c\n\n", ""},

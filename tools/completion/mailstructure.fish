@@ -111,6 +111,8 @@ complete -c mailstructure -n '__mailstructure_command_is check' -l json \
     -d 'Print a line of JSON for each finding'
 complete -c mailstructure -n '__mailstructure_command_is check' -l fail-on -x \
     -a 'danger fault note' -d 'Fail if a finding has this level'
+complete -c mailstructure -n '__mailstructure_command_is check' -l rules \
+    -d 'Show both trees where they differ'
 
 complete -c mailstructure -n '__mailstructure_command_is map' -s o -l output -r -F \
     -d 'Write to this file'

@@ -8,6 +8,7 @@
 #include "mailstructure/finding_json.h"
 #include "mailstructure/finding_text.h"
 #include "mailstructure/rules_difference.h"
+#include "mailstructure/rules_table.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -86,8 +87,12 @@ public:
         };
         mail_findings::find(file.bytes(),
                             [&](const finding& found) { print_one(told(found), found.m_level); });
-        if (const auto difference = find_rules_difference(file, m_message.m_root))
+        if (const auto difference = find_rules_difference(file, m_message.m_root, m_classic)) {
             print_one(told(*difference, file.bytes()), level::note);
+            if (m_options.m_rules && difference->m_has_trees)
+                m_output.text() +=
+                    rules_table(m_message.m_root, m_classic.m_root, locale_character_set());
+        }
         m_output.write();
         return true;
     }
@@ -106,6 +111,7 @@ private:
 
     const check_options& m_options;
     MailStructure m_message;
+    MailStructure m_classic;
     output_text m_output;
     bool m_has_failed = false;
 };
@@ -113,7 +119,12 @@ private:
 } // namespace
 
 void describe_check(CLI::App& command, check_options& options) {
-    command.add_flag("--json", options.m_json, "Print one line of JSON for each finding");
+    CLI::Option* const json =
+        command.add_flag("--json", options.m_json, "Print one line of JSON for each finding");
+    command
+        .add_flag("--rules", options.m_rules,
+                  "Show the trees by the rules standard and classic side by side where they differ")
+        ->excludes(json);
     describe_choice(
         command, "--fail-on", {"note", "fault", "danger"}, "LEVEL",
         [&options](std::size_t choice) { options.m_fail_on = static_cast<level>(choice); },

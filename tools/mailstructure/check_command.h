@@ -16,6 +16,7 @@
 struct check_options {
     std::uint64_t m_max_size = file_bytes::most_bytes;
     bool m_json = false;
+    bool m_rules = false; // show the trees of both rule sets where they differ
     mail_findings::level m_fail_on = mail_findings::level::danger;
     std::vector<std::string> m_files; // "-" is standard input
 };

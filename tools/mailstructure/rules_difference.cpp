@@ -27,11 +27,12 @@ std::uint64_t place_of(const visited& entity, std::uint64_t otherwise) {
 } // namespace
 
 std::optional<rules_difference> find_rules_difference(message_file& file,
-                                                      const MailStructure::MimeObj& standard) {
-    MailStructure classic;
+                                                      const MailStructure::MimeObj& standard,
+                                                      MailStructure& classic) {
     if (const auto fault = file.parse(classic, MailStructure::rules::classic))
         return rules_difference{fault->m_offset.value_or(0),
-                                "The classic rules of this library refuse the message here."};
+                                "The classic rules of this library refuse the message here.",
+                                false};
     mail_sections::walk by_standard(standard);
     mail_sections::walk by_classic(classic.m_root);
     std::uint64_t place = file.message_start();
