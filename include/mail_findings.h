@@ -32,8 +32,9 @@
 /// field, of an entity or of the message shows comes there, but names the place to look at.
 ///
 /// **Count.** What is wrong with the bytes of a body is reported once for each entity, at its first
-/// place. Everything else is reported at each of its places, but mixed_line_ends, deep_nesting and
-/// many_parts once.
+/// place, and text_after_close once for each multipart. Everything else is reported at each of its
+/// places, but mixed_line_ends, deep_nesting and many_parts once. In a body, a bare_cr that is a
+/// danger is reported at each line.
 ///
 /// **Threads.** Any number of threads may look for findings at the same time.
 namespace mail_findings {

@@ -89,20 +89,28 @@ void body_check::check_bytes(const message_line& line, bool has_delimiters) {
 /// White space stands anywhere in base64; other bytes are no part of it, and nothing follows the
 /// padding.
 void body_check::check_base64(const message_line& line) {
-    for (std::size_t at = 0; at < line.m_text.size(); ++at) {
-        const char c = line.m_text[at];
-        if (is_space(c)) continue;
-        if (c == '=') {
-            const bool is_good = m_is_padded ? m_digits % digits_of_a_group != 0
-                                             : m_digits % digits_of_a_group >= longest_padding;
-            if (!is_good) give_once(name::base64_invalid, line.at(at, 1));
-            m_is_padded = true;
-        } else if (!is_base64_digit(c) || m_is_padded) {
+    const std::string_view text = line.m_text;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const std::size_t begin = at;
+        while (at < text.size() && is_base64_digit(text[at])) ++at;
+        if (at != begin && m_is_padded) return give_once(name::base64_invalid, line.at(begin, 1));
+        m_digits += at - begin;
+        if (at != begin) m_last_digit = line.at(at - 1, 1);
+        if (at == text.size()) return;
+        if (text[at] == '=')
+            take_padding(line.at(at, 1));
+        else if (!is_space(text[at]))
             return give_once(name::base64_invalid, line.at(at, 1));
-        }
-        ++m_digits;
-        m_last_digit = line.at(at, 1);
     }
+}
+
+void body_check::take_padding(const place& where) {
+    const std::uint64_t in_group = m_digits % digits_of_a_group;
+    const bool is_good = m_is_padded ? in_group != 0 : in_group >= longest_padding;
+    if (!is_good) give_once(name::base64_invalid, where);
+    m_is_padded = true;
+    ++m_digits;
+    m_last_digit = where;
 }
 
 /// "=" begins two hexadecimal digits, or ends the line.

@@ -28,6 +28,7 @@ private:
     void give_once(name found, const place& where);
     void check_bytes(const message_line& line, bool has_delimiters);
     void check_base64(const message_line& line);
+    void take_padding(const place& where);
     void check_quoted_printable(const message_line& line);
 
     const reporter& m_report;
