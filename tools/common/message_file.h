@@ -31,6 +31,9 @@ public:
     /// @param limit  an input of more bytes is a failure
     explicit message_file(const std::string& file_name,
                           std::uint64_t limit = file_bytes::most_bytes);
+    /// The same for a descriptor, which is closed, from its present position on. The message begins
+    /// there, whatever its first line.
+    message_file(int descriptor, std::uint64_t limit) : m_file(descriptor, limit) {}
 
     /// The whole input, a From line included. Valid as long as this object.
     std::string_view bytes() const { return m_file.bytes(); }

@@ -7,8 +7,16 @@
 #include "common/message_file.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+
+/// A message that was found somewhere else than in a file of its own.
+struct opened_message {
+    int m_descriptor = -1; ///< Of a file that holds the message alone; -1 if there is a fault.
+    std::string m_fault;
+};
 
 /// Holds one file and its tree at a time. One parser object parses all files, and uses the records
 /// of the last tree again. The library bounds what such an object keeps from file to file. Since a
@@ -21,6 +29,12 @@ public:
 
     /// From now on, files of more bytes than this are refused.
     void limit_files(std::uint64_t bytes) { m_limit = bytes; }
+
+    /// From now on, names that this function knows are not those of files.
+    /// @param open  gives the message of that name, or nothing
+    void open_by(std::function<std::optional<opened_message>(const std::string& name)> open) {
+        m_open = std::move(open);
+    }
 
     /// Opens and parses the named file; "-" is standard input. What read() gave before is gone.
     /// @return false if the file cannot be read or is no message. One line on standard error says
@@ -36,6 +50,7 @@ public:
 private:
     MailStructure::rules m_rules;
     std::uint64_t m_limit = file_bytes::most_bytes;
+    std::function<std::optional<opened_message>(const std::string&)> m_open;
     std::optional<message_file> m_file;
     MailStructure m_message;
 };

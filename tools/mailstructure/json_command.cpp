@@ -6,6 +6,7 @@
 #include "mailstructure/command_line.h"
 #include "mailstructure/json_output.h"
 #include "mailstructure/json_writer.h"
+#include "scan/message_address.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -57,6 +58,7 @@ void describe_json(CLI::App& command, json_options& options) {
 
 exit_status run_json(const json_options& options) {
     message_reader reader(options.m_rules);
+    reader.open_by(open_addressed_message);
     reader.limit_files(options.m_max_size);
     exit_status status = all_well;
     for (const std::string& file_name : options.m_files) {

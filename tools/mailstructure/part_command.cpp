@@ -10,6 +10,7 @@
 #include "mailstructure/command_line.h"
 #include "mailstructure/part_bytes.h"
 #include "mailstructure/section_list.h"
+#include "scan/message_address.h"
 
 #include <cerrno>
 #include <iostream>
@@ -252,6 +253,7 @@ void describe_part(CLI::App& command, part_options& options) {
 
 exit_status run_part(const part_options& options) {
     message_reader reader(options.m_rules);
+    reader.open_by(open_addressed_message);
     reader.limit_files(options.m_max_size);
     if (!reader.read(options.m_file)) return some_input_failed;
     if (options.m_all) return save_attachments(options, reader) ? all_well : some_input_failed;

@@ -6,6 +6,7 @@
 #include "common/message_reader.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/tree_drawing.h"
+#include "scan/message_address.h"
 
 #include <algorithm>
 #include <array>
@@ -185,6 +186,7 @@ public:
                                              options.m_decoded, options.m_all},
           m_page(wants_color(options.m_color)), m_several(options.m_files.size() > 1) {
         m_reader.limit_files(options.m_max_size);
+        m_reader.open_by(open_addressed_message);
     }
 
     /// False, and nothing printed, if the file is no message.

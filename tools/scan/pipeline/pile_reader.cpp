@@ -140,12 +140,12 @@ bool pile_reader::refuse(const std::string& name, int error) {
     return m_exchange.take(std::move(refused));
 }
 
-source_kind pile_reader::kind_of(std::string_view beginning, bool is_all) const {
+source_kind kind_of(std::string_view beginning, bool is_all, const pile_options& options) {
     if (beginning.empty()) return source_kind::empty;
-    if (m_options.m_one) return source_kind::message;
+    if (options.m_one) return source_kind::message;
     if (beginning.substr(0, 5) == "From ") {
         const from_verdict verdict =
-            judge_from_line(beginning, is_all, line_before::none, m_options.m_mbox.m_rules, true);
+            judge_from_line(beginning, is_all, line_before::none, options.m_mbox.m_rules, true);
         return verdict == from_verdict::text ? source_kind::message : source_kind::mbox;
     }
     const std::string_view line = beginning.substr(0, beginning.find('\n'));
@@ -210,7 +210,7 @@ void pile_reader::one_source::read_block() {
 
 void pile_reader::one_source::recognise(bool is_named) {
     if (bytes().empty() && m_file.failure()) return; // report_end() says so
-    m_facts->m_kind = m_pile.kind_of(bytes(), m_is_at_end);
+    m_facts->m_kind = kind_of(bytes(), m_is_at_end, m_pile.m_options);
     if (m_facts->m_kind == source_kind::unknown && is_packed(bytes()))
         m_batch->m_faults.push_back(fault_at(0, fault_level::error, "nested-archive",
                                              "a packed file within a packed one is not unpacked"));

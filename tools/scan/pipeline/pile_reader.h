@@ -20,6 +20,10 @@ struct pile_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
 };
 
+/// What a file is that begins so, if it is not packed.
+/// @param is_all  these are all bytes of the file
+source_kind kind_of(std::string_view beginning, bool is_all, const pile_options& options);
+
 /// Where batches come from and go to.
 class batch_exchange {
 public:
@@ -46,10 +50,6 @@ public:
     bool read(const std::string& name, bool is_named);
     /// Gives a batch that says nothing but that the source cannot be read.
     bool refuse(const std::string& name, int error);
-
-    /// What a file is that begins so.
-    /// @param is_all  these are all bytes of the file
-    source_kind kind_of(std::string_view beginning, bool is_all) const;
 
 private:
     class one_source;
