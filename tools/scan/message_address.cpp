@@ -74,8 +74,8 @@ public:
             splitter.look(m_bytes.view(), m_begin, is_last, found);
             for (const mbox_finding& finding : found) take(finding);
             const std::uint64_t sure = std::min(splitter.needed_from(), end());
-            if (m_is_found && !write_up_to(m_message_end.value_or(sure))) return false;
-            if (m_message_end || m_is_missing || is_last) return m_message_end.has_value();
+            if (m_is_found && !write_up_to(m_has_ended ? m_message_end : sure)) return false;
+            if (m_has_ended || m_is_missing || is_last) return m_has_ended;
             m_bytes.erase_front(static_cast<std::size_t>(sure - m_begin));
             m_begin = sure;
         }
@@ -108,13 +108,15 @@ private:
         using kind = mbox_finding::kind;
         const bool separates =
             finding.m_kind == kind::separator || finding.m_kind == kind::doubtful_separator;
-        if (m_message_end || (!separates && finding.m_kind != kind::end)) return;
-        if (m_is_found)
+        if (m_has_ended || (!separates && finding.m_kind != kind::end)) return;
+        if (m_is_found) {
+            m_has_ended = true;
             m_message_end = std::max(m_offset, finding.m_offset - finding.m_bytes_between);
-        else if (separates && finding.m_next == m_offset)
+        } else if (separates && finding.m_next == m_offset) {
             m_is_found = true;
-        else
+        } else {
             m_is_missing = finding.m_offset >= m_offset;
+        }
     }
 
     /// Writes what was not written of the message, up to that offset.
@@ -138,7 +140,8 @@ private:
     std::uint64_t m_begin = 0; // offset of m_bytes in the file
     bool m_is_found = false;
     bool m_is_missing = false;
-    std::optional<std::uint64_t> m_message_end;
+    bool m_has_ended = false;
+    std::uint64_t m_message_end = 0; // once it has
     std::uint64_t m_written = 0;
     int m_error = 0;
 };
