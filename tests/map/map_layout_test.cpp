@@ -249,7 +249,7 @@ TEST(map_layout, marks_rows_that_continue_the_one_before) {
 }
 
 TEST(map_layout, holds_all_bytes_at_every_fold) {
-    for (const std::size_t body : {1, 40, 41, 999, 100000}) {
+    for (const std::size_t body : {1U, 40U, 41U, 999U, 100000U}) {
         const std::string input = message_of(7, body) + message_of(100, 3) + levels(20);
         for (std::uint32_t pixels = 1; pixels <= 1024; pixels *= 4) {
             const map_layout layout = lay_out(runs_of(input), {}, pixels);
