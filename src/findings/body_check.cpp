@@ -91,11 +91,11 @@ void body_check::check_bytes(const message_line& line, bool has_delimiters) {
 void body_check::check_base64(const message_line& line) {
     const std::string_view text = line.m_text;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::size_t begin = at;
+        const std::size_t first = at;
         while (at < text.size() && is_base64_digit(text[at])) ++at;
-        if (at != begin && m_is_padded) return give_once(name::base64_invalid, line.at(begin, 1));
-        m_digits += at - begin;
-        if (at != begin) m_last_digit = line.at(at - 1, 1);
+        if (at != first && m_is_padded) return give_once(name::base64_invalid, line.at(first, 1));
+        m_digits += at - first;
+        if (at != first) m_last_digit = line.at(at - 1, 1);
         if (at == text.size()) return;
         if (text[at] == '=')
             take_padding(line.at(at, 1));

@@ -10,6 +10,7 @@ names=$(sed -nE 's/.*level::(note|fault|danger), "([a-z0-9-]+)".*/\2/p' \
 
 # A list item begins with one name or with several.
 described() {
+    # shellcheck disable=SC2016 # the backticks are those of the text
     awk '/^- `/ { sub(/:.*/, ""); print }' "$sources/doc/check.md" |
         grep -oE '`[a-z0-9-]+`' | tr -d '`'
 }
