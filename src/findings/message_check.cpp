@@ -184,7 +184,6 @@ void message_check::begin_message_type(open_entity& entity, const content_type& 
     if (!is_word(type.m_subtype, "rfc822"))
         m_report.give(name::message_not_entered, entity.m_type_place);
     if (is_encoded || !holds_message(type)) return;
-    entity.m_is_message = true;
     ++entity.m_children;
     open_entity_at(header_of::message_within, m_message_place);
 }

@@ -31,7 +31,6 @@ struct open_entity {
     bool m_has_lines = false;
     bool m_is_multipart = false; // with a boundary
     bool m_is_closed = false;    // its closing line has come
-    bool m_is_message = false;
     bool m_is_digest = false;
 };
 
