@@ -61,6 +61,7 @@ COMPLETED = [
     ("mailstructure tree --color=au", "mailstructure tree --color=auto"),
     ("mailstructure json --rules=cl", "mailstructure json --rules=classic"),
     ("mailstructure scan --progress=al", "mailstructure scan --progress=always"),
+    ("mailstructure scan -o le", "mailstructure scan -o letter.eml"),
     ("mailstructure scan --sqlite le", "mailstructure scan --sqlite letter.eml"),
     ("mailstructure scan --threads 2 le", "mailstructure scan --threads 2 letter.eml"),
     ("mailstructure part --decode=l", "mailstructure part --decode=lenient"),

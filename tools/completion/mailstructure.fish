@@ -93,6 +93,8 @@ complete -c mailstructure -n '__mailstructure_command_is part' -l name -x \
 complete -c mailstructure -n '__mailstructure_command_is part' -l list -d 'List all sections'
 
 complete -c mailstructure -n '__mailstructure_command_is scan' -l summary -d 'Print totals alone'
+complete -c mailstructure -n '__mailstructure_command_is scan' -s o -l output -r -F \
+    -d 'Write rows to this new file'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l sqlite -r -F \
     -d 'Write tables to this new file'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l hash -x -a 'none message parts' \

@@ -2,6 +2,7 @@
 
 #include "mailstructure/scan_command.h"
 
+#include "common/output_file.h"
 #include "mailstructure/command_line.h"
 #include "scan/rows/table_file.h"
 
@@ -49,6 +50,25 @@ void complain_about_faults(const scan_totals& totals) {
                  + codes);
 }
 
+/// False, after a complaint unless a pipe has no reader, if standard output cannot be written.
+bool scan_to_standard_output(const scan_options& options, scan_totals& totals) {
+    errno = 0;
+    totals = scan(options, write_rows);
+    if (!options.m_makes_rows) std::cout << summary_of(totals);
+    return output_got_out();
+}
+
+/// False, after a complaint, if the file cannot be written.
+bool scan_into_file(const scan_options& options, const std::string& file_name,
+                    scan_totals& totals) {
+    output_file output(file_name, existing_file::is_kept);
+    if (output.error() == 0)
+        totals = scan(options, [&output](std::string_view rows) { return output.write(rows); });
+    if (output.keep()) return true;
+    complain_about_input(file_name, "cannot write: " + output.reason(), std::nullopt);
+    return false;
+}
+
 /// False, after a complaint, if the file cannot be written.
 bool scan_into_tables(scan_options& options, const std::string& file_name, scan_totals& totals) {
     options.m_rows.m_form = row_form::packed;
@@ -71,11 +91,18 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
     chosen.m_threads = threads_of_machine();
     CLI::Option* const summary =
         command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
+    CLI::Option* const output =
+        command
+            .add_option("-o,--output", options.m_output,
+                        "Write the rows to this new file; - is standard output, the default")
+            ->type_name("FILE")
+            ->excludes(summary);
     command
         .add_option("--sqlite", options.m_sqlite,
                     "Write the rows to this new file of SQLite instead of printing them")
         ->type_name("FILE")
-        ->excludes(summary);
+        ->excludes(summary)
+        ->excludes(output);
     describe_choice(
         command, "--hash", {"none", "message", "parts"}, "WHAT",
         [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
@@ -132,14 +159,11 @@ exit_status run_scan(const scan_command_options& chosen) {
     options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
     if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
     scan_totals totals;
-    if (chosen.m_sqlite.empty()) {
-        errno = 0;
-        totals = scan(options, write_rows);
-        if (chosen.m_summary) std::cout << summary_of(totals);
-        if (!output_got_out()) return some_input_failed;
-    } else if (!scan_into_tables(options, chosen.m_sqlite, totals)) {
-        return some_input_failed;
-    }
+    const bool is_written =
+        !chosen.m_sqlite.empty() ? scan_into_tables(options, chosen.m_sqlite, totals)
+        : chosen.m_output != "-" ? scan_into_file(options, chosen.m_output, totals)
+                                 : scan_to_standard_output(options, totals);
+    if (!is_written) return some_input_failed;
     complain_about_faults(totals);
     return totals.m_errors == 0 ? all_well : some_input_failed;
 }

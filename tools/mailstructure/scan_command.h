@@ -14,7 +14,8 @@ struct scan_command_options {
     scan_options m_scan;
     std::optional<hash_choice> m_hash; // that was asked for
     bool m_summary = false;
-    std::string m_sqlite; // the file for the tables; empty if none is wanted
+    std::string m_output = "-"; // the file for the rows; "-" is standard output
+    std::string m_sqlite;       // the file for the tables; empty if none is wanted
 };
 
 void describe_scan(CLI::App& command, scan_command_options& options);
