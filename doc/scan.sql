@@ -28,7 +28,10 @@ CREATE TABLE message (
     message_id TEXT, -- the field Message-ID without angle brackets
     entities INTEGER NOT NULL,
     depth INTEGER NOT NULL, -- how deep the entities nest
-    sha256 TEXT -- of all bytes of the message
+    sha256 TEXT, -- of all bytes of the message
+    findings_danger INTEGER, -- how many findings it has that are dangers; NULL if nobody looked
+    findings_fault INTEGER,
+    findings_note INTEGER
 );
 
 CREATE TABLE entity (
@@ -71,6 +74,14 @@ CREATE TABLE fault (
     text TEXT NOT NULL
 );
 
+CREATE TABLE finding ( -- one for each name and level of the findings of a message
+    of_message INTEGER NOT NULL REFERENCES message (id),
+    byte INTEGER NOT NULL, -- where in the source the first of them lies
+    level TEXT NOT NULL, -- 'danger', 'fault' or 'note'
+    name TEXT NOT NULL, -- as doc/check.md explains it
+    times INTEGER NOT NULL -- how many of them the message has
+);
+
 -- These are made when all rows are there.
 CREATE UNIQUE INDEX message_by_place ON message (source_id, message);
 CREATE INDEX message_by_digest ON message (sha256) WHERE sha256 IS NOT NULL;
@@ -79,3 +90,5 @@ CREATE INDEX message_by_date ON message (date) WHERE date IS NOT NULL;
 CREATE UNIQUE INDEX entity_by_message ON entity (of_message, number);
 CREATE INDEX entity_by_digest ON entity (decoded_sha256) WHERE decoded_sha256 IS NOT NULL;
 CREATE INDEX fault_by_source ON fault (source_id, message);
+CREATE UNIQUE INDEX finding_by_message ON finding (of_message, level, name);
+CREATE INDEX finding_by_name ON finding (name, level);

@@ -119,6 +119,50 @@ class Rows(unittest.TestCase):
         statuses = {row.get("decode_status") for row in rows}
         self.assertLessEqual({"ok", "damaged", "unknown-encoding"}, statuses)
 
+    def check_findings(self, rows, begin, text):
+        """Checks the counted findings of one message against what the command check prints."""
+        told = subprocess.run([scanned.TOOL, "check", "--json", "-"], check=False, input=text,
+                              stdout=subprocess.PIPE).stdout
+        wanted = {}
+        for found in scanned.rows_of(told):
+            if found["name"] != "rule-sets-differ":
+                wanted.setdefault((found["level"], found["name"]), []).append(found["offset"])
+        own = [row for row in scanned.of_kind("finding", rows) if row["message"] == begin]
+        counted = {(row["level"], row["name"]): (row["times"], row["byte"]) for row in own}
+        self.assertEqual(len(counted), len(own))
+        self.assertEqual(counted, {key: (len(places), begin + min(places))
+                                   for key, places in wanted.items()})
+        [message] = [row for row in scanned.of_kind("message", rows) if row["message"] == begin]
+        for level in ("danger", "fault", "note"):
+            times = sum(len(places) for key, places in wanted.items() if key[0] == level)
+            self.assertEqual(message[f"findings_{level}"], times)
+        return {level for level, _ in wanted}
+
+    def test_count_what_the_command_check_finds(self):
+        """The rules for the tree make no difference."""
+        levels = set()
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder, "pile")
+            path.write_bytes(pile_of(HOSTILE + [path.read_bytes() for path in SAMPLES]))
+            for rules in ("standard", "classic"):
+                rows = scanned.rows("--mbox=any", f"--rules={rules}", path)
+                pile = path.read_bytes()
+                for message in scanned.of_kind("message", rows):
+                    begin = message["message"]
+                    text = pile[begin : begin + message["length"]]
+                    levels |= self.check_findings(rows, begin, text)
+        self.assertEqual(levels, {"danger", "fault", "note"})
+
+    def test_count_no_findings_where_nobody_looks(self):
+        sample = scanned.TOP / "tests/data/messages/stray-cr.eml"
+        for options, is_counted in (([], True), (["--findings=none"], False),
+                                    (["--max-size=9"], False)):
+            rows = scanned.rows(*options, sample)
+            [message] = scanned.of_kind("message", rows)
+            self.assertEqual(scanned.of_kind("finding", rows) != [], is_counted)
+            for level in ("danger", "fault", "note"):
+                self.assertEqual(message[f"findings_{level}"] is not None, is_counted)
+
     def test_say_what_the_command_json_says(self):
         """For each sample, entity by entity."""
         names = {"section": "section", "type": "type", "subtype": "subtype", "charset": "charset",
@@ -154,14 +198,15 @@ class Schema(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         sample = scanned.TOP / "tests/data/messages/mixed-with-attachment.eml"
-        cls.rows = scanned.rows("--hash=parts", "no-such-file", sample)
+        broken = scanned.TOP / "tests/data/messages/stray-cr.eml"
+        cls.rows = scanned.rows("--hash=parts", "no-such-file", sample, broken)
 
     def test_is_a_schema(self):
         jsonschema.Draft202012Validator.check_schema(SCHEMA)
 
     def test_is_strict(self):
         self.assertEqual({row["kind"] for row in self.rows},
-                         {"message", "entity", "fault", "source"})
+                         {"message", "entity", "finding", "fault", "source"})
         for row in self.rows:
             ROW.validate(row)
             self.assertFalse(ROW.is_valid({**row, "surprise": 1}))
@@ -179,6 +224,10 @@ class Schema(unittest.TestCase):
             ("message", "rules", "strict"),
             ("entity", "header", {"offset": 0, "length": 2**32}),
             ("entity", "decode_status", "good"),
+            ("message", "findings_note", -1),
+            ("finding", "level", "error"),
+            ("finding", "name", "bare cr"),
+            ("finding", "times", 0),
             ("fault", "code", "bad"),
             ("fault", "level", "warning"),
             ("source", "format", "text"),

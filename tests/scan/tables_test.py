@@ -87,6 +87,9 @@ class Tables(unittest.TestCase):
             "entity": "SELECT entity.*, source, member, message, 'entity' AS kind FROM entity"
                       " JOIN message ON message.id = of_message"
                       " JOIN source ON source.id = source_id ORDER BY entity.rowid",
+            "finding": "SELECT finding.*, source, member, message, 'finding' AS kind FROM finding"
+                       " JOIN message ON message.id = of_message"
+                       " JOIN source ON source.id = source_id ORDER BY finding.rowid",
         }
         for kind, query in queries.items():
             found = self.select(table, query)

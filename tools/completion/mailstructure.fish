@@ -99,6 +99,8 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l sqlite -r -F \
     -d 'Write tables to this new file'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l hash -x -a 'none message parts' \
     -d 'Hash by SHA-256'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l findings -x -a 'none count' \
+    -d 'Count what is wrong with messages'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l mbox -x \
     -a 'auto strict any thunderbird' -d 'Which lines separate messages'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l content-length -x \

@@ -109,6 +109,11 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
         "Hash by SHA-256: none, each message (the default), or parts: also each body, as it is and "
         "decoded");
     describe_choice(
+        command, "--findings", {"none", "count"}, "WHAT",
+        [&chosen](std::size_t choice) { chosen.m_rows.m_findings = choice != 0; },
+        "What is wrong with each message, as the command check tells it: none, or count (the "
+        "default)");
+    describe_choice(
         command, "--mbox", {"auto", "strict", "any", "thunderbird"}, "RULES",
         [&chosen](std::size_t choice) {
             chosen.m_pile.m_mbox.m_rules = static_cast<mbox_rules>(choice);

@@ -66,9 +66,21 @@ void message_worker::work_on_message(batch& work, const batch_message& message) 
             hash.add(facts.m_bytes);
             facts.m_digest = large != nullptr ? large->digest_text() : hash.text();
         }
+        if (m_options.m_findings) look_for_findings(facts);
         append_rows(work, facts);
     }
     if (message.m_length >= large_message_bytes) m_parser.m_root = MimeObj();
+}
+
+/// Not in a message whose bytes are gone, or that is too large, nor where memory is too small.
+void message_worker::look_for_findings(message_facts& facts) {
+    if (facts.m_place->m_large || facts.m_place->m_length > m_options.m_max_size) return;
+    try {
+        m_findings.count(facts.m_bytes);
+        facts.m_findings = &m_findings;
+    } catch (const std::bad_alloc&) {
+        // The row says that nobody looked.
+    }
 }
 
 /// Appends the rows of the message; only the row without its tree where memory is too small for

@@ -23,6 +23,7 @@ public:
 private:
     void work_on_message(batch& work, const batch_message& message);
     void append_rows(batch& work, message_facts& facts);
+    void look_for_findings(message_facts& facts);
     bool parse(batch& work, const batch_message& message, std::string_view bytes);
     void report(batch& work, const batch_message& message, std::string_view code,
                 std::string text) const;
@@ -31,6 +32,7 @@ private:
     const row_options m_options;
     const bool m_makes_rows;
     MailStructure m_parser;
+    finding_counts m_findings;
     std::size_t m_faults_done = 0; // of the batch in work
 };
 

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -106,13 +107,11 @@ public:
                              mail_sections::source{message.m_bytes, options.m_rules, 0});
     }
 
-    /// @return the number of entities
-    std::uint64_t append() {
+    void append() {
         mail_sections::walk walk(*m_message.m_root);
         std::uint64_t index = 0;
         while (const mail_sections::visited* const entity = walk.next())
             append_row(*entity, index++);
-        return index;
     }
 
 private:
@@ -171,6 +170,30 @@ tree_extent extent_of(const MimeObj& root) {
     return extent;
 }
 
+/// Writes how many findings there are of each level.
+void write_finding_counts(row_writer& row, const finding_counts* findings) {
+    using mail_findings::level;
+    constexpr std::pair<const char*, level> members[] = {{"findings_danger", level::danger},
+                                                         {"findings_fault", level::fault},
+                                                         {"findings_note", level::note}};
+    for (const auto& [name, level] : members)
+        findings == nullptr ? row.write_null(name) : row.write_number(name, findings->of(level));
+}
+
+void append_finding_rows(std::string& rows, const message_facts& message, row_form form) {
+    if (message.m_findings == nullptr) return;
+    for (const finding_count& each : message.m_findings->all()) {
+        row_writer row(rows, form);
+        row.begin(row_kind::finding);
+        write_key(row, message);
+        row.write_number("byte", message.m_place->m_offset + each.m_first);
+        row.write_text("level", mail_findings::text_of(each.m_level));
+        row.write_text("name", mail_findings::text_of(each.m_name));
+        row.write_number("times", each.m_times);
+        row.end();
+    }
+}
+
 } // namespace
 
 std::uint64_t append_message_rows(std::string& rows, const message_facts& message,
@@ -189,9 +212,11 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
     row.write_number("entities", extent.m_entities);
     row.write_number("depth", extent.m_depth);
     row.write_text_or_null("sha256", message.m_digest);
+    write_finding_counts(row, message.m_findings);
     row.end();
-    if (message.m_root == nullptr) return 0;
-    return entity_rows(rows, message, options).append();
+    if (message.m_root != nullptr) entity_rows(rows, message, options).append();
+    append_finding_rows(rows, message, options.m_form);
+    return extent.m_entities;
 }
 
 void append_fault_row(std::string& rows, row_form form, const source_facts& source,

@@ -6,6 +6,7 @@
 #include <mail_structure.h>
 
 #include "scan/pipeline/batch.h"
+#include "scan/rows/finding_counts.h"
 #include "scan/rows/row_writer.h"
 
 #include <cstdint>
@@ -22,6 +23,7 @@ enum class hash_choice : std::uint8_t {
 struct row_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     hash_choice m_hash = hash_choice::message;
+    bool m_findings = true; ///< Counts what is wrong with each message.
     row_form m_form = row_form::json;
     std::uint64_t m_max_size = 0xFFFFFFFF; ///< A message of more bytes has no tree.
 };
@@ -33,9 +35,10 @@ struct message_facts {
     std::string_view m_bytes; ///< All of the message; empty where it was too large.
     const MailStructure::MimeObj* m_root = nullptr; ///< Null where there is no tree.
     std::string m_digest;                           ///< Empty where none was asked for.
+    const finding_counts* m_findings = nullptr;     ///< Null where nobody looked for any.
 };
 
-/// Appends the rows of a message and of its entities.
+/// Appends the rows of a message, of its entities and of its findings.
 /// @return the number of entities
 /// @throws std::bad_alloc
 std::uint64_t append_message_rows(std::string& rows, const message_facts& message,

@@ -34,7 +34,7 @@ void row_writer::begin(row_kind kind) {
         m_out += static_cast<char>(kind);
         return;
     }
-    constexpr std::array names = {"message", "entity", "fault", "source"};
+    constexpr std::array names = {"message", "entity", "fault", "source", "finding"};
     m_out += "{\"kind\":\"";
     m_out += names[static_cast<std::size_t>(kind)];
     m_out += '"';

@@ -11,7 +11,7 @@
 enum class row_form : std::uint8_t { json, packed };
 
 /// What a row is about.
-enum class row_kind : std::uint8_t { message, entity, fault, source };
+enum class row_kind : std::uint8_t { message, entity, fault, source, finding };
 
 /// Appends to a text. Values may hold any bytes: what is no UTF-8 becomes U+FFFD. In JSON, control
 /// characters, and characters that reorder or hide the text around them, are spelled out. In packed

@@ -24,8 +24,8 @@ struct table {
 };
 
 /// By row_kind.
-constexpr std::array<table, 4> all_tables = {
-    {{"message", 16, 2}, {"entity", 28, 3}, {"fault", 6, 2}, {"source", 8, 0}}};
+constexpr std::array<table, 5> all_tables = {
+    {{"message", 19, 2}, {"entity", 28, 3}, {"fault", 6, 2}, {"source", 8, 0}, {"finding", 5, 3}}};
 
 /// "INSERT INTO fault VALUES (?,?,?,?,?,?)"
 std::string insertion_into(const table& one) {
@@ -121,8 +121,8 @@ bool table_file::add_row(packed_rows& rows) {
     int column = 1;
     int status = SQLITE_OK;
     if (kind == row_kind::message) status = sqlite3_bind_int64(row, column++, ++m_message_id);
-    status |=
-        sqlite3_bind_int64(row, column++, kind == row_kind::entity ? m_message_id : m_source_id);
+    const bool is_of_message = kind == row_kind::entity || kind == row_kind::finding;
+    status |= sqlite3_bind_int64(row, column++, is_of_message ? m_message_id : m_source_id);
     for (int left_out = all_tables[index].m_values_left_out;; --left_out) {
         const packed_item item = rows.next();
         if (item == packed_item::end) break;

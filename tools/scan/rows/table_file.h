@@ -44,7 +44,7 @@ private:
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };
     using statement = std::unique_ptr<sqlite3_stmt, finalize_statement>;
-    static constexpr std::size_t tables = 4; // as many as there are kinds of rows
+    static constexpr std::size_t tables = 5; // as many as there are kinds of rows
 
     void create(const std::string& folder_name);
     void prepare();
