@@ -4,11 +4,8 @@
 
 #include "common/ascii_case.h"
 #include "common/message_reader.h"
-#include "common/output_file.h"
 #include "mailstructure/command_line.h"
 
-#include <cerrno>
-#include <iostream>
 #include <string_view>
 
 namespace {
@@ -28,39 +25,13 @@ std::optional<map_format> format_of_name(std::string_view name) {
     return name == "-" ? std::optional(map_format::svg) : std::nullopt;
 }
 
-/// The name of the message as the map has it: that of its file, without the folders.
-std::string_view heading_of(std::string_view file_name) {
-    if (file_name == "-") return "standard input";
-    const std::size_t end = file_name.find_last_not_of('/');
-    if (end == std::string_view::npos) return file_name;
-    const std::string_view path = file_name.substr(0, end + 1);
-    return path.substr(path.rfind('/') + 1);
-}
-
-bool write_to_standard_output(std::string_view map) {
-    errno = 0;
-    std::cout.write(map.data(), static_cast<std::streamsize>(map.size()));
-    return output_got_out();
-}
-
-bool write_to_file(const map_options& options, std::string_view map) {
-    output_file output(options.m_output,
-                       options.m_force ? existing_file::is_replaced : existing_file::is_kept);
-    if (output.error() == 0 && output.write(map) && output.keep()) return true;
-    const bool is_in_the_way = output.error() == EEXIST && !options.m_force;
-    complain(escaped(options.m_output) + ": cannot write: " + output.reason()
-             + (is_in_the_way ? "; --force replaces it" : ""));
-    return false;
-}
-
 /// What remains to be done when all options have been read.
 void complete(map_options& options) {
-    if (options.m_force && options.m_output == "-")
-        throw CLI::ValidationError("--force is for use with --output");
-    if (!options.m_format) options.m_format = format_of_name(options.m_output);
+    check_output(options.m_output);
+    if (!options.m_format) options.m_format = format_of_name(options.m_output.m_name);
     if (!options.m_format)
         throw CLI::ValidationError(
-            options.m_output
+            options.m_output.m_name
             + ": neither .svg nor .html; --format says what to write to a file of another name");
     if (options.m_file.empty()) options.m_file = standard_input();
 }
@@ -68,12 +39,8 @@ void complete(map_options& options) {
 } // namespace
 
 void describe_map(CLI::App& command, map_options& options) {
-    command
-        .add_option("-o,--output", options.m_output,
-                    "Write to the file, which must not exist yet: a drawing if its name ends in "
-                    ".svg, a page if in .html; - is standard output, the default")
-        ->type_name("FILE");
-    command.add_flag("--force", options.m_force, "Replace the output file if it exists");
+    describe_output(command, options.m_output,
+                    ": a drawing if its name ends in .svg, a page if in .html");
     describe_choice(
         command, "--format", {"svg", "html"}, "FORMAT",
         [&options](std::size_t choice) {
@@ -95,9 +62,8 @@ exit_status run_map(const map_options& options) {
     reader.limit_files(options.m_max_size);
     if (!reader.read(options.m_file)) return some_input_failed;
     const tree_source source = reader.source();
-    const std::string map = map_of({heading_of(options.m_file), reader.message().m_root, source},
-                                   options.m_format.value_or(map_format::svg));
-    const bool written =
-        options.m_output == "-" ? write_to_standard_output(map) : write_to_file(options, map);
-    return written ? all_well : some_input_failed;
+    const std::string map =
+        map_of({heading_of_file(options.m_file), reader.message().m_root, source},
+               options.m_format.value_or(map_format::svg));
+    return write_document(options.m_output, map) ? all_well : some_input_failed;
 }

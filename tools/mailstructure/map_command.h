@@ -7,6 +7,7 @@
 
 #include "common/complaint.h"
 #include "common/file_bytes.h"
+#include "mailstructure/document_output.h"
 #include "map/message_map.h"
 
 #include <CLI/CLI.hpp>
@@ -17,10 +18,9 @@
 struct map_options {
     MailStructure::rules m_rules = MailStructure::rules::standard;
     std::uint64_t m_max_size = file_bytes::most_bytes;
-    bool m_force = false;
     std::optional<map_format> m_format; // parsing sets it in any case
-    std::string m_output = "-";         // "-" is standard output
-    std::string m_file;                 // "-" is standard input
+    document_output m_output;
+    std::string m_file; // "-" is standard input
 };
 
 void describe_map(CLI::App& command, map_options& options);

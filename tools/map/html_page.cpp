@@ -4,39 +4,12 @@
 
 #include "map/map_style.h"
 #include "map/map_words.h"
-#include "map/markup.h"
-
-#include <array>
-#include <nettle/base64.h>
-#include <nettle/sha2.h>
+#include "page/html_page.h"
+#include "page/markup.h"
 
 namespace {
 
 constexpr std::size_t longest_heading = 200; // bytes of the file's name
-
-/// What the policy of the page calls the style sheet: "sha256-" and the hash in base64.
-std::string hash_source(const std::string& style) {
-    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest = {};
-    sha256_ctx context = {};
-    sha256_init(&context);
-    sha256_update(&context, style.size(), reinterpret_cast<const std::uint8_t*>(style.data()));
-    sha256_digest(&context, digest.size(), digest.data());
-    std::string text(BASE64_ENCODE_RAW_LENGTH(SHA256_DIGEST_SIZE), '\0');
-    base64_encode_raw(text.data(), digest.size(), digest.data());
-    return "sha256-" + text;
-}
-
-/// The browser is to load nothing, run nothing, and use no style but that of this page.
-std::string head(const std::string& title) {
-    const std::string style = page_style();
-    return "<head>\n<meta charset=\"utf-8\" />\n"
-           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src '"
-           + hash_source(style)
-           + "'; base-uri 'none'; form-action 'none'\" />\n"
-             "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\" />\n"
-             "<meta name=\"referrer\" content=\"no-referrer\" />\n<title>Map of "
-           + title + "</title>\n<style>" + style + "</style>\n</head>\n";
-}
 
 std::string legend(const map_layout& layout) {
     std::string items;
@@ -73,13 +46,13 @@ std::string findings(const map_layout& layout, const page_tables& tables) {
 std::string html_page(std::string_view file_name, const map_layout& layout,
                       const drawn_strip& strip, const page_tables& tables) {
     const std::string name = text_node(file_name, longest_heading);
-    return "<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\" lang=\"en\">\n"
-           + head(name) + "<body>\n<header>\n<h1>" + name + "</h1>\n<p>" + summary_of(layout)
-           + "</p>\n" + legend(layout) + "</header>\n<main>\n<div class=\"columns\">\n"
-           + "<section>\n<h2 id=\"map\">Map</h2>\n" + drawing(layout, strip) + notes(layout)
-           + "</section>\n<section>\n<h2 id=\"parts\">Parts</h2>\n"
-           + "<div class=\"long\" role=\"region\" aria-labelledby=\"parts\" tabindex=\"0\">\n"
-           + tables.parts(layout) + "</div>\n" + "</section>\n</div>\n" + findings(layout, tables)
-           + "<section>\n<h2>Header fields</h2>\n" + tables.fields()
-           + "</section>\n</main>\n</body>\n</html>\n";
+    const std::string body =
+        "<header>\n<h1>" + name + "</h1>\n<p>" + summary_of(layout) + "</p>\n" + legend(layout)
+        + "</header>\n<main>\n<div class=\"columns\">\n" + "<section>\n<h2 id=\"map\">Map</h2>\n"
+        + drawing(layout, strip) + notes(layout)
+        + "</section>\n<section>\n<h2 id=\"parts\">Parts</h2>\n"
+        + "<div class=\"long\" role=\"region\" aria-labelledby=\"parts\" tabindex=\"0\">\n"
+        + tables.parts(layout) + "</div>\n" + "</section>\n</div>\n" + findings(layout, tables)
+        + "<section>\n<h2>Header fields</h2>\n" + tables.fields() + "</section>\n</main>\n";
+    return page_document("Map of " + name, page_style(), body);
 }

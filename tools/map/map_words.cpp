@@ -2,7 +2,7 @@
 
 #include "map/map_words.h"
 
-#include "map/markup.h"
+#include "page/markup.h"
 
 #include <algorithm>
 

@@ -6,7 +6,8 @@
 #include "common/field_lookup.h"
 #include "common/message_fields.h"
 #include "map/entity_labels.h"
-#include "map/markup.h"
+#include "page/html_page.h"
+#include "page/markup.h"
 
 #include <algorithm>
 
@@ -56,11 +57,6 @@ std::string known_as(const mail_sections::visited& visited, const tree_source& s
     return readable(subject_of(*visited.m_entity));
 }
 
-std::string cell(const std::string& markup, const char* name = "") {
-    const std::string attribute = *name == '\0' ? "" : std::string(" class=\"") + name + '"';
-    return "<td" + attribute + '>' + markup + "</td>";
-}
-
 /// The media type, which may be broken after its slash.
 std::string type_text(const std::string& type) {
     std::string text = text_node(type, longest_type);
@@ -70,20 +66,6 @@ std::string type_text(const std::string& type) {
 
 std::string swatch_of(byte_kind kind) {
     return "<span class=\"swatch k" + std::to_string(static_cast<unsigned>(kind)) + "\"></span>";
-}
-
-std::string table(const char* kind, const std::string& caption, const std::string& head,
-                  const std::string& rows) {
-    return std::string("<table class=\"") + kind + "\">\n<caption>" + caption
-           + "</caption>\n<thead><tr>" + head + "</tr></thead>\n<tbody>\n" + rows
-           + "</tbody>\n</table>\n";
-}
-
-/// "All 3 parts." or "The first 200 of 1,000 parts."
-std::string extent_text(std::uint64_t listed, std::uint64_t all, const std::string& one,
-                        const std::string& several) {
-    if (listed == all) return counted(all, one, several) + '.';
-    return "The first " + grouped(listed) + " of " + counted(all, one, several) + '.';
 }
 
 } // namespace
@@ -113,11 +95,12 @@ void page_tables::list_findings(const std::vector<map_finding>& findings) {
             if (finding.m_level != wanted) continue;
             const std::string explanation(mail_findings::explanation_of(finding.m_name));
             m_listed.m_findings[index] = true;
-            m_findings.push_back({index, std::string(mail_findings::text_of(finding.m_name)),
-                                  cell(std::string(mail_findings::text_of(wanted)))
-                                      + cell(text_node(explanation, explanation.size()))
-                                      + cell(grouped(finding.m_line), "size")
-                                      + cell(place_text(finding.m_begin, finding.m_end), "place")});
+            m_findings.push_back(
+                {index, std::string(mail_findings::text_of(finding.m_name)),
+                 table_cell(std::string(mail_findings::text_of(wanted)))
+                     + table_cell(text_node(explanation, explanation.size()))
+                     + table_cell(grouped(finding.m_line), "size")
+                     + table_cell(place_text(finding.m_begin, finding.m_end), "place")});
         }
     }
 }
@@ -129,12 +112,12 @@ void page_tables::list_part(const mail_sections::visited& visited, const entity_
     part_row row;
     row.m_depth = place.m_depth;
     row.m_number = text_node(shown_number(visited.m_name), longest_number + 3);
-    row.m_cells = cell((holds_others ? "" : swatch_of(body_kind_of(entity)))
-                           + type_text(media_type_of(entity)),
-                       "type")
-                  + cell(text_node(known_as(visited, source), longest_name))
-                  + cell(grouped(place.m_end - place.m_begin), "size")
-                  + cell(place_text(place.m_begin, place.m_end), "place");
+    row.m_cells = table_cell((holds_others ? "" : swatch_of(body_kind_of(entity)))
+                                 + type_text(media_type_of(entity)),
+                             "type")
+                  + table_cell(text_node(known_as(visited, source), longest_name))
+                  + table_cell(grouped(place.m_end - place.m_begin), "size")
+                  + table_cell(place_text(place.m_begin, place.m_end), "place");
     constexpr std::size_t around = 80; // the row and the link
     m_parts_bytes += row.m_number.size() + row.m_cells.size() + around;
     m_parts.push_back(std::move(row));
@@ -146,11 +129,12 @@ void page_tables::list_fields(const MimeObj& entity, std::string_view name,
         const bool is_next = m_fields_listed == m_all_fields++;
         if (!is_next || m_fields.size() >= most_fields_bytes) continue;
         ++m_fields_listed;
-        m_fields += "<tr>" + cell(text_node(shown_number(name), longest_number + 3), "number")
-                    + "<th scope=\"row\">" + text_node(field.m_name, longest_field_name) + "</th>"
-                    + cell(text_node(value_of(field, source), longest_value))
-                    + cell(field.m_end == 0 ? "" : place_text(field.m_beg, field.m_end), "place")
-                    + "</tr>\n";
+        m_fields +=
+            "<tr>" + table_cell(text_node(shown_number(name), longest_number + 3), "number")
+            + "<th scope=\"row\">" + text_node(field.m_name, longest_field_name) + "</th>"
+            + table_cell(text_node(value_of(field, source), longest_value))
+            + table_cell(field.m_end == 0 ? "" : place_text(field.m_beg, field.m_end), "place")
+            + "</tr>\n";
     }
 }
 
@@ -169,13 +153,13 @@ std::string page_tables::parts(const map_layout& layout) const {
                                   : "<a href=\"#" + target + "\">" + row.m_number + "</a>")
                 + "</th>" + row.m_cells + "</tr>\n";
     }
-    return table("parts",
-                 extent_text(m_parts.size(), m_all_parts, "entity", "entities")
-                     + " A number leads to the place on the map.",
-                 "<th scope=\"col\">Part</th><th scope=\"col\">Type</th>"
-                 "<th scope=\"col\">Name or subject</th>"
-                 "<th scope=\"col\" class=\"size\">Bytes</th><th scope=\"col\">Place</th>",
-                 rows);
+    return html_table("parts",
+                      extent_text(m_parts.size(), m_all_parts, "entity", "entities")
+                          + " A number leads to the place on the map.",
+                      "<th scope=\"col\">Part</th><th scope=\"col\">Type</th>"
+                      "<th scope=\"col\">Name or subject</th>"
+                      "<th scope=\"col\" class=\"size\">Bytes</th><th scope=\"col\">Place</th>",
+                      rows);
 }
 
 std::string page_tables::findings(const map_layout& layout) const {
@@ -190,19 +174,20 @@ std::string page_tables::findings(const map_layout& layout) const {
         rows += "<tr id=\"m" + std::to_string(row.m_finding) + "\"><th scope=\"row\">" + name
                 + "</th>" + row.m_cells + "</tr>\n";
     }
-    return table("findings",
-                 extent_text(m_findings.size(), m_all_findings, "finding", "findings")
-                     + " A name leads to the place on the map.",
-                 "<th scope=\"col\">Finding</th><th scope=\"col\">Level</th>"
-                 "<th scope=\"col\">What it means</th><th scope=\"col\" class=\"size\">Line</th>"
-                 "<th scope=\"col\">Place</th>",
-                 rows);
+    return html_table(
+        "findings",
+        extent_text(m_findings.size(), m_all_findings, "finding", "findings")
+            + " A name leads to the place on the map.",
+        "<th scope=\"col\">Finding</th><th scope=\"col\">Level</th>"
+        "<th scope=\"col\">What it means</th><th scope=\"col\" class=\"size\">Line</th>"
+        "<th scope=\"col\">Place</th>",
+        rows);
 }
 
 std::string page_tables::fields() const {
     if (m_all_fields == 0) return "<p>There are no header fields.</p>\n";
-    return table("fields", extent_text(m_fields_listed, m_all_fields, "field", "fields"),
-                 "<th scope=\"col\">Part</th><th scope=\"col\">Field</th>"
-                 "<th scope=\"col\">Value</th><th scope=\"col\">Place</th>",
-                 m_fields);
+    return html_table("fields", extent_text(m_fields_listed, m_all_fields, "field", "fields"),
+                      "<th scope=\"col\">Part</th><th scope=\"col\">Field</th>"
+                      "<th scope=\"col\">Value</th><th scope=\"col\">Place</th>",
+                      m_fields);
 }

@@ -2,7 +2,7 @@
 
 #include "map/strip_svg.h"
 
-#include "map/markup.h"
+#include "page/markup.h"
 
 #include <algorithm>
 #include <string_view>

@@ -4,7 +4,7 @@
 
 #include "map/map_style.h"
 #include "map/map_words.h"
-#include "map/markup.h"
+#include "page/markup.h"
 
 #include <vector>
 

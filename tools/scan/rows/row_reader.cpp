@@ -35,8 +35,8 @@ bool row_reader::finish() {
 /// Takes the line that has been gathered.
 bool row_reader::add_line() {
     const std::size_t size = m_line.size();
-    if (const std::optional<line_error> error = m_row.parse(m_line))
-        return fail(error->m_byte, error->m_what);
+    if (const std::optional<line_error> wrong = m_row.parse(m_line))
+        return fail(wrong->m_byte, wrong->m_what);
     if (!check_order()) return false;
     m_row.append_packed(m_packed);
     m_line.clear();

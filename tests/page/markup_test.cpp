@@ -1,6 +1,6 @@
 // The text nodes of the map, and its numbers.
 
-#include "map/markup.h"
+#include "page/markup.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,6 +1,6 @@
 // Escapes text, and writes numbers for people; see the header.
 
-#include "map/markup.h"
+#include "page/markup.h"
 
 std::string text_node(std::string_view text, std::size_t most_bytes, character_set set) {
     const std::string shown = printable_beginning(text, set, most_bytes);

@@ -2,8 +2,8 @@
 // others have chosen enters a document: there is no function that puts such text into an attribute,
 // an address or a style.
 
-#ifndef TOOLS_MAP_MARKUP_H
-#define TOOLS_MAP_MARKUP_H
+#ifndef TOOLS_PAGE_MARKUP_H
+#define TOOLS_PAGE_MARKUP_H
 
 #include "common/printable.h"
 
