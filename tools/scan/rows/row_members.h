@@ -51,6 +51,9 @@ inline constexpr std::array message_members = {
     row_member{"entities", value_form::number},
     row_member{"depth", value_form::number},
     row_member{"sha256", value_form::text, presence::may_be_null},
+    row_member{"findings_danger", value_form::number, presence::may_be_null},
+    row_member{"findings_fault", value_form::number, presence::may_be_null},
+    row_member{"findings_note", value_form::number, presence::may_be_null},
 };
 
 inline constexpr std::array entity_members = {
@@ -101,6 +104,16 @@ inline constexpr std::array source_members = {
     row_member{"faults", value_form::number},
 };
 
+inline constexpr std::array finding_members = {
+    source_key_members[0],
+    source_key_members[1],
+    row_member{"message", value_form::number},
+    row_member{"byte", value_form::number},
+    row_member{"level", value_form::text},
+    row_member{"name", value_form::text},
+    row_member{"times", value_form::number},
+};
+
 /// The kind of a row: its name, its members, and whether its "message" is that of the row of a
 /// message before it.
 struct row_kind_members {
@@ -115,6 +128,7 @@ inline constexpr std::array row_kinds = {
     row_kind_members{"entity", entity_members, true},
     row_kind_members{"fault", fault_members},
     row_kind_members{"source", source_members},
+    row_kind_members{"finding", finding_members, true},
 };
 
 #endif
