@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -214,6 +216,138 @@ TEST_F(pile_reading, hands_over_doubtful_lines_before_their_message_ends) {
         faults += each->m_faults.size();
     }
     EXPECT_EQ(faults, lines);
+}
+
+/// Reads the part of an mbox between two offsets.
+class part_reading : public pile_reading {
+protected:
+    /// What read() has found in the part, and where the messages were.
+    std::string part(const std::string& name, std::uint64_t begin,
+                     std::optional<std::uint64_t> end) {
+        m_collected.m_batches.clear();
+        m_collected.m_read = 0;
+        pile_reader reader({}, m_collected);
+        source_part wanted;
+        wanted.m_begin.m_offset = begin;
+        wanted.m_end = end;
+        EXPECT_TRUE(reader.read(name, true, wanted));
+        const auto text = [](const std::optional<std::uint64_t>& offset) {
+            return offset ? std::to_string(*offset) : "none";
+        };
+        return m_collected.messages() + m_collected.faults() + text(reader.bounds().m_first) + ' '
+               + text(reader.bounds().m_last);
+    }
+};
+
+const std::string first_message = separator + "a: b\n\nFrom here\n\n"; // 51 bytes
+const std::string second_message = separator + "c: d\n\nho\n\n";       // 44 bytes
+
+TEST_F(part_reading, takes_the_messages_whose_separators_begin_in_the_part) {
+    const std::string name = file(first_message + second_message + second_message);
+    const std::string first = "34+16 a: b\n\nFrom here\n|";
+    const std::string second = "85+9 c: d\n\nho\n|";
+    const std::string third = "129+9 c: d\n\nho\n|";
+    EXPECT_EQ(part(name, 0, std::nullopt), first + second + third + "doubtful-from@40 0 none");
+    EXPECT_EQ(part(name, 0, 1), first + "doubtful-from@40 0 51");
+    EXPECT_EQ(part(name, 0, 51), first + "doubtful-from@40 0 51");
+    EXPECT_EQ(part(name, 0, 52), first + second + "doubtful-from@40 0 95");
+    EXPECT_EQ(part(name, 1, 51), "none 51");
+    EXPECT_EQ(part(name, 1, 52), second + "51 95");
+    EXPECT_EQ(part(name, 51, 95), second + "51 95");
+    EXPECT_EQ(part(name, 51, 96), second + third + "51 none");
+    EXPECT_EQ(part(name, 52, std::nullopt), third + "95 none");
+    EXPECT_EQ(part(name, 96, std::nullopt), "none none");
+}
+
+TEST_F(part_reading, of_any_two_halves_gives_the_whole) {
+    for (const std::string line_end : {"\n", "\r\n"}) {
+        std::string bytes;
+        for (const std::string& each :
+             {separator + "a: b\n\n\n\nFrom x\n", separator + separator + "b: c\n\n" + separator,
+              std::string("From 0123456789abcdef0123456789abcdef01234567 Mon Sep 17 00:00:00 2001\n"
+                          "c: d\n\n"),
+              separator + "d: e\n", separator + "e: f\n\n\n"})
+            for (const char c : each) c == '\n' ? bytes += line_end : bytes += c;
+        const std::string name = file(bytes);
+        part(name, 0, std::nullopt);
+        const std::string messages = m_collected.messages();
+        const std::string faults = m_collected.faults();
+        for (std::uint64_t cut = 1; cut < bytes.size(); ++cut) {
+            part(name, 0, cut);
+            std::string both = m_collected.messages();
+            std::string both_faults = m_collected.faults();
+            part(name, cut, std::nullopt);
+            EXPECT_EQ(both + m_collected.messages(), messages) << cut;
+            EXPECT_EQ(both_faults + m_collected.faults(), faults) << cut;
+        }
+    }
+}
+
+TEST_F(part_reading, looks_at_the_first_line_for_the_date_of_a_patch) {
+    const std::string patch =
+        "From 0123456789abcdef0123456789abcdef01234567 Mon Sep 17 00:00:00 2001\na: b\n\n";
+    const std::string name = file(patch + patch);
+    EXPECT_EQ(part(name, 1, std::nullopt), "148+5 a: b\n|77 none");
+}
+
+TEST_F(part_reading, reads_nothing_that_stands_before_the_part) {
+    std::string wanted;
+    const std::string bytes = many_messages(wanted);
+    const std::string name = file(bytes);
+    const std::uint64_t middle = bytes.find(separator, bytes.size() - 1'000'000);
+    part(name, middle, std::nullopt);
+    EXPECT_EQ(m_collected.messages(),
+              wanted.substr(wanted.find(std::to_string(middle + separator.size()) + '+')));
+    EXPECT_LT(m_collected.m_read, bytes.size() - middle + 1000);
+    part(name, 1, 1'000'000);
+    EXPECT_LT(m_collected.m_read, 3'000'000U);
+}
+
+/// A scan goes on where any of the batches says, as if it had not stopped.
+TEST_F(part_reading, goes_on_behind_each_batch) {
+    std::string bytes = separator + "a: b\n\n";
+    for (std::size_t i = 0; i < 400'000; ++i) bytes += i % 500 == 0 ? "From x\n" : "1234567\n";
+    std::string wanted;
+    const std::string name = file(many_messages(wanted) + bytes + "From x\n\n" + bytes);
+    part(name, 0, std::nullopt);
+    std::vector<scan_position> places;
+    std::vector<std::string> before = {""};
+    for (const auto& each : m_collected.m_batches) {
+        collector one;
+        one.m_batches.push_back(std::make_unique<batch>());
+        one.m_batches[0]->m_faults = each->m_faults;
+        before.push_back(before.back() + one.faults());
+        ASSERT_TRUE(each->m_next);
+        places.push_back(*each->m_next);
+    }
+    EXPECT_EQ(places.back(), (scan_position{1, 0, 0}));
+    const std::string messages = m_collected.messages();
+    const std::string faults = m_collected.faults();
+    for (std::size_t i = 0; i + 1 < places.size(); ++i) {
+        ASSERT_GT(places[i].m_offset, 0U);
+        part(name, places[i].m_offset, std::nullopt);
+        const std::string rest = m_collected.messages();
+        EXPECT_EQ(messages.substr(messages.size() - rest.size()), rest);
+        EXPECT_EQ(rest.substr(0, rest.find('+')),
+                  std::to_string(places[i].m_offset + separator.size()));
+        EXPECT_TRUE(before[i + 1] + m_collected.faults() == faults);
+    }
+}
+
+/// Whether a message is held does not depend on what stands before it.
+TEST_F(part_reading, holds_messages_by_their_length_alone) {
+    constexpr std::size_t most = std::size_t{32} << 20;
+    for (const std::size_t before : {300'000, 700'000}) {
+        std::string bytes;
+        for (const std::size_t length : {before + 5, most, most + 1})
+            bytes += separator + "a: b\n" + std::string(length - 5, '\n') + "\n";
+        part(file(bytes), 0, std::nullopt);
+        std::vector<bool> large;
+        for (const auto& each : m_collected.m_batches)
+            for (const batch_message& message : each->m_messages)
+                large.push_back(message.m_large != nullptr);
+        EXPECT_EQ(large, (std::vector<bool>{false, false, true})) << before;
+    }
 }
 
 } // namespace

@@ -54,6 +54,8 @@ struct header_facts {
 /// Reads the header block at the front of the text; nothing if it does not end there.
 std::optional<header_facts> read_header_block(std::string_view text, bool is_all) {
     header_facts facts;
+    const bool is_cut = text.size() > longest_header_block;
+    text = text.substr(0, longest_header_block);
     for (;;) {
         const std::size_t lf = text.find('\n', facts.m_bytes);
         if (lf == std::string_view::npos) break;
@@ -62,7 +64,7 @@ std::optional<header_facts> read_header_block(std::string_view text, bool is_all
         if (line.empty() || line == "\r") return facts;
         if (!facts.m_content_length) facts.m_content_length = content_length_of(line);
     }
-    if (is_all || text.size() > longest_header_block) return header_facts();
+    if (is_all || is_cut) return header_facts();
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 
 #include "scan/pipeline/byte_buffer.h"
 #include "scan/pipeline/large_message.h"
+#include "scan/pipeline/scan_position.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -57,6 +58,9 @@ struct batch {
     std::vector<batch_message> m_messages; ///< In the order of the source.
     std::vector<scan_fault> m_faults;      ///< Of the source, in its order.
     bool m_ends_source = false;            ///< The last batch of its source.
+    /// Where a scan can go on that has written all rows up to those of this batch. Nothing where
+    /// the batch ends within a message.
+    std::optional<scan_position> m_next;
 
     // What the thread that has worked on the batch leaves:
     std::string m_rows; ///< To be written as they are.
@@ -74,6 +78,7 @@ struct batch {
         m_messages.clear();
         m_faults.clear();
         m_ends_source = false;
+        m_next.reset();
         m_rows.clear();
         m_message_faults.clear();
         m_entities = 0;

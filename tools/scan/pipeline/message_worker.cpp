@@ -34,18 +34,21 @@ std::uint64_t count_entities(const MimeObj& root) {
 void message_worker::work_on(batch& work) {
     m_faults_done = 0;
     for (const batch_message& message : work.m_messages) {
-        if (m_makes_rows) append_faults_before(work, message.m_offset);
+        if (m_makes_rows) append_faults_up_to(work, message.m_offset);
         work_on_message(work, message);
     }
-    if (m_makes_rows) append_faults_before(work, std::numeric_limits<std::uint64_t>::max());
+    if (m_makes_rows) append_faults_up_to(work, std::numeric_limits<std::uint64_t>::max());
 }
 
-/// Appends the rows of the source's faults that stand before that offset.
-void message_worker::append_faults_before(batch& work, std::uint64_t offset) {
-    for (; m_faults_done < work.m_faults.size() && work.m_faults[m_faults_done].m_byte < offset;
-         ++m_faults_done)
-        append_fault_row(work.m_rows, m_options.m_form, *work.m_source,
-                         work.m_faults[m_faults_done]);
+/// Appends the rows of the source's faults that concern the message at that offset, or what stands
+/// before it. They come before the row of their message, because they may have been handed over
+/// before it has ended.
+void message_worker::append_faults_up_to(batch& work, std::uint64_t message) {
+    for (; m_faults_done < work.m_faults.size(); ++m_faults_done) {
+        const scan_fault& fault = work.m_faults[m_faults_done];
+        if (fault.m_message.value_or(fault.m_byte) > message) return;
+        append_fault_row(work.m_rows, m_options.m_form, *work.m_source, fault);
+    }
 }
 
 void message_worker::work_on_message(batch& work, const batch_message& message) {

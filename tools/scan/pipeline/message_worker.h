@@ -27,7 +27,7 @@ private:
     bool parse(batch& work, const batch_message& message, std::string_view bytes);
     void report(batch& work, const batch_message& message, std::string_view code,
                 std::string text) const;
-    void append_faults_before(batch& work, std::uint64_t offset);
+    void append_faults_up_to(batch& work, std::uint64_t message);
 
     const row_options m_options;
     const bool m_makes_rows;

@@ -6,6 +6,7 @@
 #include "scan/input/archive_reader.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -25,16 +26,28 @@ scan_fault fault_at(std::uint64_t byte, fault_level level, std::string_view code
     return fault;
 }
 
+void read_to_end(byte_source& source) {
+    std::vector<char> bytes(block_bytes);
+    while (source.read(bytes.data(), bytes.size()) != 0) {}
+}
+
 } // namespace
 
 /// The source that is being read.
 class pile_reader::one_source {
 public:
-    one_source(const pile_reader& pile, byte_source& file, std::shared_ptr<source_facts> facts)
+    /// @param part  what is wanted of it
+    /// @param next  the place behind it
+    one_source(const pile_reader& pile, byte_source& file, std::shared_ptr<source_facts> facts,
+               const source_part& part, const scan_position& next)
         : m_pile(pile), m_exchange(pile.m_exchange), m_file(file), m_facts(std::move(facts)),
+          m_part(part), m_next(next), m_is_before_part(part.m_begin.m_offset != 0),
           m_splitter(pile.m_options.m_mbox, 0, peek_function_of(file)) {}
 
+    /// Goes to the beginning of the part. The source is an mbox, of which nothing was read.
+    void begin_within(file_reader& file);
     bool read(bool is_named);
+    const part_bounds& bounds() const { return m_bounds; }
 
 private:
     static mbox_splitter::peek_function peek_function_of(const byte_source& file) {
@@ -49,12 +62,15 @@ private:
         return bytes().substr(static_cast<std::size_t>(offset - m_begin));
     }
 
+    bool is_message_large() const;
     void begin_batch();
     bool hand_over();
     bool hand_over_faults();
     void read_block();
     void recognise(bool is_named);
+    bool is_past_part() const;
     void look();
+    bool is_in_part(const mbox_finding& finding);
     void take(const mbox_finding& finding);
     void begin_message(std::uint64_t from_offset, std::uint64_t offset);
     void end_message(std::uint64_t end);
@@ -66,6 +82,11 @@ private:
     batch_exchange& m_exchange;
     byte_source& m_file;
     std::shared_ptr<source_facts> m_facts;
+    const source_part m_part;
+    const scan_position m_next;
+    part_bounds m_bounds;
+    bool m_is_before_part;  // no separator of the part has been found
+    bool m_is_over = false; // a separator behind the part has been found
     mbox_splitter m_splitter;
     std::unique_ptr<batch> m_batch;
     std::uint64_t m_begin = 0; // offset of the batch's first byte in the source
@@ -77,23 +98,35 @@ private:
     std::uint64_t m_fed = 0; // of a large one: the bytes before this offset were taken apart
 };
 
-bool pile_reader::read(const std::string& name, bool is_named) {
+bool pile_reader::read(const std::string& name, bool is_named, const source_part& part) {
+    m_bounds = part_bounds();
     file_reader file(name, [this](std::uint64_t bytes) { m_exchange.count_read(bytes); });
-    if (file.error() != 0) return refuse(name, file.error());
-    if (is_packed(file.beginning(packed_beginning))) return read_archive(file, name, is_named);
+    if (file.error() != 0) return refuse(name, file.error(), part.m_begin.m_source);
+    if (is_packed(file.beginning(packed_beginning)))
+        return read_archive(file, name, is_named, part.m_begin);
     auto facts = std::make_shared<source_facts>();
     facts->m_name = name;
     facts->m_size = file.size();
     if (file.size()) facts->m_modified = file.modified();
-    return one_source(*this, file, std::move(facts)).read(is_named);
+    one_source source(*this, file, std::move(facts), part, {part.m_begin.m_source + 1, 0, 0});
+    if (part.m_begin.m_offset != 0 && file.size()) source.begin_within(file);
+    const bool goes_on = source.read(is_named);
+    m_bounds = source.bounds();
+    return goes_on;
 }
 
-bool pile_reader::read_archive(file_reader& file, const std::string& name, bool is_named) {
+bool pile_reader::read_archive(file_reader& file, const std::string& name, bool is_named,
+                               const scan_position& begin) {
     archive_reader archive(file);
     archive_member member;
     std::size_t members = 0;
     bool is_reported = false; // what is wrong with the last member
     for (; archive.next(member); ++members) {
+        if (members < begin.m_member) {
+            read_to_end(archive);
+            is_reported = archive.failure().has_value();
+            continue;
+        }
         auto facts = std::make_shared<source_facts>();
         facts->m_name = name;
         facts->m_member = member.m_name;
@@ -101,7 +134,11 @@ bool pile_reader::read_archive(file_reader& file, const std::string& name, bool 
         const bool is_whole = !member.m_name; // the file is compressed and nothing more
         if (is_whole && file.size()) facts->m_modified = file.modified();
         if (facts->m_modified == 0) facts->m_modified.reset();
-        one_source unpacked(*this, archive, facts);
+        scan_position next = {begin.m_source, members + 1, 0};
+        if (is_whole) next = {begin.m_source + 1, 0, 0};
+        source_part part;
+        part.m_begin = {begin.m_source, members, members == begin.m_member ? begin.m_offset : 0};
+        one_source unpacked(*this, archive, facts, part, next);
         if (!unpacked.read(is_named && is_whole)) return false;
         if (is_whole) return true;
         is_reported = archive.failure().has_value();
@@ -111,12 +148,12 @@ bool pile_reader::read_archive(file_reader& file, const std::string& name, bool 
         faults.push_back(fault_at(0, fault_level::error, failure->m_code, failure->m_text));
     else if (members == 0)
         faults.push_back(fault_at(0, fault_level::note, "empty-archive", "no files are in it"));
-    return end_archive(file, name, std::move(faults));
+    return end_archive(file, name, begin, std::move(faults));
 }
 
 /// Gives the row of the archive itself.
 bool pile_reader::end_archive(const file_reader& file, const std::string& name,
-                              std::vector<scan_fault> faults) {
+                              const scan_position& begin, std::vector<scan_fault> faults) {
     auto facts = std::make_shared<source_facts>();
     facts->m_name = name;
     facts->m_kind = source_kind::archive;
@@ -126,10 +163,11 @@ bool pile_reader::end_archive(const file_reader& file, const std::string& name,
     last->m_source = std::move(facts);
     last->m_faults = std::move(faults);
     last->m_ends_source = true;
+    last->m_next = {begin.m_source + 1, 0, 0};
     return m_exchange.take(std::move(last));
 }
 
-bool pile_reader::refuse(const std::string& name, int error) {
+bool pile_reader::refuse(const std::string& name, int error, std::uint64_t number) {
     std::unique_ptr<batch> refused = m_exchange.fresh();
     auto facts = std::make_shared<source_facts>();
     facts->m_name = name;
@@ -137,6 +175,7 @@ bool pile_reader::refuse(const std::string& name, int error) {
     refused->m_faults.push_back(
         fault_at(0, fault_level::error, "cannot-open", system_error_text(error)));
     refused->m_ends_source = true;
+    refused->m_next = {number + 1, 0, 0};
     return m_exchange.take(std::move(refused));
 }
 
@@ -153,26 +192,52 @@ source_kind kind_of(std::string_view beginning, bool is_all, const pile_options&
                                                                   : source_kind::unknown;
 }
 
+void pile_reader::one_source::begin_within(file_reader& file) {
+    m_facts->m_kind = source_kind::mbox;
+    m_splitter =
+        mbox_splitter(m_pile.m_options.m_mbox, m_part.m_begin.m_offset, peek_function_of(file));
+    m_begin = m_splitter.needed_from();
+    file.seek(m_begin);
+}
+
 bool pile_reader::one_source::read(bool is_named) {
     begin_batch();
     while (bytes().size() < farthest_look && !m_is_at_end) read_block();
-    recognise(is_named);
+    if (m_begin == 0) recognise(is_named);
     while (m_facts->m_kind == source_kind::mbox || m_facts->m_kind == source_kind::message) {
         look();
-        if (m_is_at_end) break;
+        if (m_is_at_end || is_past_part()) break;
         if (!m_batch->m_messages.empty()
             && (bytes().size() >= block_bytes || m_batch->m_faults.size() >= most_faults_held)) {
             if (!hand_over()) return false;
         } else if (m_batch->m_faults.size() >= most_faults_held) {
             if (!hand_over_faults()) return false;
-        } else if (m_is_in_message && end() - m_message.m_offset > most_bytes_held) {
+        } else if (is_message_large()) {
             feed_large_message(m_splitter.needed_from());
         }
         read_block();
     }
     report_end();
     m_batch->m_ends_source = true;
+    m_batch->m_next = m_next;
+    if (m_part.m_end && (m_is_over || !m_is_at_end))
+        m_batch->m_next = {m_part.m_begin.m_source, 0, m_bounds.m_last.value_or(*m_part.m_end)};
     return m_exchange.take(std::move(m_batch));
+}
+
+/// Whether no message of the part can follow.
+bool pile_reader::one_source::is_past_part() const {
+    return m_is_over
+           || (m_part.m_end && !m_is_in_message && m_splitter.needed_from() >= *m_part.m_end);
+}
+
+/// Whether the message that is being read is too long to be held. That depends on its length
+/// alone, and not on where blocks end, so that the same source always gives the same rows.
+bool pile_reader::one_source::is_message_large() const {
+    if (!m_is_in_message) return false;
+    const std::uint64_t sure =
+        m_facts->m_kind == source_kind::mbox ? m_splitter.needed_from() : end();
+    return sure > m_message.m_offset && sure - m_message.m_offset > most_bytes_held;
 }
 
 void pile_reader::one_source::begin_batch() {
@@ -180,10 +245,22 @@ void pile_reader::one_source::begin_batch() {
     m_batch->m_source = m_facts;
 }
 
-/// Hands the batch over, and goes on with the bytes that are still needed in a new one.
+/// Hands the batch over, and goes on with the bytes that are still needed in a new one, and with
+/// what is wrong with the message that has not ended.
 bool pile_reader::one_source::hand_over() {
     std::unique_ptr<batch> full = std::move(m_batch);
     begin_batch();
+    if (m_is_in_message) {
+        const auto is_of_message = [this](const scan_fault& fault) {
+            return fault.m_message == m_message.m_offset;
+        };
+        const auto first =
+            std::find_if(full->m_faults.begin(), full->m_faults.end(), is_of_message);
+        std::move(first, full->m_faults.end(), std::back_inserter(m_batch->m_faults));
+        full->m_faults.erase(first, full->m_faults.end());
+        full->m_next = m_part.m_begin;
+        full->m_next->m_offset = m_message.m_from_offset;
+    }
     const std::uint64_t next = needed_from();
     m_batch->m_bytes.append(full->m_bytes.view().substr(static_cast<std::size_t>(next - m_begin)));
     m_begin = next;
@@ -218,17 +295,37 @@ void pile_reader::one_source::recognise(bool is_named) {
         m_batch->m_faults.push_back(
             fault_at(0, is_named ? fault_level::error : fault_level::note, "not-mail",
                      "the file begins neither as a message nor as an mbox does"));
-    if (m_facts->m_kind == source_kind::message) begin_message(0, 0);
+    if (m_facts->m_kind == source_kind::message && !m_is_before_part) begin_message(0, 0);
 }
 
 void pile_reader::one_source::look() {
     if (m_facts->m_kind == source_kind::message) {
-        if (m_is_at_end) end_message(end());
+        if (m_is_at_end && m_is_in_message) end_message(end());
         return;
     }
     m_found.clear();
     m_splitter.look(bytes(), m_begin, m_is_at_end, m_found);
-    for (const mbox_finding& finding : m_found) take(finding);
+    for (const mbox_finding& finding : m_found)
+        if (is_in_part(finding)) take(finding);
+}
+
+/// Whether the finding tells something of the messages of the part. The separator that follows
+/// them does, because it ends the last one.
+bool pile_reader::one_source::is_in_part(const mbox_finding& finding) {
+    using kind = mbox_finding::kind;
+    const bool separates =
+        finding.m_kind == kind::separator || finding.m_kind == kind::doubtful_separator;
+    if (m_is_over) return false;
+    const bool is_behind = separates && m_part.m_end && finding.m_offset >= *m_part.m_end;
+    if (m_is_before_part) {
+        if (!separates || finding.m_offset < m_part.m_begin.m_offset) return false;
+        m_is_before_part = false;
+    }
+    if (is_behind) {
+        m_is_over = true;
+        m_bounds.m_last = finding.m_offset;
+    }
+    return true;
 }
 
 void pile_reader::one_source::take(const mbox_finding& finding) {
@@ -245,7 +342,8 @@ void pile_reader::one_source::take(const mbox_finding& finding) {
     default: break;
     }
     if (m_is_in_message) end_message(finding.m_offset - finding.m_bytes_between);
-    if (finding.m_kind == kind::end) return;
+    if (finding.m_kind == kind::end || m_is_over) return;
+    if (!m_bounds.m_first) m_bounds.m_first = finding.m_offset;
     begin_message(finding.m_offset, finding.m_next);
     if (finding.m_kind == kind::doubtful_separator)
         note("no-empty-line-before-from", "a separator follows text without an empty line between");
@@ -263,7 +361,7 @@ void pile_reader::one_source::begin_message(std::uint64_t from_offset, std::uint
 void pile_reader::one_source::end_message(std::uint64_t end) {
     end = std::max(end, m_message.m_offset);
     m_message.m_length = end - m_message.m_offset;
-    if (m_message.m_large) {
+    if (m_message.m_large || m_message.m_length > most_bytes_held) {
         feed_large_message(end);
         m_message.m_large->finish();
     } else {
@@ -301,7 +399,7 @@ void pile_reader::one_source::feed_large_message(std::uint64_t end) {
 
 /// Reports an error, and a file that has become shorter.
 void pile_reader::one_source::report_end() {
-    if (!m_is_at_end && m_file.size() && *m_file.size() > end())
+    if (!m_is_at_end && !m_part.m_end && m_file.size() && *m_file.size() > end())
         m_exchange.count_read(*m_file.size() - end()); // as good as read
     if (const std::optional<read_failure> failure = m_file.failure())
         m_batch->m_faults.push_back(

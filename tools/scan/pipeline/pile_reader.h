@@ -7,6 +7,7 @@
 #include "scan/input/file_reader.h"
 #include "scan/mbox/mbox_splitter.h"
 #include "scan/pipeline/batch.h"
+#include "scan/pipeline/scan_position.h"
 
 #include <functional>
 #include <memory>
@@ -47,19 +48,28 @@ public:
     /// a batch. False if no more is wanted.
     /// @param is_named  the user has named the source, so that it is an error if it is no mail. In
     ///                  a folder there may be other files
-    bool read(const std::string& name, bool is_named);
+    /// @param part      what is wanted of the source. Nothing before it is read, but for the first
+    ///                  bytes, which tell what the source is; an archive is unpacked from its
+    ///                  beginning
+    bool read(const std::string& name, bool is_named, const source_part& part = {});
     /// Gives a batch that says nothing but that the source cannot be read.
-    bool refuse(const std::string& name, int error);
+    /// @param number  of the source in the walk
+    bool refuse(const std::string& name, int error, std::uint64_t number = 0);
+
+    /// Where the messages were that read() has given last.
+    const part_bounds& bounds() const { return m_bounds; }
 
 private:
     class one_source;
 
-    bool read_archive(file_reader& file, const std::string& name, bool is_named);
-    bool end_archive(const file_reader& file, const std::string& name,
+    bool read_archive(file_reader& file, const std::string& name, bool is_named,
+                      const scan_position& begin);
+    bool end_archive(const file_reader& file, const std::string& name, const scan_position& begin,
                      std::vector<scan_fault> faults);
 
     const pile_options m_options;
     batch_exchange& m_exchange;
+    part_bounds m_bounds;
 };
 
 #endif
