@@ -20,7 +20,7 @@ test_packages=("${build_packages[@]}" "${python_packages[@]}" "${arm_packages[@]
     python3-pytest valgrind zsh)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev xz-utils)
 # Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
-peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev)
+peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev procmail)
 # What the pictures of tests/pictures are taken with.
 # shellcheck disable=SC2034 # for those who source this
 picture_packages=(chromium fonts-dejavu-core python3-pil)
