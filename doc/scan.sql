@@ -29,6 +29,9 @@ CREATE TABLE message (
     entities INTEGER NOT NULL,
     depth INTEGER NOT NULL, -- how deep the entities nest
     sha256 TEXT, -- of all bytes of the message
+    body_sha256 TEXT, -- of what follows the first empty line
+    mih TEXT, -- MD5 of the Message-ID in its angle brackets
+    quoted_from_lines INTEGER NOT NULL, -- lines of one '>' or more, and then 'From '
     findings_danger INTEGER, -- how many findings it has that are dangers; NULL if nobody looked
     findings_fault INTEGER,
     findings_note INTEGER
@@ -85,6 +88,7 @@ CREATE TABLE finding ( -- one for each name and level of the findings of a messa
 -- These are made when all rows are there.
 CREATE UNIQUE INDEX message_by_place ON message (source_id, message);
 CREATE INDEX message_by_digest ON message (sha256) WHERE sha256 IS NOT NULL;
+CREATE INDEX message_by_body ON message (body_sha256) WHERE body_sha256 IS NOT NULL;
 CREATE INDEX message_by_message_id ON message (message_id) WHERE message_id IS NOT NULL;
 CREATE INDEX message_by_date ON message (date) WHERE date IS NOT NULL;
 CREATE UNIQUE INDEX entity_by_message ON entity (of_message, number);

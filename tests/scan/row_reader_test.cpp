@@ -252,6 +252,7 @@ TEST(row_reader, refuses_rows_in_another_order) {
         R"({"kind":"message","source":"s","member":null,"message":0,"from_offset":0,"length":0,)"
         R"("rules":"standard","subject":null,"from":null,"from_address":null,"to":null,)"
         R"("date":null,"date_text":null,"message_id":null,"entities":1,"depth":0,"sha256":null,)"
+        R"("body_sha256":null,"mih":null,"quoted_from_lines":0,)"
         R"("findings_danger":null,"findings_fault":0,"findings_note":1})";
     const std::string end = '\n' + source;
     EXPECT_EQ(error_of(message + '\n' + entity + end), "");

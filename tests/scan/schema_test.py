@@ -9,6 +9,7 @@ import copy
 import hashlib
 import json
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -32,6 +33,7 @@ HOSTILE = [
     b"Content-Transfer-Encoding: base64\n\n!!! no base64\n",
     b"MIME-Version: 1.0\nContent-Type: message/rfc822\n\n" * 120 + b"Subject: innermost\n\nx\n",
     b"a: b\n\nFrom here on\n",
+    b"Message-ID: <CALckR-a8UDkRjO4xJyjd_s0GPxQWw@mail.gmail.com>\n\n>From here\n>>From there\n",
 ]
 
 
@@ -60,12 +62,27 @@ class Rows(unittest.TestCase):
             begin = message["message"]
             text = pile[begin : begin + message["length"]]
             self.assertEqual(message["sha256"], hashlib.sha256(text).hexdigest())
+            self.check_facts_of_bytes(message, text)
             own = [row for row in entities if row["message"] == begin]
             self.assertEqual([row["index"] for row in own], list(range(message["entities"])))
+            if own and message["rules"] == "standard":
+                body = text[own[0]["header"]["offset"] + own[0]["header"]["length"] :]
+                self.assertEqual(message["body_sha256"], hashlib.sha256(body).hexdigest())
             self.assertEqual(message["depth"], max((row["depth"] for row in own), default=0))
             for row in own:
                 self.check_entity(row, own, text)
         return rows
+
+    def check_facts_of_bytes(self, message, text):
+        """Checks what the row of a message says without its tree."""
+        body = re.sub(rb"\A(?:[^\n]*[^\r\n][^\n]*(?:\n|\Z))*(?:\r*\n|\r*\Z)", b"", text)
+        self.assertEqual(message["body_sha256"], hashlib.sha256(body).hexdigest())
+        quoted = re.findall(rb"^>+From ", text, re.MULTILINE)
+        self.assertEqual(message["quoted_from_lines"], len(quoted))
+        name = message["message_id"]
+        self.assertEqual(message["mih"] is None, name is None)
+        if name and "\ufffd" not in name: # the bytes are those of the message
+            self.assertEqual(message["mih"], hashlib.md5(f"<{name}>".encode()).hexdigest())
 
     def check_entity(self, row, siblings, text):
         """Checks what the row of an entity says about the text of the message."""
@@ -116,6 +133,7 @@ class Rows(unittest.TestCase):
             path.write_bytes(pile_of(HOSTILE))
             rows = self.check(path)
         self.assertEqual(rows[-1]["messages"], len(HOSTILE))
+        self.assertIn("1de319c276884bd0c9e2f1621ada26cc", [row.get("mih") for row in rows])
         statuses = {row.get("decode_status") for row in rows}
         self.assertLessEqual({"ok", "damaged", "unknown-encoding"}, statuses)
 
@@ -162,6 +180,19 @@ class Rows(unittest.TestCase):
             self.assertEqual(scanned.of_kind("finding", rows) != [], is_counted)
             for level in ("danger", "fault", "note"):
                 self.assertEqual(message[f"findings_{level}"] is not None, is_counted)
+
+    def test_say_the_same_of_a_message_that_is_not_held_in_memory(self):
+        """Its digests and its quoted lines."""
+        text = b"Message-ID: <x@y>\n\n" + b">From here\nand so on\n" * (33 << 20 >> 4)
+        [message] = scanned.of_kind("message", scanned.rows("-", given=text))
+        self.assertEqual(message["sha256"], hashlib.sha256(text).hexdigest())
+        self.check_facts_of_bytes(message, text)
+        self.assertIsNone(message["findings_danger"])
+
+    def test_hash_nothing_where_nothing_is_asked_for(self):
+        sample = scanned.TOP / "tests/data/messages/plain.eml"
+        [message] = scanned.of_kind("message", scanned.rows("--hash=none", sample))
+        self.assertEqual([message[name] for name in ("sha256", "body_sha256", "mih")], [None] * 3)
 
     def test_say_what_the_command_json_says(self):
         """For each sample, entity by entity."""
@@ -224,6 +255,7 @@ class Schema(unittest.TestCase):
             ("message", "rules", "strict"),
             ("entity", "header", {"offset": 0, "length": 2**32}),
             ("entity", "decode_status", "good"),
+            ("message", "mih", "1de3"),
             ("message", "findings_note", -1),
             ("finding", "level", "error"),
             ("finding", "name", "bare cr"),

@@ -7,7 +7,8 @@
 
 void large_message::feed(std::string_view bytes) {
     m_length += bytes.size();
-    m_digest.add(bytes);
+    m_digester.add(bytes);
+    m_quoted.add(bytes);
     if (is_too_large()) m_feeder.reset();
     if (!m_feeder) return;
     try {
@@ -21,7 +22,7 @@ void large_message::feed(std::string_view bytes) {
 }
 
 void large_message::finish() {
-    m_digest_text = m_digest.text();
+    m_digests = m_digester.finish();
     if (!m_feeder) return;
     try {
         m_feeder->finish();

@@ -5,7 +5,8 @@
 
 #include <mail_structure.h>
 
-#include "scan/pipeline/digest.h"
+#include "scan/mbox/quoted_from_lines.h"
+#include "scan/pipeline/message_digests.h"
 
 #include <cstdint>
 #include <optional>
@@ -31,14 +32,16 @@ public:
     const std::optional<std::string>& fault() const { return m_fault; }
     /// The tree, once the message has ended.
     const MailStructure& message() const { return m_message; }
-    /// SHA-256 of all bytes, in hexadecimal, once the message has ended.
-    const std::string& digest_text() const { return m_digest_text; }
+    /// The digests, once the message has ended.
+    const message_digests& digests() const { return m_digests; }
+    std::uint64_t quoted_lines() const { return m_quoted.count(); }
 
 private:
     MailStructure m_message;
     std::optional<MailStructure::feeder> m_feeder; // none once it has ended
-    digest m_digest;
-    std::string m_digest_text;
+    message_digester m_digester;
+    message_digests m_digests;
+    quoted_from_lines m_quoted;
     std::uint64_t m_length = 0;
     std::optional<std::string> m_fault;
 };

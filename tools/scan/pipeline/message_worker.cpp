@@ -64,15 +64,23 @@ void message_worker::work_on_message(batch& work, const batch_message& message) 
     if (!m_makes_rows) {
         if (facts.m_root != nullptr) work.m_entities += count_entities(*facts.m_root);
     } else {
-        if (m_options.m_hash != hash_choice::none) {
-            digest hash;
-            hash.add(facts.m_bytes);
-            facts.m_digest = large != nullptr ? large->digest_text() : hash.text();
-        }
+        add_facts_of_bytes(facts, large);
         if (m_options.m_findings) look_for_findings(facts);
         append_rows(work, facts);
     }
     if (message.m_length >= large_message_bytes) m_parser.m_root = MimeObj();
+}
+
+/// Adds what takes no tree.
+/// @param large  null where the bytes are there
+void message_worker::add_facts_of_bytes(message_facts& facts, const large_message* large) const {
+    quoted_from_lines quoted;
+    quoted.add(facts.m_bytes);
+    facts.m_quoted_lines = large != nullptr ? large->quoted_lines() : quoted.count();
+    if (m_options.m_hash == hash_choice::none) return;
+    message_digester digester;
+    digester.add(facts.m_bytes);
+    facts.m_digests = large != nullptr ? large->digests() : digester.finish();
 }
 
 /// Not in a message whose bytes are gone, or that is too large, nor where memory is too small.

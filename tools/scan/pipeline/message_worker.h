@@ -23,6 +23,7 @@ public:
 private:
     void work_on_message(batch& work, const batch_message& message);
     void append_rows(batch& work, message_facts& facts);
+    void add_facts_of_bytes(message_facts& facts, const large_message* large) const;
     void look_for_findings(message_facts& facts);
     bool parse(batch& work, const batch_message& message, std::string_view bytes);
     void report(batch& work, const batch_message& message, std::string_view code,

@@ -57,7 +57,11 @@ void write_message_fields(row_writer& row, const MimeObj& root) {
     const auto moment = message_date(date);
     row.write_text_or_null("date", moment ? utc_text(*moment) : "");
     row.write_text_or_null("date_text", date);
-    row.write_text_or_null("message_id", identifier_of(root, "message-id"));
+}
+
+/// MD5 of the identifier in its brackets, in hexadecimal; empty where there is no identifier.
+std::string id_hash(const std::string& message_id) {
+    return message_id.empty() ? "" : md5_text('<' + message_id + '>');
 }
 
 /// Writes the digests of the body, as it is and decoded.
@@ -208,10 +212,16 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
     row.write_text("rules",
                    options.m_rules == MailStructure::rules::standard ? "standard" : "classic");
     static const MimeObj no_tree;
-    write_message_fields(row, message.m_root == nullptr ? no_tree : *message.m_root);
+    const MimeObj& root = message.m_root == nullptr ? no_tree : *message.m_root;
+    write_message_fields(row, root);
+    const std::string message_id = identifier_of(root, "message-id");
+    row.write_text_or_null("message_id", message_id);
     row.write_number("entities", extent.m_entities);
     row.write_number("depth", extent.m_depth);
-    row.write_text_or_null("sha256", message.m_digest);
+    row.write_text_or_null("sha256", message.m_digests.m_message);
+    row.write_text_or_null("body_sha256", message.m_digests.m_body);
+    row.write_text_or_null("mih", options.m_hash == hash_choice::none ? "" : id_hash(message_id));
+    row.write_number("quoted_from_lines", message.m_quoted_lines);
     write_finding_counts(row, message.m_findings);
     row.end();
     if (message.m_root != nullptr) entity_rows(rows, message, options).append();

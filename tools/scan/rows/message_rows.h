@@ -6,6 +6,7 @@
 #include <mail_structure.h>
 
 #include "scan/pipeline/batch.h"
+#include "scan/pipeline/message_digests.h"
 #include "scan/rows/finding_counts.h"
 #include "scan/rows/row_writer.h"
 
@@ -34,8 +35,9 @@ struct message_facts {
     const batch_message* m_place = nullptr;
     std::string_view m_bytes; ///< All of the message; empty where it was too large.
     const MailStructure::MimeObj* m_root = nullptr; ///< Null where there is no tree.
-    std::string m_digest;                           ///< Empty where none was asked for.
-    const finding_counts* m_findings = nullptr;     ///< Null where nobody looked for any.
+    message_digests m_digests;
+    std::uint64_t m_quoted_lines = 0;           ///< That begin with ">From ", or more ">".
+    const finding_counts* m_findings = nullptr; ///< Null where nobody looked for any.
 };
 
 /// Appends the rows of a message, of its entities and of its findings.
