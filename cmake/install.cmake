@@ -118,8 +118,8 @@ install(
 # The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
   FILES doc/architecture.md doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md
-        doc/json.schema.json doc/map.md doc/map.svg doc/python.md doc/scan.md doc/scan.schema.json
-        doc/scan.sql doc/standard.md
+        doc/json.schema.json doc/map.md doc/map.svg doc/python.md doc/queries.md doc/queries.sql
+        doc/queries_duckdb.sql doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
@@ -157,7 +157,8 @@ if(MAILSTRUCTURE_TOOLS)
     COMPONENT tool)
   install(
     FILES doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md doc/json.schema.json
-          doc/map.md doc/map.svg doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
+          doc/map.md doc/map.svg doc/queries.md doc/queries.sql doc/queries_duckdb.sql doc/scan.md
+          doc/scan.schema.json doc/scan.sql doc/standard.md
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()
