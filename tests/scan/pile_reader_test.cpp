@@ -337,7 +337,7 @@ TEST_F(part_reading, goes_on_behind_each_batch) {
 /// Whether a message is held does not depend on what stands before it.
 TEST_F(part_reading, holds_messages_by_their_length_alone) {
     constexpr std::size_t most = std::size_t{32} << 20;
-    for (const std::size_t before : {300'000, 700'000}) {
+    for (const std::size_t before : {300'000UL, 700'000UL}) {
         std::string bytes;
         for (const std::size_t length : {before + 5, most, most + 1})
             bytes += separator + "a: b\n" + std::string(length - 5, '\n') + "\n";
