@@ -1,7 +1,8 @@
-// Decodes and counts; see the header.
+// Decodes and counts, and only counts where the encoded text is sound base64; see the header.
 
 #include "common/decoded_size.h"
 
+#include "common/base64_front.h"
 #include "common/field_lookup.h"
 #include "common/transfer_decoding.h"
 
@@ -15,11 +16,16 @@ std::optional<decoded_size> decoded_size_of(const mail_sections::place& body,
     if (!encoding) return std::nullopt;
     const mail_sections::byte_range range = ranges.of(body);
     decoded_size size;
-    const auto damage = decode(*encoding, source.m_bytes.substr(range.m_offset, range.m_length),
-                               [&size](std::string_view bytes) {
-                                   size.m_bytes += bytes.size();
-                                   return true;
-                               });
+    std::string_view text = source.m_bytes.substr(range.m_offset, range.m_length);
+    if (*encoding == transfer_encoding::base64) {
+        const base64_front front = base64_front_of(text);
+        size.m_bytes = front.m_decoded_bytes;
+        text.remove_prefix(front.m_bytes);
+    }
+    const auto damage = decode(*encoding, text, [&size](std::string_view bytes) {
+        size.m_bytes += bytes.size();
+        return true;
+    });
     size.m_is_damaged = damage.has_value();
     return size;
 }
