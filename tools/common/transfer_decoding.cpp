@@ -240,15 +240,8 @@ public:
 
     std::optional<decoding_damage> run() {
         while (m_at < m_text.size() && m_decoded.is_wanted()) {
-            const std::size_t plain_end =
-                std::min(m_text.find_first_of("= \t", m_at), m_text.size());
-            m_decoded.put(m_text.substr(m_at, plain_end - m_at));
-            m_at = plain_end;
-            if (m_at == m_text.size()) break;
-            if (m_text[m_at] == '=')
-                take_equals_sign();
-            else
-                take_blanks();
+            const std::size_t line_end = std::min(m_text.find('\n', m_at), m_text.size());
+            take_line(line_end);
         }
         m_decoded.flush();
         return m_decoded.is_wanted() ? m_damage.damage() : std::nullopt;
@@ -267,12 +260,30 @@ private:
         return at;
     }
 
-    /// Blanks are text, unless they end a line.
-    void take_blanks() {
-        const std::size_t end = blanks_end(m_at);
-        if (end != m_text.size() && line_end_at(end) == 0)
-            m_decoded.put(m_text.substr(m_at, end - m_at));
-        m_at = end;
+    /// Decodes the rest of a line.
+    /// @param line_end  the offset of its LF, or the end of the text
+    void take_line(std::size_t line_end) {
+        const std::string_view up_to_line_end = m_text.substr(0, line_end);
+        while (m_at < line_end && m_decoded.is_wanted()) {
+            const std::size_t equals_sign = up_to_line_end.find('=', m_at);
+            if (equals_sign == std::string_view::npos) break;
+            m_decoded.put(m_text.substr(m_at, equals_sign - m_at));
+            m_at = equals_sign;
+            take_equals_sign();
+        }
+        if (m_at <= line_end) take_end_of_line(line_end); // else a soft line break took the LF
+    }
+
+    /// Takes the rest of a line, which holds no equals sign. Blanks are text, unless they end it.
+    void take_end_of_line(std::size_t line_end) {
+        const bool has_cr =
+            line_end > m_at && line_end < m_text.size() && m_text[line_end - 1] == '\r';
+        std::size_t text_end = line_end - (has_cr ? 1 : 0);
+        const std::string_view ending = m_text.substr(text_end, line_end + 1 - text_end);
+        while (text_end > m_at && is_blank(m_text[text_end - 1])) --text_end;
+        m_decoded.put(m_text.substr(m_at, text_end - m_at));
+        m_decoded.put(ending);
+        m_at = line_end + 1;
     }
 
     void take_equals_sign() {
