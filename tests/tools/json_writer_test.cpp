@@ -75,6 +75,13 @@ MailStructure::MimeObj entity_with_field(const std::string& value) {
     return entity;
 }
 
+/// The bytes from 0x80 on.
+std::string beyond_ascii() {
+    std::string bytes;
+    for (int byte = 0x80; byte < 0x100; ++byte) bytes += static_cast<char>(byte);
+    return bytes;
+}
+
 // ---- values
 
 struct text_case {
@@ -154,6 +161,32 @@ TEST(json_values, of_any_bytes_can_be_had_back) {
         exact.at(std::stoul(place.substr(8))) = base64_decoded(odd["base64"].GetString());
     }
     EXPECT_EQ(exact, texts);
+}
+
+/// The writer passes over plain text in blocks: each byte, at each place of texts that are a little
+/// shorter and longer than some blocks.
+TEST(json_values, have_every_byte_at_every_place) {
+    MailStructure::MimeObj root;
+    std::vector<std::string> texts;
+    for (std::size_t length = 1; length <= 26; ++length) {
+        for (std::size_t at = 0; at < length; ++at) {
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string text(length, 'x');
+                text[at] = static_cast<char>(byte);
+                texts.push_back(text);
+            }
+        }
+    }
+    for (const std::string& text : texts) root.get_header()->m_value = text;
+    const rapidjson::Document line = read_json(json_of(root, json_form::flat));
+    ASSERT_EQ(line["fields"].Size(), texts.size());
+    for (unsigned each = 0; each < texts.size(); ++each) {
+        const rapidjson::Value& value = line["fields"][each]["value"];
+        std::string expected = texts[each];
+        const std::size_t odd = expected.find_first_of(beyond_ascii());
+        if (odd != std::string::npos) expected.replace(odd, 1, "\uFFFD");
+        ASSERT_EQ(std::string(value.GetString(), value.GetStringLength()), expected);
+    }
 }
 
 TEST(json_values, that_a_terminal_would_act_on_are_spelled_out) {

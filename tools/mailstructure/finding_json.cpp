@@ -1,50 +1,51 @@
 #include "mailstructure/finding_json.h"
 
-#include "mailstructure/json_output.h"
+#include "mailstructure/json_string.h"
 
-#include <rapidjson/writer.h>
+#include <cstdint>
+#include <string_view>
+#include <utility>
 
 namespace {
 
-/// Appends what the writer prints to a text.
-class text_output {
+/// An object on one line.
+class json_line {
 public:
-    using Ch = char;
-    explicit text_output(std::string& text) : m_text(text) {}
-    void Put(char character) { m_text += character; }
-    void Flush() {}
+    json_line& add(std::string_view name, std::string_view value) {
+        begin(name);
+        put_json_string(*this, value);
+        return *this;
+    }
+    json_line& add(std::string_view name, std::uint64_t value) {
+        begin(name);
+        m_text += std::to_string(value);
+        return *this;
+    }
+    std::string finish() { return std::move(m_text += "}\n"); }
+
+    void put(char character) { m_text += character; }
+    void put(std::string_view text) { m_text += text; }
 
 private:
-    std::string& m_text;
+    void begin(std::string_view name) {
+        m_text += m_text.empty() ? '{' : ',';
+        put_json_string(*this, name);
+        m_text += ':';
+    }
+    std::string m_text;
 };
-
-using line_writer = rapidjson::Writer<text_output, lenient_utf8, harmless_utf8, throwing_allocator>;
-
-void write_text(line_writer& writer, const char* name, const std::string& value) {
-    writer.Key(name);
-    writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
-}
-
-void write_number(line_writer& writer, const char* name, std::uint64_t value) {
-    writer.Key(name);
-    writer.Uint64(value);
-}
 
 } // namespace
 
 std::string finding_json(const told_finding& finding, const std::string& file) {
-    std::string line;
-    text_output output(line);
-    line_writer writer(output);
-    writer.StartObject();
-    write_text(writer, "kind", "finding");
-    write_text(writer, "file", file);
-    write_text(writer, "level", std::string(finding.m_level));
-    write_text(writer, "name", std::string(finding.m_name));
-    write_number(writer, "line", finding.m_line);
-    write_number(writer, "offset", finding.m_offset);
-    write_number(writer, "length", finding.m_length);
-    write_text(writer, "explanation", std::string(finding.m_explanation));
-    writer.EndObject();
-    return line += '\n';
+    return json_line()
+        .add("kind", "finding")
+        .add("file", file)
+        .add("level", finding.m_level)
+        .add("name", finding.m_name)
+        .add("line", std::uint64_t{finding.m_line})
+        .add("offset", std::uint64_t{finding.m_offset})
+        .add("length", std::uint64_t{finding.m_length})
+        .add("explanation", finding.m_explanation)
+        .finish();
 }

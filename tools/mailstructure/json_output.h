@@ -1,11 +1,8 @@
-// What rapidjson's writer needs to print text from a message: an output for its characters, an
-// encoding to read any bytes, an encoding that escapes characters that a terminal would act on, and
-// memory for its stack.
+// What rapidjson's writer needs to print a tree: an output for its characters, and memory for its
+// stack.
 
 #ifndef TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
 #define TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
-
-#include "common/printable.h"
 
 #include <algorithm>
 #include <array>
@@ -24,12 +21,38 @@ public:
     static constexpr std::size_t block_size = 32768;
 
     /// The stream must live as long as this object.
-    explicit json_output(std::ostream& to) : m_to(to), m_block() {}
+    explicit json_output(std::ostream& to) : m_to(to) {} // NOLINT: the block is filled as needed
 
-    void Put(char character) {
+    void put(char character) {
         if (m_used == block_size) hand_on();
         m_block[m_used++] = character;
     }
+    void put(std::string_view text) {
+        while (text.size() > block_size - m_used) {
+            const std::size_t fits = block_size - m_used;
+            std::memcpy(m_block.data() + m_used, text.data(), fits);
+            m_used = block_size;
+            text.remove_prefix(fits);
+            hand_on();
+        }
+        std::memcpy(m_block.data() + m_used, text.data(), text.size());
+        m_used += text.size();
+    }
+    /// Writes the text in quotes. It has no more bytes than a block, and none that JSON escapes.
+    void put_quoted(std::string_view text) {
+        if (text.size() + 2 > block_size - m_used) {
+            put('"');
+            put(text);
+            return put('"');
+        }
+        char* const to = m_block.data() + m_used;
+        to[0] = '"';
+        std::memcpy(to + 1, text.data(), text.size());
+        to[text.size() + 1] = '"';
+        m_used += text.size() + 2;
+    }
+    /// The name by which rapidjson knows put().
+    void Put(char character) { put(character); }
     /// rapidjson calls this at the end of each document. Blocks are passed on when they are full.
     void Flush() {}
 
@@ -55,86 +78,6 @@ inline void PutN(json_output& output, char character, std::size_t count) {
     for (std::size_t left = std::min<std::size_t>(count, 64); left != 0; --left)
         output.Put(character);
 }
-
-/// The encoding that the writer reads: UTF-8, in which a byte that is not part of valid UTF-8
-/// stands for U+FFFD. A NUL must follow the text, as in a std::string.
-struct lenient_utf8 {
-    using Ch = char;
-
-    template <class stream>
-    static bool Decode(stream& from, unsigned* code_point) {
-        const auto lead = static_cast<unsigned char>(from.Peek());
-        if (lead < 0x80) {
-            *code_point = lead;
-            from.Take();
-            return true;
-        }
-        const utf8_character character = first_character({from.src_, ::strnlen(from.src_, 4)});
-        *code_point = character.m_valid ? static_cast<unsigned>(character.m_code_point) : 0xFFFDU;
-        from.src_ += character.m_bytes;
-        return true;
-    }
-};
-
-/// The encoding that the writer writes: UTF-8, but characters that printable() spells out become
-/// \uNNNN. (The writer itself escapes characters below U+0020, the quote and the backslash.)
-struct harmless_utf8 {
-    using Ch = char;
-    enum { supportUnicode = 1 };
-
-    template <class stream>
-    static void EncodeUnsafe(stream& to, unsigned code_point) {
-        Encode(to, code_point);
-    }
-
-    template <class stream>
-    static void Encode(stream& to, unsigned code_point) {
-        if (code_point < 0x7F) {
-            to.Put(static_cast<char>(code_point));
-        } else if (is_spelled_out(code_point)) {
-            put_escaped(to, code_point);
-        } else {
-            put_utf8(to, code_point);
-        }
-    }
-
-private:
-    template <class stream>
-    static void put_utf8(stream& to, unsigned code_point) {
-        const auto put_tail = [&](unsigned shift) {
-            to.Put(static_cast<char>(0x80 | ((code_point >> shift) & 0x3F)));
-        };
-        if (code_point < 0x800) {
-            to.Put(static_cast<char>(0xC0 | (code_point >> 6)));
-        } else if (code_point < 0x10000) {
-            to.Put(static_cast<char>(0xE0 | (code_point >> 12)));
-            put_tail(6);
-        } else {
-            to.Put(static_cast<char>(0xF0 | (code_point >> 18)));
-            put_tail(12);
-            put_tail(6);
-        }
-        put_tail(0);
-    }
-
-    template <class stream>
-    static void put_escaped(stream& to, unsigned code_point) {
-        if (code_point > 0xFFFF) { // two surrogates
-            put_unit(to, 0xD7C0 + (code_point >> 10));
-            put_unit(to, 0xDC00 + (code_point & 0x3FF));
-        } else {
-            put_unit(to, code_point);
-        }
-    }
-
-    template <class stream>
-    static void put_unit(stream& to, unsigned unit) {
-        to.Put('\\');
-        to.Put('u');
-        for (int shift = 12; shift >= 0; shift -= 4)
-            to.Put("0123456789ABCDEF"[(unit >> shift) & 0xF]);
-    }
-};
 
 /// Memory for the writer's stack, which has one record for each level. rapidjson's own allocator
 /// does not notice that memory has run out.

@@ -1,5 +1,6 @@
-// Walks the tree and calls rapidjson's writer for all that is recorded. The writer keeps its open
-// objects and arrays on a stack of its own, so neither the writer nor the walk recurses.
+// Walks the tree and writes all that is recorded. rapidjson's writer puts down the commas, colons
+// and brackets, and keeps its open objects and arrays on a stack of its own, so neither the writer
+// nor the walk recurses. Names, texts and ranges go straight to the output.
 
 #include "mailstructure/json_writer.h"
 
@@ -7,9 +8,12 @@
 #include "common/field_lookup.h"
 #include "common/message_date.h"
 #include "common/message_fields.h"
+#include "mailstructure/json_string.h"
 
+#include <array>
+#include <charconv>
 #include <cstddef>
-#include <limits>
+#include <cstdint>
 #include <nettle/base64.h>
 #include <optional>
 #include <rapidjson/prettywriter.h>
@@ -20,9 +24,9 @@
 
 namespace {
 
-using line_writer = rapidjson::Writer<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
-using pretty_writer =
-    rapidjson::PrettyWriter<json_output, lenient_utf8, harmless_utf8, throwing_allocator>;
+using utf8 = rapidjson::UTF8<>;
+using line_writer = rapidjson::Writer<json_output, utf8, utf8, throwing_allocator>;
+using pretty_writer = rapidjson::PrettyWriter<json_output, utf8, utf8, throwing_allocator>;
 
 /// The bytes in base64, as a JSON string.
 std::string quoted_base64(std::string_view bytes) {
@@ -32,14 +36,20 @@ std::string quoted_base64(std::string_view bytes) {
     return text;
 }
 
+void put_number(json_output& output, std::uint32_t number) {
+    std::array<char, 10> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    output.put({digits.data(), static_cast<std::size_t>(end - digits.data())});
+}
+
 /// Writes documents of every form. A "record" is an object with a list of those of its values that
 /// are not UTF-8: the message, an entity, or a line of the flat form.
 template <class writer>
 class tree_writer {
 public:
     /// @param gap  is written after each colon and comma of a range
-    tree_writer(json_output& output, const json_message& message, std::string gap)
-        : m_output(output), m_writer(output), m_message(message), m_gap(std::move(gap)),
+    tree_writer(json_output& output, const json_message& message, std::string_view gap)
+        : m_output(output), m_writer(output), m_message(message), m_gap(gap),
           m_ranges(message.m_root, message.m_source) {}
 
     writer& settings() { return m_writer; }
@@ -53,9 +63,19 @@ private:
         std::string m_quoted_base64;
     };
 
+    /// Where in a record the writer is: "", "/fields/3" or "/fields/3/params/0".
+    struct record_place {
+        std::string_view m_list; // "" outside the lists
+        std::size_t m_index = 0;
+        std::optional<std::size_t> m_parameter;
+
+        std::string text() const;
+    };
+
+    void begin_value(rapidjson::Type type);
     void write_key(std::string_view name);
-    void write_string(std::string_view name, const std::string& value);
-    void write_string_or_null(std::string_view name, const std::string& value);
+    void write_string(std::string_view name, std::string_view value);
+    void write_string_or_null(std::string_view name, std::string_view value);
     void write_number(std::string_view name, std::uint64_t value);
     void write_flag(std::string_view name, bool value);
     void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
@@ -76,10 +96,10 @@ private:
     json_output& m_output;
     writer m_writer;
     const json_message& m_message;
-    const std::string m_gap;
+    const std::string_view m_gap;
     mail_sections::ranges m_ranges;
     // These describe the record that is being written:
-    std::string m_place; // where in it the writer is: "", "/fields/3" or "/fields/3/params/0"
+    record_place m_place;
     std::vector<odd_value> m_odd_values;
     std::vector<std::size_t> m_path; // flat form: the indices of the entities from the root on
 };
@@ -156,7 +176,7 @@ void tree_writer<writer>::write_line_members(const mail_sections::visited& visit
 template <class writer>
 void tree_writer<writer>::write_members(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
-    write_string_or_null("section", std::string(visited.m_name));
+    write_string_or_null("section", visited.m_name);
     write_description(visited);
     write_message_fields(entity);
     write_flag("multipart", entity.m_multipart);
@@ -221,14 +241,14 @@ void tree_writer<writer>::write_addresses(std::string_view name,
     m_writer.StartArray();
     std::size_t index = 0;
     for (const mail_address& each : addresses_of(entity, name)) {
-        m_place = '/' + std::string(name) + '/' + std::to_string(index++);
+        m_place = {name, index++, std::nullopt};
         m_writer.StartObject();
         write_string_or_null("name", each.m_name);
         write_string_or_null("address", each.m_address);
         m_writer.EndObject();
     }
     m_writer.EndArray();
-    m_place.clear();
+    m_place = {};
 }
 
 template <class writer>
@@ -246,11 +266,11 @@ void tree_writer<writer>::write_fields(const MailStructure::MimeObj& entity) {
     m_writer.StartArray();
     std::size_t index = 0;
     for (const MailStructure::header& each : entity.m_headers) {
-        m_place = "/fields/" + std::to_string(index++);
+        m_place = {"fields", index++, std::nullopt};
         write_field(each);
     }
     m_writer.EndArray();
-    m_place.clear();
+    m_place = {};
 }
 
 template <class writer>
@@ -261,16 +281,15 @@ void tree_writer<writer>::write_field(const MailStructure::header& field) {
     write_range("range", field.m_beg, field.m_end - field.m_beg);
     write_key("params");
     m_writer.StartArray();
-    const std::size_t place_of_field = m_place.size();
     std::size_t index = 0;
     for (const auto& [name, value] : field.m_params) {
-        m_place += "/params/" + std::to_string(index++);
+        m_place.m_parameter = index++;
         m_writer.StartObject();
         write_string("name", name);
         write_string("value", value);
         m_writer.EndObject();
-        m_place.resize(place_of_field);
     }
+    m_place.m_parameter.reset();
     m_writer.EndArray();
     m_writer.EndObject();
 }
@@ -284,8 +303,8 @@ void tree_writer<writer>::write_odd_values() {
         m_writer.StartObject();
         write_string("member", odd.m_place);
         write_key("base64");
-        m_writer.RawValue(odd.m_quoted_base64.data(), odd.m_quoted_base64.size(),
-                          rapidjson::kStringType);
+        begin_value(rapidjson::kStringType);
+        m_output.put(odd.m_quoted_base64);
         m_writer.EndObject();
     }
     m_writer.EndArray();
@@ -306,22 +325,36 @@ void tree_writer<writer>::end_line() {
 }
 
 template <class writer>
+std::string tree_writer<writer>::record_place::text() const {
+    if (m_list.empty()) return "";
+    std::string text = '/' + std::string(m_list) + '/' + std::to_string(m_index);
+    if (m_parameter) text += "/params/" + std::to_string(*m_parameter);
+    return text;
+}
+
+/// Writes what comes before a value; the value itself goes straight to the output.
+template <class writer>
+void tree_writer<writer>::begin_value(rapidjson::Type type) {
+    m_writer.RawValue("", 0, type);
+}
+
+/// @param name  has no character that JSON escapes
+template <class writer>
 void tree_writer<writer>::write_key(std::string_view name) {
-    m_writer.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+    begin_value(rapidjson::kStringType);
+    m_output.put_quoted(name);
 }
 
 template <class writer>
-void tree_writer<writer>::write_string(std::string_view name, const std::string& value) {
-    // A file of 4 GiB is refused, but what is decoded can be longer than it was.
-    if (value.size() > std::numeric_limits<rapidjson::SizeType>::max()) throw std::bad_alloc();
-    if (!is_utf8(value))
-        m_odd_values.push_back({m_place + '/' + std::string(name), quoted_base64(value)});
+void tree_writer<writer>::write_string(std::string_view name, std::string_view value) {
     write_key(name);
-    m_writer.String(value.c_str(), static_cast<rapidjson::SizeType>(value.size()));
+    begin_value(rapidjson::kStringType);
+    if (!put_json_string(m_output, value))
+        m_odd_values.push_back({m_place.text() + '/' + std::string(name), quoted_base64(value)});
 }
 
 template <class writer>
-void tree_writer<writer>::write_string_or_null(std::string_view name, const std::string& value) {
+void tree_writer<writer>::write_string_or_null(std::string_view name, std::string_view value) {
     if (!value.empty()) return write_string(name, value);
     write_key(name);
     m_writer.Null();
@@ -343,10 +376,17 @@ void tree_writer<writer>::write_flag(std::string_view name, bool value) {
 template <class writer>
 void tree_writer<writer>::write_range(std::string_view name, std::uint32_t offset,
                                       std::uint32_t length) {
-    const std::string text = "{\"offset\":" + m_gap + std::to_string(offset) + ',' + m_gap
-                             + "\"length\":" + m_gap + std::to_string(length) + '}';
     write_key(name);
-    m_writer.RawValue(text.data(), text.size(), rapidjson::kObjectType);
+    begin_value(rapidjson::kObjectType);
+    m_output.put("{\"offset\":");
+    m_output.put(m_gap);
+    put_number(m_output, offset);
+    m_output.put(',');
+    m_output.put(m_gap);
+    m_output.put("\"length\":");
+    m_output.put(m_gap);
+    put_number(m_output, length);
+    m_output.put('}');
 }
 
 } // namespace
