@@ -17,12 +17,13 @@
 
 namespace {
 
-TEST(file_bytes, maps_a_file) {
-    for (const std::string& contents :
-         {std::string("a"), std::string("a: b\n\nx\n"), std::string(100000, 'x')}) {
+TEST(file_bytes, reads_a_small_file_and_maps_a_large_one) {
+    for (const std::size_t total : {1UL, 8UL, 65535UL, 98303UL, 98304UL, 1000000UL}) {
+        SCOPED_TRACE(total);
+        const std::string contents = std::string(total - 1, 'x') + 'y';
         const temporary_file file(contents);
         const file_bytes taken(file.name());
-        EXPECT_TRUE(taken.is_mapped());
+        EXPECT_EQ(taken.is_mapped(), total >= 98304);
         EXPECT_EQ(taken.failed(), file_bytes::failure::none);
         EXPECT_EQ(taken.bytes(), contents);
     }
@@ -48,12 +49,14 @@ TEST(file_bytes, takes_what_is_left_in_a_descriptor) {
     EXPECT_EQ(file_bytes(descriptor).bytes(), "second\n");
 }
 
-TEST(file_bytes, leaves_a_mapped_descriptor_at_its_end) {
-    const temporary_file file("first\nsecond\n");
-    const int descriptor = ::open(file.name().c_str(), O_RDONLY | O_CLOEXEC);
-    const int same_place = ::dup(descriptor);
-    EXPECT_TRUE(file_bytes(descriptor).is_mapped());
-    EXPECT_EQ(file_bytes(same_place).bytes(), "");
+TEST(file_bytes, leaves_a_descriptor_at_its_end) {
+    for (const std::size_t total : {13UL, 100000UL}) {
+        const temporary_file file(std::string(total, 'x'));
+        const int descriptor = ::open(file.name().c_str(), O_RDONLY | O_CLOEXEC);
+        const int same_place = ::dup(descriptor);
+        EXPECT_EQ(file_bytes(descriptor).is_mapped(), total == 100000);
+        EXPECT_EQ(file_bytes(same_place).bytes(), "");
+    }
 }
 
 TEST(file_bytes, reads_a_pipe_in_pieces_of_any_size) {
@@ -124,11 +127,12 @@ TEST(file_bytes, refuses_a_file_of_4_gib_and_maps_one_byte_less) {
 }
 
 TEST(file_bytes, refuses_more_bytes_than_the_limit) {
-    for (const std::size_t total : {0UL, 5UL, 65536UL, 70000UL}) {
-        for (const std::size_t limit : {0UL, 4UL, 5UL, 6UL, 65535UL, 65536UL, 69999UL, 70000UL}) {
+    for (const std::size_t total : {0UL, 5UL, 65536UL, 70000UL, 100000UL}) {
+        for (const std::size_t limit :
+             {0UL, 4UL, 5UL, 6UL, 65535UL, 65536UL, 69999UL, 70000UL, 99999UL, 100000UL}) {
             SCOPED_TRACE(std::to_string(total) + " of " + std::to_string(limit));
             const temporary_file file(std::string(total, 'x'));
-            const file_bytes mapped(file.name(), limit);
+            const file_bytes from_file(file.name(), limit);
             std::array<int, 2> ends{};
             ASSERT_EQ(::pipe(ends.data()), 0);
             std::thread writer([&] {
@@ -138,9 +142,9 @@ TEST(file_bytes, refuses_more_bytes_than_the_limit) {
                 ::close(ends[1]);
                 std::signal(SIGPIPE, before);
             });
-            const file_bytes read(ends[0], limit);
+            const file_bytes from_pipe(ends[0], limit);
             writer.join();
-            for (const file_bytes* const taken : {&mapped, &read}) {
+            for (const file_bytes* const taken : {&from_file, &from_pipe}) {
                 EXPECT_EQ(taken->failed(),
                           total > limit ? file_bytes::failure::too_big : file_bytes::failure::none);
                 EXPECT_EQ(taken->bytes().size(), total > limit ? 0 : total);
@@ -188,7 +192,7 @@ void read_a_lost_page(const temporary_file& file) {
 
 TEST(file_bytes, that_lose_their_file_end_the_program_with_words) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    const temporary_file file(std::string(16384, 'x'));
+    const temporary_file file(std::string(200000, 'x'));
     EXPECT_EXIT(read_a_lost_page(file), testing::ExitedWithCode(1),
                 "mailstructure: .*: cannot read: the file was cut short, or failed, "
                 "while it was in use at byte 8192");
@@ -196,7 +200,7 @@ TEST(file_bytes, that_lose_their_file_end_the_program_with_words) {
 
 void fault_elsewhere() {
     end_on_lost_pages();
-    const temporary_file file("a: b\n");
+    const temporary_file file(std::string(200000, 'x'));
     const file_bytes taken(file.name());
     ::raise(SIGBUS);
     ::raise(SIGBUS);

@@ -168,7 +168,7 @@ void lose_the_input(const std::string& input, const std::string& output) {
 
 TEST_F(output_files, are_gone_when_the_input_is_lost) {
     testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
-    put("input", std::string(16384, 'x'));
+    put("input", std::string(200000, 'x'));
     EXPECT_EXIT(lose_the_input(path("input"), path("new")), testing::ExitedWithCode(1),
                 "the file was cut short");
     EXPECT_EQ(count_of_files(), 1U);

@@ -1,4 +1,5 @@
-// The bytes of a file in memory: mapped where the system can map the file, else read.
+// The bytes of a file in memory: mapped where the file is large and the system can map it, else
+// read.
 
 #ifndef TOOLS_COMMON_FILE_BYTES_H
 #define TOOLS_COMMON_FILE_BYTES_H
@@ -42,9 +43,9 @@ public:
 
 private:
     void take(int descriptor, const std::string& file_name);
-    bool map(int descriptor, const std::string& file_name);
-    void read_all(int descriptor);
-    bool grow(std::size_t& capacity);
+    bool map(int descriptor, std::uint64_t size, const std::string& file_name);
+    void read_all(int descriptor, std::size_t room);
+    bool grow(std::size_t& capacity, std::size_t first_room);
     void fail(failure how, int error);
 
     std::uint64_t m_limit;
