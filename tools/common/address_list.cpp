@@ -49,9 +49,21 @@ private:
         case ',':
         case ';': end_address(); break;
         case ':': m_written.clear(), m_unquoted.clear(), m_comment.clear(); break; // a group begins
-        default: return take_text(1);
+        default: return take_text(ordinary_bytes());
         }
         ++m_at;
+    }
+
+    /// The number of bytes from here up to the next one that can mean something. The first one
+    /// means nothing.
+    std::size_t ordinary_bytes() const {
+        const auto can_mean_something = [](char byte) {
+            return byte == '"' || byte == '(' || byte == '<' || byte == ',' || byte == ';'
+                   || byte == ':' || byte == '='; // an encoded word begins with "=?"
+        };
+        const auto* const begin = m_text.begin() + m_at;
+        return static_cast<std::size_t>(std::find_if(begin + 1, m_text.end(), can_mean_something)
+                                        - begin);
     }
 
     void take_text(std::size_t bytes) {

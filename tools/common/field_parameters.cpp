@@ -186,6 +186,7 @@ std::string joined(const pieces_by_number& pieces) {
 } // namespace
 
 std::string without_comments(std::string_view text) {
+    if (text.find('(') == std::string_view::npos) return std::string(trimmed(text)); // as most are
     field_reader reader(text);
     std::string result;
     while (!reader.at_end()) {

@@ -8,7 +8,7 @@
 constexpr std::string_view folding_white_space = " \t\r\n";
 
 constexpr bool is_folding_white_space(char byte) {
-    return folding_white_space.find(byte) != std::string_view::npos;
+    return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
 }
 
 /// The text without white space at its two ends.

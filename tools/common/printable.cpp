@@ -36,6 +36,7 @@ constexpr std::array spelled_out = {
 } // namespace
 
 bool is_spelled_out(char32_t code_point) {
+    if (code_point >= ' ' && code_point < 0x7F) return false; // as most are
     const auto* const range = std::lower_bound(
         spelled_out.begin(), spelled_out.end(), code_point,
         [](const code_point_range& each, char32_t value) { return each.m_last < value; });
@@ -72,6 +73,14 @@ void append_printable(std::string& to, std::string_view text, const utf8_charact
     } else {
         to.append(text.substr(0, character.m_bytes));
     }
+}
+
+/// The number of bytes at the front of the text that are printed as they are, each a character:
+/// those of ASCII, except for controls and the backslash.
+std::size_t plain_front(std::string_view text) {
+    const auto is_plain = [](char c) { return c >= ' ' && c < 0x7F && c != '\\'; };
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_plain)
+                                    - text.begin());
 }
 
 /// How many bytes a character has that begins with this byte; 0 if no character begins so.
@@ -124,6 +133,10 @@ std::string printable(std::string_view text, character_set set) {
 std::string printable_beginning(std::string_view text, character_set set, std::size_t most_bytes) {
     std::string result;
     for (std::size_t at = 0; at < text.size();) {
+        const std::size_t plain = plain_front(text.substr(at, most_bytes - at));
+        result += text.substr(at, plain);
+        at += plain;
+        if (at == text.size()) break;
         const utf8_character character = first_character(text.substr(at));
         if (character.m_bytes > most_bytes - at)
             return result + (set == character_set::utf8 ? "\u2026" : "...");
