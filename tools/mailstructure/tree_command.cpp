@@ -14,6 +14,7 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -167,10 +168,20 @@ void add_heading(page& to, const MailStructure::MimeObj& root, const row_style& 
 
 void print_tree(const MailStructure::MimeObj& root, const tree_source& source,
                 const row_style& style, page& to) {
+    constexpr std::size_t most_lines_kept = 1000;
     add_heading(to, root, style);
     column_widths widths;
-    draw_tree(root, source, style, [&widths](const tree_line& line) { widen_for(widths, line); });
-    draw_tree(root, source, style, [&](const tree_line& line) { add_line(to, line, widths); });
+    std::vector<tree_line> kept;
+    std::size_t lines = 0;
+    draw_tree(root, source, style, [&](const tree_line& line) {
+        widen_for(widths, line);
+        if (++lines <= most_lines_kept) kept.push_back(line);
+    });
+    if (lines == kept.size()) {
+        for (const tree_line& line : kept) add_line(to, line, widths);
+    } else { // the lines of a large tree are not kept, but made again
+        draw_tree(root, source, style, [&](const tree_line& line) { add_line(to, line, widths); });
+    }
 }
 
 character_set characters_for(const tree_options& options) {
