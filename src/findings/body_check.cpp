@@ -3,6 +3,7 @@
 #include "../parser/lines/character_class.h"
 #include "line_bytes.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -51,6 +52,20 @@ void body_check::take(const message_line& line, bool has_delimiters) {
     check_bytes(line, has_delimiters);
     if (m_encoding == transfer_encoding::base64) check_base64(line);
     if (m_encoding == transfer_encoding::quoted_printable) check_quoted_printable(line);
+}
+
+/// In base64, every byte of them but the line ends is a digit.
+void body_check::take_clean(std::string_view lines, const place& where,
+                            std::uint64_t count) noexcept {
+    if (m_encoding != transfer_encoding::base64) return;
+    const std::uint64_t bytes_of_line_end = lines.ends_with("\r\n") ? 2 : 1;
+    m_digits += lines.size() - bytes_of_line_end * count;
+    const std::size_t last = lines.find_last_not_of("\r\n");
+    if (last == not_found) return;
+    const auto line_ends = std::count(lines.begin() + static_cast<std::ptrdiff_t>(last),
+                                      lines.end(), '\n'); // from that line on
+    m_last_digit = {where.m_offset + last, 1,
+                    where.m_line + count - static_cast<std::uint64_t>(line_ends)};
 }
 
 void body_check::end() {

@@ -21,6 +21,12 @@ public:
     /// Takes a line.
     /// @param has_delimiters  a line of the message may still be a delimiter line
     void take(const message_line& line, bool has_delimiters);
+    transfer_encoding encoding() const noexcept { return m_encoding; }
+    /// Whether lines can be taken as clean: none of them ends what has begun, or must not follow.
+    bool takes_clean_lines() const noexcept { return !m_is_padded; }
+    /// Takes lines that are clean.
+    /// @param where  where they begin
+    void take_clean(std::string_view lines, const place& where, std::uint64_t count) noexcept;
     /// Ends the body.
     void end();
 

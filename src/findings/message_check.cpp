@@ -49,6 +49,18 @@ void message_check::take(const message_line& line) {
     m_message_place = behind;
 }
 
+bool message_check::take_clean_lines(message_lines& lines) noexcept {
+    if (m_phase != phase::body || !m_body.takes_clean_lines()) return false;
+    // Lines that end as the last one did tell nothing new of mixed ends.
+    if (m_last_end == line_end::none) return false;
+    const clean_lines clean =
+        clean_lines_at_front(lines.rest(), m_body.encoding(), m_last_end == line_end::cr_lf);
+    if (clean.m_bytes == 0) return false;
+    m_body.take_clean(lines.rest().substr(0, clean.m_bytes), lines.rest_place(), clean.m_lines);
+    lines.pass(clean);
+    return true;
+}
+
 void message_check::end() {
     end_header_blocks();
     end_body();

@@ -10,6 +10,7 @@
 #include "../parser/standard/delimiters.h"
 #include "body_check.h"
 #include "header_check.h"
+#include "message_lines.h"
 #include "open_multiparts.h"
 #include "reporter.h"
 
@@ -43,6 +44,9 @@ public:
 
     /// Takes the next line. @throws std::bad_alloc, and what the receiver throws
     void take(const message_line& line);
+    /// Takes clean lines at the front of the rest, and passes over them there. False if there are
+    /// none.
+    bool take_clean_lines(message_lines& lines) noexcept;
     /// Ends the message. @throws what the receiver throws
     void end();
 

@@ -3,6 +3,7 @@
 #ifndef MAIL_STRUCTURE_FINDINGS_MESSAGE_LINES_H
 #define MAIL_STRUCTURE_FINDINGS_MESSAGE_LINES_H
 
+#include "clean_lines.h"
 #include "reporter.h"
 
 #include <string_view>
@@ -28,6 +29,17 @@ public:
         m_offset += line.m_bytes.size();
         m_rest.remove_prefix(line.m_bytes.size());
         return true;
+    }
+
+    /// The bytes behind the last line.
+    std::string_view rest() const noexcept { return m_rest; }
+    /// Where they begin.
+    place rest_place() const noexcept { return {m_offset, 0, m_count + 1}; }
+    /// Passes over lines at their front.
+    void pass(const clean_lines& lines) noexcept {
+        m_rest.remove_prefix(lines.m_bytes);
+        m_offset += lines.m_bytes;
+        m_count += lines.m_lines;
     }
 
 private:
