@@ -9,7 +9,7 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "scan", "check", "map", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "merge", "check", "map", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -42,6 +42,8 @@ OFFERS = [
     ("mailstructure scan --hash=none ", FILES),
     ("mailstructure scan --mbox ", {"any", "auto", "strict", "thunderbird"}),
     ("mailstructure scan --threads ", set()),
+    ("mailstructure scan --shard ", set()),
+    ("mailstructure merge ", FILES),
     ("mailstructure part ", {"HEADER", "TEXT"}),
     ("mailstructure part --list ", FILES),
     ("mailstructure part --all -o out ", FILES),

@@ -4,7 +4,7 @@
 # Prints the command that the line names before the cursor. Without one, tree is meant.
 function __mailstructure_command
     set -l words (commandline -opc)
-    if set -q words[2]; and contains -- $words[2] tree json part scan check map dump help
+    if set -q words[2]; and contains -- $words[2] tree json part scan merge check map dump help
         echo $words[2]
     else
         echo tree
@@ -47,6 +47,7 @@ complete -c mailstructure -n __mailstructure_at_first_word -a tree -d 'Draw the 
 complete -c mailstructure -n __mailstructure_at_first_word -a json -d 'Print trees as JSON'
 complete -c mailstructure -n __mailstructure_at_first_word -a part -d 'Write a piece of a message'
 complete -c mailstructure -n __mailstructure_at_first_word -a scan -d 'Print rows about mailboxes'
+complete -c mailstructure -n __mailstructure_at_first_word -a merge -d 'Join shards of a scan'
 complete -c mailstructure -n __mailstructure_at_first_word -a check \
     -d 'Tell where readers disagree'
 complete -c mailstructure -n __mailstructure_at_first_word -a map -d 'Draw what each byte is of'
@@ -56,10 +57,10 @@ complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print 
 complete -c mailstructure -s h -l help -d 'Print the help'
 
 complete -c mailstructure -n '__mailstructure_command_is help' -f \
-    -a 'tree json part scan check map dump help'
-complete -c mailstructure -n 'not __mailstructure_command_is help check' -l rules -x \
+    -a 'tree json part scan merge check map dump help'
+complete -c mailstructure -n 'not __mailstructure_command_is help check merge' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
-complete -c mailstructure -n 'not __mailstructure_command_is help' -l max-size -x \
+complete -c mailstructure -n 'not __mailstructure_command_is help merge' -l max-size -x \
     -d 'Refuse larger messages'
 
 complete -c mailstructure -n '__mailstructure_command_is tree' -l all \
@@ -110,6 +111,14 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l threads -x \
     -d 'How many threads to use'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
     -a 'auto always never' -d 'Show how far the scan is'
+
+complete -c mailstructure -n '__mailstructure_command_is scan' -l shard -x \
+    -d 'Scan one of N shares, I/N'
+
+complete -c mailstructure -n '__mailstructure_command_is merge' -s o -l output -r -F \
+    -d 'Write rows to this new file'
+complete -c mailstructure -n '__mailstructure_command_is merge' -l sqlite -r -F \
+    -d 'Write tables to this new file'
 
 complete -c mailstructure -n '__mailstructure_command_is check' -l json \
     -d 'Print a line of JSON for each finding'

@@ -8,6 +8,7 @@
 #include "mailstructure/help_command.h"
 #include "mailstructure/json_command.h"
 #include "mailstructure/map_command.h"
+#include "mailstructure/merge_command.h"
 #include "mailstructure/part_command.h"
 #include "mailstructure/scan_command.h"
 #include "mailstructure/tree_command.h"
@@ -54,7 +55,7 @@ command_parser::command_parser(const command& parsed)
              std::string("mailstructure") + (*parsed.m_name == '\0' ? "" : " ") + parsed.m_name),
       m_work(parsed.m_declare(m_line)) {}
 
-constexpr std::array<command, 8> all_commands = {{
+constexpr std::array<command, 9> all_commands = {{
     {"tree", "Draw the tree of each message: parts, types, sizes, places",
      declare<tree_options, describe_tree, run_tree>},
     {"json", "Print the tree of each message as JSON, with all that is recorded",
@@ -63,6 +64,8 @@ constexpr std::array<command, 8> all_commands = {{
      declare<part_options, describe_part, run_part>},
     {"scan", "Print rows about all messages in mailboxes and folders",
      declare<scan_command_options, describe_scan, run_scan>},
+    {"merge", "Join the rows of the shards of a scan",
+     declare<merge_options, describe_merge, run_merge>},
     {"check", "Tell where readers of mail disagree about a message, and what is wrong with it",
      declare<check_options, describe_check, run_check>},
     {"map", "Draw which bytes of a file belong to what, as a picture (SVG) or a page (HTML)",

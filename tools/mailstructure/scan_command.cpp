@@ -4,6 +4,7 @@
 
 #include "common/output_file.h"
 #include "mailstructure/command_line.h"
+#include "mailstructure/shard_choice.h"
 #include "scan/rows/table_file.h"
 
 #include <algorithm>
@@ -97,12 +98,21 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
                         "Write the rows to this new file; - is standard output, the default")
             ->type_name("FILE")
             ->excludes(summary);
+    CLI::Option* const tables =
+        command
+            .add_option("--sqlite", options.m_sqlite,
+                        "Write the rows to this new file of SQLite instead of printing them")
+            ->type_name("FILE")
+            ->excludes(summary)
+            ->excludes(output);
     command
-        .add_option("--sqlite", options.m_sqlite,
-                    "Write the rows to this new file of SQLite instead of printing them")
-        ->type_name("FILE")
+        .add_option("--shard", options.m_shard,
+                    "Scan the I-th of N shares of all bytes, counted from 1; the command merge "
+                    "joins the rows of all")
+        ->type_name("I/N")
+        ->check(shard_complaint)
         ->excludes(summary)
-        ->excludes(output);
+        ->excludes(tables);
     describe_choice(
         command, "--hash", {"none", "message", "parts"}, "WHAT",
         [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
@@ -163,12 +173,17 @@ exit_status run_scan(const scan_command_options& chosen) {
     options.m_pile.m_rules = options.m_rows.m_rules;
     options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
     if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
+    if (!chosen.m_shard.empty()) choose_shard(options, chosen.m_shard);
     scan_totals totals;
     const bool is_written =
         !chosen.m_sqlite.empty() ? scan_into_tables(options, chosen.m_sqlite, totals)
         : chosen.m_output != "-" ? scan_into_file(options, chosen.m_output, totals)
                                  : scan_to_standard_output(options, totals);
     if (!is_written) return some_input_failed;
+    return status_of(totals);
+}
+
+exit_status status_of(const scan_totals& totals) {
     complain_about_faults(totals);
     return totals.m_errors == 0 ? all_well : some_input_failed;
 }

@@ -15,6 +15,7 @@ struct scan_command_options {
     std::optional<hash_choice> m_hash; // that was asked for
     bool m_summary = false;
     std::string m_output = "-"; // the file for the rows; "-" is standard output
+    std::string m_shard;        // "I/N"; empty if all is wanted
     std::string m_sqlite;       // the file for the tables; empty if none is wanted
 };
 
@@ -22,5 +23,8 @@ void describe_scan(CLI::App& command, scan_command_options& options);
 
 /// Prints the rows, or a summary, and counts what is wrong on standard error.
 exit_status run_scan(const scan_command_options& chosen);
+
+/// Counts what was found wrong on standard error. @return whether all was read
+exit_status status_of(const scan_totals& totals);
 
 #endif

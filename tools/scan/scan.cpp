@@ -5,6 +5,8 @@
 #include "scan/input/source_walk.h"
 #include "scan/pipeline/message_worker.h"
 #include "scan/pipeline/ordered_work.h"
+#include "scan/shards/range_parts.h"
+#include "scan/shards/shard_row.h"
 
 #include <memory>
 #include <utility>
@@ -15,7 +17,10 @@ namespace {
 class scan_run final : private batch_exchange {
 public:
     scan_run(const scan_options& options, const std::function<bool(std::string_view)>& write)
-        : m_options(options), m_write(write), m_progress(options.m_progress, options.m_sources),
+        : m_options(options), m_write(write),
+          m_parts(options.m_range, options.m_shard && options.m_shard->m_is_by_bytes,
+                  options.m_pile, options.m_shard ? options.m_shard->m_undivided : nullptr),
+          m_progress(options.m_progress, options.m_sources),
           m_work(
               options.m_threads, [this] { return new_worker(); },
               [this](batch& done) { return write_batch(done); }) {}
@@ -24,17 +29,44 @@ public:
         pile_reader reader(m_options.m_pile, *this);
         source_walk walk(m_options.m_sources);
         found_source source;
-        while (walk.next(source)) {
-            const bool goes_on = source.m_error == 0 ? reader.read(source.m_name, source.m_is_named)
-                                                     : reader.refuse(source.m_name, source.m_error);
-            if (!goes_on) break;
+        bool goes_on = true;
+        for (std::uint64_t number = 0; goes_on && !m_parts.ends_before(number); ++number) {
+            if (!walk.next(source)) break;
+            const std::optional<source_part> part = m_parts.part_of(number, source.m_name);
+            if (part) goes_on = read(reader, source, *part);
         }
-        m_work.finish();
+        goes_on = m_work.finish() && goes_on;
         m_progress.end();
+        if (goes_on && m_options.m_shard) m_write(line_of(row_of_shard()));
         return std::move(m_totals);
     }
 
 private:
+    bool read(pile_reader& reader, const found_source& source, const source_part& part) {
+        if (source.m_error != 0)
+            return reader.refuse(source.m_name, source.m_error, part.m_begin.m_source);
+        const bool goes_on = reader.read(source.m_name, source.m_is_named, part);
+        m_parts.add(part, reader.bounds());
+        return goes_on;
+    }
+
+    /// What stands at the end of a shard.
+    shard_row row_of_shard() const {
+        shard_row row;
+        row.m_shard = m_options.m_shard->m_shard;
+        row.m_fingerprint = m_options.m_shard->m_fingerprint;
+        row.m_range = m_parts.range();
+        row.m_first = m_parts.first();
+        row.m_last = m_parts.last();
+        row.m_bytes = m_totals.m_row_bytes;
+        row.m_sources = m_totals.m_sources;
+        row.m_messages = m_totals.m_messages;
+        row.m_entities = m_totals.m_entities;
+        row.m_errors = m_totals.m_errors;
+        for (const auto& [code, count] : m_totals.m_faults) row.m_faults[std::string(code)] = count;
+        return row;
+    }
+
     ordered_work::work_function new_worker() const {
         auto worker = std::make_shared<message_worker>(m_options.m_rows, m_options.m_makes_rows);
         return [worker](batch& work) { worker->work_on(work); };
@@ -66,6 +98,7 @@ private:
                                   m_messages_of_source, m_faults_of_source);
             m_messages_of_source = m_faults_of_source = 0;
         }
+        m_totals.m_row_bytes += done.m_rows.size();
         return done.m_rows.empty() || m_write(done.m_rows);
     }
 
@@ -74,6 +107,7 @@ private:
     scan_totals m_totals;
     std::uint64_t m_messages_of_source = 0;
     std::uint64_t m_faults_of_source = 0;
+    range_parts m_parts;
     progress m_progress;
     ordered_work m_work; // the last one: its threads end before the others go
 };

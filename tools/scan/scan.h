@@ -6,16 +6,30 @@
 #include "scan/pipeline/pile_reader.h"
 #include "scan/progress.h"
 #include "scan/rows/message_rows.h"
+#include "scan/shards/division.h"
 
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+/// A shard of a scan, whose rows end with a shard_row.
+struct shard_choice {
+    shard_number m_shard;
+    std::string m_fingerprint;
+    /// The range of the scan has ends that may be within messages, or within what is not divided.
+    bool m_is_by_bytes = true;
+    /// Is told of an mbox that lies in several shards and is not divided. May be empty.
+    std::function<void(const std::string&)> m_undivided;
+};
+
 struct scan_options {
     std::vector<std::string> m_sources; ///< Files and folders; "-" is standard input.
+    scan_range m_range;                 ///< What of them is scanned.
+    std::optional<shard_choice> m_shard;
     pile_options m_pile;
     row_options m_rows;
     bool m_makes_rows = true; ///< False: totals alone.
@@ -28,7 +42,8 @@ struct scan_totals {
     std::uint64_t m_sources = 0;
     std::uint64_t m_messages = 0;
     std::uint64_t m_entities = 0;
-    std::uint64_t m_bytes = 0; ///< Of the messages, without what stands between them.
+    std::uint64_t m_bytes = 0;     ///< Of the messages, without what stands between them.
+    std::uint64_t m_row_bytes = 0; ///< Of all rows.
     std::uint64_t m_errors = 0;
     std::map<std::string_view, std::uint64_t> m_faults; ///< How many by their codes.
 };

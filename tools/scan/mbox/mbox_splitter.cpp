@@ -181,6 +181,7 @@ bool mbox_splitter::believe_content_length(const window_view& window,
     if (!can_see) return true;
     if (const std::optional<std::uint64_t> next = message_end_at(window, end)) {
         m_next = *next - 1;
+        m_has_believed_length = true;
         return true;
     }
     mbox_finding wrong;

@@ -60,6 +60,9 @@ public:
     /// The offset of the first byte that the next window must have.
     std::uint64_t needed_from() const;
 
+    /// Whether a Content-Length field has been believed.
+    bool has_believed_length() const { return m_has_believed_length; }
+
 private:
     struct window_view;
 
@@ -73,6 +76,7 @@ private:
         m_next;         // of the LF before the line that may be the next separator, or of that line
     bool m_is_at_start; // m_next is the first line of the file
     bool m_patch_lines_count = false;
+    bool m_has_believed_length = false;
     std::optional<std::uint64_t> m_header; // of a message whose Content-Length is not read yet
 };
 

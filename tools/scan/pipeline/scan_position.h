@@ -23,6 +23,12 @@ struct scan_position {
     friend auto operator<=>(const scan_position&, const scan_position&) = default;
 };
 
+/// What lies between two places of all sources.
+struct scan_range {
+    scan_position m_begin;
+    std::optional<scan_position> m_end; ///< Nothing if it is all up to the last source's end.
+};
+
 /// What is wanted of one source: the messages whose separators begin between two places.
 struct source_part {
     scan_position m_begin; ///< Its m_source is the number of the source.

@@ -1,0 +1,47 @@
+// Asks stat() about each source of the walk; see the header.
+
+#include "scan/shards/source_list.h"
+
+#include "scan/input/source_walk.h"
+
+#include <sys/stat.h>
+
+source_list::source_list(const std::vector<std::string>& names) {
+    source_walk walk(names);
+    found_source source;
+    while (walk.next(source)) add(source.m_name, source.m_error);
+}
+
+void source_list::add(const std::string& name, int error) {
+    struct stat file = {};
+    const bool is_there = error == 0 && ::stat(name.c_str(), &file) == 0;
+    if (name == "-" || (is_there && !S_ISREG(file.st_mode))) {
+        if (!m_endless) m_endless = name;
+    }
+    const auto size = is_there ? static_cast<std::uint64_t>(file.st_size) : 0;
+    m_sizes.push_back(size);
+    m_bytes += size;
+    m_digest.add(name);
+    std::string facts(1, '\0'); // which no name has
+    if (is_there)
+        facts += std::to_string(size) + ' ' + std::to_string(file.st_mtim.tv_sec) + ' '
+                 + std::to_string(file.st_mtim.tv_nsec);
+    m_digest.add(facts + '\n');
+}
+
+std::string source_list::fingerprint(std::string_view text) const {
+    digest all = m_digest;
+    all.add(text);
+    return all.text();
+}
+
+scan_position source_list::at(std::uint64_t bytes) const {
+    std::uint64_t source = 0;
+    for (const std::uint64_t size : m_sizes) {
+        if (bytes == 0) return {source, 0, 0};
+        if (bytes < size) return {source, 0, bytes};
+        bytes -= size;
+        ++source;
+    }
+    return {source, 0, 0};
+}
