@@ -34,7 +34,8 @@
 /// **Count.** What is wrong with the bytes of a body is reported once for each entity, at its first
 /// place, and text_after_close once for each multipart. Everything else is reported at each of its
 /// places, but mixed_line_ends, deep_nesting and many_parts once. In a body, a bare_cr that is a
-/// danger is reported at each line.
+/// danger is reported at each line. The value of a date, address or identifier field is reported
+/// once.
 ///
 /// **Threads.** Any number of threads may look for findings at the same time.
 namespace mail_findings {
@@ -105,11 +106,14 @@ enum class name : std::uint8_t {
     undeclared_8_bit,              ///< Bytes above 127 where the encoding does not allow them.
     base64_invalid,                ///< A body in base64 that does not decode.
     quoted_printable_invalid,      ///< A body in quoted-printable that does not decode.
-    parameter_unquoted_specials    ///< An unquoted value, not a boundary, that needs quotes.
+    parameter_unquoted_specials,   ///< An unquoted value, not a boundary, that needs quotes.
+    date_invalid,                  ///< A Date field that is no date and time.
+    address_invalid,               ///< A field of addresses with something else in it.
+    message_id_invalid             ///< A field of message identifiers with something else in it.
 };
 
 /// How many names there are: they are the values from 0.
-constexpr std::size_t name_count = static_cast<std::size_t>(name::parameter_unquoted_specials) + 1;
+constexpr std::size_t name_count = static_cast<std::size_t>(name::message_id_invalid) + 1;
 
 /// One finding.
 struct finding {

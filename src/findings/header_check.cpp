@@ -7,20 +7,11 @@
 #include "header_bytes.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace mail_structure_detail::findings {
 
 namespace {
-
-// The fields that a message may have once only (RFC 5322 section 3.6, RFC 2045 section 4).
-constexpr std::array<std::string_view, 12> single_fields{
-    "date", "from",       "sender",      "reply-to",   "to",      "cc",
-    "bcc",  "message-id", "in-reply-to", "references", "subject", "mime-version"};
-constexpr std::uint32_t date_bit = 1U << 0U;
-constexpr std::uint32_t from_bit = 1U << 1U;
-constexpr std::uint32_t mime_version_bit = 1U << 11U;
 
 bool is_all_blank(std::string_view text) noexcept {
     return std::all_of(text.begin(), text.end(), is_blank);
@@ -40,6 +31,7 @@ void header_check::begin(header_of whose) {
     m_has_lines = false;
     m_is_at_front = true;
     m_kind = field_kind::none;
+    m_checked = {};
     m_fields_seen = 0;
     m_type.reset();
     m_has_encoding = false;
@@ -62,6 +54,11 @@ bool header_check::take(const message_line& line) {
             m_report.give(name::blank_line_in_header, line.whole());
         if (m_kind == field_kind::content_type || m_kind == field_kind::transfer_encoding)
             m_value.add(line);
+        if (m_checked.m_field != nullptr) {
+            const char* const begin = m_checked.m_value.data();
+            const char* const end = line.m_text.data() + line.m_text.size();
+            m_checked.m_value = {begin, static_cast<std::size_t>(end - begin)};
+        }
         return false;
     }
     end_field();
@@ -84,7 +81,7 @@ void header_check::begin_field(const message_line& line, std::size_t name_bytes,
     if (colon != name_bytes)
         m_report.give(name::blank_before_colon, line.at(name_bytes, colon - name_bytes));
     const std::string_view field = line.m_text.substr(0, name_bytes);
-    if (m_whose != header_of::part) count_field(field, line);
+    if (m_whose != header_of::part) begin_known_field(field, line, colon);
     if (standard::is_word(field, "content-type"))
         m_kind = field_kind::content_type;
     else if (standard::is_word(field, "content-transfer-encoding"))
@@ -94,22 +91,34 @@ void header_check::begin_field(const message_line& line, std::size_t name_bytes,
     if (m_kind != field_kind::other) m_value.begin(line, colon);
 }
 
-/// Counts a field of a message, if it may occur once only.
-void header_check::count_field(std::string_view field, const message_line& line) {
-    const auto* const found =
-        std::find_if(single_fields.begin(), single_fields.end(), [field](std::string_view single) {
-            return equal_ignoring_case(field, single);
-        });
-    if (found == single_fields.end()) return;
-    const std::uint32_t bit = 1U << static_cast<unsigned>(found - single_fields.begin());
-    if ((m_fields_seen & bit) != 0) m_report.give(name::field_twice, line.at(0, field.size()));
-    m_fields_seen |= bit;
+/// Begins a field that may occur once only, or whose value is checked.
+void header_check::begin_known_field(std::string_view field, const message_line& line,
+                                     std::size_t colon) {
+    const known_field* const known = find_known_field(field);
+    if (known == nullptr) return;
+    if ((m_fields_seen & known->m_single_bit) != 0)
+        m_report.give(name::field_twice, line.at(0, field.size()));
+    m_fields_seen |= known->m_single_bit;
+    if (known->m_check != nullptr)
+        m_checked = {known, line.m_text.substr(colon + 1), line.at(colon + 1, 0)};
 }
 
 void header_check::end_field() {
     const field_kind kind = std::exchange(m_kind, field_kind::none);
     if (kind == field_kind::content_type) end_content_type();
     if (kind == field_kind::transfer_encoding) end_transfer_encoding();
+    if (m_checked.m_field != nullptr) end_checked_field();
+}
+
+void header_check::end_checked_field() {
+    const checked_field ended = std::exchange(m_checked, {});
+    const auto found = ended.m_field->m_check(standard::trimmed_at_end(ended.m_value));
+    if (!found) return;
+    const std::string_view before = ended.m_value.substr(0, found->m_at);
+    const auto lines = static_cast<std::uint64_t>(std::count(before.begin(), before.end(), '\n'));
+    m_report.give(
+        ended.m_field->m_finding, found->m_level,
+        {ended.m_begin.m_offset + found->m_at, found->m_length, ended.m_begin.m_line + lines});
 }
 
 void header_check::end_content_type() {

@@ -6,6 +6,7 @@
 
 #include "content_type_check.h"
 #include "field_value.h"
+#include "known_fields.h"
 #include "reporter.h"
 #include "transfer_encoding.h"
 
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace mail_structure_detail::findings {
 
@@ -23,7 +25,7 @@ enum class header_of : std::uint8_t {
     part            // a part of a multipart
 };
 
-/// Takes the lines of one header block after another.
+/// Takes the lines of one header block after another. They are those of one message in memory.
 class header_check {
 public:
     explicit header_check(const reporter& report) : m_report(report) {}
@@ -48,9 +50,17 @@ private:
     /// What the last line belongs to. A folded line continues it.
     enum class field_kind : std::uint8_t { none, content_type, transfer_encoding, other };
 
+    /// A field whose value is checked where it lies in the message.
+    struct checked_field {
+        const known_field* m_field = nullptr; // null if nothing checks the last field
+        std::string_view m_value;             // with the line ends in it
+        place m_begin;                        // of the value
+    };
+
     void begin_field(const message_line& line, std::size_t name_bytes, std::size_t colon);
-    void count_field(std::string_view field, const message_line& line);
+    void begin_known_field(std::string_view field, const message_line& line, std::size_t colon);
     void end_field();
+    void end_checked_field();
     void end_content_type();
     void end_transfer_encoding();
 
@@ -59,7 +69,8 @@ private:
     bool m_has_lines = false;
     bool m_is_at_front = true; // no line has come, or the separator line of an mbox alone
     field_kind m_kind = field_kind::none;
-    field_value m_value;             // of a field of the kinds content_type and transfer_encoding
+    field_value m_value; // of a field of the kinds content_type and transfer_encoding
+    checked_field m_checked;
     std::uint32_t m_fields_seen = 0; // a bit for each field that may occur once only
     std::optional<content_type> m_type;
     std::string m_type_text; // of the first Content-Type field, to compare

@@ -133,6 +133,12 @@ constexpr std::array<description, name_count> descriptions{{
      "This is no valid quoted-printable; readers differ on what it decodes to."},
     {name::parameter_unquoted_specials, level::danger, "parameter-unquoted-specials",
      "This parameter value has characters that need quotes; some readers cut it off there."},
+    {name::date_invalid, level::fault, "date-invalid",
+     "This is no date as RFC 5322 writes it; readers show another time, or none."},
+    {name::address_invalid, level::fault, "address-invalid",
+     "This is no address as RFC 5322 writes it; readers may show another one, or none."},
+    {name::message_id_invalid, level::fault, "message-id-invalid",
+     "This is no message identifier as RFC 5322 writes it; replies may not find their message."},
 }};
 
 constexpr bool are_in_order() noexcept {

@@ -21,6 +21,8 @@ struct finding_case {
 
 /// The cases of header blocks and Content-Type fields.
 const std::vector<finding_case>& header_cases();
+/// The cases of dates, addresses and message identifiers.
+const std::vector<finding_case>& field_cases();
 /// The cases of structure and bodies.
 const std::vector<finding_case>& body_cases();
 

@@ -45,7 +45,8 @@ std::string text_of_all(name wanted, std::string_view message) {
 
 std::vector<finding_case> all_cases() {
     std::vector<finding_case> all = header_cases();
-    all.insert(all.end(), body_cases().begin(), body_cases().end());
+    for (const auto& more : {field_cases(), body_cases()})
+        all.insert(all.end(), more.begin(), more.end());
     return all;
 }
 
