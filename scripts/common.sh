@@ -16,8 +16,8 @@ packaging_packages=(abigail-tools clang doxygen dpkg-dev libmilter-dev lintian m
     miltertest pkg-config tcc)
 arm_packages=(g++-aarch64-linux-gnu googletest qemu-user-static)
 test_packages=("${build_packages[@]}" "${python_packages[@]}" "${arm_packages[@]}"
-    "${packaging_packages[@]}" fish libgtest-dev python3-jsonschema python3-numpy python3-pip
-    python3-pytest valgrind zsh)
+    "${packaging_packages[@]}" fish libgtest-dev parallel python3-jsonschema python3-numpy
+    python3-pip python3-pytest valgrind zsh)
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev xz-utils)
 # Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
 peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev procmail)

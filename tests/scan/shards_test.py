@@ -184,9 +184,107 @@ class ContentLength(Shards):
                 self.assertEqual(output, scanned.run("--hash=none", path)[0])
             else:
                 self.assertEqual(output, b"")
-                self.assertIn("and the one that follows the shard before at", complaint)
+                self.assertIn("make a plan", complaint)
                 refused += 1
         self.assertGreater(refused, 0)
+
+
+class Planned(Shards):
+    """Shards by a plan."""
+
+    def plan(self, count, *arguments):
+        """The file with a plan for so many shards."""
+        path = self.folder / f"{count}.plan"
+        path.write_bytes(scanned.run(f"--plan={count}", *arguments)[0])
+        [row] = scanned.rows_of(path.read_bytes())
+        ROW.validate(row)
+        self.assertEqual((row["kind"], row["of"], len(row["begins"])), ("plan", count, count))
+        return path
+
+    def check_planned(self, counts, *arguments):
+        """Compares what merge makes of so many shards with one scan."""
+        one = scanned.run(*arguments)
+        for count in counts:
+            plan = self.plan(count, *arguments)
+            shards = self.shards(count, "--by-plan", plan, *arguments)
+            self.assertEqual(merge(*shards)[::2], one, count)
+
+    def test_of_lengths_that_protect_separators(self):
+        path = self.write("a", ContentLength.message * 40)
+        one = scanned.run(path)
+        self.assertEqual(len(scanned.of_kind("message", scanned.rows_of(one[0]))), 40)
+        self.check_planned(range(1, 17), path)
+        counts = [len(scanned.of_kind("message", scanned.rows_of(each.read_bytes())))
+                  for each in self.shards(8, "--by-plan", self.plan(8, path), path)]
+        self.assertEqual(counts, [5] * 8)
+
+    def test_of_lengths_behind_the_first_megabyte(self):
+        plain = SEPARATOR + b"Subject: b\n\n" + b"z\n" * 1_000_000 + b"\n"
+        path = self.write("a", plain + ContentLength.message * 8000)
+        self.check_planned((2, 3, 7), "--hash=none", path)
+
+    def test_of_several_sources(self):
+        for number in range(5):
+            self.write(f"cur/{number}", b"Subject: %d\n\nhi\n" % number * (number + 1))
+            self.write(f"pile/{number}", mailbox_test.random_pile(number, b"\n") * 2)
+        self.write("empty", b"")
+        (self.mail / "z").symlink_to("nowhere")
+        with tarfile.open(self.mail / "tar.gz", "w:gz") as archive:
+            archive.add(self.mail / "pile", "pile")
+        self.check_planned((1, 2, 5, 16, 40), self.mail)
+        self.check_planned((4,), "--one", self.mail)
+
+    def test_of_a_header_block_of_a_megabyte(self):
+        header = SEPARATOR + b"a: b\n" * ((1 << 20) // 5 - 10)
+        length = b"Content-Length: %d\n\n" % len(ContentLength.body)
+        path = self.write("a", (header + length + ContentLength.body + b"\n") * 3)
+        self.assertEqual(len(scanned.of_kind("message", scanned.rows_of(scanned.run(path)[0]))), 3)
+        self.check_planned((3,), "--hash=none", path)
+
+    def test_which_is_not_for_this_scan(self):
+        path = self.write("a", ContentLength.message * 4)
+        plan = self.plan(2, path)
+        text = plan.read_bytes()
+        unsorted = json.loads(text)
+        unsorted["begins"].reverse()
+        for wrong in (b"", text[:-3], b"[]\n", json.dumps(unsorted).encode(),
+                      text.replace(b'"plan"', b'"plot"'), text.replace(b'"of":2', b'"of":3')):
+            self.refused(wrong, "no whole plan", "--shard=1/2", path)
+        self.refused(text, "a plan for 2 shards", "--shard=1/3", path)
+        self.refused(text, "not a plan for these", "--shard=1/2", path, path)
+        self.refused(text, "not a plan for these", "--shard=1/2", "--mbox=any", path)
+        os.utime(path)
+        self.refused(text, "not a plan for these", "--shard=1/2", path)
+
+    def refused(self, text, what, *arguments):
+        """Scans in vain by a plan."""
+        plan = self.folder / "wrong.plan"
+        plan.write_bytes(text)
+        done = subprocess.run([scanned.TOOL, "scan", "--by-plan", plan, *arguments],
+                              capture_output=True, check=False)
+        self.assertEqual((done.stdout, done.returncode), (b"", 1))
+        self.assertIn(what, done.stderr.decode())
+
+    def test_is_the_same_for_all_shards(self):
+        path = self.write("a", mailbox_test.random_pile(3, b"\n") * 10)
+        first = self.shard(1, 2, "--by-plan", self.plan(2, path), path)
+        first = first.rename(self.folder / "first")
+        self.assertIn("not of the same", merge(first, self.shard(2, 2, path))[1])
+
+    def test_goes_into_a_file(self):
+        path = self.write("a", ContentLength.message * 4)
+        file = self.folder / "file"
+        self.assertEqual(scanned.run("--plan=2", "-o", file, path), (b"", 0))
+        self.assertEqual(file.read_bytes(), self.plan(2, path).read_bytes())
+        self.assertEqual(scanned.run("--plan=2", "-o", file, path), (b"", 1))
+
+    def test_without_sense(self):
+        path = self.write("a", ContentLength.message)
+        plan = self.plan(1, path)
+        for options in (["--by-plan", plan], ["--plan=0"], ["--plan=x"], ["--plan=2", "--summary"],
+                        ["--plan=2", "--shard=1/2"], ["--plan=2", f"--sqlite={self.folder}/db"]):
+            self.assertEqual(scanned.run(*options, path), (b"", 2), options)
+        self.assertEqual(scanned.run("--plan=2", "-", given=b"a: b\n"), (b"", 2))
 
 
 class Refused(Shards):

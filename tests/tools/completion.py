@@ -43,6 +43,8 @@ OFFERS = [
     ("mailstructure scan --mbox ", {"any", "auto", "strict", "thunderbird"}),
     ("mailstructure scan --threads ", set()),
     ("mailstructure scan --shard ", set()),
+    ("mailstructure scan --plan ", set()),
+    ("mailstructure scan --shard 1/2 --by-plan ", FILES),
     ("mailstructure merge ", FILES),
     ("mailstructure part ", {"HEADER", "TEXT"}),
     ("mailstructure part --list ", FILES),

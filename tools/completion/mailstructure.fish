@@ -114,6 +114,10 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
 
 complete -c mailstructure -n '__mailstructure_command_is scan' -l shard -x \
     -d 'Scan one of N shares, I/N'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l by-plan -r -F \
+    -d 'Divide by this plan'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l plan -x \
+    -d 'Print a plan for N shards'
 
 complete -c mailstructure -n '__mailstructure_command_is merge' -s o -l output -r -F \
     -d 'Write rows to this new file'

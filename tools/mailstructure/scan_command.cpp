@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <initializer_list>
 #include <iostream>
 #include <optional>
 #include <string>
@@ -59,15 +60,19 @@ bool scan_to_standard_output(const scan_options& options, scan_totals& totals) {
     return output_got_out();
 }
 
+/// False, after a complaint.
+bool cannot_write(const std::string& file_name, const std::string& why) {
+    complain_about_input(file_name, "cannot write: " + why, std::nullopt);
+    return false;
+}
+
 /// False, after a complaint, if the file cannot be written.
 bool scan_into_file(const scan_options& options, const std::string& file_name,
                     scan_totals& totals) {
     output_file output(file_name, existing_file::is_kept);
     if (output.error() == 0)
         totals = scan(options, [&output](std::string_view rows) { return output.write(rows); });
-    if (output.keep()) return true;
-    complain_about_input(file_name, "cannot write: " + output.reason(), std::nullopt);
-    return false;
+    return output.keep() || cannot_write(file_name, output.reason());
 }
 
 /// False, after a complaint, if the file cannot be written.
@@ -76,13 +81,53 @@ bool scan_into_tables(scan_options& options, const std::string& file_name, scan_
     table_file tables(file_name);
     if (tables.error().empty())
         totals = scan(options, [&tables](std::string_view rows) { return tables.add(rows); });
-    if (tables.finish()) return true;
-    complain_about_input(file_name, "cannot write: " + tables.error(), std::nullopt);
-    return false;
+    return tables.finish() || cannot_write(file_name, tables.error());
 }
 
 unsigned threads_of_machine() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
+}
+
+/// The options by which several machines share the work.
+/// @param unfit  options that do not go with them
+void describe_shards(CLI::App& command, scan_command_options& options,
+                     std::initializer_list<CLI::Option*> unfit) {
+    CLI::Option* const shard =
+        command
+            .add_option("--shard", options.m_shard,
+                        "Scan the I-th of N shares of all bytes, counted from 1; the command merge "
+                        "joins the rows of all")
+            ->type_name("I/N")
+            ->check(shard_complaint);
+    command
+        .add_option("--by-plan", options.m_shard_plan,
+                    "Divide into shards by the plan in this file")
+        ->type_name("FILE")
+        ->needs(shard);
+    CLI::Option* const plan =
+        command
+            .add_option("--plan", options.m_plan,
+                        "Print a plan for N shards instead of rows; for mailboxes with "
+                        "Content-Length fields")
+            ->type_name("N")
+            ->check(shard_count_complaint)
+            ->excludes(shard);
+    for (CLI::Option* const option : unfit) {
+        shard->excludes(option);
+        plan->excludes(option);
+    }
+}
+
+/// False, after a complaint, if the plan cannot be written.
+bool write_plan(const std::string& plan, const std::string& file_name) {
+    if (file_name == "-") {
+        errno = 0;
+        write_rows(plan);
+        return output_got_out();
+    }
+    output_file output(file_name, existing_file::is_kept);
+    if (output.error() == 0) output.write(plan);
+    return output.keep() || cannot_write(file_name, output.reason());
 }
 
 } // namespace
@@ -105,14 +150,7 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
             ->type_name("FILE")
             ->excludes(summary)
             ->excludes(output);
-    command
-        .add_option("--shard", options.m_shard,
-                    "Scan the I-th of N shares of all bytes, counted from 1; the command merge "
-                    "joins the rows of all")
-        ->type_name("I/N")
-        ->check(shard_complaint)
-        ->excludes(summary)
-        ->excludes(tables);
+    describe_shards(command, options, {summary, tables});
     describe_choice(
         command, "--hash", {"none", "message", "parts"}, "WHAT",
         [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
@@ -173,7 +211,12 @@ exit_status run_scan(const scan_command_options& chosen) {
     options.m_pile.m_rules = options.m_rows.m_rules;
     options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
     if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
-    if (!chosen.m_shard.empty()) choose_shard(options, chosen.m_shard);
+    if (!chosen.m_plan.empty()) {
+        const std::string plan = plan_of(options, chosen.m_plan);
+        return write_plan(plan, chosen.m_output) ? all_well : some_input_failed;
+    }
+    if (!chosen.m_shard.empty() && !choose_shard(options, chosen.m_shard, chosen.m_shard_plan))
+        return some_input_failed;
     scan_totals totals;
     const bool is_written =
         !chosen.m_sqlite.empty() ? scan_into_tables(options, chosen.m_sqlite, totals)

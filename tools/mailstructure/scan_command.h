@@ -16,7 +16,9 @@ struct scan_command_options {
     bool m_summary = false;
     std::string m_output = "-"; // the file for the rows; "-" is standard output
     std::string m_shard;        // "I/N"; empty if all is wanted
-    std::string m_sqlite;       // the file for the tables; empty if none is wanted
+    std::string m_shard_plan; // the file with the plan that the shard is of; empty if there is none
+    std::string m_plan;       // for how many shards a plan is wanted; empty if none is
+    std::string m_sqlite;     // the file for the tables; empty if none is wanted
 };
 
 void describe_scan(CLI::App& command, scan_command_options& options);

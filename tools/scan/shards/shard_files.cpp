@@ -72,7 +72,7 @@ std::optional<shard_fault> check_joints(const std::vector<shard_file>& shards) {
         if (row.m_first && *row.m_first != next)
             return shard_fault{each.m_name, "the first message begins at " + text_of(*row.m_first)
                                                 + ", and the one that follows the shard before at "
-                                                + text_of(next)};
+                                                + text_of(next) + "; make a plan with scan --plan"};
         end = row.m_range.m_end.value();
         if (row.m_last) next = *row.m_last;
     }
