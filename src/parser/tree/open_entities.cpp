@@ -33,7 +33,7 @@ void open_entities::open() {
     // What may fail comes first: nothing would ever be settled for a child without an account.
     if (m_entities.size() == m_entities.capacity()) reserve_depth(2 * m_entities.size());
     assert(m_accounts.capacity() >= m_entities.capacity());
-    m_entities.push_back(&m_accounts.back().m_records.next_child(innermost()));
+    m_entities.push_back(&m_accounts.back().m_records.next_child(innermost(), m_spare));
     m_accounts.push_back({m_body_tally.m_lines, m_epilogue_tally.m_lines});
 }
 

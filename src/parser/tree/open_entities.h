@@ -77,12 +77,12 @@ public:
     /// Adds a field to the innermost entity, in its initial state. The reference is valid until the
     /// next field of that entity is added. @throws std::bad_alloc
     MailStructure::header& add_field() {
-        return m_accounts.back().m_records.next_field(innermost());
+        return m_accounts.back().m_records.next_field(innermost(), m_spare);
     }
     /// Adds a parameter to the innermost entity's last field, which must have been added before.
     /// @throws std::bad_alloc, and then the parameter is not in the tree
     void add_parameter(std::string_view name, std::string_view value) {
-        m_accounts.back().m_records.next_parameter(innermost(), name, value);
+        m_accounts.back().m_records.next_parameter(innermost(), name, value, m_spare);
     }
     /// Closes the innermost entity. Does nothing where that is the root, which stays open.
     void close();
@@ -133,6 +133,7 @@ private:
 
     std::vector<MailStructure::MimeObj*> m_entities; // the root first, the innermost last
     std::vector<account> m_accounts;                 // one for each entity
+    spare_storage m_spare;
     line_tally m_body_tally;
     line_tally m_epilogue_tally;
     shared_range m_mime;
