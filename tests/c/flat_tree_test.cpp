@@ -206,6 +206,18 @@ TEST(flat_tree, of_a_new_parser_is_an_empty_root) {
     EXPECT_EQ(tree.field_count, 0U);
 }
 
+TEST(flat_tree, shares_no_type_string_with_one_that_begins_with_it) {
+    MimeObj root;
+    root.m_type = "application";
+    root.m_children.resize(1);
+    root.m_children.front().m_type = "app";
+    flat_tree laid_out;
+    laid_out.lay_out(root);
+    mail_structure_tree tree = empty_tree();
+    laid_out.describe(tree);
+    EXPECT_EQ(text_of(tree, mail_structure_entity_at(&tree, 1)->type), "app");
+}
+
 /// Bytes of text, fields, parameters and entities are the largest number in turn.
 TEST(flat_tree, larger_than_the_limit_is_refused_and_leaves_no_records) {
     MimeObj root;

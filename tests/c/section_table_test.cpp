@@ -229,4 +229,22 @@ TEST(section_table, larger_than_the_limit_is_refused_and_leaves_no_names) {
     EXPECT_FALSE(too_small.is_laid_out());
 }
 
+/// Entities at great depth have no names, so that there can be more entities than bytes of names.
+TEST(section_table, counts_entities_without_names_too) {
+    MimeObj root;
+    MimeObj* innermost = &root;
+    for (int depth = 0; depth < 101; ++depth) {
+        innermost->m_multipart = true;
+        innermost->m_children.resize(1);
+        innermost = &innermost->m_children.front();
+    }
+    innermost->m_multipart = true;
+    innermost->m_children.resize(20'000);
+    const std::size_t entities = 1 + 101 + innermost->m_children.size();
+    section_table fits(entities + 1);
+    fits.lay_out(root);
+    section_table too_small(entities);
+    EXPECT_THROW(too_small.lay_out(root), tree_too_large);
+}
+
 } // namespace

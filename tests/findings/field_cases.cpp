@@ -216,7 +216,15 @@ std::vector<finding_case> cases_of_fields() {
                           .add("wrong_in_each_field", " <a", "fault 1 \n")
                           .all()
                           .front());
+    for (const char* each : {"Date", "From", "Sender", "Reply-To", "To", "Cc", "Bcc", "Message-ID",
+                             "In-Reply-To", "References", "Subject", "MIME-Version"}) {
+        const string field = each;
+        all.push_back({name::field_twice, "each_field", field + ": a\n" + field + ": a\n\n",
+                       "fault 2 " + field + "\n"});
+    }
     const std::vector<finding_case> others{
+        {name::address_invalid, "first_of_two_obsolete_forms", "To: a@b,, A. <c@d>\n\n",
+         "note 1 ,\n"},
         {name::address_invalid, "empty_bcc", "Bcc:\n\n", ""},
         {name::address_invalid, "two_senders", "Sender: a@b, c@d\n\n", "fault 1 ,\n"},
         {name::address_invalid, "group_as_a_sender", "Sender: a: b@c, d@e;\n\n", ""},
