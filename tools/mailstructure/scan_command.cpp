@@ -72,6 +72,7 @@ bool scan_into_file(const scan_options& options, const std::string& file_name,
     output_file output(file_name, existing_file::is_kept);
     if (output.error() == 0)
         totals = scan(options, [&output](std::string_view rows) { return output.write(rows); });
+    if (totals.m_are_sources_others) return true; // without the file
     return output.keep() || cannot_write(file_name, output.reason());
 }
 
@@ -227,6 +228,10 @@ exit_status run_scan(const scan_command_options& chosen) {
 }
 
 exit_status status_of(const scan_totals& totals) {
+    if (totals.m_are_sources_others) {
+        complain("the sources have changed while the shard was scanned; scan all shards once more");
+        return some_input_failed;
+    }
     complain_about_faults(totals);
     return totals.m_errors == 0 ? all_well : some_input_failed;
 }

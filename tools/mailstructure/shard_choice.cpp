@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -51,10 +52,10 @@ std::string text_of(const scan_options& options) {
 }
 
 /// @param option  that needs their sizes
-source_list sized_sources(const scan_options& options, const char* option) {
-    source_list sources(options.m_sources);
-    if (sources.endless())
-        throw CLI::ValidationError(option, display_name(*sources.endless())
+std::shared_ptr<const source_list> sized_sources(const scan_options& options, const char* option) {
+    auto sources = std::make_shared<source_list>(options.m_sources);
+    if (sources->endless())
+        throw CLI::ValidationError(option, display_name(*sources->endless())
                                                + " has no size by which it could be divided");
     return sources;
 }
@@ -83,19 +84,21 @@ void note_undivided(const std::string& name) {
 
 /// As choose_shard() does it, for a shard of a plan.
 bool choose_planned_shard(scan_options& options, const shard_number& shard,
-                          const source_list& sources, const std::string& plan_file) {
+                          const std::shared_ptr<const source_list>& sources,
+                          const std::string& plan_file) {
     scan_plan plan;
     std::string fault = read_plan_file(plan_file, plan);
     if (fault.empty() && plan.m_begins.size() != shard.m_count)
         fault = "a plan for " + std::to_string(plan.m_begins.size()) + " shards";
-    if (fault.empty() && plan.m_fingerprint != fingerprint_of_plan(sources, options.m_pile))
+    if (fault.empty() && plan.m_fingerprint != fingerprint_of_plan(*sources, options.m_pile))
         fault = "not a plan for these sources, options and this version";
     if (!fault.empty()) {
         complain_about_input(plan_file, fault, std::nullopt);
         return false;
     }
-    options.m_range = range_of(shard, plan, sources);
-    options.m_shard = {shard, sources.fingerprint(text_of(options) + line_of(plan)), false, {}};
+    options.m_range = range_of(shard, plan, *sources);
+    options.m_shard = {
+        shard, sources->fingerprint(text_of(options) + line_of(plan)), sources, false, {}};
     return true;
 }
 
@@ -113,19 +116,20 @@ std::string shard_count_complaint(const std::string& text) {
 }
 
 bool choose_shard(scan_options& options, const std::string& text, const std::string& plan_file) {
-    const source_list sources = sized_sources(options, "--shard");
+    const auto sources = sized_sources(options, "--shard");
     const shard_number shard = shard_of(text).value();
     if (!plan_file.empty()) return choose_planned_shard(options, shard, sources, plan_file);
-    options.m_range = share_of(shard, sources);
-    options.m_shard = {shard, sources.fingerprint(text_of(options)), true, note_undivided};
+    options.m_range = share_of(shard, *sources);
+    options.m_shard = {shard, sources->fingerprint(text_of(options)), sources, true,
+                       note_undivided};
     return true;
 }
 
 std::string plan_of(const scan_options& options, const std::string& count) {
-    const source_list sources = sized_sources(options, "--plan");
+    const auto sources = sized_sources(options, "--plan");
     scan_plan plan;
-    plan.m_fingerprint = fingerprint_of_plan(sources, options.m_pile);
+    plan.m_fingerprint = fingerprint_of_plan(*sources, options.m_pile);
     plan.m_begins =
-        plan_shards(parse_number(count).value(), options.m_sources, sources, options.m_pile);
+        plan_shards(parse_number(count).value(), options.m_sources, *sources, options.m_pile);
     return line_of(plan);
 }

@@ -19,7 +19,8 @@ public:
     scan_run(const scan_options& options, const std::function<bool(std::string_view)>& write)
         : m_options(options), m_write(write),
           m_parts(options.m_range, options.m_shard && options.m_shard->m_is_by_bytes,
-                  options.m_pile, options.m_shard ? options.m_shard->m_undivided : nullptr),
+                  options.m_pile, options.m_shard ? options.m_shard->m_sources : nullptr,
+                  options.m_shard ? options.m_shard->m_undivided : nullptr),
           m_progress(options.m_progress, options.m_sources),
           m_work(
               options.m_threads, [this] { return new_worker(); },
@@ -30,14 +31,17 @@ public:
         source_walk walk(m_options.m_sources);
         found_source source;
         bool goes_on = true;
-        for (std::uint64_t number = 0; goes_on && !m_parts.ends_before(number); ++number) {
+        std::uint64_t number = 0;
+        for (; goes_on && !m_parts.ends_before(number); ++number) {
             if (!walk.next(source)) break;
             const std::optional<source_part> part = m_parts.part_of(number, source.m_name);
             if (part) goes_on = read(reader, source, *part);
         }
         goes_on = m_work.finish() && goes_on;
         m_progress.end();
-        if (goes_on && m_options.m_shard) m_write(line_of(row_of_shard()));
+        m_totals.m_are_sources_others = goes_on && !m_parts.are_sources_as_before(number);
+        if (goes_on && m_options.m_shard && !m_totals.m_are_sources_others)
+            m_write(line_of(row_of_shard()));
         return std::move(m_totals);
     }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@
 struct shard_choice {
     shard_number m_shard;
     std::string m_fingerprint;
+    std::shared_ptr<const source_list> m_sources; ///< Those that the range counts.
     /// The range of the scan has ends that may be within messages, or within what is not divided.
     bool m_is_by_bytes = true;
     /// Is told of an mbox that lies in several shards and is not divided. May be empty.
@@ -45,6 +47,8 @@ struct scan_totals {
     std::uint64_t m_bytes = 0;     ///< Of the messages, without what stands between them.
     std::uint64_t m_row_bytes = 0; ///< Of all rows.
     std::uint64_t m_errors = 0;
+    /// While a shard was scanned, sources came or went. The row of the shard is missing then.
+    bool m_are_sources_others = false;
     std::map<std::string_view, std::uint64_t> m_faults; ///< How many by their codes.
 };
 

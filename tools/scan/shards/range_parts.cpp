@@ -5,9 +5,14 @@
 #include "scan/shards/division.h"
 
 bool range_parts::ends_before(std::uint64_t source) const {
+    if (m_has_met_others) return true;
     if (!m_range.m_end) return false;
     const scan_position& end = *m_range.m_end;
     return source > end.m_source || (source == end.m_source && end.m_offset == 0);
+}
+
+bool range_parts::are_sources_as_before(std::uint64_t count) const {
+    return !m_has_met_others && (!m_range.m_end || ends_before(count));
 }
 
 bool range_parts::can_be_divided(const std::string& name) const {
@@ -18,6 +23,8 @@ bool range_parts::can_be_divided(const std::string& name) const {
 }
 
 std::optional<source_part> range_parts::part_of(std::uint64_t source, const std::string& name) {
+    m_has_met_others = m_sources && !m_sources->has(source, name);
+    if (m_has_met_others) return std::nullopt;
     scan_position& begin = m_range.m_begin;
     if (source < begin.m_source || ends_before(source)) return std::nullopt;
     const scan_position behind = {source + 1, 0, 0};

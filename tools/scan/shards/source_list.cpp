@@ -4,6 +4,7 @@
 
 #include "scan/input/source_walk.h"
 
+#include <functional>
 #include <sys/stat.h>
 
 source_list::source_list(const std::vector<std::string>& names) {
@@ -20,6 +21,7 @@ void source_list::add(const std::string& name, int error) {
     }
     const auto size = is_there ? static_cast<std::uint64_t>(file.st_size) : 0;
     m_sizes.push_back(size);
+    m_names.push_back(std::hash<std::string>()(name));
     m_bytes += size;
     m_digest.add(name);
     std::string facts(1, '\0'); // which no name has
@@ -27,6 +29,10 @@ void source_list::add(const std::string& name, int error) {
         facts += std::to_string(size) + ' ' + std::to_string(file.st_mtim.tv_sec) + ' '
                  + std::to_string(file.st_mtim.tv_nsec);
     m_digest.add(facts + '\n');
+}
+
+bool source_list::has(std::uint64_t source, const std::string& name) const {
+    return source < count() && m_names[source] == std::hash<std::string>()(name);
 }
 
 std::string source_list::fingerprint(std::string_view text) const {

@@ -7,13 +7,14 @@
 #include "scan/pipeline/digest.h"
 #include "scan/pipeline/scan_position.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// What stat() tells of the sources. Holds 8 bytes for each.
+/// What stat() tells of the sources. Holds 16 bytes for each.
 class source_list {
 public:
     /// Walks over the sources.
@@ -23,6 +24,9 @@ public:
     const std::optional<std::string>& endless() const { return m_endless; }
     std::uint64_t count() const { return m_sizes.size(); }
     std::uint64_t bytes() const { return m_bytes; }
+
+    /// Whether the source of that number is still the one that had the name.
+    bool has(std::uint64_t source, const std::string& name) const;
 
     /// A hash of the names, sizes and times of the sources, and of the text.
     std::string fingerprint(std::string_view text) const;
@@ -35,6 +39,7 @@ private:
     void add(const std::string& name, int error);
 
     std::vector<std::uint64_t> m_sizes;
+    std::vector<std::size_t> m_names; // hashes
     std::uint64_t m_bytes = 0;
     digest m_digest;
     std::optional<std::string> m_endless;
