@@ -140,6 +140,11 @@ if(MAILSTRUCTURE_TOOLS)
       CACHE STRING "Where the completion for zsh is installed")
   install(TARGETS mailstructure_tool COMPONENT tool)
   install(
+    PROGRAMS share/mailstructure/slurm/merge_shards share/mailstructure/slurm/scan_shard
+             share/mailstructure/slurm/submit
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/mailstructure/slurm
+    COMPONENT tool)
+  install(
     FILES man/mailstructure.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
     COMPONENT tool)

@@ -65,6 +65,7 @@ string(CONCAT CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME mailstructure)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION mail)
+set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS "parallel, slurm-client")
 string(CONCAT CPACK_COMPONENT_TOOL_DESCRIPTION
               "show the structure of Internet mail\n${about}.\n"
               "This package holds a command-line tool around the library.")

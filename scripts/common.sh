@@ -21,12 +21,14 @@ test_packages=("${build_packages[@]}" "${python_packages[@]}" "${arm_packages[@]
 fuzz_packages=("${build_packages[@]}" clang libclang-rt-14-dev xz-utils)
 # Other mail parsers: tests/peers holds this library against them, bench/ measures them beside it.
 peer_packages=(dovecot-core dovecot-dev libgmime-3.0-dev procmail)
+# What scans on a cluster are tested with.
+cluster_packages=(munge slurm-client slurmctld slurmd)
 # What the pictures of tests/pictures are taken with.
 # shellcheck disable=SC2034 # for those who source this
 picture_packages=(chromium fonts-dejavu-core python3-pil)
 # shellcheck disable=SC2034 # for those who source this
-check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" "${peer_packages[@]}" clang-format-14
-    shellcheck)
+check_packages=("${test_packages[@]}" "${fuzz_packages[@]}" "${peer_packages[@]}"
+    "${cluster_packages[@]}" clang-format-14 shellcheck)
 
 is_installed() {
     [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2> /dev/null) == installed ]]

@@ -19,7 +19,8 @@ skip_without() {
 copy_sources() {
     mkdir -p "$2"
     (cd "$1" && cp -r CHANGELOG.md CMakeLists.txt CMakePresets.json HACKING.md LICENSE README.md \
-        SECURITY.md cmake doc examples include man pyproject.toml python src tools "$2" &&
+        SECURITY.md cmake doc examples include man pyproject.toml python share src tools \
+        "$2" &&
         find "$2/python" -name __pycache__ -prune -exec rm -r {} + &&
         mkdir "$2/bench" && cp bench/*.md bench/*.svg "$2/bench")
 }

@@ -53,7 +53,8 @@ echo "== owners, permissions, compression"
 for package in "$packages"/*.deb; do
     dpkg-deb -c "$package" | awk '$2 != "root/root" { print; bad = 1 }
         $1 !~ /^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx)$/ &&
-            !($1 == "-rwxr-xr-x" && $6 ~ /^\.\/usr\/bin\//) { print; bad = 1 }
+            !($1 == "-rwxr-xr-x" && $6 ~ /^\.\/usr\/(bin|share\/mailstructure\/slurm)\//) {
+                print; bad = 1 }
         END { exit bad }' || fail "in $package"
 done
 find "$root/usr/share/man" -type f | grep -v '\.gz$' && fail "a manual page is not compressed"
@@ -75,6 +76,7 @@ export LD_LIBRARY_PATH="$root/usr/lib/$triplet"
 dumped=$("$root/usr/bin/mailstructure" dump "$sources/tests/data/messages/plain.eml" 2>&1)
 [[ $dumped == *text/plain* ]]
 test -f "$root/usr/share/zsh/vendor-completions/_mailstructure"
+"$root/usr/share/mailstructure/slurm/submit" --help | grep -q -- --shards
 zcat "$root/usr/share/man/man1/mailstructure.1.gz" | cmp - "$sources/man/mailstructure.1"
 zcat "$root/usr/share/man/man3/MailStructure::Fill.3.gz" | cmp - "$sources/man/MailStructure.Fill.3"
 
