@@ -70,6 +70,10 @@ std::string media_type_of(const MimeObj& entity) {
     return entity.m_type + '/' + entity.m_subtype;
 }
 
+bool holds_others(const MimeObj& entity) noexcept {
+    return entity.m_multipart || entity.m_message || !entity.m_children.empty();
+}
+
 std::string transfer_encoding_of(const MimeObj& entity, rules by) {
     const MailStructure::header* const field =
         field_that_counts(entity, "content-transfer-encoding", by);

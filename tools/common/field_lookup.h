@@ -1,5 +1,6 @@
 // Header fields by their exact names, and what the tools read out of them: transfer encoding,
-// charset, disposition and file name. Beside them, the media type that the library has recorded.
+// charset, disposition and file name. Beside them, the media type that the library has recorded,
+// and whether an entity holds others.
 
 #ifndef TOOLS_COMMON_FIELD_LOOKUP_H
 #define TOOLS_COMMON_FIELD_LOOKUP_H
@@ -21,6 +22,9 @@ const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
 /// "text/plain": the media type that the library has recorded; "(no type)" if it has recorded none.
 /// The classic rules fill in the default type only when the body begins.
 std::string media_type_of(const MailStructure::MimeObj& entity);
+
+/// Whether the entity holds parts or a message, or would hold them if it had not been cut off.
+bool holds_others(const MailStructure::MimeObj& entity) noexcept;
 
 // Where an entity has several fields of one name that describe its body (Content-...), the
 // functions below read the one that counts for the library's media type: the first by the standard

@@ -209,7 +209,7 @@ template <class writer>
 void tree_writer<writer>::write_decoded_size(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     std::optional<decoded_size> size;
-    if (!entity.m_multipart && !entity.m_message && entity.m_children.empty()) {
+    if (!holds_others(entity)) {
         size = decoded_size_of({&entity, mail_sections::piece::body, visited.m_is_message},
                                m_ranges, m_message.m_source);
     }

@@ -135,7 +135,7 @@ void add_line(page& to, const tree_line& line, const column_widths& widths) {
     to.add(row.m_section, look::yellow);
     if (!row.m_section.empty()) to.add(" ");
     to.add(row.m_type, row.m_section.empty() ? look::faint
-                       : row.m_container     ? look::cyan
+                       : row.m_holds_others  ? look::cyan
                                              : look::bold);
     to.add_blanks(missing(widths.m_left, left_width(line)));
     add_left_column(to, row.m_encoding, widths.m_encoding);

@@ -79,11 +79,11 @@ tree_row row_of(const mail_sections::visited& numbered, mail_sections::ranges& r
     tree_row row;
     row.m_section = numbered.m_name.empty() ? ellipsis(style) : std::string(numbered.m_name);
     row.m_type = shown(media_type_of(entity), style);
-    row.m_container = entity.m_multipart || entity.m_message || !entity.m_children.empty();
+    row.m_holds_others = holds_others(entity);
     row.m_encoding = or_dash(shown(transfer_encoding_of(entity, source.m_rules), style));
     row.m_charset = or_dash(shown(charset_of(entity, source), style));
     row.m_size = size_text(entity.m_body_len, style);
-    if (style.m_decoded_sizes && !row.m_container)
+    if (style.m_decoded_sizes && !row.m_holds_others)
         row.m_decoded_size = decoded_size_text(numbered, ranges, source, style);
     row.m_lines = lines_text(entity.m_lines);
     row.m_place = place_text(entity.m_mime_beg, entity.m_mime_len);

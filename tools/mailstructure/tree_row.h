@@ -33,9 +33,9 @@ struct tree_row {
     std::string m_lines;
     std::string m_place;
     std::string m_disposition;
-    std::string m_file_name;  // in quotes
-    std::string m_subject;    // only for a message within
-    bool m_container = false; // the entity holds parts or a message
+    std::string m_file_name;     // in quotes
+    std::string m_subject;       // only for a message within
+    bool m_holds_others = false; // parts or a message
 };
 
 /// @param ranges  made for the same source

@@ -24,8 +24,7 @@ entity_labels labels_of(const MailStructure::MimeObj& root, const map_layout& la
         const MailStructure::MimeObj& entity = *visited->m_entity;
         found->second.m_number = shown_number(visited->m_name);
         found->second.m_type = media_type_of(entity);
-        found->second.m_container =
-            entity.m_multipart || entity.m_message || !entity.m_children.empty();
+        found->second.m_holds_others = holds_others(entity);
     }
     return labels;
 }

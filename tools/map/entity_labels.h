@@ -20,7 +20,7 @@ constexpr std::size_t longest_type = 60;
 struct entity_label {
     std::string m_number; // "1.2", "TEXT", as `part` takes it; an ellipsis where that is too deep
     std::string m_type;   // "text/plain", as text from the message: not escaped
-    bool m_container = false; // it holds parts or a message
+    bool m_holds_others = false; // parts or a message
 };
 
 /// The number of an entity, given what the walk says; an ellipsis where it says nothing.

@@ -108,11 +108,10 @@ void page_tables::list_findings(const std::vector<map_finding>& findings) {
 void page_tables::list_part(const mail_sections::visited& visited, const entity_place& place,
                             const tree_source& source) {
     const MimeObj& entity = *visited.m_entity;
-    const bool holds_others = entity.m_multipart || !entity.m_children.empty();
     part_row row;
     row.m_depth = place.m_depth;
     row.m_number = text_node(shown_number(visited.m_name), longest_number + 3);
-    row.m_cells = table_cell((holds_others ? "" : swatch_of(body_kind_of(entity)))
+    row.m_cells = table_cell((holds_others(entity) ? "" : swatch_of(body_kind_of(entity)))
                                  + type_text(media_type_of(entity)),
                              "type")
                   + table_cell(text_node(known_as(visited, source), longest_name))

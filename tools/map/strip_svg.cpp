@@ -135,7 +135,7 @@ private:
         const entity_label& label = m_labels.at(box.m_entity);
         if (linked) m_out += "<a href=\"#e" + std::to_string(box.m_entity) + "\">";
         m_out += "<g id=\"b" + std::to_string(index) + "\" class=\"";
-        m_out += folded ? "many" : label.m_container ? "holder" : "leaf";
+        m_out += folded ? "many" : label.m_holds_others ? "holder" : "leaf";
         m_out += "\"><title>" + title_of(box, label) + "</title>";
         std::vector<std::string> texts =
             folded ? std::vector{counted(box.m_entities, "part", "parts")}
