@@ -136,6 +136,7 @@ std::string complaint_about(const mail_sections::error& error, const std::string
 /// What is wrong with the combination of options; "" if nothing is.
 std::string complaint_about(const part_options& options) {
     if (chooses_attachments(options)) return complaint_about_attachments(options);
+    if (options.m_force && !options.m_output) return "--force is for use with --output";
     if (options.m_list) {
         if (options.m_range || options.m_decode)
             return "--list cannot be combined with --range, --decode or --charset";
@@ -143,7 +144,6 @@ std::string complaint_about(const part_options& options) {
             return "--list cannot be combined with --output; it prints to standard output";
         return "";
     }
-    if (options.m_force && !options.m_output) return "--force is for use with --output";
     const bool is_block = options.m_section.m_word != mail_sections::word::none
                           && options.m_section.m_word != mail_sections::word::text;
     if (options.m_range && is_block)
