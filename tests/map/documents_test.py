@@ -5,9 +5,6 @@ scripts and to the network, small, and the same each time.
 tests/map/documents_test.py TOOL
 """
 
-import base64
-import hashlib
-import html.parser
 import json
 import os
 import pathlib
@@ -16,17 +13,18 @@ import subprocess
 import sys
 import tempfile
 import unittest
-import xml.etree.ElementTree
-
-import hostile
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(TOP / "tests/page"))
+
+import hostile  # noqa: E402
+import safe_document  # noqa: E402
+from safe_document import SVG, XHTML  # noqa: E402
+
 TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
 SAMPLES = sorted(path for path in (TOP / "tests/data").rglob("*") if path.suffix == ".eml")
 MOST_BYTES = 1024 * 1024
 
-SVG = "{http://www.w3.org/2000/svg}"
-XHTML = "{http://www.w3.org/1999/xhtml}"
 # All that the documents are made of. No element here runs or loads anything.
 ELEMENTS = {
     *(SVG + name for name in ("svg", "title", "style", "g", "rect", "path", "text", "a")),
@@ -42,10 +40,7 @@ VALUES = {
     "width": r"[\d.]+", "height": r"[\d.]+", "viewBox": r"0 0 \d+ \d+",
     "scope": "row|col", "role": "group|region", "aria-labelledby": "map|parts|findings",
     "d": r"M[\d.]+ [\d.]+[hlvz\d. -]+",
-    "aria-hidden": "true", "tabindex": "0", "lang": "en", "charset": "utf-8",
-    "http-equiv": "Content-Security-Policy", "name": "viewport|referrer",
-    "content": "no-referrer|width=device-width, initial-scale=1|"
-    r"default-src 'none'; style-src 'sha256-[\w+/=]{44}'; base-uri 'none'; form-action 'none'",
+    "aria-hidden": "true", "tabindex": "0", **safe_document.HEAD_VALUES,
 }
 
 
@@ -66,72 +61,16 @@ def maps_of(data):
         yield "html", done.stdout
 
 
-class Tags(html.parser.HTMLParser):
-    """The elements as a reader of HTML sees them, who does not know XML."""
-
-    VOID = {"meta", "path", "rect", "wbr"}
-
-    def __init__(self):
-        super().__init__(convert_charrefs=True)
-        self.open, self.names, self.text = [], set(), []
-
-    def handle_starttag(self, tag, attrs):
-        self.names.add(tag)
-        assert not any(name.startswith("on") or name == "style" for name, _ in attrs), attrs
-        if tag not in self.VOID:
-            self.open.append(tag)
-
-    def handle_endtag(self, tag):
-        if tag not in self.VOID:
-            assert self.open.pop() == tag, tag
-
-    def handle_data(self, data):
-        self.text.append(data)
-
-    def handle_comment(self, data):
-        raise AssertionError(f"a comment: {data}")
-
-
 class Documents(unittest.TestCase):
     def check(self, form, document):
         """The document is well-formed, and holds nothing that loads or runs anything."""
         self.assertLess(len(document), MOST_BYTES)
-        text = document.decode("utf-8", errors="strict")
-        root = xml.etree.ElementTree.fromstring(text)
-        for element in root.iter():
-            self.assertIn(element.tag, ELEMENTS)
-            for name, value in element.attrib.items():
-                self.assertRegex(value, rf"\A(?:{VALUES[name]})\Z")
-        styles = [element.text for element in root.iter() if element.tag.endswith("}style")]
-        self.assertEqual(len(styles), 1)
-        self.assertNotRegex(styles[0], r"url\(|@import|expression|<")
+        root = safe_document.check(self, document, ELEMENTS, VALUES)
         if form == "html":
-            self.check_page(text, styles[0])
+            safe_document.check_page(self, document, ELEMENTS)
         else:
-            self.assertNotIn("href", text.split("</title>")[0])
+            self.assertNotIn("href", document.decode().split("</title>")[0])
         return root
-
-    def check_page(self, text, style):
-        tags = Tags()
-        tags.feed(text)
-        tags.close()
-        self.assertEqual(tags.open, [])
-        of_drawings = {f"{XHTML}{tag}" for tag in ("svg", "g", "rect", "path", "text")}
-        self.assertLessEqual({f"{XHTML}{tag}" for tag in tags.names} - of_drawings, ELEMENTS)
-        digest = base64.b64encode(hashlib.sha256(style.encode()).digest()).decode()
-        policy = (f"default-src 'none'; style-src 'sha256-{digest}'; base-uri 'none'; "
-                  "form-action 'none'")
-        self.assertIn(f'<meta http-equiv="Content-Security-Policy" content="{policy}" />', text)
-        # The policy precedes everything that it is to hold for.
-        self.assertLess(text.index("Content-Security-Policy"), text.index("<style>"))
-        self.check_links(text)
-
-    def check_links(self, text):
-        """Each link leads to an element of the document, and no two elements share a name."""
-        names = re.findall(r' id="([^"]*)"', text)
-        self.assertEqual(len(names), len(set(names)))
-        targets = set(re.findall(r' href="#([^"]*)"', text))
-        self.assertLessEqual(targets, set(names))
 
     def test_hostile_text(self):
         for name, text in hostile.TEXTS.items():

@@ -1,5 +1,5 @@
-"""Messages whose senders mean harm, for the tests of the map: every text that the map shows is one
-that a reader of SVG or HTML could take for something else."""
+"""Messages whose senders mean harm, for the tests of maps and reports: every text that these show
+is one that a reader of SVG or HTML could take for something else."""
 
 SCRIPT = b"<script>alert(1)</script>"
 ATTRIBUTE = b"\" onload='alert(1)' x=\""
@@ -39,3 +39,15 @@ def message(text):
         b"Subject: ", text, b'\nContent-Type: multipart/mixed; boundary="c"; x="',
         quoted, b'"\n\n--c\n\n', text, b"\n--b--\n", text, b"\n",
     ))
+
+
+def mailbox(text):
+    """Mail that has the text in every place that a report shows."""
+    quoted = text.replace(b"\\", b"").replace(b'"', b"'")
+    token = bytes(byte for byte in text if byte > 32 and byte not in b":;()\"\\/\x7f")
+    attachment = (b"--b\nContent-Type: " + token + b"/" + token + b'; name="' + quoted + b'"\n'
+                  b"Content-Disposition: attachment; filename=\"" + quoted + b"\"\n\nsame\n")
+    return b"".join((
+        b"From a Mon Jan  1 00:00:00 2024\nFrom: <a@", token, b">\nSubject: ", text,
+        b"\nDate: Mon, 1 Jan 2024 00:00:00 +0000\nContent-Type : multipart/mixed; boundary=b\n\n",
+        attachment, attachment, b"--b--\n\n", message(text)))
