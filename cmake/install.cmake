@@ -119,7 +119,8 @@ install(
 install(
   FILES doc/architecture.md doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md
         doc/json.schema.json doc/map.md doc/map.svg doc/python.md doc/queries.md doc/queries.sql
-        doc/queries_duckdb.sql doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
+        doc/queries_duckdb.sql doc/report.md doc/scan.md doc/scan.schema.json doc/scan.sql
+        doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
@@ -162,8 +163,8 @@ if(MAILSTRUCTURE_TOOLS)
     COMPONENT tool)
   install(
     FILES doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md doc/json.schema.json
-          doc/map.md doc/map.svg doc/queries.md doc/queries.sql doc/queries_duckdb.sql doc/scan.md
-          doc/scan.schema.json doc/scan.sql doc/standard.md
+          doc/map.md doc/map.svg doc/queries.md doc/queries.sql doc/queries_duckdb.sql
+          doc/report.md doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()

@@ -114,7 +114,7 @@ GROUP BY 1, 2
 ORDER BY 1, 3 DESC, 2;
 
 -- @faults
-SELECT level, code, count(*) AS faults
+SELECT level, code, count(*) AS faults, min(text) AS example
 FROM fault
 GROUP BY 1, 2
 ORDER BY 1, 3 DESC, 2;

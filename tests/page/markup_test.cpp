@@ -1,4 +1,4 @@
-// The text nodes of the map, and its numbers.
+// The text nodes of pages, and their numbers.
 
 #include "page/markup.h"
 
@@ -47,6 +47,31 @@ TEST(numbers, are_written_for_people) {
     EXPECT_EQ(counted(1, "part", "parts"), "1 part");
     EXPECT_EQ(counted(1000, "part", "parts"), "1,000 parts");
     EXPECT_EQ(place_text(10, 4294967295), "10-4294967295");
+}
+
+TEST(copied_text_node, changes_nothing_that_is_shown) {
+    EXPECT_EQ(copied_text_node("part '<a & b>' $'\\x0a'"), "part '&lt;a &amp; b&gt;' $'\\x0a'");
+    EXPECT_EQ(copied_text_node(std::string(5000, 'x')), std::string(5000, 'x'));
+}
+
+TEST(copied_text_node, has_no_character_that_is_not_shown) {
+    EXPECT_EQ(copied_text_node("a\nb\xff\u202e"), "a\ufffdb\ufffd\ufffd");
+}
+
+TEST(rounded_bytes, are_in_powers_of_1000) {
+    EXPECT_EQ(rounded_bytes(0), "0 bytes");
+    EXPECT_EQ(rounded_bytes(1), "1 byte");
+    EXPECT_EQ(rounded_bytes(999), "999 bytes");
+    EXPECT_EQ(rounded_bytes(1000), "1.0 kB");
+    EXPECT_EQ(rounded_bytes(999999), "999.9 kB");
+    EXPECT_EQ(rounded_bytes(1000000), "1.0 MB");
+    EXPECT_EQ(rounded_bytes(34567890123), "34.5 GB");
+    EXPECT_EQ(rounded_bytes(18446744073709551615U), "18.4 EB");
+}
+
+TEST(percentages, are_right_for_numbers_of_any_size) {
+    EXPECT_EQ(percent_text(6148914691236517205, 18446744073709551615U), "33.3 %");
+    EXPECT_EQ(percent_text(18446744073709551614U, 18446744073709551615U), "99.9 %");
 }
 
 TEST(percentages, never_hide_that_there_is_something) {

@@ -117,14 +117,18 @@ class Browser:
         elif what == "Audits.issueAdded" and "ContentSecurityPolicy" in values["issue"]["code"]:
             self.violations.append(json.dumps(values["issue"]["details"]))
 
-    def open(self, path, width, height, scheme="light", media="screen"):
-        """Shows the file in a window of that size."""
+    def open(self, path, width, height, scheme="light", media="screen", place=""):
+        """Shows the file, from the element of that name on, in a window of that size."""
         self.ask("Emulation.setDeviceMetricsOverride", width=width, height=height,
                  deviceScaleFactor=1, mobile=False)
         self.ask("Emulation.setEmulatedMedia", media=media,
                  features=[{"name": "prefers-color-scheme", "value": scheme}])
         self.requests, self.scripts, self.violations, self.loaded = [], [], [], False
-        self.ask("Page.navigate", url=pathlib.Path(path).resolve().as_uri())
+        self.ask("Page.navigate", url="about:blank")  # else a place is only scrolled to
+        while not self.loaded:
+            self.note(self.read())
+        self.requests, self.scripts, self.violations, self.loaded = [], [], [], False
+        self.ask("Page.navigate", url=pathlib.Path(path).resolve().as_uri() + place)
         while not self.loaded:
             self.note(self.read())
         # What a page has begun shows by now: two frames, and a turn of each queue in between.

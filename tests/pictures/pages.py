@@ -1,12 +1,15 @@
-"""The messages whose maps are looked at, and what the map of each is called."""
+"""The messages whose maps are looked at, and the piles that reports are about, by what their pages
+are called."""
 
 import pathlib
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(TOP / "tests/map"))
+sys.path.insert(0, str(TOP / "tests/queries"))
 
 import hostile  # noqa: E402
+import sample_pile  # noqa: E402
 
 # It claims to be from a bank, has an attachment of two types whose name reads as if it were a PDF,
 # and text that differs between its two forms.
@@ -54,7 +57,19 @@ MESSAGES = {
     + b"--b--\n",
 }
 
-# Pages that do what no map may do, and so show that it would be noticed.
+
+
+def write_hostile_pile(folder):
+    """Mail in files whose names mean harm too."""
+    folder.mkdir()
+    for text in hostile.TEXTS.values():
+        name = text.decode("utf-8", errors="surrogateescape").replace("/", "").replace("\0", "")
+        (folder / name[:80]).write_bytes(hostile.mailbox(text))
+
+
+PILES = {"report": sample_pile.write, "report-hostile": write_hostile_pile}
+
+# Pages that do what no page of the tool may do, and so show that it would be noticed.
 POLICY = ("<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
           "style-src 'none'\">")
 HARMFUL = {

@@ -9,7 +9,7 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "scan", "merge", "check", "map", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "merge", "check", "map", "report", "dump", "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -29,6 +29,8 @@ OFFERS = [
     ("mailstructure map --", {"--force", "--format", "--help", "--max-size", "--output",
                               "--rules"}),
     ("mailstructure map --format ", {"html", "svg"}),
+    ("mailstructure report --", {"--force", "--help", "--output"}),
+    ("mailstructure report ", FILES),
     ("mailstructure map --format html ", FILES),
     ("mailstructure letter.eml --d", {"--decoded"}),
     ("mailstructure --v", {"--version"}),
@@ -81,6 +83,7 @@ COMPLETED = [
     ("mailstructure map --format=h", "mailstructure map --format=html"),
     ("mailstructure map -o le", "mailstructure map -o letter.eml"),
     ("mailstructure map le", "mailstructure map letter.eml"),
+    ("mailstructure report -o le", "mailstructure report -o letter.eml"),
     ("mailstructure part 2 le", "mailstructure part 2 letter.eml"),
     ("mailstructure part --list le", "mailstructure part --list letter.eml"),
     ('mailstructure json "a', 'mailstructure json "a b.eml"'),

@@ -4,7 +4,8 @@
 # Prints the command that the line names before the cursor. Without one, tree is meant.
 function __mailstructure_command
     set -l words (commandline -opc)
-    if set -q words[2]; and contains -- $words[2] tree json part scan merge check map dump help
+    if set -q words[2]
+        and contains -- $words[2] tree json part scan merge check map report dump help
         echo $words[2]
     else
         echo tree
@@ -51,16 +52,17 @@ complete -c mailstructure -n __mailstructure_at_first_word -a merge -d 'Join sha
 complete -c mailstructure -n __mailstructure_at_first_word -a check \
     -d 'Tell where readers disagree'
 complete -c mailstructure -n __mailstructure_at_first_word -a map -d 'Draw what each byte is of'
+complete -c mailstructure -n __mailstructure_at_first_word -a report -d 'Write a page about a scan'
 complete -c mailstructure -n __mailstructure_at_first_word -a dump -d 'Print the library'\''s dump'
 complete -c mailstructure -n __mailstructure_at_first_word -a help -d 'Print the help'
 complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print the version'
 complete -c mailstructure -s h -l help -d 'Print the help'
 
 complete -c mailstructure -n '__mailstructure_command_is help' -f \
-    -a 'tree json part scan merge check map dump help'
-complete -c mailstructure -n 'not __mailstructure_command_is help check merge' -l rules -x \
+    -a 'tree json part scan merge check map report dump help'
+complete -c mailstructure -n 'not __mailstructure_command_is help check merge report' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
-complete -c mailstructure -n 'not __mailstructure_command_is help merge' -l max-size -x \
+complete -c mailstructure -n 'not __mailstructure_command_is help merge report' -l max-size -x \
     -d 'Refuse larger messages'
 
 complete -c mailstructure -n '__mailstructure_command_is tree' -l all \
@@ -136,6 +138,11 @@ complete -c mailstructure -n '__mailstructure_command_is map' -s o -l output -r 
 complete -c mailstructure -n '__mailstructure_command_is map' -l force -d 'Replace the output file'
 complete -c mailstructure -n '__mailstructure_command_is map' -l format -x -a 'svg html' \
     -d 'Write a drawing or a page'
+
+complete -c mailstructure -n '__mailstructure_command_is report' -s o -l output -r -F \
+    -d 'Write to this file'
+complete -c mailstructure -n '__mailstructure_command_is report' -l force \
+    -d 'Replace the output file'
 
 complete -c mailstructure -n '__mailstructure_command_is dump' -l keep-text -d 'Print texts too'
 complete -c mailstructure -n '__mailstructure_command_is dump' -l memlimit -x \

@@ -10,6 +10,7 @@
 #include "mailstructure/map_command.h"
 #include "mailstructure/merge_command.h"
 #include "mailstructure/part_command.h"
+#include "mailstructure/report_command.h"
 #include "mailstructure/scan_command.h"
 #include "mailstructure/tree_command.h"
 
@@ -55,7 +56,7 @@ command_parser::command_parser(const command& parsed)
              std::string("mailstructure") + (*parsed.m_name == '\0' ? "" : " ") + parsed.m_name),
       m_work(parsed.m_declare(m_line)) {}
 
-constexpr std::array<command, 9> all_commands = {{
+constexpr std::array<command, 10> all_commands = {{
     {"tree", "Draw the tree of each message: parts, types, sizes, places",
      declare<tree_options, describe_tree, run_tree>},
     {"json", "Print the tree of each message as JSON, with all that is recorded",
@@ -70,6 +71,8 @@ constexpr std::array<command, 9> all_commands = {{
      declare<check_options, describe_check, run_check>},
     {"map", "Draw which bytes of a file belong to what, as a picture (SVG) or a page (HTML)",
      declare<map_options, describe_map, run_map>},
+    {"report", "Write a page (HTML) about the mail that a scan has read",
+     declare<report_options, describe_report, run_report>},
     {"dump", "Print the library's own dump of each message: entities, ranges and fields",
      declare<dump_options, describe_dump, run_dump>},
     {"help", "Print the help of the program or of a command",

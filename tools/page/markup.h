@@ -19,6 +19,10 @@
 std::string text_node(std::string_view text, std::size_t most_bytes,
                       character_set set = character_set::utf8);
 
+/// A text that people copy, as a text node: nothing is cut, and backslashes stay as they are. The
+/// text should hold only what is shown, as shell_word() sees to; for anything else stands U+FFFD.
+std::string copied_text_node(std::string_view text);
+
 /// "1,234,567"
 std::string grouped(std::uint64_t number);
 
@@ -30,5 +34,8 @@ std::string place_text(std::uint32_t begin, std::uint32_t end);
 
 /// "33.5 %"; "100 %" for all, and "under 0.1 %" for less than that.
 std::string percent_text(std::uint64_t part, std::uint64_t whole);
+
+/// "999 bytes", "1.2 kB", "34.5 MB": rounded down, in powers of 1000.
+std::string rounded_bytes(std::uint64_t bytes);
 
 #endif

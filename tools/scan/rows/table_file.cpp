@@ -81,7 +81,8 @@ void table_file::create(const std::string& folder_name) {
     if (status != SQLITE_OK)
         fail_by_database();
     else if (run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA locking_mode=EXCLUSIVE;"
-                 "PRAGMA user_version=1; BEGIN;")
+                 "PRAGMA user_version="
+                 + std::to_string(version) + "; BEGIN;")
              && run(table_commands))
         prepare();
 }

@@ -20,6 +20,9 @@ class packed_rows;
 /// unfinished_file). There is one object at a time.
 class table_file {
 public:
+    /// The number by which a file tells the tables that it has (user_version).
+    static constexpr int version = 1;
+
     /// Creates the tables. A file of that name that exists already is kept, and is an error.
     explicit table_file(const std::string& file_name);
     ~table_file();
