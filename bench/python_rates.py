@@ -48,22 +48,19 @@ def describe_ours(messages):
     return sum(1 for data in messages if mailstructure.parse(data).to_dict())
 
 
-def walk_email(messages):
-    """Parses and visits each part with the parser of Python's standard library."""
+def walk_email(messages, policy=email.policy.compat32):
+    """Parses and visits each part with the parser of Python's standard library: with its older
+    classes, or with those of another policy."""
     count = 0
     for data in messages:
-        for _ in email.message_from_bytes(data).walk():
+        for _ in email.message_from_bytes(data, policy=policy).walk():
             count += 1
     return count
 
 
 def walk_email_by_policy(messages):
     """The same with the newer classes of that library."""
-    count = 0
-    for data in messages:
-        for _ in email.message_from_bytes(data, policy=email.policy.default).walk():
-            count += 1
-    return count
+    return walk_email(messages, email.policy.default)
 
 
 WAYS = (

@@ -7,44 +7,19 @@
 #include "mailstructure/command_line.h"
 #include "mailstructure/finding_json.h"
 #include "mailstructure/finding_text.h"
+#include "mailstructure/output_text.h"
 #include "mailstructure/rules_difference.h"
 #include "mailstructure/rules_table.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
-#include <iostream>
-#include <new>
+#include <cstdint>
 #include <string_view>
 
 namespace {
 
 using mail_findings::finding;
 using mail_findings::level;
-
-/// Gathers text and writes it to standard output in large pieces.
-class output_text {
-public:
-    std::string& text() { return m_text; }
-    /// Writes what has been gathered, if it is much.
-    void write_if_large() {
-        constexpr std::size_t large = 65536;
-        if (m_text.size() >= large) write();
-    }
-    void write() {
-        if (m_error == 0) {
-            errno = 0;
-            if (!(std::cout << m_text)) m_error = errno != 0 ? errno : EIO;
-        }
-        m_text.clear();
-    }
-    /// The system's number for the first failure to write; 0 if there was none.
-    int error() const { return m_error; }
-
-private:
-    std::string m_text;
-    int m_error = 0;
-};
 
 told_finding told(const finding& found) {
     return {mail_findings::text_of(found.m_name),

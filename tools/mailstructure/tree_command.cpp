@@ -5,13 +5,13 @@
 #include "common/field_lookup.h"
 #include "common/message_reader.h"
 #include "mailstructure/command_line.h"
+#include "mailstructure/output_text.h"
 #include "mailstructure/tree_drawing.h"
 #include "scan/message_address.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <iostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,36 +81,28 @@ public:
 
     void add(std::string_view text, look as = look::plain) {
         const bool colored = m_color && as != look::plain && !text.empty();
-        if (colored)
-            m_text.append("\x1b[").append(std::to_string(static_cast<int>(as))).append("m");
-        m_text += text;
-        if (colored) m_text += "\x1b[0m";
+        std::string& to = m_output.text();
+        if (colored) to.append("\x1b[").append(std::to_string(static_cast<int>(as))).append("m");
+        to += text;
+        if (colored) to += "\x1b[0m";
     }
 
-    void add_blanks(std::size_t count) { m_text.append(count, ' '); }
+    void add_blanks(std::size_t count) { m_output.text().append(count, ' '); }
 
     void end_line() {
-        m_text.erase(m_text.find_last_not_of(' ') + 1);
-        m_text += '\n';
-        if (m_text.size() >= large) print();
+        std::string& text = m_output.text();
+        text.erase(text.find_last_not_of(' ') + 1);
+        text += '\n';
+        m_output.write_if_large();
     }
 
-    void print() {
-        if (m_error == 0) {
-            errno = 0;
-            if (!(std::cout << m_text)) m_error = errno != 0 ? errno : EIO;
-        }
-        m_text.clear();
-    }
+    void print() { m_output.write(); }
     /// The system's number for the first failure to print; 0 if there was none.
-    int error() const { return m_error; }
+    int error() const { return m_output.error(); }
 
 private:
-    static constexpr std::size_t large = 65536;
-
     bool m_color;
-    std::string m_text;
-    int m_error = 0;
+    output_text m_output;
 };
 
 std::size_t missing(std::size_t width, std::size_t present) {
