@@ -100,6 +100,10 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -s o -l output -r
     -d 'Write rows to this new file'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l sqlite -r -F \
     -d 'Write tables to this new file'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l resume \
+    -d 'Go on where this command was interrupted'
+complete -c mailstructure -n '__mailstructure_command_is scan' -l checkpoint -x \
+    -d 'How often to note where to go on'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l hash -x -a 'none message parts' \
     -d 'Hash by SHA-256'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l findings -x -a 'none count' \

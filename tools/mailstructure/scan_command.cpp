@@ -5,7 +5,10 @@
 #include "common/output_file.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/shard_choice.h"
+#include "scan/output/row_file.h"
+#include "scan/resumption.h"
 #include "scan/rows/table_file.h"
+#include "scan/scan_fingerprint.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -67,8 +70,8 @@ bool cannot_write(const std::string& file_name, const std::string& why) {
 }
 
 /// False, after a complaint, if the file cannot be written.
-bool scan_into_file(const scan_options& options, const std::string& file_name,
-                    scan_totals& totals) {
+bool scan_into_new_file(const scan_options& options, const std::string& file_name,
+                        scan_totals& totals) {
     output_file output(file_name, existing_file::is_kept);
     if (output.error() == 0)
         totals = scan(options, [&output](std::string_view rows) { return output.write(rows); });
@@ -76,13 +79,62 @@ bool scan_into_file(const scan_options& options, const std::string& file_name,
     return output.keep() || cannot_write(file_name, output.reason());
 }
 
-/// False, after a complaint, if the file cannot be written.
-bool scan_into_tables(scan_options& options, const std::string& file_name, scan_totals& totals) {
-    options.m_rows.m_form = row_form::packed;
+/// The same for tables.
+bool scan_into_new_tables(const scan_options& options, const std::string& file_name,
+                          scan_totals& totals) {
     table_file tables(file_name);
-    if (tables.error().empty())
-        totals = scan(options, [&tables](std::string_view rows) { return tables.add(rows); });
+    if (tables.error().empty()) totals = scan(options, tables);
     return tables.finish() || cannot_write(file_name, tables.error());
+}
+
+/// Scans into a file that another run can complete, and completes what an earlier run has left.
+/// @param output  a row_file or a table_file
+/// @return false, after a complaint, if that is not possible
+template <class file>
+bool scan_with_checkpoints(scan_options& options, file& output, scan_totals& totals) {
+    const auto complain_about = [&options](const std::string& what) {
+        complain_about_input(options.m_output, what, std::nullopt);
+        return false;
+    };
+    if (!output.error().empty()) return complain_about("cannot write: " + output.error());
+    options.m_resumed = output.resumed();
+    if (options.m_resumed) {
+        const resumption found = check_resumption(options, *options.m_resumed);
+        if (!found.m_fault.empty()) return complain_about("cannot resume: " + found.m_fault);
+        options.m_bytes_before = found.m_bytes_before;
+    }
+    scan_state beginning;
+    beginning.m_options = scan_fingerprint(options);
+    if (output.begin(options.m_resumed.value_or(beginning))) totals = scan(options, output);
+    if (output.finish()) return true;
+    const std::string advice = output.advice();
+    return complain_about("cannot write: " + output.error()
+                          + (advice.empty() ? "" : "; " + advice));
+}
+
+/// Standard input cannot be read again, and what was made of it is of no use unless it is complete.
+/// A shard is scanned anew.
+bool can_be_resumed(const scan_options& options) {
+    return !options.m_shard
+           && std::find(options.m_sources.begin(), options.m_sources.end(), "-")
+                  == options.m_sources.end();
+}
+
+bool scan_into_file(scan_options& options, const scan_command_options& chosen,
+                    scan_totals& totals) {
+    options.m_output = chosen.m_output;
+    if (!can_be_resumed(options)) return scan_into_new_file(options, chosen.m_output, totals);
+    row_file output(chosen.m_output, chosen.m_resume, chosen.m_between_checkpoints);
+    return scan_with_checkpoints(options, output, totals);
+}
+
+bool scan_into_tables(scan_options& options, const scan_command_options& chosen,
+                      scan_totals& totals) {
+    options.m_output = chosen.m_sqlite;
+    options.m_rows.m_form = row_form::packed;
+    if (!can_be_resumed(options)) return scan_into_new_tables(options, chosen.m_sqlite, totals);
+    table_file output(chosen.m_sqlite, chosen.m_resume, chosen.m_between_checkpoints);
+    return scan_with_checkpoints(options, output, totals);
 }
 
 unsigned threads_of_machine() {
@@ -119,6 +171,22 @@ void describe_shards(CLI::App& command, scan_command_options& options,
     }
 }
 
+/// @return --resume
+CLI::Option* describe_resumption(CLI::App& command, scan_command_options& options) {
+    command
+        .add_option_function<std::string>(
+            "--checkpoint",
+            [&options](const std::string& text) {
+                options.m_between_checkpoints = std::chrono::seconds(parse_number(text).value());
+            },
+            "How often to note where --resume can go on; every 10 seconds by default")
+        ->check(number_complaint)
+        ->type_name("SECONDS");
+    return command.add_flag("--resume", options.m_resume,
+                            "Go on where the same command was interrupted; with --output or "
+                            "--sqlite");
+}
+
 /// False, after a complaint, if the plan cannot be written.
 bool write_plan(const std::string& plan, const std::string& file_name) {
     if (file_name == "-") {
@@ -151,7 +219,8 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
             ->type_name("FILE")
             ->excludes(summary)
             ->excludes(output);
-    describe_shards(command, options, {summary, tables});
+    CLI::Option* const resume = describe_resumption(command, options);
+    describe_shards(command, options, {summary, tables, resume});
     describe_choice(
         command, "--hash", {"none", "message", "parts"}, "WHAT",
         [&options](std::size_t choice) { options.m_hash = static_cast<hash_choice>(choice); },
@@ -201,8 +270,14 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
                     "Mailboxes, messages, and folders of them; - is standard input, which is also "
                     "read when none is named")
         ->type_name("");
-    command.final_callback([&chosen] {
-        if (chosen.m_sources.empty()) chosen.m_sources.push_back(standard_input());
+    command.final_callback([&options] {
+        std::vector<std::string>& sources = options.m_scan.m_sources;
+        if (sources.empty()) sources.push_back(standard_input());
+        if (!options.m_resume) return;
+        if (options.m_output == "-" && options.m_sqlite.empty())
+            throw CLI::ValidationError("--resume is for use with --output or --sqlite");
+        if (!can_be_resumed(options.m_scan))
+            throw CLI::ValidationError("--resume cannot read standard input once more");
     });
 }
 
@@ -219,10 +294,9 @@ exit_status run_scan(const scan_command_options& chosen) {
     if (!chosen.m_shard.empty() && !choose_shard(options, chosen.m_shard, chosen.m_shard_plan))
         return some_input_failed;
     scan_totals totals;
-    const bool is_written =
-        !chosen.m_sqlite.empty() ? scan_into_tables(options, chosen.m_sqlite, totals)
-        : chosen.m_output != "-" ? scan_into_file(options, chosen.m_output, totals)
-                                 : scan_to_standard_output(options, totals);
+    const bool is_written = !chosen.m_sqlite.empty() ? scan_into_tables(options, chosen, totals)
+                            : chosen.m_output != "-" ? scan_into_file(options, chosen, totals)
+                                                     : scan_to_standard_output(options, totals);
     if (!is_written) return some_input_failed;
     return status_of(totals);
 }

@@ -7,6 +7,7 @@
 #include "scan/scan.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -19,6 +20,8 @@ struct scan_command_options {
     std::string m_shard_plan; // the file with the plan that the shard is of; empty if there is none
     std::string m_plan;       // for how many shards a plan is wanted; empty if none is
     std::string m_sqlite;     // the file for the tables; empty if none is wanted
+    bool m_resume = false;
+    std::chrono::seconds m_between_checkpoints{10};
 };
 
 void describe_scan(CLI::App& command, scan_command_options& options);

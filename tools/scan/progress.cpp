@@ -60,7 +60,8 @@ std::optional<std::uint64_t> bytes_of(const std::vector<std::string>& sources) {
 } // namespace
 
 std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total,
-                          std::uint64_t messages, std::uint64_t faults, double seconds) {
+                          std::uint64_t messages, std::uint64_t faults, double seconds,
+                          std::uint64_t before) {
     const auto done = static_cast<double>(read);
     std::string text = size_text(done);
     if (total && *total != 0) {
@@ -70,15 +71,17 @@ std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total
     }
     text += ", " + with_commas(messages) + (messages == 1 ? " message, " : " messages, ")
             + with_commas(faults) + (faults == 1 ? " fault" : " faults");
-    if (seconds <= 0 || read == 0) return text;
-    const double rate = done / seconds;
+    if (seconds <= 0 || read <= before) return text;
+    const double rate = static_cast<double>(read - before) / seconds;
     text += ", " + size_text(rate) + "/s";
     if (total && *total > read)
         text += ", " + time_text(static_cast<double>(*total - read) / rate) + " left";
     return text;
 }
 
-progress::progress(progress_choice choice, const std::vector<std::string>& sources) {
+progress::progress(progress_choice choice, const std::vector<std::string>& sources,
+                   std::uint64_t before)
+    : m_before(before), m_read(before) {
     m_is_shown = choice == progress_choice::always
                  || (choice == progress_choice::automatic && ::isatty(STDERR_FILENO) != 0);
     if (m_is_shown) m_total = bytes_of(sources);
@@ -92,7 +95,8 @@ void progress::show(std::uint64_t bytes, std::uint64_t messages, std::uint64_t f
     if (now < m_next) return;
     m_next = now + time_between_lines;
     const double seconds = std::chrono::duration<double>(now - m_start).count();
-    std::cerr << "\r" + progress_text(m_read, m_total, messages, faults, seconds) + "\x1b[K"
+    std::cerr << "\r" + progress_text(m_read, m_total, messages, faults, seconds, m_before)
+                     + "\x1b[K"
               << std::flush;
     m_has_line = true;
 }

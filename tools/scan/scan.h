@@ -3,14 +3,15 @@
 #ifndef TOOLS_SCAN_SCAN_H
 #define TOOLS_SCAN_SCAN_H
 
+#include "scan/output/scan_output.h"
 #include "scan/pipeline/pile_reader.h"
 #include "scan/progress.h"
 #include "scan/rows/message_rows.h"
+#include "scan/scan_state.h"
 #include "scan/shards/division.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,26 +38,18 @@ struct scan_options {
     bool m_makes_rows = true; ///< False: totals alone.
     unsigned m_threads = 1;   ///< At least 1.
     progress_choice m_progress = progress_choice::automatic;
-};
-
-/// What was read, all sources together.
-struct scan_totals {
-    std::uint64_t m_sources = 0;
-    std::uint64_t m_messages = 0;
-    std::uint64_t m_entities = 0;
-    std::uint64_t m_bytes = 0;     ///< Of the messages, without what stands between them.
-    std::uint64_t m_row_bytes = 0; ///< Of all rows.
-    std::uint64_t m_errors = 0;
-    /// While a shard was scanned, sources came or went. The row of the shard is missing then.
-    bool m_are_sources_others = false;
-    std::map<std::string_view, std::uint64_t> m_faults; ///< How many by their codes.
+    std::string m_output; ///< The file that is written; "" if it is none that folders could hold.
+    std::optional<scan_state> m_resumed; ///< Where to go on; nothing to begin at the beginning.
+    std::uint64_t m_bytes_before = 0;    ///< How much an earlier run has read, for the progress.
 };
 
 /// Scans all sources. The rows of one source follow each other in the order of its messages, and
 /// the sources in the order of the walk, whatever the number of threads.
-/// @param write  takes rows; returns false if no more are wanted
 /// @return the totals of what was written
 /// @throws std::bad_alloc
+scan_totals scan(const scan_options& options, scan_output& output);
+/// The same, for an output that has no checkpoints.
+/// @param write  takes rows; returns false if no more are wanted
 scan_totals scan(const scan_options& options, const std::function<bool(std::string_view)>& write);
 
 #endif

@@ -38,8 +38,16 @@ std::string joined(const std::string& folder, const std::string& name) {
 
 } // namespace
 
-source_walk::source_walk(std::vector<std::string> names) {
+source_walk::source_walk(std::vector<std::string> names, const std::string& output) {
     m_path.push_back({"", std::move(names), 0});
+    const std::size_t slash = output.rfind('/');
+    const std::string output_folder =
+        slash == std::string::npos ? "." : output.substr(0, slash + 1);
+    struct stat there = {};
+    if (output.empty() || ::stat(output_folder.c_str(), &there) != 0) return;
+    m_output_name = output.substr(slash + 1); // 0 if there is no slash
+    m_output_device = there.st_dev;
+    m_output_folder = there.st_ino;
 }
 
 bool source_walk::next(found_source& source) {
@@ -82,6 +90,21 @@ bool source_walk::enter(const std::string& name, found_source& source) {
     std::sort(entries.begin(), entries.end());
     if (has(entries, "cur") && has(entries, "new") && has(entries, "tmp"))
         entries.erase(std::lower_bound(entries.begin(), entries.end(), "tmp"));
+    if (!m_output_name.empty()) pass_over_output(entered, ::dirfd(opened.get()));
     m_path.push_back(std::move(entered));
     return true;
+}
+
+void source_walk::pass_over_output(folder& entered, int descriptor) const {
+    struct stat there = {};
+    if (::fstat(descriptor, &there) != 0 || there.st_dev != m_output_device
+        || there.st_ino != m_output_folder)
+        return;
+    const std::string partial = m_output_name + ".partial";
+    for (const std::string& each :
+         {partial, partial + "-journal", partial + ".checkpoint", partial + ".checkpoint~"}) {
+        const auto found =
+            std::lower_bound(entered.m_entries.begin(), entered.m_entries.end(), each);
+        if (found != entered.m_entries.end() && *found == each) entered.m_entries.erase(found);
+    }
 }

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 /// A file to be read, or one that cannot be.
@@ -26,9 +27,11 @@ struct found_source {
 /// which begins like a message.
 class source_walk {
 public:
-    /// @param names  of files and folders, in the order in which they are to be walked; "-" is
-    ///               standard input
-    explicit source_walk(std::vector<std::string> names);
+    /// @param names   of files and folders, in the order in which they are to be walked; "-" is
+    ///                standard input
+    /// @param output  the name of a file that is being written; files that exist only until it is
+    ///                complete are passed over in its folder
+    explicit source_walk(std::vector<std::string> names, const std::string& output = "");
 
     /// The next file or fault. False when there are no more.
     bool next(found_source& source);
@@ -41,7 +44,11 @@ private:
     };
 
     bool enter(const std::string& name, found_source& source);
+    void pass_over_output(folder& entered, int descriptor) const;
 
+    std::string m_output_name; // in its folder; empty if there is none
+    dev_t m_output_device = 0; // of its folder
+    ino_t m_output_folder = 0;
     std::vector<folder> m_path;
 };
 

@@ -76,6 +76,7 @@ private:
     void end_message(std::uint64_t end);
     std::uint64_t needed_from() const;
     void feed_large_message(std::uint64_t end);
+    void drop_before(std::uint64_t next);
     void report_end();
 
     const pile_reader& m_pile;
@@ -214,6 +215,8 @@ bool pile_reader::one_source::read(bool is_named) {
             if (!hand_over_faults()) return false;
         } else if (is_message_large()) {
             feed_large_message(m_splitter.needed_from());
+        } else if (m_is_before_part) {
+            drop_before(needed_from());
         }
         read_block();
     }
@@ -392,7 +395,11 @@ void pile_reader::one_source::feed_large_message(std::uint64_t end) {
         m_fed = end;
     }
     if (!m_batch->m_messages.empty()) return; // their bytes stand before
-    const std::uint64_t next = std::min(needed_from(), m_fed);
+    drop_before(std::min(needed_from(), m_fed));
+}
+
+/// Drops the bytes of the batch before that offset.
+void pile_reader::one_source::drop_before(std::uint64_t next) {
     m_batch->m_bytes.erase_front(static_cast<std::size_t>(next - m_begin));
     m_begin = next;
 }

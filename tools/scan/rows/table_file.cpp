@@ -34,6 +34,31 @@ std::string insertion_into(const table& one) {
     return command + ')';
 }
 
+/// The file has no journal where nobody else reads it and it is removed after a failure.
+constexpr const char* unsafe_settings =
+    "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA locking_mode=EXCLUSIVE;"
+    "PRAGMA secure_delete=ON;";
+/// After a loss of power the file is as the last transaction has left it.
+constexpr const char* safe_settings =
+    "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL; PRAGMA locking_mode=EXCLUSIVE;"
+    "PRAGMA secure_delete=ON;";
+
+constexpr std::string_view checkpoint_ending = ".checkpoint";
+
+/// Gives the file the number of transactions that it would have if it had been written in one, so
+/// that its bytes do not tell how often there was a checkpoint. The two places hold the same
+/// number: the change counter, and the one for which the size in the header is valid.
+/// @return false and errno after a failure
+bool write_change_counter(int descriptor) {
+    constexpr std::array<char, 4> one = {0, 0, 0, 1};
+    const auto write_at = [descriptor, &one](off_t place) {
+        const ssize_t count = ::pwrite(descriptor, one.data(), one.size(), place);
+        if (count >= 0 && count < static_cast<ssize_t>(one.size())) errno = ENOSPC;
+        return count == static_cast<ssize_t>(one.size());
+    };
+    return write_at(24) && write_at(92);
+}
+
 int bind_number(sqlite3_stmt* statement, int column, std::uint64_t value) {
     return sqlite3_bind_int64(statement, column, static_cast<sqlite3_int64>(value));
 }
@@ -51,54 +76,111 @@ table_file::table_file(const std::string& file_name) {
     m_name = file_name.substr(slash + 1); // 0 if there is no slash
     struct stat there = {};
     m_folder = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (m_folder < 0)
+    if (m_folder < 0) {
         fail(system_error_text(errno));
-    else if (m_name.empty()
-             || ::fstatat(m_folder, m_name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0)
+    } else if (m_name.empty()
+               || ::fstatat(m_folder, m_name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0) {
         fail(system_error_text(m_name.empty() ? EISDIR : EEXIST));
-    else
-        create(folder);
+    } else {
+        m_file.emplace(m_folder, mode_of_new_files, unfinished_file::naming::always);
+        if (m_file->error() != 0)
+            fail(system_error_text(m_file->error()));
+        else if (open_database(folder + m_file->temporary_name(), unsafe_settings))
+            create_tables();
+    }
+}
+
+table_file::table_file(const std::string& file_name, bool resumes,
+                       std::chrono::seconds between_checkpoints)
+    : m_clock(between_checkpoints) {
+    m_partial.emplace(file_name, resumes);
+    if (!m_partial->create())
+        fail(m_partial->error());
+    else if (open_database(m_partial->path(), safe_settings))
+        open_tables();
 }
 
 table_file::~table_file() {
+    m_set_checkpoint.reset();
     for (statement& each : m_insert) each.reset();
-    m_database.reset();
-    m_file.reset(); // needs the folder
+    m_database.reset(); // before its file: closing that would drop the locks of SQLite
+    m_file.reset();     // needs the folder
     if (m_folder >= 0) ::close(m_folder);
 }
 
-void table_file::create(const std::string& folder_name) {
-    m_file.emplace(m_folder, mode_of_new_files, unfinished_file::naming::always);
-    if (m_file->error() != 0) {
-        fail(system_error_text(m_file->error()));
-        return;
-    }
+bool table_file::open_database(const std::string& path, const char* settings) {
     sqlite3* opened = nullptr;
-    const int status = sqlite3_open_v2((folder_name + m_file->temporary_name()).c_str(), &opened,
+    const int status = sqlite3_open_v2(path.c_str(), &opened,
                                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     m_database.reset(opened);
-    // Nobody else reads the file yet, and an unfinished one is removed: no journal is needed.
-    if (status != SQLITE_OK)
-        fail_by_database();
-    else if (run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA locking_mode=EXCLUSIVE;"
-                 "PRAGMA user_version="
-                 + std::to_string(version) + "; BEGIN;")
-             && run(table_commands))
-        prepare();
+    return status == SQLITE_OK ? run(settings) : fail_by_database();
 }
 
-void table_file::prepare() {
-    for (std::size_t kind = 0; kind < tables; ++kind) {
-        sqlite3_stmt* prepared = nullptr;
-        const std::string command = insertion_into(all_tables[kind]);
-        if (sqlite3_prepare_v3(m_database.get(), command.c_str(), -1, SQLITE_PREPARE_PERSISTENT,
-                               &prepared, nullptr)
-            != SQLITE_OK) {
-            fail_by_database();
-            return;
-        }
-        m_insert[kind].reset(prepared);
-    }
+bool table_file::create_tables() {
+    return run("BEGIN; PRAGMA user_version=" + std::to_string(version)) && run(table_commands)
+           && run("CREATE TABLE checkpoint (state TEXT NOT NULL);"
+                  "INSERT INTO checkpoint VALUES ('');")
+           && prepare();
+}
+
+/// Opens what an interrupted scan has left, which is nothing if there was no checkpoint.
+bool table_file::open_tables() {
+    if (number_from("SELECT count(*) FROM sqlite_schema") == 0) return create_tables();
+    if (!m_error.empty()) return false;
+    m_is_complete = number_from("SELECT count(*) FROM sqlite_schema WHERE name='checkpoint'") == 0;
+    m_resumed = state_in(m_is_complete ? m_partial->read_beside(checkpoint_ending)
+                                       : text_from("SELECT state FROM checkpoint"));
+    if (!m_resumed) return fail("what is there is not of an interrupted scan");
+    if (m_is_complete) return m_error.empty();
+    m_source_id = 1 + number_from("SELECT count(*) FROM source").value_or(0);
+    m_message_id = number_from("SELECT coalesce(max(id), 0) FROM message").value_or(0);
+    return m_error.empty() && run("BEGIN") && prepare();
+}
+
+table_file::statement table_file::prepared(const std::string& command) {
+    sqlite3_stmt* made = nullptr;
+    if (sqlite3_prepare_v3(m_database.get(), command.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &made,
+                           nullptr)
+        != SQLITE_OK)
+        fail_by_database();
+    return statement(made);
+}
+
+bool table_file::prepare() {
+    for (std::size_t kind = 0; kind < tables; ++kind)
+        m_insert[kind] = prepared(insertion_into(all_tables[kind]));
+    m_set_checkpoint = prepared("UPDATE checkpoint SET state = ?");
+    return m_error.empty();
+}
+
+/// The number in the first row of the result; nothing after a failure.
+std::optional<std::int64_t> table_file::number_from(const std::string& query) {
+    const statement made = prepared(query);
+    if (made && sqlite3_step(made.get()) == SQLITE_ROW) return sqlite3_column_int64(made.get(), 0);
+    fail_by_database();
+    return std::nullopt;
+}
+
+/// The text in the first row of the result; "" if there is none.
+std::string table_file::text_from(const std::string& query) {
+    const statement made = prepared(query);
+    if (!made || sqlite3_step(made.get()) != SQLITE_ROW) return "";
+    const unsigned char* const text = sqlite3_column_text(made.get(), 0);
+    return text == nullptr ? "" : reinterpret_cast<const char*>(text); // NOLINT: bytes
+}
+
+bool table_file::checkpoint(const scan_state& state) {
+    if (!m_error.empty()) return false;
+    if (m_is_complete) return true;
+    m_last_checkpoint = text_of(state);
+    sqlite3_stmt* const set = m_set_checkpoint.get();
+    const bool is_set =
+        bind_text(set, 1, m_last_checkpoint) == SQLITE_OK && sqlite3_step(set) == SQLITE_DONE;
+    if (!is_set) fail_by_database();
+    sqlite3_reset(set);
+    const bool is_written = is_set && run("COMMIT; BEGIN;");
+    m_clock.restart();
+    return is_written;
 }
 
 bool table_file::run(const std::string& commands) {
@@ -107,6 +189,7 @@ bool table_file::run(const std::string& commands) {
 }
 
 bool table_file::add(std::string_view rows) {
+    if (m_is_complete) return fail("there are more sources than before the interruption");
     packed_rows packed(rows);
     while (m_error.empty() && !packed.is_at_end()) {
         packed.next(); // packed_item::row
@@ -146,13 +229,33 @@ bool table_file::add_row(packed_rows& rows) {
 }
 
 bool table_file::finish() {
-    if (!m_error.empty() || !run(index_commands) || !run("COMMIT")) return false;
+    if (!m_error.empty()) return false;
+    m_set_checkpoint.reset();
     for (statement& each : m_insert) each.reset();
+    if (!m_is_complete) {
+        if (m_partial && !m_partial->write_beside(checkpoint_ending, m_last_checkpoint))
+            return fail(m_partial->error());
+        // Until the file has its name, the checkpoint beside it tells of the one that goes.
+        if (!run("DROP TABLE checkpoint") || !run(index_commands) || !run("COMMIT")) return false;
+    }
     if (sqlite3_close(m_database.get()) != SQLITE_OK) return fail_by_database();
     static_cast<void>(m_database.release());
-    if (::fsync(m_file->descriptor()) != 0) return fail(system_error_text(errno));
-    const int cause = m_file->take_new_name(m_name);
-    return cause == 0 || fail(system_error_text(cause));
+    const int descriptor = m_partial ? m_partial->descriptor() : m_file->descriptor();
+    if (!write_change_counter(descriptor) || ::fsync(descriptor) != 0)
+        return fail(system_error_text(errno));
+    return take_name();
+}
+
+bool table_file::take_name() {
+    if (!m_partial) {
+        const int cause = m_file->take_new_name(m_name);
+        return cause == 0 || fail(system_error_text(cause));
+    }
+    // A run that was killed may have left a journal that SQLite has found to be of no more use.
+    m_partial->remove_beside("-journal");
+    if (!m_partial->complete()) return fail(m_partial->error());
+    m_partial->remove_beside(checkpoint_ending);
+    return true;
 }
 
 bool table_file::fail(const std::string& why) {
