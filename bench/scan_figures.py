@@ -14,6 +14,7 @@ import shutil
 import statistics
 import subprocess
 import sys
+import textwrap
 import time
 
 import workload_file
@@ -253,6 +254,12 @@ def machine():
     return f"{names[0] if names else platform.machine()}, {os.cpu_count()} processors"
 
 
+def item(text):
+    """The lines of a list's item. No name of a program is divided."""
+    return textwrap.wrap(text, 98, initial_indent="- ", subsequent_indent="  ",
+                         break_on_hyphens=False)
+
+
 def options_of(arguments):
     """The command line."""
     parser = argparse.ArgumentParser(prog="bench/scan")
@@ -275,7 +282,7 @@ def main():
     for measure in (bench.beside_grep, bench.beside_python, bench.beside_indexers, bench.tables,
                     bench.memory):
         start = time.monotonic()
-        remarks.append("- " + measure())
+        remarks += item(measure())
         print(f"{measure.__name__}: {time.monotonic() - start:.0f} s", file=sys.stderr)
     page = "\n".join([
         "# Figures of `mailstructure scan`", "",
@@ -283,7 +290,7 @@ def main():
         " rows go to",
         f"`/dev/null`. Medians of {options.rounds} runs by the clock, in which the programs took"
         " turns.", "",
-        f"- {machine()}", *remarks, "",
+        *item(machine()), *remarks, "",
         "| | | wanted |", "|---|---:|---:|", *bench.lines, ""])
     print(page, end="")
     if not options.only_prints:
