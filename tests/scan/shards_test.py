@@ -148,7 +148,7 @@ class Joined(Shards):
         _, complaint, status = merge("-o", merged, *shards)
         self.assertEqual((status, "File exists" in complaint), (1, True))
 
-    def test_a_shard_reads_little_more_than_its_part(self):
+    def test_shards_have_equal_shares(self):
         text = (SEPARATOR + b"Subject: a\n\n" + b"0123456\n" * 1000 + b"\n") * 1000
         path = self.write("a", text)
         counts = [len(scanned.of_kind("message", scanned.rows_of(each.read_bytes())))
@@ -345,6 +345,16 @@ class Refused(Shards):
         self.assertEqual(status, 1)
         self.assertIn("damaged", complaint)
         self.assertNotEqual(output, scanned.run(self.path)[0])
+
+    def test_that_do_not_join(self):
+        lines = self.three[1].read_bytes().splitlines(keepends=True)
+        for place in ("begin", "first"):
+            shard = json.loads(lines[-1])
+            shard[place]["byte"] += 1
+            last = json.dumps(shard, separators=(",", ":")).encode() + b"\n"
+            self.three[1].write_bytes(b"".join(lines[:-1]) + last)
+            self.check_refused("and the shard before ends at" if place == "begin"
+                               else "make a plan", *self.three)
 
     def test_of_what_has_no_size(self):
         for sources in (["-"], [], ["/dev/zero"]):
