@@ -40,10 +40,13 @@ code{font:.85rem ui-monospace,"DejaVu Sans Mono",Menlo,Consolas,monospace;overfl
 .danger>th:first-child,.error>th:first-child{border-left:4px solid #d40000;padding-left:.5rem}
 .fault>th:first-child{border-left:4px solid #c98200;padding-left:.5rem}
 .note>th:first-child{border-left:4px solid #999;padding-left:.5rem}
+table+p{margin-top:.8rem}
+.level{white-space:nowrap;overflow-wrap:normal}
 details{margin:.4rem 0}
 summary{cursor:pointer}
 @media (max-width:900px){.tree{margin-bottom:.5rem}}
 .attachments td:nth-child(2){width:30%}
+@media (min-width:601px){.findings th:first-child,.faults th:first-child{width:24%}}
 @media (max-width:600px){
 .tree text{font-size:20px;transform:translate(0,4px)}
 .tree .second{display:none}

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace {
 
@@ -70,6 +71,12 @@ const char* class_of_level(const std::string& level) {
     for (const char* const known : {"danger", "error", "fault", "note"})
         if (level == known) return known;
     return "unknown";
+}
+
+/// One of our own levels is never broken into two lines.
+std::string level_cell(const std::string& level) {
+    const bool is_ours = std::string_view(class_of_level(level)) == level;
+    return table_cell(text_node(level, longest_name), is_ours ? "level" : "");
 }
 
 } // namespace
@@ -143,7 +150,7 @@ std::string trouble_table(const trouble_list& list, const std::string& id, bool 
                 + (each.m_places.empty()
                        ? name
                        : "<a href=\"#" + id + std::to_string(index) + "\">" + name + "</a>")
-                + "</th>" + table_cell(text_node(each.m_level, longest_name))
+                + "</th>" + level_cell(each.m_level)
                 + table_cell(are_findings ? explanation_of(each.m_name)
                                           : text_node(each.m_example, longest_text),
                              "why")
