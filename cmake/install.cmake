@@ -117,10 +117,10 @@ install(
   COMPONENT development)
 # The descriptions of the output belong to the tool, but README.md and others have links to them.
 install(
-  FILES doc/architecture.md doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md
-        doc/json.schema.json doc/map.md doc/map.svg doc/python.md doc/queries.md doc/queries.sql
-        doc/queries_duckdb.sql doc/report.md doc/scan.md doc/scan.schema.json doc/scan.sql
-        doc/standard.md
+  FILES doc/architecture.md doc/behaviour.md doc/check.md doc/check.schema.json doc/extract.md
+        doc/extract.schema.json doc/json.md doc/json.schema.json doc/map.md doc/map.svg
+        doc/python.md doc/queries.md doc/queries.sql doc/queries_duckdb.sql doc/report.md
+        doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
@@ -162,9 +162,10 @@ if(MAILSTRUCTURE_TOOLS)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
     COMPONENT tool)
   install(
-    FILES doc/behaviour.md doc/check.md doc/check.schema.json doc/json.md doc/json.schema.json
-          doc/map.md doc/map.svg doc/queries.md doc/queries.sql doc/queries_duckdb.sql
-          doc/report.md doc/scan.md doc/scan.schema.json doc/scan.sql doc/standard.md
+    FILES doc/behaviour.md doc/check.md doc/check.schema.json doc/extract.md doc/extract.schema.json
+          doc/json.md doc/json.schema.json doc/map.md doc/map.svg doc/queries.md doc/queries.sql
+          doc/queries_duckdb.sql doc/report.md doc/scan.md doc/scan.schema.json doc/scan.sql
+          doc/standard.md
     DESTINATION ${document_dir}/doc
     COMPONENT tool)
 endif()

@@ -9,7 +9,8 @@ import sys
 
 from shell_session import test_in_shell
 
-COMMANDS = {"tree", "json", "part", "scan", "merge", "check", "map", "report", "dump", "help"}
+COMMANDS = {"tree", "json", "part", "scan", "merge", "extract", "check", "map", "report", "dump",
+            "help"}
 FILES = {"letter.eml", "a b.eml", "c:d=e.eml", "folder"}
 SECTIONS = {"HEADER", "TEXT", "1", "1.MIME", "2", "2.MIME", "2.HEADER", "2.TEXT", "2.1", "2.1.MIME",
             "3", "3.MIME"}
@@ -48,6 +49,7 @@ OFFERS = [
     ("mailstructure scan --plan ", set()),
     ("mailstructure scan --shard 1/2 --by-plan ", FILES),
     ("mailstructure merge ", FILES),
+    ("mailstructure extract -o folder ", FILES),
     ("mailstructure part ", {"HEADER", "TEXT"}),
     ("mailstructure part --list ", FILES),
     ("mailstructure part --all -o out ", FILES),
@@ -70,6 +72,7 @@ COMPLETED = [
     ("mailstructure scan -o le", "mailstructure scan -o letter.eml"),
     ("mailstructure scan --sqlite le", "mailstructure scan --sqlite letter.eml"),
     ("mailstructure scan --threads 2 le", "mailstructure scan --threads 2 letter.eml"),
+    ("mailstructure extract --index le", "mailstructure extract --index letter.eml"),
     ("mailstructure part --decode=l", "mailstructure part --decode=lenient"),
     ("mailstructure part --decode H", "mailstructure part --decode HEADER"),
     ("mailstructure part --range=h", "mailstructure part --range=header"),

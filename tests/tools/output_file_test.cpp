@@ -138,6 +138,60 @@ TEST_F(output_files, of_a_temporary_name_are_gone_when_a_signal_ends_the_program
     }
 }
 
+void begin_two_files_and_keep_one(int folder) {
+    refuse_unnamed_files();
+    output_file first(folder);
+    const output_file second(folder);
+    if (first.write("abc") && second.error() == 0 && first.keep_as("kept")) ::raise(SIGTERM);
+    ::_exit(3);
+}
+
+TEST_F(output_files, of_temporary_names_are_all_gone_when_a_signal_ends_the_program) {
+    testing::FLAGS_gtest_death_test_style = "fast"; // in the same folder
+    const int folder = ::open(path("").c_str(), O_PATH | O_DIRECTORY);
+    EXPECT_EXIT(
+        {
+            refuse_unnamed_files();
+            const output_file earlier(folder);
+            begin_two_files_and_keep_one(folder);
+        },
+        testing::KilledBySignal(SIGTERM), "^$");
+    ::close(folder);
+    EXPECT_EQ(contents("kept"), "abc");
+    EXPECT_EQ(count_of_files(), 1U);
+}
+
+TEST_F(output_files, are_four_of_a_temporary_name_at_most) {
+    std::thread([this] {
+        refuse_unnamed_files();
+        const int folder = ::open(path("").c_str(), O_PATH | O_DIRECTORY);
+        {
+            const output_file first(folder);
+            const output_file second(folder);
+            const output_file third(folder);
+            output_file fourth(folder);
+            EXPECT_EQ(output_file(folder).error(), EMFILE);
+            EXPECT_EQ(count_of_files(), 4U);
+            EXPECT_TRUE(fourth.keep_as("kept"));
+            EXPECT_EQ(output_file(folder).error(), 0);
+        }
+        EXPECT_EQ(count_of_files(), 1U);
+        ::close(folder);
+    }).join();
+}
+
+TEST_F(output_files, that_are_not_to_be_kept_have_no_name) {
+    in_both_ways([this] {
+        const int folder = ::open(path("").c_str(), O_PATH | O_DIRECTORY);
+        const unfinished_file file(folder, 0600, unfinished_file::naming::never);
+        EXPECT_EQ(file.error(), 0);
+        EXPECT_FALSE(file.is_named());
+        EXPECT_EQ(::write(file.descriptor(), "abc", 3), 3);
+        EXPECT_EQ(count_of_files(), 0U);
+        ::close(folder);
+    });
+}
+
 void keep_a_file_in_spite_of_signals(const std::string& name) {
     refuse_unnamed_files(); // without a name, a file needs no handler
     std::signal(SIGHUP, SIG_IGN);

@@ -18,7 +18,7 @@ enum class existing_file : std::uint8_t { is_kept, is_replaced };
 
 /// A file that gets its name when it is complete. If the object ends before keep() or keep_as() has
 /// succeeded, or a signal ends the program, nothing of the file is left, and a file that was to be
-/// replaced is as it was. There is one object at a time.
+/// replaced is as it was. There are at most four objects at a time.
 ///
 /// What is replaced keeps its owner, permissions, attributes, and names: links are followed. Where
 /// a new file can be given all of these, it takes the old one's place in one step. Else the old

@@ -14,6 +14,8 @@ struct known_type {
     std::string_view m_extension;
 };
 
+constexpr std::string_view of_unknown_type = "bin";
+
 constexpr std::array known_types = {
     known_type{"text/plain", "txt"},
     known_type{"text/html", "html"},
@@ -88,5 +90,26 @@ std::string_view extension_for(std::string_view media_type) {
     const std::string_view type = media_type.substr(0, media_type.find('/'));
     const bool is_readable =
         equal_ignoring_case(type, "text") || equal_ignoring_case(type, "message");
-    return is_readable ? "txt" : "bin";
+    return is_readable ? "txt" : of_unknown_type;
+}
+
+std::string_view extension_for(std::string_view media_type, std::string_view sent_name) {
+    const std::string_view sent = sent_name.substr(sent_name.rfind('.') + 1);
+    const std::vector<std::string_view>& all = all_extensions();
+    const auto known = std::find_if(all.begin(), all.end(), [sent](std::string_view each) {
+        return equal_ignoring_case(each, sent);
+    });
+    const bool has_extension = sent.size() != sent_name.size() && known != all.end();
+    return has_extension ? *known : extension_for(media_type);
+}
+
+const std::vector<std::string_view>& all_extensions() {
+    static const std::vector<std::string_view> all = [] {
+        std::vector<std::string_view> extensions = {of_unknown_type};
+        for (const known_type& each : known_types) extensions.push_back(each.m_extension);
+        std::sort(extensions.begin(), extensions.end());
+        extensions.erase(std::unique(extensions.begin(), extensions.end()), extensions.end());
+        return extensions;
+    }();
+    return all;
 }

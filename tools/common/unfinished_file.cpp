@@ -29,11 +29,11 @@ struct file_to_remove {
     std::array<char, temporary_prefix.size() + random_letters + 1> m_name{};
     int m_folder = -1;
 };
-file_to_remove unfinished; // NOLINT: see above
+std::array<file_to_remove, 4> unfinished; // NOLINT: see above
 
 /// The signal has its default action again by now, and takes it as soon as this returns.
 void on_ending_signal(int signal) {
-    remove_unfinished_file();
+    remove_unfinished_files();
     static_cast<void>(::raise(signal));
 }
 
@@ -81,13 +81,20 @@ std::string name_of_descriptor(int descriptor) {
 } // namespace
 
 unfinished_file::unfinished_file(int folder, mode_t mode, naming names) : m_folder(folder) {
-    if (names == naming::if_needed && create_unnamed(mode)) return;
-    if (!create_named(mode)) m_error = errno;
+    if (names != naming::always && create_unnamed(mode)) return;
+    if (!create_named(mode)) {
+        m_error = errno;
+    } else if (names == naming::never) {
+        ::unlinkat(m_folder, m_name.c_str(), 0);
+        forget_name();
+    }
 }
 
 unfinished_file::~unfinished_file() {
-    if (is_named()) ::unlinkat(m_folder, m_name.c_str(), 0);
-    unfinished.m_name.front() = '\0';
+    if (is_named()) {
+        ::unlinkat(m_folder, m_name.c_str(), 0);
+        forget_name();
+    }
     if (m_descriptor >= 0) ::close(m_descriptor);
 }
 
@@ -105,14 +112,21 @@ bool unfinished_file::create_unnamed(mode_t mode) {
 
 bool unfinished_file::create_named(mode_t mode) {
     const signals_held held;
+    auto* const slot = std::find_if(unfinished.begin(), unfinished.end(),
+                                    [](const auto& each) { return each.m_name.front() == '\0'; });
+    if (slot == unfinished.end()) {
+        errno = EMFILE;
+        return false;
+    }
     m_name = create_under_new_name([this, mode](const std::string& name) {
         m_descriptor = ::openat(m_folder, name.c_str(),
                                 O_CREAT | O_EXCL | O_NOFOLLOW | O_RDWR | O_CLOEXEC, mode);
         return m_descriptor >= 0;
     });
     if (m_name.empty()) return false;
-    *std::copy(m_name.begin(), m_name.end(), unfinished.m_name.begin()) = '\0';
-    unfinished.m_folder = m_folder;
+    m_slot = static_cast<std::size_t>(slot - unfinished.begin());
+    slot->m_folder = m_folder;
+    *std::copy(m_name.begin(), m_name.end(), slot->m_name.begin()) = '\0';
     handle_ending_signals();
     return true;
 }
@@ -153,12 +167,16 @@ bool unfinished_file::link_as(const std::string& name) const {
 }
 
 int unfinished_file::now_has_a_lasting_name() {
-    m_name.clear();
-    unfinished.m_name.front() = '\0';
+    forget_name();
     return 0;
 }
 
-void remove_unfinished_file() {
-    if (unfinished.m_name.front() != '\0')
-        ::unlinkat(unfinished.m_folder, unfinished.m_name.data(), 0);
+void unfinished_file::forget_name() {
+    m_name.clear();
+    unfinished[m_slot].m_name.front() = '\0';
+}
+
+void remove_unfinished_files() {
+    for (const file_to_remove& each : unfinished)
+        if (each.m_name.front() != '\0') ::unlinkat(each.m_folder, each.m_name.data(), 0);
 }

@@ -3,6 +3,7 @@
 #ifndef TOOLS_COMMON_UNFINISHED_FILE_H
 #define TOOLS_COMMON_UNFINISHED_FILE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <sys/types.h>
@@ -10,12 +11,15 @@
 /// A new file in a folder, open for writing and reading. Where the file system allows it, the file
 /// has no name, and the system drops it when the program ends in whatever way. Elsewhere it has a
 /// temporary name, and is removed if a signal ends the program; SIGKILL excepted, which cannot be
-/// handled. There is one object at a time.
+/// handled. There are at most four objects at a time that have a temporary name.
 class unfinished_file {
 public:
-    /// Whether the file has a temporary name even where it could do without one: whoever opens it
-    /// a second time needs one.
-    enum class naming : std::uint8_t { if_needed, always };
+    /// Whether the file has a temporary name.
+    enum class naming : std::uint8_t {
+        if_needed,
+        always, ///< Even where it could do without one: whoever opens it a second time needs one.
+        never   ///< The file is not to be kept, and can get no name.
+    };
 
     /// Creates the file; a failure shows in error().
     /// @param folder  descriptor of the folder; it stays the caller's, and must outlive this object
@@ -47,15 +51,16 @@ private:
     bool create_named(mode_t mode);
     bool link_as(const std::string& name) const;
     int now_has_a_lasting_name();
+    void forget_name();
 
     int m_folder;
     int m_descriptor = -1;
-    std::string m_name; // the temporary name; empty if the file has none
+    std::string m_name;     // the temporary name; empty if the file has none
+    std::size_t m_slot = 0; // where signal handlers find that name, if there is one
     int m_error = 0;
 };
 
-/// Removes the unfinished file of a temporary name, if there is one. Safe to call from a signal
-/// handler.
-void remove_unfinished_file();
+/// Removes the unfinished files that have temporary names. Safe to call from a signal handler.
+void remove_unfinished_files();
 
 #endif

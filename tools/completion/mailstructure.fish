@@ -5,7 +5,7 @@
 function __mailstructure_command
     set -l words (commandline -opc)
     if set -q words[2]
-        and contains -- $words[2] tree json part scan merge check map report dump help
+        and contains -- $words[2] tree json part scan merge extract check map report dump help
         echo $words[2]
     else
         echo tree
@@ -49,6 +49,7 @@ complete -c mailstructure -n __mailstructure_at_first_word -a json -d 'Print tre
 complete -c mailstructure -n __mailstructure_at_first_word -a part -d 'Write a piece of a message'
 complete -c mailstructure -n __mailstructure_at_first_word -a scan -d 'Print rows about mailboxes'
 complete -c mailstructure -n __mailstructure_at_first_word -a merge -d 'Join shards of a scan'
+complete -c mailstructure -n __mailstructure_at_first_word -a extract -d 'Write out attachments'
 complete -c mailstructure -n __mailstructure_at_first_word -a check \
     -d 'Tell where readers disagree'
 complete -c mailstructure -n __mailstructure_at_first_word -a map -d 'Draw what each byte is of'
@@ -59,7 +60,7 @@ complete -c mailstructure -n __mailstructure_at_first_word -l version -d 'Print 
 complete -c mailstructure -s h -l help -d 'Print the help'
 
 complete -c mailstructure -n '__mailstructure_command_is help' -f \
-    -a 'tree json part scan merge check map report dump help'
+    -a 'tree json part scan merge extract check map report dump help'
 complete -c mailstructure -n 'not __mailstructure_command_is help check merge report' -l rules -x \
     -a 'standard classic' -d 'Rules to read messages by'
 complete -c mailstructure -n 'not __mailstructure_command_is help merge report' -l max-size -x \
@@ -108,15 +109,21 @@ complete -c mailstructure -n '__mailstructure_command_is scan' -l hash -x -a 'no
     -d 'Hash by SHA-256'
 complete -c mailstructure -n '__mailstructure_command_is scan' -l findings -x -a 'none count' \
     -d 'Count what is wrong with messages'
-complete -c mailstructure -n '__mailstructure_command_is scan' -l mbox -x \
+complete -c mailstructure -n '__mailstructure_command_is scan extract' -l mbox -x \
     -a 'auto strict any thunderbird' -d 'Which lines separate messages'
-complete -c mailstructure -n '__mailstructure_command_is scan' -l content-length -x \
+complete -c mailstructure -n '__mailstructure_command_is scan extract' -l content-length -x \
     -a 'verify ignore' -d 'How to read Content-Length'
-complete -c mailstructure -n '__mailstructure_command_is scan' -l one -d 'Every file is one message'
-complete -c mailstructure -n '__mailstructure_command_is scan' -l threads -x \
+complete -c mailstructure -n '__mailstructure_command_is scan extract' -l one \
+    -d 'Every file is one message'
+complete -c mailstructure -n '__mailstructure_command_is scan extract' -l threads -x \
     -d 'How many threads to use'
-complete -c mailstructure -n '__mailstructure_command_is scan' -l progress -x \
-    -a 'auto always never' -d 'Show how far the scan is'
+complete -c mailstructure -n '__mailstructure_command_is scan extract' -l progress -x \
+    -a 'auto always never' -d 'Show how far the command has come'
+
+complete -c mailstructure -n '__mailstructure_command_is extract' -s o -l output -r -F \
+    -d 'Write to this folder'
+complete -c mailstructure -n '__mailstructure_command_is extract' -l index -r -F \
+    -d 'Write the index to this new file'
 
 complete -c mailstructure -n '__mailstructure_command_is scan' -l shard -x \
     -d 'Scan one of N shares, I/N'

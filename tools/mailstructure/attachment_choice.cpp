@@ -2,7 +2,7 @@
 
 #include "mailstructure/attachment_choice.h"
 
-#include "mailstructure/attachments.h"
+#include "common/attachments.h"
 
 #include <cstddef>
 #include <string>

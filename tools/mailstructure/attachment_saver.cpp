@@ -4,71 +4,26 @@
 #include "mailstructure/attachment_saver.h"
 
 #include "common/ascii_case.h"
+#include "common/attachments.h"
 #include "common/field_lookup.h"
 #include "common/output_file.h"
 #include "common/printable.h"
 #include "common/safe_file_name.h"
+#include "common/target_folder.h"
 #include "common/terminal.h"
 #include "mailstructure/attachment_choice.h"
-#include "mailstructure/attachments.h"
 #include "mailstructure/part_bytes.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <fcntl.h>
 #include <iostream>
 #include <map>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-
-#ifdef O_PATH
-constexpr int to_create_files_in = O_PATH; // needs no permission to list the folder
-#else
-constexpr int to_create_files_in = O_RDONLY;
-#endif
-
-/// A folder that is opened, and created if need be, when it is first needed.
-class target_folder {
-public:
-    explicit target_folder(std::string name) : m_name(std::move(name)) {}
-    ~target_folder() {
-        if (m_descriptor >= 0) ::close(m_descriptor);
-    }
-    target_folder(const target_folder&) = delete;
-    target_folder& operator=(const target_folder&) = delete;
-
-    /// @return false and errno if there is no such folder and none can be created
-    bool open() {
-        if (m_descriptor >= 0 || open_existing()) return true;
-        if (errno != ENOENT) return false;
-        return (::mkdir(m_name.c_str(), 0777) == 0 || errno == EEXIST) && open_existing();
-    }
-    int descriptor() const { return m_descriptor; }
-    /// The path of a file in the folder, for complaints.
-    std::string path_of(const std::string& file_name) const {
-        return m_name + (m_name.back() == '/' ? "" : "/") + file_name;
-    }
-    const std::string& name() const { return m_name; }
-
-    bool has(const std::string& file_name) const {
-        struct stat there = {};
-        return ::fstatat(m_descriptor, file_name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0;
-    }
-
-private:
-    bool open_existing() {
-        m_descriptor = ::open(m_name.c_str(), to_create_files_in | O_DIRECTORY | O_CLOEXEC);
-        return m_descriptor >= 0;
-    }
-
-    std::string m_name;
-    int m_descriptor = -1;
-};
 
 /// The last number of each name, so that a name that occurs a hundred thousand times is not tried
 /// with every number again. Names that differ in the case of ASCII letters count as equal: so they

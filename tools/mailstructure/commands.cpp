@@ -5,6 +5,7 @@
 
 #include "mailstructure/check_command.h"
 #include "mailstructure/dump_command.h"
+#include "mailstructure/extract_command.h"
 #include "mailstructure/help_command.h"
 #include "mailstructure/json_command.h"
 #include "mailstructure/map_command.h"
@@ -56,7 +57,7 @@ command_parser::command_parser(const command& parsed)
              std::string("mailstructure") + (*parsed.m_name == '\0' ? "" : " ") + parsed.m_name),
       m_work(parsed.m_declare(m_line)) {}
 
-constexpr std::array<command, 10> all_commands = {{
+constexpr std::array<command, 11> all_commands = {{
     {"tree", "Draw the tree of each message: parts, types, sizes, places",
      declare<tree_options, describe_tree, run_tree>},
     {"json", "Print the tree of each message as JSON, with all that is recorded",
@@ -67,6 +68,8 @@ constexpr std::array<command, 10> all_commands = {{
      declare<scan_command_options, describe_scan, run_scan>},
     {"merge", "Join the rows of the shards of a scan",
      declare<merge_options, describe_merge, run_merge>},
+    {"extract", "Write the attachments of all messages in mailboxes and folders to files",
+     declare<extract_options, describe_extract, run_extract>},
     {"check", "Tell where readers of mail disagree about a message, and what is wrong with it",
      declare<check_options, describe_check, run_check>},
     {"map", "Draw which bytes of a file belong to what, as a picture (SVG) or a page (HTML)",

@@ -33,7 +33,7 @@ struct command_parser {
 
 /// All commands in the order in which the help lists them. The first one is meant where no command
 /// is named.
-extern const std::array<command, 10> all_commands;
+extern const std::array<command, 11> all_commands;
 
 /// The program itself, whose options stand in place of a command: --help and --version. The option
 /// parser prints both, so there is no work to do.

@@ -4,6 +4,7 @@
 
 #include "common/output_file.h"
 #include "mailstructure/command_line.h"
+#include "mailstructure/pile_command_line.h"
 #include "mailstructure/shard_choice.h"
 #include "scan/output/row_file.h"
 #include "scan/resumption.h"
@@ -17,11 +18,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <thread>
 
 namespace {
-
-constexpr unsigned most_threads = 256;
 
 bool write_rows(std::string_view rows) {
     return !!std::cout.write(rows.data(), static_cast<std::streamsize>(rows.size()));
@@ -137,10 +135,6 @@ bool scan_into_tables(scan_options& options, const scan_command_options& chosen,
     return scan_with_checkpoints(options, output, totals);
 }
 
-unsigned threads_of_machine() {
-    return std::clamp(std::thread::hardware_concurrency(), 1U, most_threads);
-}
-
 /// The options by which several machines share the work.
 /// @param unfit  options that do not go with them
 void describe_shards(CLI::App& command, scan_command_options& options,
@@ -203,7 +197,6 @@ bool write_plan(const std::string& plan, const std::string& file_name) {
 
 void describe_scan(CLI::App& command, scan_command_options& options) {
     scan_options& chosen = options.m_scan;
-    chosen.m_threads = threads_of_machine();
     CLI::Option* const summary =
         command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
     CLI::Option* const output =
@@ -231,45 +224,12 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
         [&chosen](std::size_t choice) { chosen.m_rows.m_findings = choice != 0; },
         "What is wrong with each message, as the command check tells it: none, or count (the "
         "default)");
-    describe_choice(
-        command, "--mbox", {"auto", "strict", "any", "thunderbird"}, "RULES",
-        [&chosen](std::size_t choice) {
-            chosen.m_pile.m_mbox.m_rules = static_cast<mbox_rules>(choice);
-        },
-        "Which lines separate the messages of an mbox: auto (the default), strict, any, or "
-        "thunderbird");
-    describe_choice(
-        command, "--content-length", {"verify", "ignore"}, "HOW",
-        [&chosen](std::size_t choice) {
-            chosen.m_pile.m_mbox.m_verify_content_length = choice == 0;
-        },
-        "Content-Length fields of an mbox: verify (the default) believes one that ends at a "
-        "separator");
-    command.add_flag("--one", chosen.m_pile.m_one, "Every file is one message, whatever is in it");
-    command
-        .add_option_function<std::string>(
-            "--threads",
-            [&chosen](const std::string& text) { chosen.m_threads = parse_number(text).value(); },
-            "How many threads to use; as many as there are processors by default")
-        ->check([](const std::string& text) {
-            const std::optional<std::uint32_t> number = parse_number(text);
-            return number && *number >= 1 && *number <= most_threads
-                       ? std::string()
-                       : "not a number from 1 to " + std::to_string(most_threads) + ": " + text;
-        })
-        ->type_name("N");
-    describe_choice(
-        command, "--progress", {"auto", "always", "never"}, "WHEN",
-        [&chosen](std::size_t choice) { chosen.m_progress = static_cast<progress_choice>(choice); },
-        "Show on standard error how far the scan is: auto (the default: on a terminal), always, or "
-        "never");
+    describe_pile(command, chosen.m_pile);
+    describe_threads(command, chosen.m_threads);
+    describe_progress(command, chosen.m_progress);
     describe_max_size(command, chosen.m_rows.m_max_size);
     describe_rules(command, chosen.m_rows.m_rules);
-    command
-        .add_option("SOURCE", chosen.m_sources,
-                    "Mailboxes, messages, and folders of them; - is standard input, which is also "
-                    "read when none is named")
-        ->type_name("");
+    describe_sources(command, chosen.m_sources);
     command.final_callback([&options] {
         std::vector<std::string>& sources = options.m_scan.m_sources;
         if (sources.empty()) sources.push_back(standard_input());

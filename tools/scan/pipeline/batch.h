@@ -5,6 +5,7 @@
 #define TOOLS_SCAN_PIPELINE_BATCH_H
 
 #include "scan/pipeline/byte_buffer.h"
+#include "scan/pipeline/found_attachment.h"
 #include "scan/pipeline/large_message.h"
 #include "scan/pipeline/scan_position.h"
 
@@ -65,7 +66,8 @@ struct batch {
     // What the thread that has worked on the batch leaves:
     std::string m_rows; ///< To be written as they are.
     std::uint64_t m_entities = 0;
-    std::vector<scan_fault> m_message_faults; ///< Messages that have no tree.
+    std::vector<scan_fault> m_message_faults;    ///< Messages that have no tree.
+    std::vector<found_attachment> m_attachments; ///< In the order of the messages, if wanted.
 
     /// Empties the batch. The room for its bytes and rows is kept, unless a message has made it far
     /// larger than usual.
@@ -81,6 +83,7 @@ struct batch {
         m_next.reset();
         m_rows.clear();
         m_message_faults.clear();
+        m_attachments.clear();
         m_entities = 0;
     }
 };

@@ -5,6 +5,8 @@
 
 #include <mail_structure.h>
 
+#include "common/file_bytes.h"
+#include "common/unfinished_file.h"
 #include "scan/mbox/quoted_from_lines.h"
 #include "scan/pipeline/message_digests.h"
 
@@ -15,7 +17,9 @@
 
 class large_message {
 public:
-    explicit large_message(MailStructure::rules by) : m_feeder(std::in_place, m_message, by) {}
+    /// @param folder  descriptor of a folder in which a file without a name is to hold the bytes;
+    ///                -1 if they are not needed. It must outlive this object
+    large_message(MailStructure::rules by, int folder);
     large_message(const large_message&) = delete;
     large_message& operator=(const large_message&) = delete;
 
@@ -35,8 +39,15 @@ public:
     /// The digests, once the message has ended.
     const message_digests& digests() const { return m_digests; }
     std::uint64_t quoted_lines() const { return m_quoted.count(); }
+    /// The bytes, once the message has ended, if a file holds them.
+    std::string_view bytes() const { return m_bytes ? m_bytes->bytes() : std::string_view(); }
+    /// The system's number for a failure to hold the bytes in a file; 0 if there was none.
+    int file_error() const { return m_file_error; }
 
 private:
+    void hold(std::string_view bytes);
+    void map_file();
+
     MailStructure m_message;
     std::optional<MailStructure::feeder> m_feeder; // none once it has ended
     message_digester m_digester;
@@ -44,6 +55,9 @@ private:
     quoted_from_lines m_quoted;
     std::uint64_t m_length = 0;
     std::optional<std::string> m_fault;
+    std::optional<unfinished_file> m_file; // while the bytes come, and are to be held
+    std::optional<file_bytes> m_bytes;     // once the message has ended
+    int m_file_error = 0;
 };
 
 #endif

@@ -62,7 +62,10 @@ void message_worker::work_on_message(batch& work, const batch_message& message) 
     if (parse(work, message, facts.m_bytes))
         facts.m_root = large != nullptr ? &large->message().m_root : &m_parser.m_root;
     if (!m_makes_rows) {
-        if (facts.m_root != nullptr) work.m_entities += count_entities(*facts.m_root);
+        if (facts.m_root != nullptr) {
+            work.m_entities += count_entities(*facts.m_root);
+            if (m_take) hand_over(work, facts);
+        }
     } else {
         add_facts_of_bytes(facts, large);
         if (m_options.m_findings) look_for_findings(facts);
@@ -106,6 +109,14 @@ void message_worker::append_rows(batch& work, message_facts& facts) {
         facts.m_root = nullptr;
         report(work, *facts.m_place, "no-memory", "memory has run out");
         append_message_rows(work.m_rows, facts, m_options);
+    }
+}
+
+void message_worker::hand_over(batch& work, const message_facts& facts) const {
+    try {
+        m_take(work, facts);
+    } catch (const std::bad_alloc&) {
+        report(work, *facts.m_place, "no-memory", "memory has run out");
     }
 }
 

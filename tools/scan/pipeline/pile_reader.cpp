@@ -385,7 +385,8 @@ std::uint64_t pile_reader::one_source::needed_from() const {
 /// Takes the message apart up to that offset, and drops its bytes up to there.
 void pile_reader::one_source::feed_large_message(std::uint64_t end) {
     if (!m_message.m_large) {
-        m_message.m_large = std::make_unique<large_message>(m_pile.m_options.m_rules);
+        m_message.m_large =
+            std::make_unique<large_message>(m_pile.m_options.m_rules, m_pile.m_options.m_folder);
         m_fed = m_message.m_offset;
     }
     end = std::min(end, this->end());

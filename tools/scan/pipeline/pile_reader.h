@@ -19,6 +19,9 @@ struct pile_options {
     mbox_options m_mbox;
     bool m_one = false; ///< Every file is one message.
     MailStructure::rules m_rules = MailStructure::rules::standard;
+    /// Descriptor of a folder for the bytes of messages that are not held in memory; -1 if they are
+    /// not needed.
+    int m_folder = -1;
 };
 
 /// What a file is that begins so, if it is not packed.

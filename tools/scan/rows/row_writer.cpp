@@ -35,8 +35,12 @@ void row_writer::begin(row_kind kind) {
         return;
     }
     constexpr std::array names = {"message", "entity", "fault", "source", "finding"};
+    begin(names[static_cast<std::size_t>(kind)]);
+}
+
+void row_writer::begin(std::string_view kind) {
     m_out += "{\"kind\":\"";
-    m_out += names[static_cast<std::size_t>(kind)];
+    m_out += kind;
     m_out += '"';
 }
 

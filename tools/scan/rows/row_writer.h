@@ -22,6 +22,8 @@ public:
 
     /// Begins a row with the member "kind". The names of members are written as they are.
     void begin(row_kind kind);
+    /// The same for a row of another kind, in JSON.
+    void begin(std::string_view kind);
     void end();
 
     void write_text(std::string_view name, std::string_view value);

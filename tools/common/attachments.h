@@ -1,7 +1,7 @@
 // Finds the attachments of a message.
 
-#ifndef TOOLS_MAILSTRUCTURE_ATTACHMENTS_H
-#define TOOLS_MAILSTRUCTURE_ATTACHMENTS_H
+#ifndef TOOLS_COMMON_ATTACHMENTS_H
+#define TOOLS_COMMON_ATTACHMENTS_H
 
 #include <mail_sections.h>
 
@@ -14,8 +14,9 @@
 
 struct attachment {
     mail_sections::place m_body;
-    std::string m_section; // "" if the part is too deep to have a name
-    std::string m_name;    // a safe name for its file: the sender's, or one from section and type
+    std::string m_section;   // "" if the part is too deep to have a name
+    std::string m_name;      // a safe name for its file: the sender's, or one from section and type
+    std::string m_sent_name; // as the sender wrote it, with any bytes; "" if there is none
 };
 
 /// Visits the attachments in the order of the message. These are the parts with a file name, with a

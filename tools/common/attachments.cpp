@@ -1,6 +1,6 @@
 // Walks over the tree and picks the attachments; see the header.
 
-#include "mailstructure/attachments.h"
+#include "common/attachments.h"
 
 #include "common/ascii_case.h"
 #include "common/field_lookup.h"
@@ -54,12 +54,13 @@ std::optional<attachment> attachment_walk::next() {
 std::optional<attachment>
 attachment_walk::attachment_from(const mail_sections::visited& numbered) const {
     const MimeObj& entity = *numbered.m_entity;
-    const std::string sent_name = file_name_of(entity, m_source);
+    std::string sent_name = file_name_of(entity, m_source);
     if (!is_attachment(entity, sent_name, m_source.m_rules)) return std::nullopt;
     std::string name = name_for(numbered, sent_name);
     if (m_pattern != nullptr && !m_pattern->matches(sent_name) && !m_pattern->matches(name))
         return std::nullopt;
     return attachment{{&entity, mail_sections::piece::body, numbered.m_is_message},
                       std::string(numbered.m_name),
-                      std::move(name)};
+                      std::move(name),
+                      std::move(sent_name)};
 }
