@@ -15,17 +15,13 @@ constexpr std::array<bool, 256> make_base64_digits() noexcept {
     std::array<bool, 256> held{};
     for (std::size_t byte = 0; byte < 128; ++byte) {
         const char c = static_cast<char>(byte);
-        held[byte] = is_letter(c) || (c >= '0' && c <= '9') || c == '+' || c == '/';
+        held[byte] = is_letter(c) || is_digit(c) || c == '+' || c == '/';
     }
     return held;
 }
 constexpr std::array<bool, 256> base64_digits = make_base64_digits();
 
 bool is_base64_digit(char c) noexcept { return base64_digits[static_cast<unsigned char>(c)]; }
-
-bool is_hex_digit(char c) noexcept {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-}
 
 /// The CR that matters to a reader for whom it ends a line: the one before the "--" of a delimiter
 /// line, or the one that ends the message, since the last line end of a part is not part of it.
@@ -74,6 +70,7 @@ void body_check::end() {
 }
 
 void body_check::give_once(name found, const place& where) {
+    static_assert(mail_findings::name_count <= 64, "each name has its own bit");
     const std::uint64_t bit = std::uint64_t{1} << static_cast<unsigned>(found);
     if ((std::exchange(m_given, m_given | bit) & bit) == 0)
         m_report.give(found,

@@ -13,7 +13,7 @@ constexpr std::size_t longest_boundary = 70;
 constexpr std::size_t compared_boundary = 76;
 
 bool is_boundary_character(char c) noexcept {
-    return is_letter(c) || (c >= '0' && c <= '9')
+    return is_letter(c) || is_digit(c)
            || std::string_view("'()+_,-./:=? ").find(c) != std::string_view::npos;
 }
 

@@ -22,10 +22,6 @@ bool names_boundary(std::string_view name) noexcept {
     return equal_ignoring_case(base, boundary_word);
 }
 
-bool is_hex_digit(char c) noexcept {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
-
 /// Whether each "%" has two hexadecimal digits behind it.
 bool has_good_escapes(std::string_view value) noexcept {
     for (std::size_t at = value.find('%'); at != std::string_view::npos;

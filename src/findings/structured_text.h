@@ -30,7 +30,6 @@ inline constexpr std::array<bool, 256> atom_characters = make_atom_characters();
 constexpr bool is_atom_character(char c) noexcept {
     return atom_characters[static_cast<unsigned char>(c)];
 }
-constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 /// A departure from the grammar of a field.
 struct departure {

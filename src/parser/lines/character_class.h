@@ -1,4 +1,4 @@
-// Classes of characters in header lines, as the classic locale has them. A host's setlocale changes
+// Classes of characters, as the classic locale has them. A host's setlocale changes
 // nothing here, and bytes above 127 belong to no class.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_CHARACTER_CLASS_H
@@ -13,6 +13,12 @@ constexpr bool is_space(char c) noexcept { return c == ' ' || (c >= '\t' && c <=
 
 constexpr bool is_letter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+constexpr bool is_hex_digit(char c) noexcept {
+    return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
 /// SP or HTAB.

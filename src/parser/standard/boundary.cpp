@@ -1,5 +1,6 @@
 #include "boundary.h"
 
+#include "../lines/character_class.h"
 #include "field_text.h"
 
 #include <algorithm>
@@ -48,7 +49,6 @@ std::string_view without_charset(std::string_view text) noexcept {
 }
 
 bool is_number(std::string_view text) noexcept {
-    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
     return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
 }
 

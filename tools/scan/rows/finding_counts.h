@@ -33,6 +33,7 @@ public:
 
 private:
     static constexpr std::size_t levels = 3;
+    static_assert(mail_findings::name_count * levels < 256, "an index fits into a byte");
 
     void add(const mail_findings::finding& found);
 
