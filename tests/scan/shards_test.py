@@ -346,6 +346,20 @@ class Refused(Shards):
         self.assertIn("damaged", complaint)
         self.assertNotEqual(output, scanned.run(self.path)[0])
 
+    def test_with_other_rows_of_a_divided_source(self):
+        whole = self.three[1].read_bytes()
+        self.three[1].write_bytes(whole.replace(b'"format":"mbox"', b'"format":"none"'))
+        _, complaint, status = merge(*self.three)
+        self.assertEqual((status, "damaged" in complaint), (1, True))
+
+    def test_without_its_messages(self):
+        lines = self.three[2].read_bytes().splitlines(keepends=True)
+        shard = json.loads(lines[-1])
+        shard.update(first=None, last=None)
+        last = json.dumps(shard, separators=(",", ":")).encode() + b"\n"
+        self.three[2].write_bytes(b"".join(lines[:-1]) + last)
+        self.check_refused("does not have the message at byte", *self.three)
+
     def test_that_do_not_join(self):
         lines = self.three[1].read_bytes().splitlines(keepends=True)
         for place in ("begin", "first"):

@@ -74,6 +74,8 @@ std::optional<shard_fault> check_joints(const std::vector<shard_file>& shards) {
                                                 + ", and the one that follows the shard before at "
                                                 + text_of(next) + "; make a plan with scan --plan"};
         end = row.m_range.m_end.value();
+        if (!row.m_first && next < end)
+            return shard_fault{each.m_name, "does not have the message at " + text_of(next)};
         if (row.m_last) next = *row.m_last;
     }
     return std::nullopt;
