@@ -42,6 +42,16 @@ TEST(findings_of_deep_messages, of_messages_within) {
     EXPECT_EQ(count_of(mail_findings::name::message_not_entered, message), million);
 }
 
+TEST(findings_of_long_fields, of_addresses_that_do_not_end) {
+    for (const char* piece :
+         {"(", "\"", "\\", "[", "a", "a ", "a.", "a,", ",", "<", "<@a,", ":", "a:", " "}) {
+        std::string message = "To: ";
+        for (std::size_t count = 0; count < million; ++count) message += piece;
+        message += "(\n\n";
+        EXPECT_EQ(count_of(mail_findings::name::address_invalid, message), 1U) << piece;
+    }
+}
+
 TEST(findings_of_wide_messages, of_parts_without_lines) {
     std::string message = "Content-Type:multipart/x;boundary=b\n\n";
     for (std::size_t part = 0; part < million; ++part) message += "--b\n";

@@ -63,4 +63,23 @@ TEST(findings_and_memory, their_number_needs_none) {
     EXPECT_EQ(found_in_many, found_in_few + 999);
 }
 
+/// How often memory is asked for to find what is wrong with fields that have so many addresses and
+/// identifiers. The last of each is wrong.
+std::size_t allocations_for_fields_of(std::size_t values) {
+    std::string message = "Date: 31 Feb 2026 (no such day)\nFrom: a@b\nTo: ";
+    for (std::size_t value = 0; value < values; ++value) message += "\"Ada, B.\" <a@b>,\n ";
+    message += "a@\nReferences: ";
+    for (std::size_t value = 0; value < values; ++value) message += "<a@b>\n ";
+    message += "a@b\n\n";
+    std::size_t found = 0;
+    const allocation_trap trap;
+    mail_findings::find(message, count_into, &found);
+    EXPECT_EQ(found, 3U);
+    return trap.count();
+}
+
+TEST(findings_and_memory, long_fields_need_no_more_than_short_ones) {
+    EXPECT_EQ(allocations_for_fields_of(1000), allocations_for_fields_of(1));
+}
+
 } // namespace
