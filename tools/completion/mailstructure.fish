@@ -95,6 +95,8 @@ complete -c mailstructure -n '__mailstructure_command_is part' -l all \
 complete -c mailstructure -n '__mailstructure_command_is part' -l name -x \
     -d 'Choose attachments by file name'
 complete -c mailstructure -n '__mailstructure_command_is part' -l list -d 'List all sections'
+complete -c mailstructure -n '__mailstructure_command_is part' -l unquote \
+    -d 'Undo the quoting of lines in an mbox'
 
 complete -c mailstructure -n '__mailstructure_command_is scan' -l summary -d 'Print totals alone'
 complete -c mailstructure -n '__mailstructure_command_is scan' -s o -l output -r -F \

@@ -6,6 +6,7 @@
 #include "common/charset_conversion.h"
 #include "common/field_lookup.h"
 #include "common/terminal.h"
+#include "common/unquoted_lines.h"
 
 #include <algorithm>
 #include <string>
@@ -26,11 +27,13 @@ bool is_text(const MailStructure::MimeObj& entity) {
 /// Hands over the bytes of the piece without their transfer encoding.
 bool give_decoded(const part_options& options, const message_file& file, const chosen_piece& piece,
                   transfer_encoding encoding, const byte_sink& sink) {
-    const std::string_view bytes = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
+    const std::string_view quoted = file.cut(piece.m_bytes.m_offset, piece.m_bytes.m_length);
+    const unquoted_lines lines(options.m_unquote ? quoted : std::string_view());
+    const std::string_view bytes = options.m_unquote ? lines.text() : quoted;
     const strictness how = options.m_decode.value_or(strictness::strict);
     const std::optional<decoding_damage> damage = decode(encoding, bytes, sink, how);
     if (!damage) return true;
-    const std::uint64_t offset = piece.m_bytes.m_offset + damage->m_offset;
+    const std::uint64_t offset = piece.m_bytes.m_offset + lines.offset_in_quoted(damage->m_offset);
     if (how == strictness::strict) {
         complain_about_input(options.m_file, "cannot decode: " + damage->m_what, offset);
         return false;
@@ -128,8 +131,10 @@ bool give_piece(const part_options& options, const message_file& file, const cho
     if (options.m_to_utf8 && is_text(*piece.m_entity))
         return utf8_giver(options, file, piece, sink).give(encoding);
     return give_decoded(options, file, piece, encoding, sink)
-           && std::all_of(piece.m_more.begin(), piece.m_more.end(),
-                          [&](const mail_sections::byte_range& range) {
-                              return sink(file.cut(range.m_offset, range.m_length));
-                          });
+           && std::all_of(
+               piece.m_more.begin(), piece.m_more.end(),
+               [&](const mail_sections::byte_range& range) {
+                   const std::string_view quoted = file.cut(range.m_offset, range.m_length);
+                   return sink(options.m_unquote ? unquoted_lines(quoted).text() : quoted);
+               });
 }

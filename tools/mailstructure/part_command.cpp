@@ -140,6 +140,7 @@ std::string complaint_about(const part_options& options) {
     if (options.m_list) {
         if (options.m_range || options.m_decode)
             return "--list cannot be combined with --range, --decode or --charset";
+        if (options.m_unquote) return "--list cannot be combined with --unquote";
         if (options.m_output)
             return "--list cannot be combined with --output; it prints to standard output";
         return "";
@@ -214,6 +215,9 @@ void describe_part(CLI::App& command, part_options& options) {
         command, "--charset", {"utf-8"}, "CHARSET",
         [&options](std::size_t /*only choice*/) { options.m_to_utf8 = true; },
         "Write text in this charset, utf-8; implies --decode");
+    command.add_flag("--unquote", options.m_unquote,
+                     "Take one > away from each line that begins with >From, >>From and so on, as "
+                     "programs quote them in an mbox");
     describe_choice(
         command, "--range", {"header", "mime", "body", "contents", "epilogue"}, "NAME",
         [&options](std::size_t number) { options.m_range = static_cast<recorded_range>(number); },

@@ -27,6 +27,7 @@ struct part_options {
     std::string m_decode_word; // "strict" or "lenient"; empty where nothing is decoded
     std::optional<strictness> m_decode;
     bool m_to_utf8 = false; // text is converted; it is decoded, too
+    bool m_unquote = false; // lines are taken as they were before they were put into an mbox
     bool m_list = false;
     bool m_all = false;
     std::optional<std::string> m_name_pattern; // chooses attachments by their names
