@@ -25,6 +25,15 @@ TEST(progress_text, of_a_pipe_knows_no_end) {
     EXPECT_EQ(progress_text(0, std::nullopt, 0, 0, 0), "0 B, 0 messages, 0 faults");
 }
 
+/// What an earlier run has read tells nothing of how fast this one is.
+TEST(progress_text, of_a_scan_that_goes_on_begins_where_it_was_interrupted) {
+    const std::uint64_t gibibyte = std::uint64_t{1} << 30;
+    EXPECT_EQ(progress_text(3 * gibibyte, 4 * gibibyte, 9, 0, 10, 2 * gibibyte),
+              "3.0 GiB of 4.0 GiB (75 %), 9 messages, 0 faults, 102 MiB/s, 10 s left");
+    EXPECT_EQ(progress_text(gibibyte, 4 * gibibyte, 9, 0, 1, gibibyte),
+              "1.0 GiB of 4.0 GiB (25 %), 9 messages, 0 faults");
+}
+
 /// Bytes that have come since the sizes were added up, or of an archive that is read twice.
 TEST(progress_text, is_never_beyond_the_end) {
     EXPECT_EQ(progress_text(300, 200, 1, 0, 1),

@@ -14,6 +14,7 @@ import json
 import os
 import pathlib
 import random
+import re
 import shutil
 import signal
 import sqlite3
@@ -285,6 +286,19 @@ class Resumption(Interrupted):
             os.utime(mbox, ns=times)
             self.assertEqual(self.scan(form, "--resume"), (1, complaints))
             self.check_equal(self.take_result(), wanted, form)
+
+    def test_shows_what_was_read_before(self):
+        mbox = self.folder / "mbox"
+        self.sources = [mbox]
+        self.interrupt("-o")
+        _, offset = self.checkpoint("-o")
+        status, complaints = self.scan("-o", "--resume", "--progress=always")
+        self.assertEqual(status, 0)
+        first = re.search(r"\((\d+) %\), ([\d,]+) messages", complaints)
+        self.assertGreater(offset, 500000)
+        self.assertGreaterEqual(int(first[1]), 100 * offset // mbox.stat().st_size)
+        self.assertGreater(int(first[2].replace(",", "")), 0)
+        self.take_result()
 
     def test_without_an_interruption_is_a_scan(self):
         for form in FORMS:
