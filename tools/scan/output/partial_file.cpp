@@ -110,7 +110,9 @@ bool partial_file::create() {
     if (m_is_resumed) return true;
     m_descriptor = ::openat(m_folder, m_name.c_str(),
                             O_CREAT | O_EXCL | O_NOFOLLOW | O_RDWR | O_CLOEXEC, mode_of_new_files);
-    return m_descriptor < 0 ? fail(system_error_text(errno)) : lock();
+    if (m_descriptor < 0) return fail(system_error_text(errno));
+    ::fsync(m_folder); // keeps the new names; not every file system can do that
+    return lock();
 }
 
 /// The other program may have completed the file since this one has opened it. Some file systems
