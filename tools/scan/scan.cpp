@@ -51,7 +51,7 @@ public:
         totals.m_are_sources_others = goes_on && !m_parts.are_sources_as_before(number);
         if (goes_on && m_options.m_shard && !totals.m_are_sources_others)
             m_output.write(line_of(row_of_shard()));
-        return std::move(totals);
+        return std::move(m_state.m_totals);
     }
 
 private:

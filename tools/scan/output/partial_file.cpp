@@ -66,13 +66,11 @@ partial_file::partial_file(const std::string& file_name, bool resumes) {
     m_path = slash == std::string::npos ? "./" : file_name.substr(0, slash + 1);
     m_final_name = file_name.substr(slash + 1); // 0 if there is no slash
     m_name = m_final_name + ".partial";
-    const std::string advice =
-        "the same command with --resume goes on from " + escaped(file_name + ".partial");
+    m_advice = "the same command with --resume goes on from " + escaped(file_name + ".partial");
     // On a terminal, the line that shows how far the scan is goes away.
     m_interruption = (::isatty(STDERR_FILENO) != 0 ? "\r\x1b[K" : "")
-                     + ("mailstructure: " + display_name(file_name)) + ": interrupted; " + advice
+                     + ("mailstructure: " + display_name(file_name)) + ": interrupted; " + m_advice
                      + '\n';
-    m_advice = advice;
     struct stat there = {};
     m_folder = ::open(m_path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (m_folder < 0) {
