@@ -10,7 +10,6 @@ each one of MAILSTRUCTURE_STEP fails in its turn. MAILSTRUCTURE_SEED repeats a r
 
 import errno
 import io
-import json
 import os
 import pathlib
 import random
@@ -205,9 +204,11 @@ class AtRandomMoments(Interrupted):
             form = chance.choice(FORMS)
             options = ["--checkpoint=0", f"--threads={chance.choice((1, 2))}"]
             scan = subprocess.Popen(self.command(form, *options), stderr=subprocess.PIPE)
+            patience = usual
             while True:
+                patience *= 1.2 # the machine may have become slower
                 try:
-                    _, complaints = scan.communicate(timeout=chance.uniform(0.003, usual))
+                    _, complaints = scan.communicate(timeout=chance.uniform(0.003, patience))
                 except subprocess.TimeoutExpired:
                     scan.send_signal(chance.choice((signal.SIGKILL, signal.SIGTERM)))
                     scan.communicate()
