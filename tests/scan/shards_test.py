@@ -148,6 +148,13 @@ class Joined(Shards):
         _, complaint, status = merge("-o", merged, *shards)
         self.assertEqual((status, "File exists" in complaint), (1, True))
 
+    def test_the_progress_is_that_of_the_shard(self):
+        path = self.write("a", (SEPARATOR + b"Subject: a\n\n" + b"0123456\n" * 127) * 4096)
+        shard = subprocess.run([scanned.TOOL, "scan", "--shard=2/4", "--progress=always", path],
+                               capture_output=True, check=False)
+        size = round(path.stat().st_size / 4 / 2 ** 20, 1)
+        self.assertIn(f" of {size} MiB (".encode(), shard.stderr)
+
     def test_shards_have_equal_shares(self):
         text = (SEPARATOR + b"Subject: a\n\n" + b"0123456\n" * 1000 + b"\n") * 1000
         path = self.write("a", text)
@@ -252,6 +259,9 @@ class Planned(Shards):
             self.refused(wrong, "no whole plan", "--shard=1/2", path)
         self.refused(text, "a plan for 2 shards", "--shard=1/3", path)
         self.refused(text, "not a plan for these", "--shard=1/2", path, path)
+        beyond = json.loads(text)
+        beyond["begins"][1]["source"] = 9
+        self.refused(json.dumps(beyond).encode(), "not a plan for these", "--shard=1/2", path)
         self.refused(text, "not a plan for these", "--shard=1/2", "--mbox=any", path)
         os.utime(path)
         self.refused(text, "not a plan for these", "--shard=1/2", path)

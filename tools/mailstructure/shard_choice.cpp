@@ -90,8 +90,10 @@ bool choose_planned_shard(scan_options& options, const shard_number& shard,
     std::string fault = read_plan_file(plan_file, plan);
     if (fault.empty() && plan.m_begins.size() != shard.m_count)
         fault = "a plan for " + std::to_string(plan.m_begins.size()) + " shards";
-    if (fault.empty() && plan.m_fingerprint != fingerprint_of_plan(*sources, options.m_pile))
-        fault = "not a plan for these sources, options and this version";
+    const bool is_other = plan.m_fingerprint != fingerprint_of_plan(*sources, options.m_pile)
+                          || plan.m_begins.empty()
+                          || plan.m_begins.back() > scan_position{sources->count(), 0, 0};
+    if (fault.empty() && is_other) fault = "not a plan for these sources, options and this version";
     if (!fault.empty()) {
         complain_about_input(plan_file, fault, std::nullopt);
         return false;

@@ -32,6 +32,8 @@ public:
     void show(std::uint64_t bytes, std::uint64_t messages, std::uint64_t faults);
     /// Takes the line away.
     void end();
+    /// Only so many bytes of the sources will be read.
+    void expect(std::uint64_t bytes) { m_total = bytes; }
 
 private:
     using clock = std::chrono::steady_clock;

@@ -34,6 +34,8 @@ public:
     }
 
     scan_totals run() {
+        if (m_options.m_shard)
+            m_progress.expect(m_options.m_shard->m_sources->bytes_in(m_options.m_range));
         pile_reader reader(m_options.m_pile, *this);
         source_walk walk(m_options.m_sources, m_options.m_output);
         found_source source;

@@ -5,6 +5,7 @@
 #include "scan/input/source_walk.h"
 
 #include <functional>
+#include <numeric>
 #include <sys/stat.h>
 
 source_list::source_list(const std::vector<std::string>& names) {
@@ -29,6 +30,16 @@ void source_list::add(const std::string& name, int error) {
         facts += std::to_string(size) + ' ' + std::to_string(file.st_mtim.tv_sec) + ' '
                  + std::to_string(file.st_mtim.tv_nsec);
     m_digest.add(facts + '\n');
+}
+
+std::uint64_t source_list::bytes_before(const scan_position& position) const {
+    const auto end = m_sizes.begin() + static_cast<std::ptrdiff_t>(position.m_source);
+    return std::accumulate(m_sizes.begin(), end, position.m_offset);
+}
+
+std::uint64_t source_list::bytes_in(const scan_range& range) const {
+    const std::uint64_t end = range.m_end ? bytes_before(*range.m_end) : m_bytes;
+    return end - bytes_before(range.m_begin);
 }
 
 bool source_list::has(std::uint64_t source, const std::string& name) const {

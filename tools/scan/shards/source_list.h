@@ -25,6 +25,9 @@ public:
     std::uint64_t count() const { return m_sizes.size(); }
     std::uint64_t bytes() const { return m_bytes; }
 
+    /// How many bytes lie in the range.
+    std::uint64_t bytes_in(const scan_range& range) const;
+
     /// Whether the source of that number is still the one that had the name.
     bool has(std::uint64_t source, const std::string& name) const;
 
@@ -37,6 +40,7 @@ public:
 
 private:
     void add(const std::string& name, int error);
+    std::uint64_t bytes_before(const scan_position& position) const;
 
     std::vector<std::uint64_t> m_sizes;
     std::vector<std::size_t> m_names; // hashes
