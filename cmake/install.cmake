@@ -124,7 +124,7 @@ install(
   DESTINATION ${document_dir}/doc
   COMPONENT development)
 install(
-  FILES bench/profile.md bench/python.md bench/results.md bench/results.svg
+  FILES bench/growth.svg bench/profile.md bench/python.md bench/results.md bench/results.svg
   DESTINATION ${document_dir}/bench
   COMPONENT development)
 install(
