@@ -87,11 +87,11 @@ private:
     }
 
     /// Appends the rows of faults from a place in their list on, up to those of the message at that
-    /// offset.
+    /// place in the source.
     void append_faults(const std::vector<scan_fault>& faults, std::size_t& next,
-                       std::uint64_t message, const source_facts& source) {
-        for (; next < faults.size()
-               && faults[next].m_message.value_or(faults[next].m_byte) <= message;
+                       std::uint64_t place, const source_facts& source) {
+        for (;
+             next < faults.size() && faults[next].m_message.value_or(faults[next].m_byte) <= place;
              ++next)
             append_fault(faults[next], source);
     }
