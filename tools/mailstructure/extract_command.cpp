@@ -27,9 +27,11 @@ std::string source_around(const std::string& folder, const std::vector<std::stri
     std::error_code error;
     const std::filesystem::path inner =
         std::filesystem::weakly_canonical(std::filesystem::absolute(folder), error);
+    if (error) return "";
     for (const std::string& source : sources) {
-        if (error || !std::filesystem::is_directory(source, error)) continue;
+        if (!std::filesystem::is_directory(source, error)) continue;
         const std::filesystem::path outer = std::filesystem::canonical(source, error);
+        if (error) continue;
         const auto differs = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
         if (differs.first == outer.end()) return source;
     }
