@@ -165,6 +165,20 @@ TEST(row_reader, takes_members_in_any_order) {
     EXPECT_EQ(usual, other);
 }
 
+TEST(row_reader, finds_no_error_when_rows_are_no_longer_wanted) {
+    const std::string large = replaced(fault, ":\"t\"", ":\"" + std::string(2U << 20U, 't') + '"');
+    int times = 0;
+    row_reader reader([&times](std::string_view) {
+        ++times;
+        return false;
+    });
+    EXPECT_FALSE(reader.add(large + '\n' + fault + '\n'));
+    EXPECT_FALSE(reader.add(fault + '\n'));
+    EXPECT_FALSE(reader.finish()); // the row of the source has not come
+    EXPECT_FALSE(reader.error());
+    EXPECT_EQ(times, 1);
+}
+
 struct bad_row {
     const char* m_name;
     std::string m_row;

@@ -12,7 +12,7 @@ constexpr std::size_t enough_rows = std::size_t{1} << 20;
 } // namespace
 
 bool row_reader::add(std::string_view bytes) {
-    while (!m_error && !bytes.empty()) {
+    while (!m_error && m_goes_on && !bytes.empty()) {
         const std::size_t line_end = bytes.find('\n');
         const std::string_view piece = bytes.substr(0, line_end);
         if (piece.size() > longest_line - m_line.size())
@@ -23,11 +23,11 @@ bool row_reader::add(std::string_view bytes) {
         bytes.remove_prefix(line_end + 1);
         if (!add_line()) return false;
     }
-    return !m_error;
+    return !m_error && m_goes_on;
 }
 
 bool row_reader::finish() {
-    if (m_error || (!m_line.empty() && !add_line())) return false;
+    if (m_error || !m_goes_on || (!m_line.empty() && !add_line())) return false;
     if (m_is_in_source) return fail(0, "the rows end before the row of their source");
     return hand_over();
 }
@@ -64,9 +64,9 @@ bool row_reader::check_order() {
 }
 
 bool row_reader::hand_over() {
-    const bool goes_on = m_packed.empty() || m_take(m_packed);
+    m_goes_on = m_packed.empty() || m_take(m_packed);
     m_packed.clear();
-    return goes_on;
+    return m_goes_on;
 }
 
 bool row_reader::fail(std::size_t byte_of_line, std::string what) {

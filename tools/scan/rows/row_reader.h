@@ -50,6 +50,7 @@ private:
 
     std::function<bool(std::string_view)> m_take;
     std::optional<row_error> m_error;
+    bool m_goes_on = true; // more rows are wanted
     std::uint64_t m_line_number = 1;
     std::uint64_t m_line_begin = 0; // the offset of the line that is being gathered
     std::string m_line;             // its bytes so far
