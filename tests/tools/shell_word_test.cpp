@@ -15,6 +15,7 @@ TEST(shell_word, quotes_what_a_shell_would_act_on) {
     for (const char* const byte : {" ", "$", "`", "\"", "\\", "*", "?", "~", "#", "&",
                                    ";", "|", "<", ">",  "(",  ")", "[", "{", "!", "^"})
         EXPECT_EQ(shell_word(byte), '\'' + std::string(byte) + '\'');
+    EXPECT_EQ(shell_word("=tar"), "'=tar'");
     EXPECT_EQ(shell_word("it's"), "'it'\\''s'");
     EXPECT_EQ(shell_word("gr\u00fc\u00dfe"), "'gr\u00fc\u00dfe'");
     EXPECT_EQ(shell_word(""), "''");

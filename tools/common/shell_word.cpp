@@ -66,6 +66,8 @@ std::string spelled_out(std::string_view text) {
 
 std::string shell_word(std::string_view name) {
     std::string whole = (!name.empty() && name.front() == '-' ? "./" : "") + std::string(name);
-    if (!whole.empty() && std::all_of(whole.begin(), whole.end(), is_plain)) return whole;
+    const bool is_plain_word = !whole.empty() && std::all_of(whole.begin(), whole.end(), is_plain)
+                               && whole.front() != '='; // zsh looks up "=tar" among the programs
+    if (is_plain_word) return whole;
     return all_is_shown(whole) ? in_quotes(whole) : spelled_out(whole);
 }
