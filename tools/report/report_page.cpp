@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t longest_heading = 200; // bytes of the file's name
 constexpr std::size_t longest_date = 20;
+constexpr const char* no_mail = "<p>There is no mail.</p>\n";
 
 /// Collects the sections and the links to them.
 class page_sections {
@@ -34,7 +35,11 @@ std::string figure(const std::string& number, const std::string& what) {
     return "<li><b>" + number + "</b>" + what + "</li>\n";
 }
 
-/// @param one, several  "danger", "dangers"
+/// @param one, several  "file", "files"
+std::string figure(std::uint64_t number, const char* one, const char* several) {
+    return figure(grouped(number), number == 1 ? one : several);
+}
+
 std::string linked_figure(std::uint64_t number, const char* one, const char* several,
                           const char* section) {
     return "<li><b>" + grouped(number) + "</b><a href=\"#" + section + "\">"
@@ -48,8 +53,8 @@ std::string day_of(const std::string& date) {
 
 std::string figures(const report_facts& facts) {
     std::string items =
-        figure(grouped(facts.m_messages), "messages") + figure(grouped(facts.m_files), "files")
-        + figure(grouped(facts.m_entities), "entities") + figure(grouped(facts.m_bytes), "bytes");
+        figure(facts.m_messages, "message", "messages") + figure(facts.m_files, "file", "files")
+        + figure(facts.m_entities, "entity", "entities") + figure(facts.m_bytes, "byte", "bytes");
     if (!facts.m_first.empty())
         items +=
             figure(day_of(facts.m_first), "first date") + figure(day_of(facts.m_last), "last date");
@@ -61,12 +66,13 @@ std::string figures(const report_facts& facts) {
 
 /// A drawing beside the table of the same groups.
 std::string ranking_content(const ranking& groups, const ranking_words& words) {
-    if (groups.m_groups == 0) return "<p>There is no mail.</p>\n";
+    if (groups.m_groups == 0) return no_mail;
     return "<div class=\"columns\">\n<div>\n" + treemap_svg(groups, words.m_nameless, words.m_kind)
            + "</div>\n<div>\n" + ranking_table(groups, words) + "</div>\n</div>\n";
 }
 
 std::string timeline_content(const report_facts& facts) {
+    if (facts.m_messages == 0) return no_mail;
     std::string content;
     if (!facts.m_months.empty()) {
         const drawn_months drawn = months_to_draw(facts.m_months);
@@ -85,6 +91,7 @@ std::string timeline_content(const report_facts& facts) {
 }
 
 std::string duplicates_content(const report_facts& facts) {
+    if (facts.m_messages == 0) return no_mail;
     if (!facts.m_has_digests)
         return "<p>The scan did not look for them: it was not run with --hash=parts.</p>\n";
     if (facts.m_duplicates.m_all == 0) return "<p>No attachment is there twice.</p>\n";
@@ -92,6 +99,7 @@ std::string duplicates_content(const report_facts& facts) {
 }
 
 std::string findings_content(const report_facts& facts) {
+    if (facts.m_messages == 0) return no_mail;
     if (!facts.m_has_findings) return "<p>The scan did not look for them.</p>\n";
     if (facts.m_findings.m_all == 0) return "<p>Nothing was found.</p>\n";
     std::string places = trouble_places(facts.m_findings, "d");
