@@ -25,7 +25,7 @@ struct extract_totals {
 
 /// Extracts the attachments of all sources. The rows of the index are in the order of the sources
 /// and of the messages in them, whatever the number of threads.
-/// @param options      what they say of rows is not needed but for the rules and the largest size
+/// @param options      of what they say about rows, only the rules and the largest size matter
 /// @param folder       is open
 /// @param write_index  takes rows; returns false if no more are wanted
 /// @throws std::bad_alloc
