@@ -75,17 +75,21 @@ bool source_walk::next(found_source& source) {
 /// Goes on with what is in the folder. False if it cannot be read; the source then tells why.
 bool source_walk::enter(const std::string& name, found_source& source) {
     const std::unique_ptr<DIR, close_folder> opened(::opendir(name.c_str()));
+    if (!opened) {
+        source.m_error = errno;
+        return false;
+    }
     folder entered{name, {}, 0};
-    errno = 0;
-    while (const dirent* const entry = opened ? ::readdir(opened.get()) : nullptr) {
+    for (;;) {
+        errno = 0; // readdir() changes it if it fails, and not at the end
+        const dirent* const entry = ::readdir(opened.get());
+        source.m_error = errno;
+        if (entry == nullptr) break;
         const std::string_view entry_name = entry->d_name;
         if (entry_name != "." && entry_name != ".." && entry_name != ".mh_sequences")
             entered.m_entries.emplace_back(entry_name);
     }
-    if (errno != 0) {
-        source.m_error = errno;
-        return false;
-    }
+    if (source.m_error != 0) return false;
     std::vector<std::string>& entries = entered.m_entries;
     std::sort(entries.begin(), entries.end());
     if (has(entries, "cur") && has(entries, "new") && has(entries, "tmp"))
