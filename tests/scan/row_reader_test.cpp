@@ -202,6 +202,8 @@ const bad_row bad_rows[] = {
      "not JSON: The surrogate pair in string is invalid. (byte 98)"},
     {"no_kind", "{}", "a row of a scan has a member \"kind\" (byte 0)"},
     {"unknown_kind", R"({"kind":"x"})", "no kind of row is called \"x\" (byte 0)"},
+    {"kind_that_a_terminal_acts_on", R"({"kind":"\u001b[2J"})",
+     "no kind of row is called \"\\x1b[2J\" (byte 0)"},
     {"unknown_member", replaced(fault, "text", "tent"),
      "a row of kind \"fault\" has no member \"tent\" (byte 0)"},
     {"member_of_another_kind", replaced(fault, "\"t\"", "\"t\",\"size\":1"),

@@ -3,6 +3,8 @@
 
 #include "scan/rows/row_values.h"
 
+#include "common/terminal.h"
+
 #include <algorithm>
 #include <limits>
 #include <rapidjson/error/en.h>
@@ -15,8 +17,7 @@ constexpr std::size_t most_members = 64;
 
 std::string quoted(std::string_view name) {
     constexpr std::size_t most_shown = 40;
-    return '"' + std::string(name.substr(0, most_shown))
-           + (name.size() > most_shown ? "…\"" : "\"");
+    return '"' + printable_beginning(name, locale_character_set(), most_shown) + '"';
 }
 
 } // namespace
