@@ -4,8 +4,8 @@
 
 #include "scan/input/source_walk.h"
 
+#include <algorithm>
 #include <functional>
-#include <numeric>
 #include <sys/stat.h>
 
 source_list::source_list(const std::vector<std::string>& names) {
@@ -21,9 +21,8 @@ void source_list::add(const std::string& name, int error) {
         if (!m_endless) m_endless = name;
     }
     const auto size = is_there ? static_cast<std::uint64_t>(file.st_size) : 0;
-    m_sizes.push_back(size);
+    m_ends.push_back(bytes() + size);
     m_names.push_back(std::hash<std::string>()(name));
-    m_bytes += size;
     m_digest.add(name);
     std::string facts(1, '\0'); // which no name has
     if (is_there)
@@ -33,12 +32,11 @@ void source_list::add(const std::string& name, int error) {
 }
 
 std::uint64_t source_list::bytes_before(const scan_position& position) const {
-    const auto end = m_sizes.begin() + static_cast<std::ptrdiff_t>(position.m_source);
-    return std::accumulate(m_sizes.begin(), end, position.m_offset);
+    return (position.m_source == 0 ? 0 : m_ends[position.m_source - 1]) + position.m_offset;
 }
 
 std::uint64_t source_list::bytes_in(const scan_range& range) const {
-    const std::uint64_t end = range.m_end ? bytes_before(*range.m_end) : m_bytes;
+    const std::uint64_t end = range.m_end ? bytes_before(*range.m_end) : bytes();
     return end - bytes_before(range.m_begin);
 }
 
@@ -53,12 +51,10 @@ std::string source_list::fingerprint(std::string_view text) const {
 }
 
 scan_position source_list::at(std::uint64_t bytes) const {
-    std::uint64_t source = 0;
-    for (const std::uint64_t size : m_sizes) {
-        if (bytes == 0) return {source, 0, 0};
-        if (bytes < size) return {source, 0, bytes};
-        bytes -= size;
-        ++source;
-    }
-    return {source, 0, 0};
+    if (bytes == 0) return {};
+    const auto end = std::lower_bound(m_ends.begin(), m_ends.end(), bytes);
+    const auto source = static_cast<std::uint64_t>(end - m_ends.begin());
+    if (end == m_ends.end()) return {source, 0, 0};
+    if (*end == bytes) return {source + 1, 0, 0};
+    return {source, 0, bytes - bytes_before({source, 0, 0})};
 }

@@ -22,8 +22,8 @@ public:
 
     /// The first source that is a pipe or a device, or that is "-". Such a source has no size.
     const std::optional<std::string>& endless() const { return m_endless; }
-    std::uint64_t count() const { return m_sizes.size(); }
-    std::uint64_t bytes() const { return m_bytes; }
+    std::uint64_t count() const { return m_ends.size(); }
+    std::uint64_t bytes() const { return m_ends.empty() ? 0 : m_ends.back(); }
 
     /// How many bytes lie in the range.
     std::uint64_t bytes_in(const scan_range& range) const;
@@ -42,9 +42,8 @@ private:
     void add(const std::string& name, int error);
     std::uint64_t bytes_before(const scan_position& position) const;
 
-    std::vector<std::uint64_t> m_sizes;
-    std::vector<std::size_t> m_names; // hashes
-    std::uint64_t m_bytes = 0;
+    std::vector<std::uint64_t> m_ends; // where each ends, if all are taken one after another
+    std::vector<std::size_t> m_names;  // hashes
     digest m_digest;
     std::optional<std::string> m_endless;
 };
