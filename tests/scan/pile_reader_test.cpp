@@ -3,6 +3,7 @@
 
 #include "scan/pipeline/pile_reader.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -257,6 +258,7 @@ TEST_F(part_reading, takes_the_messages_whose_separators_begin_in_the_part) {
     EXPECT_EQ(part(name, 51, 96), second + third + "51 none");
     EXPECT_EQ(part(name, 52, std::nullopt), third + "95 none");
     EXPECT_EQ(part(name, 96, std::nullopt), "none none");
+    EXPECT_EQ(part(name, UINT64_MAX, std::nullopt), "none none");
 }
 
 TEST_F(part_reading, of_any_two_halves_gives_the_whole) {

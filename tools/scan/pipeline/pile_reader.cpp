@@ -198,7 +198,7 @@ void pile_reader::one_source::begin_within(file_reader& file) {
     m_splitter =
         mbox_splitter(m_pile.m_options.m_mbox, m_part.m_begin.m_offset, peek_function_of(file));
     m_begin = m_splitter.needed_from();
-    file.seek(m_begin);
+    m_is_at_end = !file.seek(m_begin); // no file is that long
 }
 
 bool pile_reader::one_source::read(bool is_named) {
