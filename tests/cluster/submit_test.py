@@ -122,6 +122,15 @@ class Submit(unittest.TestCase):
             self.assertIn(option, merge)
         self.assertTrue(os.path.isdir(f"{work}/log"))
 
+    def test_is_called_by_a_relative_name(self):
+        """Where cd prints the folder that CDPATH has led it to."""
+        folder = SUBMIT.parents[1]
+        done = subprocess.run(["slurm/submit", "-o", self.folder / "rows", self.folder / "mail"],
+                              cwd=folder, check=False, stdout=subprocess.DEVNULL,
+                              env={"PATH": f"{self.programs}:/usr/bin:/bin", "CDPATH": folder})
+        self.assertEqual(done.returncode, 0)
+        self.assertIn(f"{SUBMIT.parent}/scan_shard", self.call(101))
+
     def test_tables(self):
         self.assertEqual(self.submit("--sqlite", "db", "--work", "w", "mail")[0], 0)
         self.assertEqual(self.call(102)[-1], f"--sqlite={self.folder}/db")
