@@ -28,9 +28,10 @@ bool cannot_write(const std::string& file_name, const std::string& why) {
     return fail({file_name, "cannot write: " + why});
 }
 
-/// Merges into something. False after a complaint, also if merging has failed.
 using shards_list = std::vector<shard_file>;
 
+/// False, after a complaint unless a pipe has no reader, if the shards cannot be merged, or the
+/// rows cannot be written.
 bool merge_to_standard_output(const shards_list& shards, scan_totals& totals) {
     errno = 0;
     const auto write = [](std::string_view rows) {
