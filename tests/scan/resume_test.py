@@ -9,6 +9,7 @@ each one of MAILSTRUCTURE_STEP fails in its turn. MAILSTRUCTURE_SEED repeats a r
 """
 
 import errno
+import gzip
 import io
 import os
 import pathlib
@@ -299,6 +300,17 @@ class Resumption(Interrupted):
         self.assertGreater(offset, 500000)
         self.assertGreaterEqual(int(first[1]), 100 * offset // mbox.stat().st_size)
         self.assertGreater(int(first[2].replace(",", "")), 0)
+        self.take_result()
+
+    def test_shows_how_much_of_a_packed_file_is_read_again(self):
+        mbox = self.folder / "mbox.gz"
+        mbox.write_bytes(gzip.compress((self.folder / "mbox").read_bytes()))
+        self.sources = [mbox]
+        self.interrupt("-o")
+        self.assertGreater(self.checkpoint("-o")[1], mbox.stat().st_size)
+        status, complaints = self.scan("-o", "--resume", "--progress=always")
+        self.assertEqual(status, 0)
+        self.assertLess(int(re.search(r"\((\d+) %\)", complaints)[1]), 50)
         self.take_result()
 
     def test_without_an_interruption_is_a_scan(self):

@@ -3,6 +3,8 @@
 #include "scan/resumption.h"
 
 #include "common/complaint.h"
+#include "scan/input/archive_reader.h"
+#include "scan/input/file_reader.h"
 #include "scan/input/source_identity.h"
 #include "scan/input/source_walk.h"
 #include "scan/scan_fingerprint.h"
@@ -15,6 +17,14 @@ std::uint64_t size_of(const found_source& source) {
     struct stat file = {};
     if (source.m_error != 0 || ::stat(source.m_name.c_str(), &file) != 0) return 0;
     return S_ISREG(file.st_mode) ? static_cast<std::uint64_t>(file.st_size) : 0;
+}
+
+/// How much of the source was read and is not read again. What is packed is unpacked from its
+/// beginning.
+std::uint64_t bytes_before(const found_source& source, const scan_position& next) {
+    if (size_of(source) == 0) return 0; // opening a pipe would wait for its other end
+    const file_reader file(source.m_name, [](std::uint64_t) {});
+    return is_packed(file.peek(0, packed_beginning)) ? 0 : next.m_offset;
 }
 
 } // namespace
@@ -37,7 +47,6 @@ resumption check_resumption(const scan_options& options, const scan_state& state
     if (!walk.next(source)) return changed;
     if (source_identity(source) != state.m_begun)
         return {escaped(source.m_name) + " has changed since the interruption", 0};
-    if (state.m_next.m_member == 0) // an archive is unpacked from its beginning
-        result.m_bytes_before += state.m_next.m_offset;
+    result.m_bytes_before += bytes_before(source, state.m_next);
     return result;
 }
