@@ -13,7 +13,7 @@
 
 /// Gives the rows of all shards as one scan would have given them. Where a source is divided among
 /// shards, their rows about the source become one.
-/// @param shards  that read_shard_files() has found to be well. They must outlive the totals
+/// @param shards  in which read_shard_files() has found nothing wrong
 /// @param write   takes rows, which may be cut anywhere; returns false if no more are wanted
 /// @param totals  of what was written; without m_bytes
 /// @return what is wrong with a file; nothing if all is well, or if no more rows were wanted
