@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,6 +44,23 @@ void handle_interruptions() {
         action.sa_flags = static_cast<int>(SA_RESETHAND);
         ::sigaction(signal, &action, nullptr);
     }
+}
+
+/// Takes a lock that ends with the program, on one byte behind all that a file can have. A lock on
+/// the whole file, as by flock(), would keep SQLite out on network file systems, because SQLite
+/// opens the file once more.
+/// @return false and errno after a failure
+bool take_lock(int descriptor) {
+#ifdef F_OFD_SETLK
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = std::numeric_limits<off_t>::max() - 1;
+    lock.l_len = 1;
+    return ::fcntl(descriptor, F_OFD_SETLK, &lock) == 0;
+#else
+    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+#endif
 }
 
 bool is_same_file(const struct stat& one, const struct stat& other) {
@@ -119,7 +137,7 @@ bool partial_file::lock() {
     struct stat opened = {};
     struct stat named = {};
     const bool is_taken =
-        ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR);
+        !take_lock(m_descriptor) && (errno == EAGAIN || errno == EACCES || errno == EINTR);
     if (is_taken || ::fstat(m_descriptor, &opened) != 0
         || ::fstatat(m_folder, m_name.c_str(), &named, AT_SYMLINK_NOFOLLOW) != 0
         || !is_same_file(opened, named))
