@@ -60,7 +60,7 @@ std::optional<std::uint64_t> bytes_of(const std::vector<std::string>& sources) {
 } // namespace
 
 std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total,
-                          std::uint64_t messages, std::uint64_t faults, double seconds,
+                          std::uint64_t messages, std::uint64_t errors, double seconds,
                           std::uint64_t before) {
     const auto done = static_cast<double>(read);
     std::string text = size_text(done);
@@ -70,7 +70,7 @@ std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total
                 + std::to_string(static_cast<int>(100 * part)) + " %)";
     }
     text += ", " + with_commas(messages) + (messages == 1 ? " message, " : " messages, ")
-            + with_commas(faults) + (faults == 1 ? " fault" : " faults");
+            + with_commas(errors) + (errors == 1 ? " error" : " errors");
     if (seconds <= 0 || read <= before) return text;
     const double rate = static_cast<double>(read - before) / seconds;
     text += ", " + size_text(rate) + "/s";
@@ -88,14 +88,14 @@ progress::progress(progress_choice choice, const std::vector<std::string>& sourc
     m_start = m_next = clock::now();
 }
 
-void progress::show(std::uint64_t bytes, std::uint64_t messages, std::uint64_t faults) {
+void progress::show(std::uint64_t bytes, std::uint64_t messages, std::uint64_t errors) {
     m_read += bytes;
     if (!m_is_shown) return;
     const clock::time_point now = clock::now();
     if (now < m_next) return;
     m_next = now + time_between_lines;
     const double seconds = std::chrono::duration<double>(now - m_start).count();
-    std::cerr << "\r" + progress_text(m_read, m_total, messages, faults, seconds, m_before)
+    std::cerr << "\r" + progress_text(m_read, m_total, messages, errors, seconds, m_before)
                      + "\x1b[K"
               << std::flush;
     m_has_line = true;
