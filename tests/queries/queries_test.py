@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds doc/queries.md against the statements and their answers for the sample pile.
+"""Holds doc/queries.md against the statements and their answers for the sample pile, and what
+README.md shows of a scan.
 
 tests/queries/queries_test.py TOOL [--update]
 
@@ -9,6 +10,7 @@ tests/queries/queries_test.py TOOL [--update]
 import pathlib
 import re
 import shlex
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -60,6 +62,21 @@ class Document(unittest.TestCase):
         for name, (_, rows) in answers.items():
             self.assertTrue(rows, f"the sample has nothing to show for {name}")
         self.assertEqual(document, filled(document, answers))
+
+    def test_readme_shows_a_scan_and_an_answer(self):
+        readme = (queries.TOP / "README.md").read_text()
+        shown = re.search(
+            r'^\$ mailstructure (scan .*?)\n.*?^\$ sqlite3 mail\.db "(.*?)"\n(.*?)^```$',
+            readme, re.DOTALL | re.MULTILINE)
+        with tempfile.TemporaryDirectory() as folder:
+            sample_pile.write(pathlib.Path(folder, "pile"))
+            done = subprocess.run([queries.TOOL.resolve(), *shlex.split(shown[1])], cwd=folder,
+                                  stderr=subprocess.PIPE, check=False)
+            self.assertIn(f"\n{done.stderr.decode()}$ sqlite3 ", readme)
+            tables = sqlite3.connect(pathlib.Path(folder, "mail.db"))
+            rows = tables.execute(shown[2]).fetchall()
+            tables.close()
+        self.assertEqual(shown[3], "".join("|".join(map(str, row)) + "\n" for row in rows))
 
     def test_extracts_by_its_commands(self):
         with tempfile.TemporaryDirectory() as name:
