@@ -31,6 +31,7 @@ DIST_INFO = f"{NAME}.dist-info"
 # What of the tool tells about messages; all other files there are about files and terminals.
 DECODERS = (
     "address_list",
+    "base64_front",
     "charset_conversion",
     "charset_names",
     "decoded_size",
