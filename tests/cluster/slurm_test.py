@@ -26,8 +26,7 @@ OPTIONS = ["--hash=parts", "--mbox=strict"]
 
 # In place of the tool. Stops the first scan of the shards 3 and 5 in the middle, and says which
 # process it has stopped.
-STOPPING_TOOL = """\
-#!/usr/bin/env bash
+STOPPING_TOOL = """#!/usr/bin/env bash
 for number in 3 5; do
     if [[ $2 == --shard=$number/* ]] && mkdir {stops}/$number 2> {null}; then
         {tool} "$@" &

@@ -17,8 +17,7 @@ SCRIPTS = TOP / "share/mailstructure/slurm"
 SUBMIT = SCRIPTS / "submit"
 
 # Answers with the numbers 101, 102, … and fails if there is a file of the name `fails`.
-SBATCH = """\
-#!/usr/bin/env bash
+SBATCH = """#!/usr/bin/env bash
 cd -- "$(dirname -- "$0")" || exit
 number=$((101 + $(ls | grep -c '^call')))
 printf '%s\\0' "$@" > "call-$number"
