@@ -55,9 +55,9 @@ bool header_check::take(const message_line& line) {
         if (m_kind == field_kind::content_type || m_kind == field_kind::transfer_encoding)
             m_value.add(line);
         if (m_checked.m_field != nullptr) {
-            const char* const begin = m_checked.m_value.data();
-            const char* const end = line.m_text.data() + line.m_text.size();
-            m_checked.m_value = {begin, static_cast<std::size_t>(end - begin)};
+            const char* const value = m_checked.m_value.data();
+            const char* const value_end = line.m_text.data() + line.m_text.size();
+            m_checked.m_value = {value, static_cast<std::size_t>(value_end - value)};
         }
         return false;
     }

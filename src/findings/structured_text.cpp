@@ -16,15 +16,15 @@ bool is_control(char c) noexcept {
 } // namespace
 
 structured_text::gap structured_text::skip_gap() noexcept {
-    gap found{m_at, 0, false};
+    gap skipped{m_at, 0, false};
     take_while(is_folding);
     while (is_at('(') && !has_failed()) {
-        found.m_has_comment = true;
+        skipped.m_has_comment = true;
         skip_comment();
         take_while(is_folding);
     }
-    found.m_length = m_at - found.m_begin;
-    return found;
+    skipped.m_length = m_at - skipped.m_begin;
+    return skipped;
 }
 
 void structured_text::skip_comment() noexcept {
