@@ -3,7 +3,7 @@
 #include "scan/shards/scan_plan.h"
 
 #include "scan/input/source_walk.h"
-#include "scan/shards/row_members.h"
+#include "scan/shards/json_members.h"
 #include "scan/shards/separator_finder.h"
 
 #include <algorithm>

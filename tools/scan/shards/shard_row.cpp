@@ -2,7 +2,7 @@
 
 #include "scan/shards/shard_row.h"
 
-#include "scan/shards/row_members.h"
+#include "scan/shards/json_members.h"
 
 std::string line_of(const shard_row& row) {
     rapidjson::StringBuffer buffer;

@@ -1,6 +1,6 @@
 // Writes and reads numbers, texts and places; see the header.
 
-#include "scan/shards/row_members.h"
+#include "scan/shards/json_members.h"
 
 void write_text(member_writer& writer, const char* name, const std::string& value) {
     writer.Key(name);

@@ -1,7 +1,7 @@
-// The members of the rows by which shards fit together, written and read by RapidJSON.
+// Writes and reads members of JSON objects by RapidJSON: those of plans and of the rows of shards.
 
-#ifndef TOOLS_SCAN_SHARDS_ROW_MEMBERS_H
-#define TOOLS_SCAN_SHARDS_ROW_MEMBERS_H
+#ifndef TOOLS_SCAN_SHARDS_JSON_MEMBERS_H
+#define TOOLS_SCAN_SHARDS_JSON_MEMBERS_H
 
 #include "scan/pipeline/scan_position.h"
 
