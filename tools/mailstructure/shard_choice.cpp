@@ -5,6 +5,7 @@
 #include "common/complaint.h"
 #include "mailstructure/command_line.h"
 #include "scan/input/file_reader.h"
+#include "scan/scan_fingerprint.h"
 #include "scan/shards/scan_plan.h"
 #include "scan/shards/source_list.h"
 
@@ -29,28 +30,6 @@ std::optional<shard_number> shard_of(std::string_view text) {
     return shard_number{*number, *count};
 }
 
-/// What the separators depend on besides the sources.
-std::string text_of(const pile_options& options) {
-    std::string text = "mailstructure " MAILSTRUCTURE_VERSION;
-    const auto add = [&text](std::uint64_t choice) { text += ' ' + std::to_string(choice); };
-    add(static_cast<std::uint64_t>(options.m_mbox.m_rules));
-    add(options.m_mbox.m_verify_content_length ? 1 : 0);
-    add(options.m_one ? 1 : 0);
-    return text;
-}
-
-/// What the rows depend on besides the sources.
-std::string text_of(const scan_options& options) {
-    const row_options& rows = options.m_rows;
-    std::string text = text_of(options.m_pile);
-    const auto add = [&text](std::uint64_t choice) { text += ' ' + std::to_string(choice); };
-    add(static_cast<std::uint64_t>(rows.m_rules));
-    add(static_cast<std::uint64_t>(rows.m_hash));
-    add(rows.m_findings ? 1 : 0);
-    add(rows.m_max_size);
-    return text;
-}
-
 /// @param option  that needs their sizes
 std::shared_ptr<const source_list> sized_sources(const scan_options& options, const char* option) {
     auto sources = std::make_shared<source_list>(options.m_sources);
@@ -61,7 +40,7 @@ std::shared_ptr<const source_list> sized_sources(const scan_options& options, co
 }
 
 std::string fingerprint_of_plan(const source_list& sources, const pile_options& options) {
-    return sources.fingerprint("plan " + text_of(options));
+    return sources.fingerprint("plan " + words_of(options));
 }
 
 /// @param plan  is set unless the result tells what is wrong with the file
@@ -100,7 +79,7 @@ bool choose_planned_shard(scan_options& options, const shard_number& shard,
     }
     options.m_range = range_of(shard, plan, *sources);
     options.m_shard = {
-        shard, sources->fingerprint(text_of(options) + line_of(plan)), sources, false, {}};
+        shard, sources->fingerprint(words_of(options) + line_of(plan)), sources, false, {}};
     return true;
 }
 
@@ -122,7 +101,7 @@ bool choose_shard(scan_options& options, const std::string& text, const std::str
     const shard_number shard = shard_of(text).value();
     if (!plan_file.empty()) return choose_planned_shard(options, shard, sources, plan_file);
     options.m_range = share_of(shard, *sources);
-    options.m_shard = {shard, sources->fingerprint(text_of(options)), sources, true,
+    options.m_shard = {shard, sources->fingerprint(words_of(options)), sources, true,
                        note_undivided};
     return true;
 }
