@@ -8,6 +8,7 @@
 
 #include "field_ranges.h"
 
+#include "../parser/lines/character_class.h"
 #include "ascii_case.h"
 #include "first_line.h"
 
@@ -20,8 +21,6 @@ using mail_sections::section;
 
 namespace {
 
-bool is_blank(char c) noexcept { return c == ' ' || c == '\t'; }
-
 bool is_empty(std::string_view line) noexcept {
     return line.find_first_not_of("\r\n") == std::string_view::npos;
 }
@@ -29,8 +28,7 @@ bool is_empty(std::string_view line) noexcept {
 /// The name of the field that begins with the line; "" if none does.
 std::string_view field_name(std::string_view line) noexcept {
     std::size_t name_end = 0;
-    while (name_end < line.size() && line[name_end] > ' ' && line[name_end] < '\x7F'
-           && line[name_end] != ':')
+    while (name_end < line.size() && is_name_character(line[name_end], field_names::printable))
         ++name_end;
     std::size_t colon = name_end;
     while (colon < line.size() && is_blank(line[colon])) ++colon;

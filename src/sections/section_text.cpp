@@ -2,6 +2,7 @@
 
 #include <mail_sections.h>
 
+#include "../parser/lines/character_class.h"
 #include "ascii_case.h"
 
 #include <algorithm>
@@ -11,10 +12,9 @@
 namespace mail_sections {
 
 using mail_structure_detail::equal_ignoring_case;
+using mail_structure_detail::is_digit;
 
 namespace {
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 /// Whether the byte may stand in an atom ("ASTRING-CHAR").
 bool is_atom_byte(char c) {
