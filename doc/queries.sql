@@ -89,7 +89,7 @@ HAVING count(*) > 1
 ORDER BY copies DESC, place;
 
 -- @large_pdfs
-SELECT body_length AS bytes, 'mailstructure part --decode ' || section || ' '''
+SELECT body_length AS bytes, 'mailstructure part --decode -- ' || section || ' '''
     || replace(source || coalesce('::' || member, '') || '@' || message.message, '''', '''\''''')
     || ''' > ' || message.message || '-' || section || '.pdf' AS command
 FROM entity

@@ -83,10 +83,10 @@ class Document(unittest.TestCase):
             folder = pathlib.Path(name, "it's a folder")
             folder.mkdir()
             queries.scan_sample(folder)
-            (folder / "pile").rename(folder / "it's a pile")
+            (folder / "pile").rename(folder / "-it's a pile")
             tables = folder / "tables"
-            subprocess.run([queries.TOOL.resolve(), "scan", "--sqlite", tables, "it's a pile"],
-                           cwd=folder, stderr=subprocess.DEVNULL, check=False)
+            subprocess.run([queries.TOOL.resolve(), "scan", "--sqlite", tables, "--",
+                            "-it's a pile"], cwd=folder, stderr=subprocess.DEVNULL, check=False)
             (_, rows) = queries.answers(tables)["large_pdfs"]
             self.assertEqual(len(rows), 1)
             run_command(rows[0][1], folder)
