@@ -1,18 +1,24 @@
 #!/usr/bin/env python3
 """What becomes of the folder: what is in it already, links in it, interruptions, full disks.
 
-tests/extract/folder_test.py TOOL
+tests/extract/folder_test.py TOOL LIBRARY     LIBRARY is made of tests/scan/failing_calls.c
 """
 
+import errno
 import hashlib
+import os
 import pathlib
 import random
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
 
+LIBRARY = pathlib.Path(sys.argv.pop(2)).resolve()
+
+# pylint: disable=wrong-import-position # it takes the tool from the arguments
 import extracted
 from extracted import contents_of, message, name_for, of_kind, pile_of, rows_in, run
 
@@ -104,6 +110,51 @@ class Folder(unittest.TestCase):
             self.assertFalse((taken.parent / "nowhere").exists())
             taken.rmdir() if taken.is_dir() else taken.unlink()
         self.assertEqual(secret.read_bytes(), CONTENTS[0])
+
+    def check_not_compared(self, rows, count, names, error):
+        """So many contents have no file in the index, and faults that name the system's error."""
+        faults = of_kind("fault", rows)
+        self.assertEqual({(row["level"], row["code"]) for row in faults},
+                         {("error", "cannot-compare")})
+        self.assertLessEqual({row["text"] for row in faults},
+                             {f"cannot read {name}: {os.strerror(error)}" for name in names})
+        files = [row["file"] for row in of_kind("attachment", rows)]
+        self.assertEqual((len(faults), files.count(None), len(files)), (count, count, 5))
+
+    def test_tells_of_a_content_that_may_not_be_read(self):
+        as_others = [] # root may read everything, unless it gives that up
+        if os.geteuid() == 0:
+            as_others = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"]
+            if subprocess.run([*as_others, "true"], check=False).returncode != 0:
+                self.skipTest("root cannot give up its rights here")
+        run("-o", self.folder, self.pile)
+        secret = name_for(CONTENTS[0], "pdf")
+        (self.folder / secret).chmod(0)
+        done = subprocess.run([*as_others, extracted.TOOL, "extract", "-o", self.folder,
+                               "--index=-", self.pile], stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"3 faults in 1 source: cannot-compare 3\n", done.stderr)
+        self.check_not_compared(extracted.rows_of(done.stdout), 3, [secret], errno.EACCES)
+
+    def test_tells_of_a_content_that_the_disk_cannot_read(self):
+        """Each time that something is read, in turn."""
+        run("-o", self.folder, self.pile)
+        log = self.top / "log"
+        not_compared = 0
+        for number in range(1, 100):
+            environment = dict(os.environ, LD_PRELOAD=str(LIBRARY), FAILING_CALL_LOG=str(log),
+                               FAILING_CALL=f"{errno.EIO}:read:{number}")
+            done = run("-o", self.folder, "--index=-", "--threads=1", self.pile, env=environment)
+            if int(log.read_text()) < number:
+                break
+            if b"cannot-read 1" in done.stderr: # the source
+                continue
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(b"1 fault in 1 source: cannot-compare 1\n", done.stderr)
+            self.check_not_compared(extracted.rows_of(done.stdout), 1, WANTED, errno.EIO)
+            not_compared += 1
+        self.assertEqual(not_compared, 4) # the fifth content is empty
 
     def test_follows_no_link_to_a_folder(self):
         outside = self.top / "outside"

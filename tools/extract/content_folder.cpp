@@ -50,36 +50,54 @@ public:
         while (!bytes.empty()) {
             const ssize_t count =
                 read_some(m_file, m_block.data(), std::min(bytes.size(), m_block.size()));
+            m_result = count < 0 ? errno : EEXIST;
             if (count <= 0) return false;
             const auto read = static_cast<std::size_t>(count);
             if (std::string_view(m_block.data(), read) != bytes.substr(0, read)) return false;
+            m_result = 0;
             bytes.remove_prefix(read);
         }
         return true;
     }
 
+    /// 0 if all bytes so far were the same, EEXIST if not, or the system's number for the failure
+    /// to read them.
+    int result() const { return m_result; }
+
 private:
     int m_file;
+    int m_result = 0;
     std::array<char, 65536> m_block{};
 };
 
-/// Whether the name is that of a file that holds just what the attachment does.
-bool holds(int folder, const std::string& name, const found_attachment& found) {
+/// Whether it is a file that can hold what the attachment does.
+bool can_hold(const struct stat& file, const found_attachment& found) {
+    return S_ISREG(file.st_mode) && static_cast<std::uint64_t>(file.st_size) == found.m_size;
+}
+
+int compare_contents(int file, const found_attachment& found) {
+    struct stat opened = {};
+    if (::fstat(file, &opened) != 0) return errno;
+    if (!can_hold(opened, found)) return EEXIST;
+    file_comparison comparison(file);
+    decode_again(found,
+                 [&comparison](std::string_view bytes) { return comparison.goes_on_with(bytes); });
+    return comparison.result();
+}
+
+/// Compares what has the name with what the attachment holds.
+/// @return 0 if it is a file that holds the same, EEXIST if it is something else, or the system's
+///         number for the failure to read it
+int compare_with_existing(int folder, const std::string& name, const found_attachment& found) {
+    struct stat there = {};
+    if (::fstatat(folder, name.c_str(), &there, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+    if (!can_hold(there, found)) return EEXIST;
     const int file =
         ::openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (file < 0) return false;
-    struct stat there = {};
-    bool is_same = ::fstat(file, &there) == 0 && S_ISREG(there.st_mode)
-                   && static_cast<std::uint64_t>(there.st_size) == found.m_size;
-    if (is_same) {
-        file_comparison comparison(file);
-        decode_again(found, [&comparison, &is_same](std::string_view bytes) {
-            is_same = comparison.goes_on_with(bytes);
-            return is_same;
-        });
-    }
+    if (file < 0) return errno;
+    const int result = compare_contents(file, found);
     ::close(file);
-    return is_same;
+    return result;
 }
 
 } // namespace
@@ -105,7 +123,7 @@ stored_as content_folder::store_in(int folder, const found_attachment& found,
     const std::string existing = existing_name(folder, found.m_digest, wanted);
     if (existing.empty()) return write(folder, found, wanted);
     m_name.replace(m_name.find('/') + 1, std::string::npos, existing);
-    return holds(folder, existing, found) ? stored_as::old_file : stored_as::nothing;
+    return compare(folder, found, existing);
 }
 
 stored_as content_folder::write(int folder, const found_attachment& found,
@@ -114,8 +132,14 @@ stored_as content_folder::write(int folder, const found_attachment& found,
     if (file.error() == 0)
         decode_again(found, [&file](std::string_view bytes) { return file.write(bytes); });
     if (file.keep_as(name)) return stored_as::new_file;
-    if (file.error() == EEXIST) // somebody else has written it meanwhile
-        return holds(folder, name, found) ? stored_as::old_file : stored_as::nothing;
+    if (file.error() == EEXIST) return compare(folder, found, name); // somebody was faster
     m_error = file.error();
     return stored_as::failure;
+}
+
+stored_as content_folder::compare(int folder, const found_attachment& found,
+                                  const std::string& name) {
+    m_error = compare_with_existing(folder, name, found);
+    if (m_error == 0) return stored_as::old_file;
+    return m_error == EEXIST ? stored_as::nothing : stored_as::not_compared;
 }

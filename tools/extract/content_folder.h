@@ -12,9 +12,10 @@
 /// What has become of a content.
 enum class stored_as : std::uint8_t {
     new_file,
-    old_file, ///< The folder had it before.
-    nothing,  ///< Something else has its name, and is kept.
-    failure   ///< No file could be written. The next content would fare the same.
+    old_file,     ///< The folder had it before.
+    nothing,      ///< Something else has its name, and is kept.
+    not_compared, ///< What has its name cannot be read, and is kept.
+    failure       ///< No file could be written. The next content would fare the same.
 };
 
 /// The files are in folders for the first two digits of their names: "ab/ab34...9f.pdf", with all
@@ -32,12 +33,13 @@ public:
 
     /// The name of the file that store() was called for last, relative to the folder.
     const std::string& name() const { return m_name; }
-    /// The system's number for the failure, if store() has failed.
+    /// The system's number for the failure after stored_as::not_compared and stored_as::failure.
     int error() const { return m_error; }
 
 private:
     stored_as store_in(int folder, const found_attachment& found, const std::string& wanted);
     stored_as write(int folder, const found_attachment& found, const std::string& name);
+    stored_as compare(int folder, const found_attachment& found, const std::string& name);
 
     const target_folder& m_folder;
     std::string m_name;

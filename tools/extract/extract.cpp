@@ -2,6 +2,7 @@
 
 #include "extract/extract.h"
 
+#include "common/complaint.h"
 #include "extract/attachment_finder.h"
 #include "extract/content_folder.h"
 #include "extract/index_rows.h"
@@ -112,7 +113,7 @@ private:
         }
         if (const std::optional<scan_fault> fault = fault_of(found, stored))
             append_fault(*fault, source);
-        const bool has_file = stored != stored_as::nothing;
+        const bool has_file = stored == stored_as::new_file || stored == stored_as::old_file;
         append_attachment_row(m_rows, source, found, has_file ? m_folder.name() : "");
         ++m_totals.m_attachments;
         if (stored == stored_as::new_file) {
@@ -132,6 +133,11 @@ private:
             fault.m_level = fault_level::error;
             fault.m_code = "name-taken";
             fault.m_text = "something else has the name " + m_folder.name();
+        } else if (stored == stored_as::not_compared) {
+            fault.m_level = fault_level::error;
+            fault.m_code = "cannot-compare";
+            fault.m_text =
+                "cannot read " + m_folder.name() + ": " + system_error_text(m_folder.error());
         } else if (!found.m_encoding) {
             fault.m_code = "unknown-encoding";
             fault.m_text = "the attachment has an unknown transfer encoding, and was not decoded";
