@@ -319,6 +319,21 @@ class Resumption(Interrupted):
             self.assertEqual(self.scan(form, "--resume"), (1, complaints))
             self.check_equal(self.take_result(), wanted, form)
 
+    def test_needs_a_name_to_which_endings_can_be_added(self):
+        """What is too long is told before anything is read or written."""
+        longest = 255 - len(".partial.checkpoint~")
+        for form in FORMS:
+            for length in range(longest, 257):
+                file = self.out / ("n" * length)
+                done = subprocess.run([scanned.TOOL, "scan", form, file, self.folder / "mail/0"],
+                                      stderr=subprocess.PIPE, check=False)
+                self.assertEqual(done.returncode, length > longest, length)
+                if length == longest:
+                    file.unlink()
+                else:
+                    self.assertTrue(done.stderr.endswith(b": cannot write: File name too long\n"))
+                self.assertEqual(os.listdir(self.out), [])
+
     def test_is_asked_for(self):
         for form in FORMS:
             self.interrupt(form)

@@ -63,6 +63,16 @@ bool take_lock(int descriptor) {
 #endif
 }
 
+/// Whether the folder can have files of such long names.
+bool can_have(int folder, const std::string& name) {
+    struct stat there = {};
+    return ::fstatat(folder, name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0
+           || errno != ENAMETOOLONG;
+}
+
+/// What a file beside is called until all is in it.
+std::string name_while_written(const std::string& name) { return name + '~'; }
+
 bool is_same_file(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
@@ -97,6 +107,8 @@ partial_file::partial_file(const std::string& file_name, bool resumes) {
         fail(system_error_text(EISDIR));
     } else if (::fstatat(m_folder, m_final_name.c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0) {
         fail(system_error_text(S_ISDIR(there.st_mode) ? EISDIR : EEXIST));
+    } else if (!can_have(m_folder, name_while_written(m_name + std::string(checkpoint_ending)))) {
+        fail(system_error_text(ENAMETOOLONG));
     } else if (::fstatat(m_folder, m_name.c_str(), &there, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno != ENOENT) fail(system_error_text(errno));
     } else if (!resumes) {
@@ -159,7 +171,7 @@ std::string partial_file::read_beside(std::string_view ending) const {
 
 bool partial_file::write_beside(std::string_view ending, std::string_view bytes) {
     const std::string name = m_name + std::string(ending);
-    const std::string between = name + '~';
+    const std::string between = name_while_written(name);
     const int opened =
         ::openat(m_folder, between.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
                  mode_of_new_files);

@@ -11,6 +11,9 @@
 /// on. One program at a time has it open. There is one object at a time.
 class partial_file {
 public:
+    /// The name of the file beside it that tells where to go on ends so.
+    static constexpr std::string_view checkpoint_ending = ".checkpoint";
+
     /// Opens FILE.partial for reading and writing; a failure shows in error(). A file that is
     /// called FILE already is kept, and is an error.
     /// @param resumes  a file that is left from an interrupted scan is opened; without it, or if

@@ -9,17 +9,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-
-constexpr std::string_view ending = ".checkpoint";
-
-} // namespace
-
 row_file::row_file(const std::string& file_name, bool resumes,
                    std::chrono::seconds between_checkpoints)
     : m_file(file_name, resumes), m_clock(between_checkpoints) {
     if (!m_file.error().empty() || !m_file.is_resumed()) return;
-    m_resumed = state_in(m_file.read_beside(ending));
+    m_resumed = state_in(m_file.read_beside(partial_file::checkpoint_ending));
     if (!m_resumed)
         m_file.fail("what is there is not of an interrupted scan, or its checkpoint is lost");
 }
@@ -51,7 +45,7 @@ bool row_file::checkpoint(const scan_state& state) {
     if (!error().empty()) return false;
     if (m_file.descriptor() >= 0 && ::fdatasync(m_file.descriptor()) != 0)
         return m_file.fail(system_error_text(errno));
-    const bool is_written = m_file.write_beside(ending, text_of(state));
+    const bool is_written = m_file.write_beside(partial_file::checkpoint_ending, text_of(state));
     m_clock.restart();
     return is_written;
 }
@@ -60,6 +54,6 @@ bool row_file::finish() {
     if (!error().empty()) return false;
     if (::fsync(m_file.descriptor()) != 0) return m_file.fail(system_error_text(errno));
     if (!m_file.complete()) return false;
-    m_file.remove_beside(ending);
+    m_file.remove_beside(partial_file::checkpoint_ending);
     return true;
 }

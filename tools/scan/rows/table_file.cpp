@@ -43,8 +43,6 @@ constexpr const char* safe_settings =
     "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL; PRAGMA locking_mode=EXCLUSIVE;"
     "PRAGMA secure_delete=ON;";
 
-constexpr std::string_view checkpoint_ending = ".checkpoint";
-
 /// Gives the file the number of transactions that it would have if it had been written in one, so
 /// that its bytes do not tell how often there was a checkpoint. The two places hold the same
 /// number: the change counter, and the one for which the size in the header is valid.
@@ -128,7 +126,7 @@ bool table_file::open_tables() {
     if (number_from("SELECT count(*) FROM sqlite_schema") == 0) return create_tables();
     if (!m_error.empty()) return false;
     m_is_complete = number_from("SELECT count(*) FROM sqlite_schema WHERE name='checkpoint'") == 0;
-    m_resumed = state_in(m_is_complete ? m_partial->read_beside(checkpoint_ending)
+    m_resumed = state_in(m_is_complete ? m_partial->read_beside(partial_file::checkpoint_ending)
                                        : text_from("SELECT state FROM checkpoint"));
     if (!m_resumed) return fail("what is there is not of an interrupted scan");
     if (m_is_complete) return m_error.empty();
@@ -233,7 +231,8 @@ bool table_file::finish() {
     m_set_checkpoint.reset();
     for (statement& each : m_insert) each.reset();
     if (!m_is_complete) {
-        if (m_partial && !m_partial->write_beside(checkpoint_ending, m_last_checkpoint))
+        if (m_partial
+            && !m_partial->write_beside(partial_file::checkpoint_ending, m_last_checkpoint))
             return fail(m_partial->error());
         // Until the file has its name, the checkpoint beside it tells of the one that goes.
         if (!run("DROP TABLE checkpoint") || !run(index_commands) || !run("COMMIT")) return false;
@@ -254,7 +253,7 @@ bool table_file::take_name() {
     // A run that was killed may have left a journal that SQLite has found to be of no more use.
     m_partial->remove_beside("-journal");
     if (!m_partial->complete()) return fail(m_partial->error());
-    m_partial->remove_beside(checkpoint_ending);
+    m_partial->remove_beside(partial_file::checkpoint_ending);
     return true;
 }
 
