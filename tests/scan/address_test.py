@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Takes messages out of piles by what their rows say, and compares what the commands tree, json and
-part then give with the rows and with the bytes.
+"""Takes messages out of piles by what their rows say, and compares what the commands then give with
+the rows, with the bytes, and with what they give of files that hold the messages alone.
 
 tests/scan/address_test.py TOOL
 """
@@ -24,12 +24,19 @@ TEXTS = [(SAMPLES / name).read_bytes()
 TEXTS += [b"Subject: a\n\nFrom here on\n\n" + b"line\n" * 600_000, QUOTED, b"Subject: last\n\nx\n"]
 PILE = b"".join(SEPARATOR + text + b"\n" for text in TEXTS)
 RANGES = ("header", "mime", "body", "contents", "epilogue")
+COMMANDS = (("tree",), ("json",), ("part", "--list"), ("part", ""), ("check",), ("map",),
+            ("dump",))
 
 
-def run(*arguments):
+def run(*arguments, folder=None):
     """What the tool does."""
     return subprocess.run([scanned.TOOL, *arguments], check=False, stdout=subprocess.PIPE,
-                          stderr=subprocess.PIPE)
+                          stderr=subprocess.PIPE, cwd=folder)
+
+
+def outcome(done):
+    """All that a user sees."""
+    return done.returncode, done.stdout, done.stderr
 
 
 class Addresses(unittest.TestCase):
@@ -47,6 +54,19 @@ class Addresses(unittest.TestCase):
         with tarfile.open(cls.folder / "all::x.tgz", "w:gz") as archive:
             archive.add(SAMPLES / "plain.eml", "one")
             archive.add(cls.folder / "pile", "a::b/pile")
+
+    def check_commands(self, address, message):
+        """In the folder of the piles, the name is an address. In another one, it is the name of a
+        file with the same bytes."""
+        other_folder = self.folder / "taken"
+        file = other_folder / address
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(message)
+        for command in COMMANDS:
+            with self.subTest(command):
+                done = outcome(run(*command, address, folder=self.folder))
+                self.assertEqual(done, outcome(run(*command, address, folder=other_folder)))
+                self.assertNotEqual(done[1:], (b"", b""))
 
     def check(self, name):
         """Takes every message of a source out."""
@@ -71,7 +91,7 @@ class Addresses(unittest.TestCase):
                     self.assertEqual(entity["section"], line["section"])
                     for each in RANGES:
                         self.assertEqual(entity[each], line[each], each)
-                self.assertEqual(run("tree", address).returncode, 0)
+                self.check_commands(address.removeprefix(f"{self.folder}/"), taken.stdout)
         return len(messages)
 
     def test_of_all_messages(self):
@@ -95,10 +115,11 @@ class Addresses(unittest.TestCase):
             ("pile@x", b"cannot open: No such file or directory"),
             ("pile@99999999999999999999", b"cannot open: No such file or directory"),
         ):
-            with self.subTest(name):
-                done = run("part", "", self.folder / name)
-                self.assertEqual((done.stdout, done.returncode), (b"", 1))
-                self.assertIn(complaint, done.stderr)
+            for command in COMMANDS:
+                with self.subTest(name, command=command):
+                    done = run(*command, self.folder / name)
+                    self.assertEqual((done.stdout, done.returncode), (b"", 1))
+                    self.assertIn(complaint, done.stderr)
 
     def test_of_an_archive_that_is_cut_short(self):
         short = self.folder / "short.bz2"

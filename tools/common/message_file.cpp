@@ -121,7 +121,8 @@ std::string_view message_file::cut(std::uint32_t offset, std::uint32_t length) c
     return bytes().substr(offset, length);
 }
 
-std::optional<input_fault> message_file::parse(MailStructure& message, MailStructure::rules by) {
+std::optional<input_fault> message_file::parse(MailStructure& message,
+                                               MailStructure::rules by) const {
     if (m_file.failed() != file_bytes::failure::none) return fault_of(m_file);
     std::optional<input_fault> fault =
         fill(message, bytes().substr(m_message_start), m_message_start, by);

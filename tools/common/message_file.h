@@ -45,7 +45,7 @@ public:
     /// Fills the message by the given rules. Every range that is not empty, and the place of every
     /// header field, then counts from the start of the file.
     /// @return what is wrong with the input, and the tree is then not to be used; else nothing
-    std::optional<input_fault> parse(MailStructure& message, MailStructure::rules by);
+    std::optional<input_fault> parse(MailStructure& message, MailStructure::rules by) const;
 
 private:
     file_bytes m_file;

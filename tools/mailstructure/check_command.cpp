@@ -2,7 +2,7 @@
 
 #include "mailstructure/check_command.h"
 
-#include "common/message_file.h"
+#include "common/message_reader.h"
 #include "common/terminal.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/finding_json.h"
@@ -10,6 +10,7 @@
 #include "mailstructure/output_text.h"
 #include "mailstructure/rules_difference.h"
 #include "mailstructure/rules_table.h"
+#include "scan/message_address.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -45,16 +46,17 @@ told_finding told(const rules_difference& difference, std::string_view bytes) {
 /// Checks one file after the other.
 class checker {
 public:
-    explicit checker(const check_options& options) : m_options(options) {}
+    explicit checker(const check_options& options)
+        : m_options(options), m_reader(MailStructure::rules::standard) {
+        m_reader.open_by(open_addressed_message);
+        m_reader.limit_files(options.m_max_size);
+    }
 
     /// Checks and prints. False if the file cannot be read.
     bool check(const std::string& file_name) {
-        message_file file(file_name, m_options.m_max_size);
-        if (const auto fault = file.parse(m_message, MailStructure::rules::standard)) {
-            m_message.m_root = MailStructure::MimeObj(); // memory may be what has run out
-            complain_about_input(file_name, fault->m_what, fault->m_offset);
-            return false;
-        }
+        if (!m_reader.read(file_name)) return false;
+        const message_file& file = m_reader.file();
+        const MailStructure::MimeObj& root = m_reader.message().m_root;
         const std::string shown = display_name(file_name);
         const auto print_one = [&](const told_finding& found, level how_much) {
             m_has_failed = m_has_failed || how_much >= m_options.m_fail_on;
@@ -62,11 +64,10 @@ public:
         };
         mail_findings::find(file.bytes(),
                             [&](const finding& found) { print_one(told(found), found.m_level); });
-        if (const auto difference = find_rules_difference(file, m_message.m_root, m_classic)) {
+        if (const auto difference = find_rules_difference(file, root, m_classic)) {
             print_one(told(*difference, file.bytes()), level::note);
             if (m_options.m_rules && difference->m_has_trees)
-                m_output.text() +=
-                    rules_table(m_message.m_root, m_classic.m_root, locale_character_set());
+                m_output.text() += rules_table(root, m_classic.m_root, locale_character_set());
         }
         m_output.write();
         return true;
@@ -85,7 +86,7 @@ private:
     }
 
     const check_options& m_options;
-    MailStructure m_message;
+    message_reader m_reader;
     MailStructure m_classic;
     output_text m_output;
     bool m_has_failed = false;

@@ -36,12 +36,23 @@ std::string standard_input() {
 
 void describe_files(CLI::App& command, std::vector<std::string>& files) {
     command
-        .add_option("FILE", files,
-                    "Messages; - is standard input, which is also read when none is named")
+        .add_option(
+            "FILE", files,
+            "Messages: files, or SOURCE@OFFSET in a mailbox; - is standard input, which is also "
+            "read when none is named")
         ->type_name("");
     command.final_callback([&files] {
         if (files.empty()) files.push_back(standard_input());
     });
+}
+
+CLI::Option* describe_file(CLI::App& command, std::string& file) {
+    return command
+        .add_option(
+            "FILE", file,
+            "The message: a file, or SOURCE@OFFSET in a mailbox; - is standard input, which "
+            "is also read when none is named")
+        ->type_name("");
 }
 
 CLI::Option* describe_choice(CLI::App& command, const std::string& option,

@@ -17,6 +17,9 @@
 /// standard_input() returns.
 void describe_files(CLI::App& command, std::vector<std::string>& files);
 
+/// Adds the argument FILE, one file. What is read if none is named is for the caller to decide.
+CLI::Option* describe_file(CLI::App& command, std::string& file);
+
 /// Whether something of that name exists, or the system cannot tell.
 bool names_a_file(const std::string& name);
 

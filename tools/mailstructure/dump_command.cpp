@@ -6,6 +6,7 @@
 #include "common/printable_stream.h"
 #include "common/terminal.h"
 #include "mailstructure/command_line.h"
+#include "scan/message_address.h"
 
 #include <cerrno>
 #include <fstream>
@@ -23,6 +24,7 @@ public:
         : m_reader(options.m_rules, options.m_keep_text),
           m_output_is_terminal(::isatty(STDOUT_FILENO) != 0),
           m_errors_are_terminal(::isatty(STDERR_FILENO) != 0) {
+        m_reader.open_by(open_addressed_message);
         m_reader.limit_files(options.m_max_size);
     }
 

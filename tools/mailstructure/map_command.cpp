@@ -5,6 +5,7 @@
 #include "common/ascii_case.h"
 #include "common/message_reader.h"
 #include "mailstructure/command_line.h"
+#include "scan/message_address.h"
 
 #include <string_view>
 
@@ -50,15 +51,13 @@ void describe_map(CLI::App& command, map_options& options) {
         "with the drawing, the parts, the findings and the header fields");
     describe_max_size(command, options.m_max_size);
     describe_rules(command, options.m_rules);
-    command
-        .add_option("FILE", options.m_file,
-                    "The message; - is standard input, which is also read when none is named")
-        ->type_name("");
+    describe_file(command, options.m_file);
     command.final_callback([&options] { complete(options); });
 }
 
 exit_status run_map(const map_options& options) {
     message_reader reader(options.m_rules);
+    reader.open_by(open_addressed_message);
     reader.limit_files(options.m_max_size);
     if (!reader.read(options.m_file)) return some_input_failed;
     const tree_source source = reader.source();

@@ -245,11 +245,7 @@ void describe_part(CLI::App& command, part_options& options) {
                 "What to write, as IMAP has it: 1.2, 1.2.MIME, 2.HEADER, 2.TEXT, HEADER, TEXT, "
                 "'HEADER.FIELDS (From To)', or \"\" for the whole message")
             ->type_name("");
-    const CLI::Option* const second =
-        command
-            .add_option("FILE", options.m_file,
-                        "The message; - is standard input, which is also read when none is named")
-            ->type_name("");
+    const CLI::Option* const second = describe_file(command, options.m_file);
     command.final_callback([&options, first, second] {
         take_arguments(options, first->count() != 0, second->count() != 0);
     });

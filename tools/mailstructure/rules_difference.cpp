@@ -26,7 +26,7 @@ std::uint64_t place_of(const visited& entity, std::uint64_t otherwise) {
 
 } // namespace
 
-std::optional<rules_difference> find_rules_difference(message_file& file,
+std::optional<rules_difference> find_rules_difference(const message_file& file,
                                                       const MailStructure::MimeObj& standard,
                                                       MailStructure& classic) {
     if (const auto fault = file.parse(classic, MailStructure::rules::classic))

@@ -21,7 +21,7 @@ struct rules_difference {
 /// other. Linear.
 /// @param standard  the tree of the same file by the standard rules
 /// @throws std::bad_alloc
-std::optional<rules_difference> find_rules_difference(message_file& file,
+std::optional<rules_difference> find_rules_difference(const message_file& file,
                                                       const MailStructure::MimeObj& standard,
                                                       MailStructure& classic);
 

@@ -104,8 +104,8 @@ std::string findings_content(const report_facts& facts) {
     if (facts.m_findings.m_all == 0) return "<p>Nothing was found.</p>\n";
     std::string places = trouble_places(facts.m_findings, "d");
     if (!places.empty())
-        places.insert(0, "<p>The places of the dangers follow. mailstructure tree, json and part "
-                         "take each of them as an address.</p>\n");
+        places.insert(0, "<p>The places of the dangers follow. Each is an address for "
+                         "mailstructure check, and for tree, json, part, map and dump.</p>\n");
     return trouble_table(facts.m_findings, "d", true) + places;
 }
 
