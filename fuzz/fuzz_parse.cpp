@@ -107,13 +107,13 @@ void live_on(MailStructure& message, MailStructure::MimeObj& copy) {
     fuzz::require_same_tree(target, copy, fuzz::parents::equal);
     // Assigns from a descendant, which the assignment destroys: the last of the chain of last
     // children.
-    MailStructure::MimeObj* below = &copy;
+    MailStructure::MimeObj* descendant = &copy;
     const MailStructure::MimeObj* original = &target;
-    while (!below->m_children.empty()) {
-        below = &below->m_children.back();
+    while (!descendant->m_children.empty()) {
+        descendant = &descendant->m_children.back();
         original = &original->m_children.back();
     }
-    copy = *below;
+    copy = *descendant;
     fuzz::require_same_tree(copy, *original, fuzz::parents::equal);
     MailStructure::MimeObj moved = std::move(target);
     fuzz::require_same_tree(moved, message.m_root, fuzz::parents::ignored);

@@ -1,6 +1,6 @@
 // A plain main for a fuzz target: runs the target with each file given, and with all files in each
-// folder given. A finding ends the process. A file that cannot be read, or a folder without files,
-// is a failure too.
+// folder given. A fault that the target finds ends the process. A file that cannot be read, or a
+// folder without files, is a failure too.
 
 #include <cstddef>
 #include <cstdint>

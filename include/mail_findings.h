@@ -5,8 +5,8 @@
 #define MAIL_FINDINGS_H
 
 /// @file
-/// What is wrong with a message, and where: the places on which mail readers disagree, and those
-/// where a message departs from the RFCs.
+/// What is wrong with a message, and where: the places at which mail readers disagree, and those at
+/// which a message departs from the RFCs.
 
 #include <mail_structure.h>
 
@@ -16,7 +16,7 @@
 #include <type_traits>
 
 /// Two programs that read one message differently are how attachments get past filters. The
-/// findings of a message name every place where that may happen, and the places where the message
+/// findings of a message name the places where that is known to happen, and those where the message
 /// departs from RFC 5322, 2045, 2046, 2047 and 2231.
 ///
 /// @code
@@ -26,7 +26,7 @@
 /// @endcode
 ///
 /// The structure to which findings refer is the one that MailStructure::rules::standard gives.
-/// doc/check.md tells for each name which readers do what.
+/// doc/check.md tells what each name means, and which readers do what there.
 ///
 /// **Order.** Findings come as the message is read from front to back. What only the end of a
 /// field, of an entity or of the message shows comes there, but names the place to look at.

@@ -16,7 +16,7 @@ bool holds(byte_range range, std::uint32_t offset) {
     return offset >= range.m_offset && offset - range.m_offset < range.m_length;
 }
 
-/// The section that a piece of the entity is which the walk has visited last.
+/// The section that is the given piece of the entity that the walk has visited last.
 section name_of(const walk& walked, const visited& entity, piece which) {
     section name = walked.name();
     if (which == piece::body) return name;

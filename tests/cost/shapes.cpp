@@ -23,7 +23,7 @@ const words standard_words{MailStructure::rules::standard,
 const std::string separator = "--x\n";
 const std::string closing = "--x--\n";
 
-/// The beginning of so many messages, each within the one before it. Lines that follow belong to
+/// The beginning of that many messages, each within the one before it. Lines that follow belong to
 /// the header block of the innermost.
 std::string message_blocks(const words& by, std::size_t depth) {
     return by.m_first_block + repeated(depth, by.m_message);

@@ -1,5 +1,6 @@
-// That the random messages are worth parsing: the kinds of tree and of ending that the parser's
-// rules tell apart all come up, and not as rarities. And that a failing message is made small.
+// Tests that the random messages are worth parsing: the kinds of tree and of ending that the
+// parser's rules tell apart all come up, and not as rarities. Tests too that a failing message is
+// made small.
 
 #include "differential/both_parsers.h"
 #include "support/message_generator.h"

@@ -35,7 +35,7 @@ std::string difference(const rule_set& by, const std::string& text,
     return test_support::first_difference(message, error, by.m_parse(for_reference, wanted));
 }
 
-/// The offset at which a message must begin for the wrap to come after so many of its bytes.
+/// The offset at which a message must begin for the wrap to come after that many of its bytes.
 std::uint32_t wrapping_after(std::size_t bytes) { return 0U - static_cast<std::uint32_t>(bytes); }
 
 class wrap : public testing::TestWithParam<const rule_set*> {};

@@ -137,7 +137,8 @@ TEST_P(packed_pile, gives_the_messages_of_its_files) {
     EXPECT_EQ(told.m_faults, holds_files() ? "not-mail " : "");
 }
 
-/// What comes before the place where the file breaks off is read. Never is it taken for whole.
+/// What comes before the place where the file breaks off is read, and the file is never taken for a
+/// whole one.
 TEST_P(packed_pile, that_is_cut_short_is_reported) {
     const std::vector<char> whole = packed(GetParam(), {pile()});
     const std::string messages = messages_of(pile());

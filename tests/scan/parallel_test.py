@@ -20,7 +20,7 @@ import mailbox_test
 import scanned
 
 SHARDS = 8
-# Scans; shard 5 only if there is the file $GO. Else it waits until the test has gone.
+# Runs the tool. A scan of shard 5 waits until there is the file $GO, or until the test has ended.
 WRAPPER = """#!/bin/sh
 case $* in *--shard\\ 5/*) until test -e "$GO"; do test -e mail || exit; sleep 0.02; done ;; esac
 exec "$TOOL" "$@"

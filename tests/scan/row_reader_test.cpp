@@ -26,7 +26,7 @@ std::string replaced(std::string text, std::string_view what, std::string_view b
     return text;
 }
 
-/// Each kind of value occurs with and without a value in the rows of these.
+/// In the rows of this mailbox, members that may be null occur with a value and without one.
 const std::string mailbox =
     "From ada@mail.example Mon Mar  3 09:15:00 2025\n"
     "From: =?utf-8?Q?J=C3=BCrgen?= <j@mail.example>\nTo: ben@mail.example, c@mail.example\n"

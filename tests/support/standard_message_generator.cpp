@@ -61,8 +61,8 @@ private:
 
     // ----------------------------------------------------------------------------- boundaries
 
-    /// A word, or one that has to do with a boundary that is there already: the same, its
-    /// beginning, or it with something behind.
+    /// A word, or a boundary that is there already, the beginning of one, or one with something
+    /// after it.
     std::string new_boundary() {
         std::string made(m_random.one_of(words::boundaries));
         if (!m_boundaries.empty() && m_random.one_in(2)) {

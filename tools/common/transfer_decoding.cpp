@@ -213,7 +213,7 @@ private:
         return digits % 4 == 0 && (end == m_text.size() || m_text[end] == '\n');
     }
 
-    /// The end of the text. Of a group that it cuts short, what makes a whole byte is there.
+    /// Ends the last group. If the text ends within it, its digits still give their whole bytes.
     void end_group() {
         if (m_digits == 0) return;
         m_damage.add("base64 ends within a group of four characters", m_group_begin,

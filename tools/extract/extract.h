@@ -17,10 +17,8 @@ struct extract_totals {
     std::uint64_t m_attachments = 0;
     std::uint64_t m_new_files = 0;
     std::uint64_t m_new_bytes = 0; ///< In the new files.
-    /// Why the work was given up: the file that could not be written, and the system's number. 0 if
-    /// it was not.
-    std::string m_file;
-    int m_error = 0;
+    std::string m_file; ///< The file that could not be written, so that the work was given up.
+    int m_error = 0;    ///< The system's number for that failure; 0 if there was none.
 };
 
 /// Extracts the attachments of all sources. The rows of the index are in the order of the sources

@@ -17,7 +17,7 @@ struct extract_options {
 
 void describe_extract(CLI::App& command, extract_options& options);
 
-/// Writes the attachments and their index, prints totals, and counts what is wrong on standard
+/// Writes the attachments and their index, and prints totals, and the number of faults on standard
 /// error.
 exit_status run_extract(const extract_options& chosen);
 

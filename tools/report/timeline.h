@@ -9,8 +9,8 @@
 #include <map>
 #include <string>
 
-/// The months that are drawn. A wrong date can lie centuries from the others, so these are the
-/// months, no more than most_months from the first to the last, that have the most messages.
+/// The months that are drawn: of all spans of most_months months, the one with the most messages,
+/// because a wrong date can lie centuries from the others.
 struct drawn_months {
     std::uint64_t m_first = 0; ///< Counted from January of the year 0.
     std::uint64_t m_last = 0;

@@ -234,7 +234,7 @@ bool table_file::finish() {
         if (m_partial
             && !m_partial->write_beside(partial_file::checkpoint_ending, m_last_checkpoint))
             return fail(m_partial->error());
-        // Until the file has its name, the checkpoint beside it tells of the one that goes.
+        // The file beside the tables keeps the last checkpoint until the tables have their name.
         if (!run("DROP TABLE checkpoint") || !run(index_commands) || !run("COMMIT")) return false;
     }
     if (sqlite3_close(m_database.get()) != SQLITE_OK) return fail_by_database();

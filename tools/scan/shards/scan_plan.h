@@ -16,17 +16,18 @@
 
 struct scan_plan {
     std::string m_fingerprint; ///< Of the sources, and of what the separators depend on.
-    /// For each shard. All places are between two messages, and none comes before the last one.
+    /// The place at which each shard begins. It lies between two messages, and not before that of
+    /// the shard before.
     std::vector<scan_position> m_begins;
 };
 
-/// Where so many shards begin: with the first message that begins after an equal share of all
-/// bytes. Reads each mbox that is divided.
+/// The places at which that many shards begin: each at the first message that begins after an equal
+/// share of all bytes. Reads each mbox that is divided.
 /// @param sources  of these names
 std::vector<scan_position> plan_shards(std::uint64_t count, const std::vector<std::string>& names,
                                        const source_list& sources, const pile_options& options);
 
-/// What lies in the shard by the plan, which must have as many shards.
+/// The range of the shard by the plan, which must be one for shard.m_count shards.
 scan_range range_of(const shard_number& shard, const scan_plan& plan, const source_list& sources);
 
 /// The plan as a line of JSON.
