@@ -82,4 +82,10 @@ TEST(percentages, never_hide_that_there_is_something) {
     EXPECT_EQ(percent_text(4294967294, 4294967295), "99.9 %");
 }
 
+TEST(percentages, give_nothing_no_share) {
+    EXPECT_EQ(percent_text(0, 7), "0 %");
+    EXPECT_EQ(percent_text(0, 18446744073709551615U), "0 %");
+    EXPECT_EQ(percent_text(0, 0), "0 %");
+}
+
 } // namespace

@@ -57,6 +57,7 @@ std::string place_text(std::uint32_t begin, std::uint32_t end) {
 }
 
 std::string percent_text(std::uint64_t part, std::uint64_t whole) {
+    if (part == 0) return "0 %";
     if (part >= whole) return "100 %";
     // Beyond some petabytes, the last digits of the whole do not matter.
     constexpr std::uint64_t most_exact = std::numeric_limits<std::uint64_t>::max() / 1000;

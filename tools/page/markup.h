@@ -32,7 +32,7 @@ std::string counted(std::uint64_t number, const std::string& one, const std::str
 /// "10-20": the offsets of the first byte and of the byte past the last, as `tree` gives them.
 std::string place_text(std::uint32_t begin, std::uint32_t end);
 
-/// "33.5 %"; "100 %" for all, and "under 0.1 %" for less than that.
+/// "33.5 %"; "100 %" for all, "under 0.1 %" for less than that, and "0 %" for 0, even of 0.
 std::string percent_text(std::uint64_t part, std::uint64_t whole);
 
 /// "999 bytes", "1.2 kB", "34.5 MB": rounded down, in powers of 1000.
