@@ -55,7 +55,6 @@ public:
 
     bool at_end() const noexcept { return m_at == m_text.size(); }
     bool is_at(char c) const noexcept { return !at_end() && m_text[m_at] == c; }
-    bool is_at_atom() const noexcept { return !at_end() && is_atom_character(m_text[m_at]); }
     std::size_t place() const noexcept { return m_at; }
     /// What lies between an earlier place and this one.
     std::string_view read_since(std::size_t earlier) const noexcept {
