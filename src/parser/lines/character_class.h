@@ -1,5 +1,5 @@
-// Classes of characters, as the classic locale has them. A host's setlocale changes
-// nothing here, and bytes above 127 belong to no class.
+// Classes of characters, as the classic locale has them. A host's setlocale changes nothing here,
+// and bytes above 127 belong to no class.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_CHARACTER_CLASS_H
 #define MAIL_STRUCTURE_PARSER_LINES_CHARACTER_CLASS_H

@@ -17,8 +17,7 @@ using header = MailStructure::header;
 /// since, and what that message did not use was cut off.
 // With a fixed limit alone, a sender could put the long fields of each message at other places,
 // until each of a million fields holds that much storage. The quarter ties what is held to the size
-// of the last message. Which strings are long differs from message to message, so the tests of
-// one string are joined without a branch; the branch that is left goes the same way nearly always.
+// of the last message.
 template <class Container>
 void give_back_excess(Container& held, spare_storage& spare) noexcept {
     const std::size_t capacity = held.capacity() * sizeof(typename Container::value_type);
