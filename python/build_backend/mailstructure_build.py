@@ -41,6 +41,7 @@ DECODERS = (
     "message_date",
     "message_fields",
     "printable",
+    "quoted_printable_size",
     "transfer_decoding",
 )
 # What a source distribution has, beside the files at the top.
