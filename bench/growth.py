@@ -1,9 +1,10 @@
 """How the cost of hostile messages grows: a table of slopes and a picture, for report.py."""
 
 import glob
-import html
 import math
 import os
+
+from picture import svg_text, write_picture
 
 SHAPES = {
     "parts": "parts of one multipart",
@@ -71,10 +72,6 @@ def growth_rows(growth):
     return heads, rows
 
 
-def text(x, y, words, extra=""):
-    return f'<text x="{x:.1f}" y="{y:.1f}" {extra}>{html.escape(words)}</text>\n'
-
-
 def place_x(left, lines):
     return left + PLOT_WIDTH * math.log(lines / LEAST_LINES) / math.log(MOST_LINES / LEAST_LINES)
 
@@ -91,11 +88,11 @@ def axes(left, top):
     for power, name in names.items():
         y = place_y(top, 10.0 ** power)
         drawn += (f'<path d="M{left} {y:.1f}h{PLOT_WIDTH}" stroke="#d0d7de"/>\n'
-                  + text(left - 5, y + 4, name, 'text-anchor="end"'))
+                  + svg_text(left - 5, y + 4, name, 'text-anchor="end"'))
     for power, name in {3: "1,000", 4: "10,000", 5: "100,000", 6: "1 m.", 7: "10 m."}.items():
         x = place_x(left, 10.0 ** power)
         drawn += (f'<path d="M{x:.1f} {top}v{PLOT_HEIGHT}" stroke="#d0d7de"/>\n'
-                  + text(x, top + PLOT_HEIGHT + 15, name, 'text-anchor="middle"'))
+                  + svg_text(x, top + PLOT_HEIGHT + 15, name, 'text-anchor="middle"'))
     return drawn
 
 
@@ -110,7 +107,7 @@ def curve(points, colour, dashes, left, top):
 
 
 def growth_panel(growth, shape, left, top):
-    drawn = text(left, top - 10, SHAPES[shape], 'font-weight="bold"') + axes(left, top)
+    drawn = svg_text(left, top - 10, SHAPES[shape], 'font-weight="bold"') + axes(left, top)
     # What linear cost looks like: the diagonal of a decade for each decade.
     drawn += (f'<path d="M{place_x(left, 1e3):.1f} {place_y(top, 1e-4):.1f}'
               f'L{place_x(left, 1e7):.1f} {place_y(top, 1):.1f}" stroke="#8c959f" '
@@ -127,22 +124,18 @@ def legend(growth, left, top):
     drawn = ""
     for title, colour, dashes in entries + [("slope 1: linear", "#8c959f", "1 4")]:
         drawn += (f'<path d="M{left} {top}h26" stroke="{colour}" stroke-width="2" '
-                  f'stroke-dasharray="{dashes or "none"}"/>\n' + text(left + 31, top + 4, title))
+                  f'stroke-dasharray="{dashes or "none"}"/>\n'
+                  + svg_text(left + 31, top + 4, title))
         left += 50 + 7 * len(title)
     return drawn
 
 
 def write_growth_picture(path, growth):
-    """Three panels in a row. The background is white, also on a dark page."""
+    """Three panels in a row."""
     across, down = PLOT_WIDTH + MARGIN_LEFT + 20, PLOT_HEIGHT + MARGIN_TOP + 30
-    width, height = 3 * across + 15, 2 * down + 40
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
-                   f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12" '
-                   'fill="#1f2328">\n'
-                   '<title>Time against the number of lines, for hostile messages</title>\n'
-                   f'<rect width="{width}" height="{height}" fill="#ffffff"/>\n')
-        for index, shape in enumerate(SHAPES):
-            file.write(growth_panel(growth, shape, MARGIN_LEFT + index % 3 * across,
-                                    MARGIN_TOP + index // 3 * down))
-        file.write(legend(growth, MARGIN_LEFT, 2 * down + 20) + "</svg>\n")
+    drawn = "".join(growth_panel(growth, shape, MARGIN_LEFT + index % 3 * across,
+                                 MARGIN_TOP + index // 3 * down)
+                    for index, shape in enumerate(SHAPES))
+    write_picture(path, 3 * across + 15, 2 * down + 40,
+                  "Time against the number of lines, for hostile messages",
+                  drawn + legend(growth, MARGIN_LEFT, 2 * down + 20))

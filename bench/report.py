@@ -6,7 +6,6 @@ bench/run calls it."""
 import argparse
 import datetime
 import glob
-import html
 import json
 import os
 import platform
@@ -14,6 +13,7 @@ import statistics
 import subprocess
 
 from growth import growth_rows, read_growth, write_growth_picture
+from picture import svg_text, write_picture
 
 WORKLOADS = {
     "base64_crlf": "base64 attachments, CRLF, 64 MiB",
@@ -279,7 +279,7 @@ entering messages at a depth of 513, so its figures for these are not those of a
 """
 
 
-def write_table(path, options, figures, plain):
+def write_table(path, options, figures, plain, growth):
     repeats = max(len(figure.times) for figure in figures.values())
     text = INTRODUCTION.format(repeats=repeats, machine=machine(), compiler=options.compiler,
                                packages=package_versions(options.packages.split()),
@@ -297,7 +297,7 @@ def write_table(path, options, figures, plain):
     text += "## Other streams, and with the text kept\n\n" + stream_table(figures, plain)
     text += "## The scan of bodies alone\n\n" + scan_table(figures)
     text += "## How the cost of hostile messages grows\n\n" + GROWTH_NOTES
-    text += table(*growth_rows(read_growth(options.figures)))
+    text += table(*growth_rows(growth))
     text += "## Heap\n\n" + heap_table(options.figures + "/heap.txt")
     with open(path, "w", encoding="utf-8") as file:
         file.write(text.rstrip("\n") + "\n")
@@ -312,10 +312,6 @@ BARS = {
     "getline_floor": ("empty getline loop", "#d0d7de"),
 }
 PANEL_WIDTH, BAR_HEIGHT, LABEL_WIDTH, NUMBER_WIDTH = 430, 20, 125, 85
-
-
-def svg_text(x, y, text, extra=""):
-    return f'<text x="{x:.0f}" y="{y:.0f}" {extra}>{html.escape(text)}</text>\n'
 
 
 def panel(figures, workload, left, top):
@@ -335,21 +331,14 @@ def panel(figures, workload, left, top):
     return drawn
 
 
-def write_picture(path, figures):
+def write_speed_picture(path, figures):
     workloads = [name for name in WORKLOADS if has_times(figures, name + "/parse")]
     panel_height = 22 + len(BARS) * BAR_HEIGHT + 16
-    height = (len(workloads) + 1) // 2 * panel_height + 10
-    width = 2 * PANEL_WIDTH + 30
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{height}" '
-                   f'viewBox="0 0 {width} {height}" font-family="sans-serif" font-size="12" '
-                   'fill="#1f2328">\n'
-                   '<title>Speed of parsing mail from memory</title>\n'
-                   f'<rect width="{width}" height="{height}" fill="#ffffff"/>\n')
-        for index, workload in enumerate(workloads):
-            left, top = index % 2 * (PANEL_WIDTH + 10), index // 2 * panel_height
-            file.write(panel(figures, workload, 10 + left, 10 + top))
-        file.write("</svg>\n")
+    drawn = "".join(panel(figures, workload, 10 + index % 2 * (PANEL_WIDTH + 10),
+                          10 + index // 2 * panel_height)
+                    for index, workload in enumerate(workloads))
+    write_picture(path, 2 * PANEL_WIDTH + 30, (len(workloads) + 1) // 2 * panel_height + 10,
+                  "Speed of parsing mail from memory", drawn)
 
 
 def main():
@@ -364,10 +353,10 @@ def main():
     if wrong or not figures:
         reason = ", ".join(wrong) + ": a wrong result" if wrong else "nothing was measured"
         raise SystemExit("No report: " + reason)
-    write_table(options.output + ".md", options, figures, plain)
-    write_picture(options.output + ".svg", figures)
-    write_growth_picture(os.path.dirname(options.output) + "/growth.svg",
-                         read_growth(options.figures))
+    growth = read_growth(options.figures)
+    write_table(options.output + ".md", options, figures, plain, growth)
+    write_speed_picture(options.output + ".svg", figures)
+    write_growth_picture(os.path.dirname(options.output) + "/growth.svg", growth)
 
 
 if __name__ == "__main__":
