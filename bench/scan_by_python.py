@@ -1,5 +1,5 @@
-"""Makes the rows of `mailstructure scan --hash=none` with Python's mailbox and email, as a
-programmer would without this tool: scan_by_python.py MBOX. bench/scan measures it.
+"""Makes the rows of `mailstructure scan --hash=none --findings=none` with Python's mailbox and
+email, as a programmer would without this tool: scan_by_python.py MBOX. bench/scan measures it.
 
 The bodies' ranges are left out, because Python's parser does not know them.
 """
@@ -20,7 +20,7 @@ def text_of(value):
 
 
 def date_of(value):
-    """A moment in UTC, or None."""
+    """A moment, with its zone if that is known, or None."""
     try:
         moment = email.utils.parsedate_to_datetime(value)
     except (TypeError, ValueError):
