@@ -1,5 +1,8 @@
-// Threads that have parsers and trees of their own do not affect each other.
+// Threads that have parsers and trees of their own do not affect each other. Threads may read one
+// tree together, and look for findings at the same time.
 
+#include <mail_findings.h>
+#include <mail_sections.h>
 #include <mail_structure.h>
 
 #include "robustness/allocating_messages.h"
@@ -116,6 +119,41 @@ TEST(threads, may_read_one_tree_together) {
         });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(wrong, (std::array<std::size_t, thread_count>{}));
+}
+
+/// What threads make of the same messages without a parser of their own: the findings, the names of
+/// the entities and the bytes of each entity.
+std::string read_out(const expected_message& message, const MailStructure::MimeObj& root) {
+    std::string text;
+    mail_findings::find(message.m_input, [&text](const mail_findings::finding& found) {
+        text += std::string(mail_findings::text_of(found.m_name)) + ' '
+                + std::to_string(found.m_offset) + '\n';
+    });
+    mail_sections::ranges ranges(root, {message.m_input, message.m_rules});
+    mail_sections::walk walk(root);
+    while (const mail_sections::visited* const entity = walk.next()) {
+        const mail_sections::found found = mail_sections::find(root, entity->m_name);
+        const mail_sections::byte_range range = ranges.of(found.m_place);
+        text += std::string(entity->m_name) + ' ' + std::to_string(range.m_offset) + ' '
+                + std::to_string(range.m_length) + '\n';
+    }
+    return text;
+}
+
+TEST(threads, find_what_is_wrong_and_sections_of_one_tree_together) {
+    for (const expected_message& message : expected_messages()) {
+        const auto outcome = test_support::parse(message.m_input, {.m_rules = message.m_rules});
+        const std::string wanted = read_out(message, outcome.m_message.m_root);
+        std::array<std::size_t, thread_count> wrong{};
+        std::vector<std::thread> threads;
+        for (std::size_t number = 0; number < thread_count; ++number)
+            threads.emplace_back([&, number] {
+                for (std::size_t round = 0; round < rounds; ++round)
+                    if (read_out(message, outcome.m_message.m_root) != wanted) ++wrong[number];
+            });
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(wrong, (std::array<std::size_t, thread_count>{})) << message.m_input;
+    }
 }
 
 } // namespace
