@@ -42,6 +42,19 @@ def pile_of(messages):
     return b"".join(SEPARATOR + message + b"\n" for message in messages)
 
 
+class Documents(unittest.TestCase):
+    """What the document says of the values, beside the schema and the sources."""
+
+    def test_have_the_codes_of_all_faults(self):
+        table = re.findall(r"^\| (`.*`) \| (?:error|note) \| .* \|$",
+                           (scanned.TOP / "doc/scan.md").read_text(), re.MULTILINE)
+        documented = re.findall(r"`([a-z-]+)`", " ".join(table))
+        allowed = SCHEMA["$defs"]["fault"]["properties"]["code"]["enum"]
+        self.assertEqual(sorted(documented), sorted(allowed))
+        sources = "".join(path.read_text() for path in (scanned.TOP / "tools/scan").rglob("*.cpp"))
+        self.assertEqual([code for code in allowed if f'"{code}"' not in sources], [])
+
+
 class Rows(unittest.TestCase):
     """The rows of the samples, and of an mbox of hostile messages."""
 
