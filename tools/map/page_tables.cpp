@@ -155,9 +155,8 @@ std::string page_tables::parts(const map_layout& layout) const {
     return html_table("parts",
                       extent_text(m_parts.size(), m_all_parts, "entity", "entities")
                           + " A number leads to the place on the map.",
-                      "<th scope=\"col\">Part</th><th scope=\"col\">Type</th>"
-                      "<th scope=\"col\">Name or subject</th>"
-                      "<th scope=\"col\" class=\"size\">Bytes</th><th scope=\"col\">Place</th>",
+                      head_cell("Part") + head_cell("Type") + head_cell("Name or subject")
+                          + head_cell("Bytes", "size") + head_cell("Place"),
                       rows);
 }
 
@@ -173,20 +172,17 @@ std::string page_tables::findings(const map_layout& layout) const {
         rows += "<tr id=\"m" + std::to_string(row.m_finding) + "\"><th scope=\"row\">" + name
                 + "</th>" + row.m_cells + "</tr>\n";
     }
-    return html_table(
-        "findings",
-        extent_text(m_findings.size(), m_all_findings, "finding", "findings")
-            + " A name leads to the place on the map.",
-        "<th scope=\"col\">Finding</th><th scope=\"col\">Level</th>"
-        "<th scope=\"col\">What it means</th><th scope=\"col\" class=\"size\">Line</th>"
-        "<th scope=\"col\">Place</th>",
-        rows);
+    return html_table("findings",
+                      extent_text(m_findings.size(), m_all_findings, "finding", "findings")
+                          + " A name leads to the place on the map.",
+                      head_cell("Finding") + head_cell("Level") + head_cell("What it means")
+                          + head_cell("Line", "size") + head_cell("Place"),
+                      rows);
 }
 
 std::string page_tables::fields() const {
     if (m_all_fields == 0) return "<p>There are no header fields.</p>\n";
-    return html_table("fields", extent_text(m_fields_listed, m_all_fields, "field", "fields"),
-                      "<th scope=\"col\">Part</th><th scope=\"col\">Field</th>"
-                      "<th scope=\"col\">Value</th><th scope=\"col\">Place</th>",
-                      m_fields);
+    return html_table(
+        "fields", extent_text(m_fields_listed, m_all_fields, "field", "fields"),
+        head_cell("Part") + head_cell("Field") + head_cell("Value") + head_cell("Place"), m_fields);
 }

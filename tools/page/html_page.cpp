@@ -22,6 +22,10 @@ std::string hash_source(const std::string& style) {
     return "sha256-" + text;
 }
 
+std::string class_attribute(const char* name) {
+    return *name == '\0' ? "" : std::string(" class=\"") + name + '"';
+}
+
 } // namespace
 
 std::string page_document(const std::string& title, const std::string& style,
@@ -38,8 +42,11 @@ std::string page_document(const std::string& title, const std::string& style,
 }
 
 std::string table_cell(const std::string& markup, const char* name) {
-    const std::string attribute = *name == '\0' ? "" : std::string(" class=\"") + name + '"';
-    return "<td" + attribute + '>' + markup + "</td>";
+    return "<td" + class_attribute(name) + '>' + markup + "</td>";
+}
+
+std::string head_cell(const std::string& markup, const char* name) {
+    return "<th scope=\"col\"" + class_attribute(name) + '>' + markup + "</th>";
 }
 
 std::string html_table(const char* kind, const std::string& caption, const std::string& head,

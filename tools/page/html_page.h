@@ -17,6 +17,8 @@ std::string page_document(const std::string& title, const std::string& style,
 
 /// A cell of a table. @param name  the class of the cell, if it has one
 std::string table_cell(const std::string& markup, const char* name = "");
+/// The same for the head of a column.
+std::string head_cell(const std::string& markup, const char* name = "");
 
 /// @param kind  the class of the table
 std::string html_table(const char* kind, const std::string& caption, const std::string& head,

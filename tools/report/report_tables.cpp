@@ -25,10 +25,6 @@ constexpr std::size_t most_listed_months = 1200;
 
 std::string size_cell(std::uint64_t number) { return table_cell(grouped(number), "size"); }
 
-std::string head_cell(const std::string& text, bool is_size = false) {
-    return std::string("<th scope=\"col\"") + (is_size ? " class=\"size\">" : ">") + text + "</th>";
-}
-
 std::string row_of_share(const share& group, const std::string& name, const std::string& kind,
                          std::uint64_t all_bytes) {
     return "<tr><th scope=\"row\"><span class=\"swatch " + kind + "\"></span>" + name + "</th>"
@@ -97,8 +93,8 @@ std::string ranking_table(const ranking& groups, const ranking_words& words) {
     return html_table(
         words.m_kind,
         extent_text(groups.m_largest.size(), groups.m_groups, words.m_one, words.m_several),
-        head_cell(words.m_name) + head_cell(words.m_count, true) + head_cell("Bytes", true)
-            + head_cell("Share", true),
+        head_cell(words.m_name) + head_cell(words.m_count, "size") + head_cell("Bytes", "size")
+            + head_cell("Share", "size"),
         rows);
 }
 
@@ -113,7 +109,7 @@ std::string month_table(const report_facts& facts) {
     return html_table(
         "months",
         extent_text(std::min(listed, most_listed_months), facts.m_months.size(), "month", "months"),
-        head_cell("Month") + head_cell("Messages", true) + head_cell("Bytes", true), rows);
+        head_cell("Month") + head_cell("Messages", "size") + head_cell("Bytes", "size"), rows);
 }
 
 std::string attachment_table(const attachment_list& list, bool are_duplicates) {
@@ -136,8 +132,8 @@ std::string attachment_table(const attachment_list& list, bool are_duplicates) {
     return std::string("<table class=\"attachments ") + (are_duplicates ? "duplicates" : "largest")
            + "\">\n<caption>" + caption + "</caption>\n<thead><tr>" + head_cell("File name")
            + head_cell("Media type")
-           + (are_duplicates ? head_cell("Times", true) + head_cell("Spare bytes", true)
-                             : head_cell("Bytes", true))
+           + (are_duplicates ? head_cell("Times", "size") + head_cell("Spare bytes", "size")
+                             : head_cell("Bytes", "size"))
            + "</tr></thead>\n" + bodies + "</table>\n";
 }
 
@@ -158,14 +154,14 @@ std::string trouble_table(const trouble_list& list, const std::string& id, bool 
                 + "</tr>\n";
         ++index;
     }
-    return html_table(
-        are_findings ? "findings" : "faults",
-        extent_text(list.m_listed.size(), list.m_all, are_findings ? "name" : "kind",
-                    are_findings ? "names" : "kinds"),
-        head_cell("Name") + head_cell("Level") + "<th scope=\"col\" class=\"why\">"
-            + (are_findings ? "What it means</th>" + head_cell("Messages", true) : "Example</th>")
-            + head_cell(are_findings ? "Findings" : "Faults", true),
-        rows);
+    return html_table(are_findings ? "findings" : "faults",
+                      extent_text(list.m_listed.size(), list.m_all, are_findings ? "name" : "kind",
+                                  are_findings ? "names" : "kinds"),
+                      head_cell("Name") + head_cell("Level")
+                          + head_cell(are_findings ? "What it means" : "Example", "why")
+                          + (are_findings ? head_cell("Messages", "size") : "")
+                          + head_cell(are_findings ? "Findings" : "Faults", "size"),
+                      rows);
 }
 
 std::string trouble_places(const trouble_list& list, const std::string& id) {
