@@ -2,7 +2,7 @@
 """The numbers of a report are those of the statements in doc/queries.sql, its commands extract what
 they say, and it is the same for both forms of a scan.
 
-tests/report/numbers_test.py TOOL
+tests/report/numbers_test.py TOOL LIBRARY     LIBRARY is made of tests/scan/failing_calls.c
 """
 
 import base64
@@ -10,12 +10,16 @@ import hashlib
 import pathlib
 import random
 import shlex
+import signal
 import sqlite3
 import subprocess
 import sys
 import tempfile
 import unittest
 
+LIBRARY = pathlib.Path(sys.argv.pop(2)).resolve()
+
+# pylint: disable=wrong-import-position # it takes the tool from the arguments
 from report_page import Page, TOOL, number, queries, report, scan
 
 MOST_GROUPS = 15
@@ -288,6 +292,26 @@ class Refusals(unittest.TestCase):
                               capture_output=True, check=False)
         self.assertEqual(done.returncode, 1)
         self.assertIn(b"cannot write", done.stderr)
+
+    def test_leave_no_temporary_file_when_a_signal_comes(self):
+        """Before each call that changes a file, and before each that reads."""
+        empty = self.folder / "temporary"
+        empty.mkdir()
+        for kind in ("change", "read"):
+            ended = 0
+            for count in range(1, 1000):
+                log = self.folder / "log"
+                log.unlink(missing_ok=True)
+                done = subprocess.run(
+                    [TOOL, "report", self.folder / "rows.ndjson"], capture_output=True, check=False,
+                    env={"TMPDIR": str(empty), "LD_PRELOAD": str(LIBRARY),
+                         "FAILING_CALL": f"term:{kind}:{count}", "FAILING_CALL_LOG": str(log)})
+                self.assertEqual(list(empty.iterdir()), [], (kind, count))
+                if log.exists() and int(log.read_text()) < count:
+                    break
+                self.assertEqual(done.returncode, -signal.SIGTERM)
+                ended += 1
+            self.assertGreater(ended, 1, kind)
 
     def test_reads_a_file_that_nobody_may_write(self):
         whole = report(self.rows)

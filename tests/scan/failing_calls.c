@@ -1,9 +1,10 @@
 /* Ends a program at one of its system calls, or lets that call fail. Loaded before other libraries
    (LD_PRELOAD), so that the program under test is the one that is installed.
 
-   FAILING_CALL=HOW:KIND:NUMBER  HOW is kill (SIGKILL before the call), tear (after half of the
-                                 bytes of a write) or the number of an error; KIND is change or
-                                 read; the calls of that kind are counted from 1 on
+   FAILING_CALL=HOW:KIND:NUMBER  HOW is kill (SIGKILL before the call), term (SIGTERM before the
+                                 call), tear (after half of the bytes of a write) or the number of
+                                 an error; KIND is change or read; the calls of that kind are
+                                 counted from 1 on
    FAILING_CALL_LOG=FILE         gets the number of calls when the program ends by itself
 
    Standard streams are let be. */
@@ -22,7 +23,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-enum how { nothing, by_kill, by_tear, by_error };
+enum how { nothing, by_kill, by_term, by_tear, by_error };
 
 static enum how how = nothing;
 static int error_number;
@@ -35,7 +36,10 @@ __attribute__((constructor)) static void read_request(void) {
     char word[8];
     char kind[8];
     if (request == NULL || sscanf(request, "%7[^:]:%7[^:]:%ld", word, kind, &wanted) != 3) return;
-    how = strcmp(word, "kill") == 0 ? by_kill : strcmp(word, "tear") == 0 ? by_tear : by_error;
+    how = strcmp(word, "kill") == 0   ? by_kill
+          : strcmp(word, "term") == 0 ? by_term
+          : strcmp(word, "tear") == 0 ? by_tear
+                                      : by_error;
     error_number = atoi(word);
     counts_reads = strcmp(kind, "read") == 0;
 }
@@ -56,6 +60,10 @@ static int fails(int is_read) {
     if (how == by_error) {
         errno = error_number;
         return 1;
+    }
+    if (how == by_term) { /* the program may hold the signal, and go on with the call */
+        syscall(SYS_kill, getpid(), SIGTERM);
+        return 0;
     }
     if (how == by_kill) syscall(SYS_kill, getpid(), SIGKILL);
     return 1;

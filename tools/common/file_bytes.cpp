@@ -4,7 +4,7 @@
 
 #include "common/complaint.h"
 #include "common/descriptor_io.h"
-#include "common/unfinished_file.h"
+#include "common/removed_name.h"
 
 #include <algorithm>
 #include <array>
@@ -59,7 +59,7 @@ void write_error(std::string_view text) { static_cast<void>(write_all(STDERR_FIL
 /// restored by then, ends the program as soon as this returns.
 void on_lost_page(int signal, siginfo_t* info, void* /*context*/) {
     const char* const place = static_cast<const char*>(info->si_addr);
-    remove_unfinished_files();
+    remove_names();
     if (in_use.m_begin == nullptr || place < in_use.m_begin || place >= in_use.m_end) {
         static_cast<void>(::raise(signal));
         return;

@@ -1,13 +1,11 @@
-// Creates files without a name, or with a name that signal handlers can read; see the header.
+// Creates files without a name, or with a temporary one; see the header.
 
 #include "common/unfinished_file.h"
 
 #include "common/signals_held.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <string_view>
@@ -15,41 +13,8 @@
 
 namespace {
 
-/// These do not end the program by default, or cannot be handled. All others end it, real-time
-/// signals included.
-constexpr std::array signals_let_be = {SIGCHLD, SIGCONT, SIGSTOP,  SIGTSTP, SIGTTIN,
-                                       SIGTTOU, SIGURG,  SIGWINCH, SIGKILL};
-
 constexpr std::string_view temporary_prefix = ".mailstructure-";
 constexpr std::size_t random_letters = 6;
-
-/// What the signal handlers remove, since they get no argument: a name, ended by a NUL, in a
-/// folder. The name is empty if there is nothing to remove.
-struct file_to_remove {
-    std::array<char, temporary_prefix.size() + random_letters + 1> m_name{};
-    int m_folder = -1;
-};
-std::array<file_to_remove, 4> unfinished; // NOLINT: see above
-
-/// The signal has its default action again by now, and takes it as soon as this returns.
-void on_ending_signal(int signal) {
-    remove_unfinished_files();
-    static_cast<void>(::raise(signal));
-}
-
-/// A signal that is ignored stays ignored, and one that has a handler keeps it.
-void handle_ending_signals() {
-    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
-        if (std::find(signals_let_be.begin(), signals_let_be.end(), signal) != signals_let_be.end())
-            continue;
-        struct sigaction present = {};
-        if (::sigaction(signal, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
-        struct sigaction action = {};
-        action.sa_handler = on_ending_signal;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        ::sigaction(signal, &action, nullptr);
-    }
-}
 
 std::string random_name() {
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
@@ -112,9 +77,7 @@ bool unfinished_file::create_unnamed(mode_t mode) {
 
 bool unfinished_file::create_named(mode_t mode) {
     const signals_held held;
-    auto* const slot = std::find_if(unfinished.begin(), unfinished.end(),
-                                    [](const auto& each) { return each.m_name.front() == '\0'; });
-    if (slot == unfinished.end()) {
+    if (!m_removed.has_room()) {
         errno = EMFILE;
         return false;
     }
@@ -124,10 +87,7 @@ bool unfinished_file::create_named(mode_t mode) {
         return m_descriptor >= 0;
     });
     if (m_name.empty()) return false;
-    m_slot = static_cast<std::size_t>(slot - unfinished.begin());
-    slot->m_folder = m_folder;
-    *std::copy(m_name.begin(), m_name.end(), slot->m_name.begin()) = '\0';
-    handle_ending_signals();
+    m_removed.remember(m_folder, m_name);
     return true;
 }
 
@@ -173,10 +133,5 @@ int unfinished_file::now_has_a_lasting_name() {
 
 void unfinished_file::forget_name() {
     m_name.clear();
-    unfinished[m_slot].m_name.front() = '\0';
-}
-
-void remove_unfinished_files() {
-    for (const file_to_remove& each : unfinished)
-        if (each.m_name.front() != '\0') ::unlinkat(each.m_folder, each.m_name.data(), 0);
+    m_removed.forget();
 }

@@ -3,7 +3,8 @@
 #ifndef TOOLS_COMMON_UNFINISHED_FILE_H
 #define TOOLS_COMMON_UNFINISHED_FILE_H
 
-#include <cstddef>
+#include "common/removed_name.h"
+
 #include <cstdint>
 #include <string>
 #include <sys/types.h>
@@ -55,12 +56,9 @@ private:
 
     int m_folder;
     int m_descriptor = -1;
-    std::string m_name;     // the temporary name; empty if the file has none
-    std::size_t m_slot = 0; // where signal handlers find that name, if there is one
+    std::string m_name; // the temporary name; empty if the file has none
+    removed_name m_removed{removed_name::kind::file};
     int m_error = 0;
 };
-
-/// Removes the unfinished files that have temporary names. Safe to call from a signal handler.
-void remove_unfinished_files();
 
 #endif

@@ -4,12 +4,12 @@
 
 #include "common/complaint.h"
 #include "common/descriptor_io.h"
+#include "common/private_folder.h"
 #include "scan/rows/row_reader.h"
 #include "scan/rows/table_file.h"
 #include "scan/rows/table_schema.h" // made from doc/scan.sql
 
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -19,31 +19,6 @@ namespace {
 
 constexpr std::string_view sqlite_beginning("SQLite format 3\0", 16);
 constexpr std::size_t read_at_once = std::size_t{1} << 18;
-
-/// A new folder that nobody else may look into, in the one for temporary files. It goes with the
-/// object; its files have to be gone by then.
-class private_folder {
-public:
-    private_folder() {
-        const char* const parent = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
-        m_name = parent == nullptr || *parent == '\0' ? "/tmp" : parent;
-        m_name += "/mailstructure-XXXXXX";
-        if (::mkdtemp(m_name.data()) == nullptr) m_error = errno;
-    }
-    ~private_folder() {
-        if (m_error == 0) ::rmdir(m_name.c_str());
-    }
-    private_folder(const private_folder&) = delete;
-    private_folder& operator=(const private_folder&) = delete;
-
-    const std::string& name() const { return m_name; }
-    /// An errno value, or 0 if the folder is there.
-    int error() const { return m_error; }
-
-private:
-    std::string m_name;
-    int m_error = 0;
-};
 
 /// The address by which SQLite opens the file without locks, and without the files beside it that
 /// could change it.
@@ -129,8 +104,8 @@ scan_tables::scan_tables(const std::string& file_name) {
 
 /// Makes tables of the lines, in a file that loses its name as soon as it is open.
 bool scan_tables::load_lines(int descriptor, std::string_view beginning) {
-    const private_folder folder;
-    const std::string path = folder.name() + "/rows";
+    const private_folder folder("rows");
+    const std::string& path = folder.file_path();
     if (folder.error() != 0)
         return fail("cannot write " + path + ": " + system_error_text(folder.error()));
     table_file tables(path);
@@ -143,9 +118,7 @@ bool scan_tables::load_lines(int descriptor, std::string_view beginning) {
     if (!reader.finish() && reader.error())
         return fail("no rows of a scan: " + reader.error()->text());
     if (!tables.finish()) return fail("cannot write " + path + ": " + tables.error());
-    const bool is_open = open(path);
-    ::unlink(path.c_str());
-    return is_open;
+    return open(path);
 }
 
 bool scan_tables::open(const std::string& path) {
