@@ -5,14 +5,12 @@ The tool is the first argument of each test that uses this; the rest are unittes
 
 import base64
 import hashlib
-import json
 import pathlib
 import subprocess
 import sys
 
-TOP = pathlib.Path(__file__).resolve().parent.parent.parent
-TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "scan"))
+from scanned import SEPARATOR, TOOL, rows_of  # pylint: disable=wrong-import-position
 
 
 def run(*arguments, given=None, **more):
@@ -22,21 +20,9 @@ def run(*arguments, given=None, **more):
                           stderr=subprocess.PIPE, check=False, **source, **more)
 
 
-def rows_of(index):
-    """The rows of an index."""
-    text = index.decode("utf-8", errors="strict")
-    assert text == "" or text.endswith("\n"), "the last row does not end"
-    return [json.loads(line) for line in text.split("\n")[:-1]]
-
-
 def rows_in(folder):
     """The rows of the index in the folder."""
     return rows_of((folder / "index.ndjson").read_bytes())
-
-
-def of_kind(kind, rows):
-    """Those rows that are of one kind."""
-    return [row for row in rows if row["kind"] == kind]
 
 
 def contents_of(folder):

@@ -19,8 +19,8 @@ import unittest
 LIBRARY = pathlib.Path(sys.argv.pop(2)).resolve()
 
 # pylint: disable=wrong-import-position # it takes the tool from the arguments
-import extracted
-from extracted import contents_of, message, name_for, of_kind, pile_of, rows_in, run
+from extracted import contents_of, message, name_for, pile_of, rows_in, run
+from scanned import TOOL, of_kind, rows_of
 
 ATTACHED = b"Content-Disposition: attachment; filename="
 CONTENTS = [b"first content", b"second content", b""]
@@ -47,7 +47,7 @@ class Folder(unittest.TestCase):
         index = self.top / "index"
         index.unlink(missing_ok=True)
         done = run("-o", self.folder, "--index", index, self.pile)
-        return done, extracted.rows_of(index.read_bytes()) if index.exists() else None
+        return done, rows_of(index.read_bytes()) if index.exists() else None
 
     def test_has_each_content_once(self):
         done = run("-o", self.folder, self.pile)
@@ -130,12 +130,12 @@ class Folder(unittest.TestCase):
         run("-o", self.folder, self.pile)
         secret = name_for(CONTENTS[0], "pdf")
         (self.folder / secret).chmod(0)
-        done = subprocess.run([*as_others, extracted.TOOL, "extract", "-o", self.folder,
+        done = subprocess.run([*as_others, TOOL, "extract", "-o", self.folder,
                                "--index=-", self.pile], stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE, check=False)
         self.assertEqual(done.returncode, 1)
         self.assertIn(b"3 faults in 1 source: cannot-compare 3\n", done.stderr)
-        self.check_not_compared(extracted.rows_of(done.stdout), 3, [secret], errno.EACCES)
+        self.check_not_compared(rows_of(done.stdout), 3, [secret], errno.EACCES)
 
     def test_tells_of_a_content_that_the_disk_cannot_read(self):
         """Each time that something is read, in turn."""
@@ -152,7 +152,7 @@ class Folder(unittest.TestCase):
                 continue
             self.assertEqual(done.returncode, 1)
             self.assertIn(b"1 fault in 1 source: cannot-compare 1\n", done.stderr)
-            self.check_not_compared(extracted.rows_of(done.stdout), 1, WANTED, errno.EIO)
+            self.check_not_compared(rows_of(done.stdout), 1, WANTED, errno.EIO)
             not_compared += 1
         self.assertEqual(not_compared, 4) # the fifth content is empty
 
@@ -176,7 +176,7 @@ class Folder(unittest.TestCase):
         partial = 0
         for kill in range(12):
             wait_for = generator.randrange(len(wanted))
-            with subprocess.Popen([extracted.TOOL, "extract", "-o", self.folder, self.pile],
+            with subprocess.Popen([TOOL, "extract", "-o", self.folder, self.pile],
                                   stdout=subprocess.DEVNULL) as tool:
                 while tool.poll() is None and len(list(self.folder.glob("*/*"))) < wait_for:
                     time.sleep(0.0005)
@@ -197,7 +197,7 @@ class Folder(unittest.TestCase):
         large = b"x" * 300_000
         self.pile.write_bytes(pile_of([message((ATTACHED + b"a", b"small")),
                                        message((ATTACHED + b"b", large))]))
-        limited = ["sh", "-c", "trap '' XFSZ; ulimit -f 200; exec \"$@\"", "sh", extracted.TOOL]
+        limited = ["sh", "-c", "trap '' XFSZ; ulimit -f 200; exec \"$@\"", "sh", TOOL]
         done = subprocess.run([*limited, "extract", "-o", self.folder, self.pile],
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
         self.assertEqual((done.returncode, done.stdout), (1, b""))
@@ -212,7 +212,7 @@ class Folder(unittest.TestCase):
         self.pile.write_bytes(pile_of([message((ATTACHED + b"a", b"one")),
                                        message((ATTACHED + b"b", bytes(33 << 20))),
                                        message((ATTACHED + b"c", b"three"))]))
-        limited = ["sh", "-c", "trap '' XFSZ; ulimit -f 20000; exec \"$@\"", "sh", extracted.TOOL]
+        limited = ["sh", "-c", "trap '' XFSZ; ulimit -f 20000; exec \"$@\"", "sh", TOOL]
         done = subprocess.run([*limited, "extract", "-o", self.folder, self.pile],
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
         self.assertEqual(done.returncode, 1)

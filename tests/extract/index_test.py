@@ -17,12 +17,12 @@ import unittest
 
 import jsonschema
 
-import extracted
-from extracted import message, of_kind, pile_of, rows_in, run
+from extracted import contents_of, message, pile_of, rows_in, run
+from scanned import TOOL, TOP, of_kind, rows_of
 
-SCHEMA = json.loads((extracted.TOP / "doc/extract.schema.json").read_text())
+SCHEMA = json.loads((TOP / "doc/extract.schema.json").read_text())
 ROW = jsonschema.Draft202012Validator(SCHEMA)
-SAMPLES = sorted(path for path in (extracted.TOP / "tests/data").rglob("*") if path.is_file())
+SAMPLES = sorted(path for path in (TOP / "tests/data").rglob("*") if path.is_file())
 ATTACHED = b"Content-Disposition: attachment; filename="
 HOSTILE = [
     message((ATTACHED + b"../../outside.pdf", b"one"), (ATTACHED + b'"/etc/passwd"', b"two"),
@@ -49,7 +49,7 @@ class Index(unittest.TestCase):
         """Extracts, and checks what holds of any source. Returns the rows."""
         done = run("-o", self.folder, *arguments, given=given)
         rows = rows_in(self.folder)
-        contents = extracted.contents_of(self.folder)
+        contents = contents_of(self.folder)
         attachments = of_kind("attachment", rows)
         for row in rows:
             ROW.validate(row)
@@ -74,7 +74,7 @@ class Index(unittest.TestCase):
             address = row["source"] + (f"::{row['member']}" if row["member"] else "")
             if row["section"] is None or row["decode_status"] == "unknown-encoding":
                 continue
-            part = [extracted.TOOL, "part", "--decode=lenient", row["section"],
+            part = [TOOL, "part", "--decode=lenient", row["section"],
                     f"{address}@{row['message']}"]
             done = subprocess.run(part, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=True)
             self.assertEqual(done.stdout, (self.folder / row["file"]).read_bytes())
@@ -84,9 +84,9 @@ class Index(unittest.TestCase):
 
     def test_of_samples(self):
         for rules in ("standard", "classic"):
-            rows = self.extract(f"--rules={rules}", extracted.TOP / "tests/data/messages")
+            rows = self.extract(f"--rules={rules}", TOP / "tests/data/messages")
             (self.folder / "index.ndjson").rename(self.top / rules)
-            for path in extracted.contents_of(self.folder):
+            for path in contents_of(self.folder):
                 (self.folder / path).unlink()
         self.assertGreater(len(rows), 10)
 
@@ -95,7 +95,7 @@ class Index(unittest.TestCase):
         pile.write_bytes(pile_of(HOSTILE))
         with tarfile.open(self.top / "packed.tgz", "w:gz") as archive:
             archive.add(pile, "inner/pile")
-            archive.add(extracted.TOP / "tests/data/messages/mixed-with-attachment.eml", "one")
+            archive.add(TOP / "tests/data/messages/mixed-with-attachment.eml", "one")
         rows = self.extract(pile, self.top / "packed.tgz")
         self.assertGreater(self.check_places(rows), 12)
         statuses = {row["decode_status"] for row in of_kind("attachment", rows)}
@@ -113,14 +113,14 @@ class Index(unittest.TestCase):
         for path in SAMPLES + own:
             for rules in ("standard", "classic"):
                 saved = subprocess.run(
-                    [extracted.TOOL, "part", "--all", f"--rules={rules}", "-o", self.top / "saved",
+                    [TOOL, "part", "--all", f"--rules={rules}", "-o", self.top / "saved",
                      path], stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
                 if saved.returncode != 0 or path.read_bytes().startswith(b"From "):
                     continue # damaged, or no message
                 wanted = [line.split("\t")[:3] for line in saved.stdout.decode().splitlines()]
                 index = run("-o", self.folder, "--index=-", "--one", f"--rules={rules}", path)
                 found = [[row["section"] or "...", f"{row['type']}/{row['subtype']}",
-                          str(row["decoded_size"])] for row in extracted.rows_of(index.stdout)]
+                          str(row["decoded_size"])] for row in rows_of(index.stdout)]
                 self.assertEqual(found, wanted, path.name)
                 compared += len(wanted)
         self.assertGreater(compared, 10)
@@ -129,10 +129,10 @@ class Index(unittest.TestCase):
         """The hash and the status of decoding are those of the row of the entity."""
         pile = self.top / "pile"
         pile.write_bytes(pile_of(HOSTILE))
-        scanned = subprocess.run([extracted.TOOL, "scan", "--hash=parts", pile], check=True,
+        scanned = subprocess.run([TOOL, "scan", "--hash=parts", pile], check=True,
                                  stdout=subprocess.PIPE).stdout
         entities = {tuple(row[name] for name in (*PLACE, "section")): row
-                    for row in of_kind("entity", extracted.rows_of(scanned))}
+                    for row in of_kind("entity", rows_of(scanned))}
         compared = 0
         for row in of_kind("attachment", self.extract(pile)):
             entity = entities[tuple(row[name] for name in (*PLACE, "section"))]
@@ -154,9 +154,9 @@ class Index(unittest.TestCase):
         for threads in ("1", "2", "7"):
             out = self.top / threads
             indexes.append(run("--index=-", f"--threads={threads}", "-o", out, pile).stdout)
-            contents = extracted.contents_of(out)
+            contents = contents_of(out)
             self.assertEqual(len(contents), 700 + len(HOSTILE) + 2)
-        self.assertGreater(len(extracted.rows_of(indexes[0])), 900)
+        self.assertGreater(len(rows_of(indexes[0])), 900)
         self.assertEqual(indexes, indexes[:1] * 3)
 
     def test_has_faults_in_their_places(self):
@@ -198,7 +198,7 @@ class Schema(unittest.TestCase):
         jsonschema.Draft202012Validator.check_schema(SCHEMA)
         with tempfile.TemporaryDirectory() as folder:
             given = pile_of(HOSTILE)
-            rows = extracted.rows_of(run("-o", folder, "--index=-", given=given).stdout)
+            rows = rows_of(run("-o", folder, "--index=-", given=given).stdout)
         self.assertEqual({row["kind"] for row in rows}, {"attachment", "fault"})
         for row in rows:
             ROW.validate(row)

@@ -14,9 +14,9 @@ import tempfile
 import unittest
 
 import scanned
+from scanned import SEPARATOR
 
 SAMPLES = scanned.TOP / "tests/data/messages"
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 QUOTED = b"Subject: q\nContent-Length: %d\n\n" + b"x\n\n" + SEPARATOR + b"a: b\n\ny\n"
 QUOTED = QUOTED % (len(QUOTED) - len(b"Subject: q\nContent-Length: %d\n\n"))
 TEXTS = [(SAMPLES / name).read_bytes()

@@ -11,8 +11,8 @@ import tempfile
 import unittest
 
 import scanned
+from scanned import SEPARATOR
 
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 MEBIBYTE = 1 << 20
 MOST_MEMORY = 256 * MEBIBYTE
 LINE = b"0123456789012345678901234567890123456789012345678901234567890123456789\n"

@@ -28,11 +28,11 @@ import unittest
 LIBRARY = pathlib.Path(sys.argv.pop(2)).resolve()
 
 import scanned # pylint: disable=wrong-import-position # it takes the tool from the arguments
+from scanned import SEPARATOR  # pylint: disable=wrong-import-position
 
 KILLS = int(os.environ.get("MAILSTRUCTURE_KILLS", "24"))
 STEP = int(os.environ.get("MAILSTRUCTURE_STEP", "9"))
 SEED = int(os.environ.get("MAILSTRUCTURE_SEED", random.randrange(1 << 30)))
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 FORMS = ("-o", "--sqlite")
 # In memory, writing through to the disk costs no time.
 MEMORY = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None

@@ -17,12 +17,12 @@ import unittest
 import jsonschema
 
 import scanned
+from scanned import SEPARATOR
 
 SCHEMA = json.loads((scanned.TOP / "doc/scan.schema.json").read_text())
 SAMPLES = sorted(path for path in (scanned.TOP / "tests/data").rglob("*") if path.is_file())
 ROW = jsonschema.Draft202012Validator(SCHEMA)
 
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 HOSTILE = [
     b"Subject: Gr\xfc\xdfe \xed\xa0\x80\nFrom: \xe5 <\xe6@mail.example>, b\nDate: \xe3\n"
     b"Content-Type: te\xffxt/pl\xfeain; name=\xe4.txt; charset=\xe9\nMessage-ID: <\xe2>\n"

@@ -16,11 +16,10 @@ import unittest
 import jsonschema
 import mailbox_test
 import scanned
+from scanned import SEPARATOR
 
 ROW = jsonschema.Draft202012Validator(
     json.loads((scanned.TOP / "doc/scan.schema.json").read_text()))
-
-SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 
 
 def merge(*arguments):
