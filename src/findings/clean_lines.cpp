@@ -12,10 +12,10 @@ namespace mail_structure_detail::findings {
 namespace {
 
 constexpr std::size_t block_bytes = 64;
-/// A line that is too long has at least so many blocks within it.
+/// A line that is too long has at least that many whole blocks within it.
 constexpr std::size_t blocks_of_long_line = (longest_line + 1) / block_bytes - 1;
 
-/// The encodings for which the same bytes are good.
+/// Encodings, grouped by the bytes that are good in them.
 enum class good_bytes : std::uint8_t { ascii, any, base64, quoted_printable };
 
 good_bytes good_bytes_of(transfer_encoding encoding) noexcept {
@@ -78,8 +78,8 @@ std::size_t line_ends_in(const char* block) noexcept {
     std::memcpy(words.data(), &bad, sizeof bad);
     if ((words[0] | words[1]) != 0) return not_found;
     std::memcpy(words.data(), &line_ends, sizeof line_ends);
-    constexpr std::uint64_t ones =
-        0x0101010101010101; // the product has the sum of all bytes on top
+    // The highest byte of the product is the sum of all bytes of the other factor.
+    constexpr std::uint64_t ones = 0x0101010101010101;
     return (words[0] + words[1]) * ones >> 56U;
 }
 
