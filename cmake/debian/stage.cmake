@@ -155,6 +155,12 @@ find_dependencies(${root_of_runtime} CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} (= ${version})")
 if(root_of_tool)
   find_dependencies(${root_of_tool} CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS)
+  # The tool loads this library when it first unpacks something, which dpkg-shlibdeps does not see.
+  execute_process(
+    COMMAND dpkg-query -S */${CPACK_MAILSTRUCTURE_LIBARCHIVE}
+    OUTPUT_VARIABLE owner COMMAND_ERROR_IS_FATAL ANY)
+  string(REGEX REPLACE ":.*" "" owner "${owner}")
+  string(APPEND CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS ", ${owner}")
 endif()
 if(root_of_python)
   # The module keeps to the stable ABI of this version, so that any later Python 3 will do.

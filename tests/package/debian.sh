@@ -33,6 +33,7 @@ done
 [[ $(field mailstructure Depends) == *"libmailstructure1 (>= 1.0.0)"* ]] ||
     fail "$(field mailstructure Depends)"
 [[ $(field mailstructure Depends) == *"libc6 ("* ]]
+[[ $(field mailstructure Depends) =~ libarchive[0-9] ]] || fail "$(field mailstructure Depends)"
 for dependency in "libmailstructure1 (>= 1.0.0)" libnettle8 "python3 (>= 3.11~)"; do
     [[ $(field python3-mailstructure Depends) == *"$dependency"* ]] ||
         fail "$(field python3-mailstructure Depends)"

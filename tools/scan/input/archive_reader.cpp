@@ -3,7 +3,6 @@
 #include "scan/input/archive_reader.h"
 
 #include <algorithm>
-#include <archive_entry.h>
 #include <cstdio>
 #include <new>
 
@@ -48,20 +47,20 @@ bool is_packed(std::string_view beginning) {
 }
 
 archive_reader::archive_reader(file_reader& file, archive_limits limits)
-    : m_file(file), m_limits(limits), m_archive(archive_read_new()) {
+    : m_file(file), m_limits(limits) {
+    if (!m_library.m_error.empty()) {
+        m_failure = {"cannot-read", m_library.m_error};
+        m_is_over = true;
+        return;
+    }
+    m_archive.reset(m_library.m_read_new());
     archive* const opened = m_archive.get();
     if (opened == nullptr) throw std::bad_alloc();
-    // Never all that libarchive knows: it would take text within a message for an archive.
-    for (const auto support : {archive_read_support_filter_gzip, archive_read_support_filter_bzip2,
-                               archive_read_support_filter_xz, archive_read_support_filter_zstd,
-                               archive_read_support_filter_lz4, archive_read_support_format_tar,
-                               archive_read_support_format_zip, archive_read_support_format_7zip,
-                               archive_read_support_format_raw, archive_read_support_format_empty})
-        support(opened);
-    archive_read_set_callback_data(opened, this);
-    archive_read_set_read_callback(opened, on_read);
-    if (m_file.size()) archive_read_set_seek_callback(opened, on_seek);
-    const int status = archive_read_open1(opened);
+    for (const auto support : m_library.m_support) support(opened);
+    m_library.m_read_set_callback_data(opened, this);
+    m_library.m_read_set_read_callback(opened, on_read);
+    if (m_file.size()) m_library.m_read_set_seek_callback(opened, on_seek);
+    const int status = m_library.m_read_open1(opened);
     if (status < ARCHIVE_WARN) fail(status);
 }
 
@@ -73,7 +72,7 @@ la_ssize_t archive_reader::on_read(archive* opened, void* self, const void** byt
     const std::size_t count = reader.m_file.read(reader.m_block.data(), reader.m_block.size());
     const int error = reader.m_file.error();
     if (count != 0 || error == 0) return static_cast<la_ssize_t>(count);
-    archive_set_error(opened, error, "cannot read the file");
+    reader.m_library.m_set_error(opened, error, "cannot read the file");
     return -1;
 }
 
@@ -92,24 +91,25 @@ bool archive_reader::next(archive_member& member) {
     m_hole = m_member_bytes = 0;
     while (!m_is_over) {
         archive_entry* entry = nullptr;
-        const int status = archive_read_next_header(m_archive.get(), &entry);
+        const int status = m_library.m_read_next_header(m_archive.get(), &entry);
         if (status == ARCHIVE_EOF || status < ARCHIVE_WARN) {
             m_is_over = true;
             if (status != ARCHIVE_EOF) fail(status);
             return false;
         }
         if (status == ARCHIVE_RETRY) continue;
-        if (archive_format(m_archive.get()) == ARCHIVE_FORMAT_RAW) {
+        if (m_library.m_format(m_archive.get()) == ARCHIVE_FORMAT_RAW) {
             member = archive_member();
             return true;
         }
-        if (archive_entry_filetype(entry) != AE_IFREG || archive_entry_hardlink(entry) != nullptr)
+        if (m_library.m_entry_filetype(entry) != AE_IFREG
+            || m_library.m_entry_hardlink(entry) != nullptr)
             continue;
-        const char* name = archive_entry_pathname_utf8(entry);
-        if (name == nullptr) name = archive_entry_pathname(entry);
+        const char* name = m_library.m_entry_pathname_utf8(entry);
+        if (name == nullptr) name = m_library.m_entry_pathname(entry);
         member.m_name = name == nullptr ? "" : name;
-        member.m_modified = std::int64_t{archive_entry_mtime(entry)} * 1'000'000'000
-                            + archive_entry_mtime_nsec(entry);
+        member.m_modified = std::int64_t{m_library.m_entry_mtime(entry)} * 1'000'000'000
+                            + m_library.m_entry_mtime_nsec(entry);
         return true;
     }
     return false;
@@ -139,7 +139,7 @@ bool archive_reader::read_block() {
         const void* bytes = nullptr;
         std::size_t count = 0;
         la_int64_t offset = 0;
-        const int status = archive_read_data_block(m_archive.get(), &bytes, &count, &offset);
+        const int status = m_library.m_read_data_block(m_archive.get(), &bytes, &count, &offset);
         if (status == ARCHIVE_EOF) return false;
         if (status == ARCHIVE_RETRY) continue;
         if (status < ARCHIVE_WARN) {
@@ -169,6 +169,6 @@ void archive_reader::fail(int status) {
         m_failure = of_file;
         return;
     }
-    const char* const why = archive_error_string(m_archive.get());
+    const char* const why = m_library.m_error_string(m_archive.get());
     m_failure = {"archive-damaged", why == nullptr ? "the archive is damaged" : why};
 }

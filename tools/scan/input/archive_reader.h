@@ -3,10 +3,10 @@
 #ifndef TOOLS_SCAN_INPUT_ARCHIVE_READER_H
 #define TOOLS_SCAN_INPUT_ARCHIVE_READER_H
 
+#include "scan/input/archive_library.h"
 #include "scan/input/byte_source.h"
 #include "scan/input/file_reader.h"
 
-#include <archive.h>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -54,7 +54,7 @@ public:
 
 private:
     struct free_archive {
-        void operator()(archive* opened) const { archive_read_free(opened); }
+        void operator()(archive* opened) const { archive_library::loaded().m_read_free(opened); }
     };
 
     static la_ssize_t on_read(archive* opened, void* self, const void** bytes);
@@ -63,6 +63,7 @@ private:
     bool read_block();
     bool is_within_limits();
 
+    const archive_library& m_library = archive_library::loaded();
     file_reader& m_file;
     const archive_limits m_limits;
     std::array<char, 65536> m_block{};
