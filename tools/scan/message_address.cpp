@@ -94,10 +94,10 @@ public:
 
     /// The system's number for the failure to write; 0 if there was none.
     int error() const { return m_error; }
-
-private:
+    /// The offset of the first byte that was not read.
     std::uint64_t end() const { return m_begin + m_bytes.size(); }
 
+private:
     bool read_block() {
         const std::size_t count = m_file.read(m_bytes.room_for(block_bytes), block_bytes);
         m_bytes.add(count);
@@ -203,7 +203,8 @@ opened_message copied(const byte_source& source, const message_copier& copier, b
                       int copy) {
     if (copier.error() != 0) return fault("cannot copy: " + system_error_text(copier.error()));
     if (const std::optional<read_failure> failure = source.failure())
-        return fault("cannot read: " + failure->m_text);
+        return fault("cannot read: " + failure->m_text + " at byte "
+                     + std::to_string(copier.end()));
     return is_copied ? opened_message{copy, ""}
                      : fault("no message begins at that byte of the source");
 }
