@@ -10,7 +10,8 @@ import subprocess
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
-TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
+TOOL = pathlib.Path(
+    sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure").resolve()
 
 RULE_SETS = ("standard", "classic")
 

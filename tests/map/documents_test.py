@@ -21,7 +21,8 @@ import hostile  # noqa: E402
 import safe_document  # noqa: E402
 from safe_document import SVG, XHTML  # noqa: E402
 
-TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
+TOOL = pathlib.Path(
+    sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure").resolve()
 SAMPLES = sorted(path for path in (TOP / "tests/data").rglob("*") if path.suffix == ".eml")
 MOST_BYTES = 1024 * 1024
 

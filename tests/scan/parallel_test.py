@@ -59,7 +59,7 @@ class Parallel(unittest.TestCase):
         wrapper.chmod(0o755)
         self.environment = {
             "HOME": folder.name, "LC_ALL": "C.UTF-8", "PATH": f"{programs}:{os.environ['PATH']}",
-            "SHELL": "/bin/sh", "TOOL": str(pathlib.Path(scanned.TOOL).resolve())}
+            "SHELL": "/bin/sh", "TOOL": str(scanned.TOOL)}
         self.make, self.scan, self.merge = [
             line.replace("one,two,three", ":").replace("/mail", str(self.mail))
             .replace("48", str(SHARDS)) for line in documented_lines()]

@@ -9,7 +9,8 @@ import subprocess
 import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent.parent
-TOOL = sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure"
+TOOL = pathlib.Path(
+    sys.argv.pop(1) if len(sys.argv) > 1 else TOP / "build/dev/tools/mailstructure").resolve()
 # Before a message in an mbox.
 SEPARATOR = b"From ada@mail.example Mon Mar  3 09:15:00 2025\n"
 
