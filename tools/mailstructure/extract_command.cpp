@@ -5,9 +5,8 @@
 #include "common/output_file.h"
 #include "common/target_folder.h"
 #include "extract/extract.h"
-#include "mailstructure/command_line.h"
 #include "mailstructure/pile_command_line.h"
-#include "mailstructure/scan_command.h"
+#include "mailstructure/row_output.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -38,12 +37,6 @@ std::string source_around(const std::string& folder, const std::vector<std::stri
     return "";
 }
 
-/// False, after a complaint.
-bool cannot_write(const std::string& file, const std::string& why) {
-    complain_about_input(file, "cannot write: " + why, std::nullopt);
-    return false;
-}
-
 /// What was found and written, one line for each number.
 std::string summary_of(const extract_totals& totals) {
     return "sources      " + std::to_string(totals.m_scan.m_sources) + "\nmessages     "
@@ -63,9 +56,7 @@ bool all_files_written(const extract_totals& totals, const target_folder& folder
 bool extract_and_print_index(const scan_options& options, const target_folder& folder,
                              extract_totals& totals) {
     errno = 0;
-    totals = extract(options, folder, [](std::string_view rows) {
-        return !!std::cout.write(rows.data(), static_cast<std::streamsize>(rows.size()));
-    });
+    totals = extract(options, folder, print_rows);
     return all_files_written(totals, folder) && output_got_out();
 }
 
@@ -95,7 +86,6 @@ bool extract_with_index(const extract_options& chosen, const target_folder& fold
 } // namespace
 
 void describe_extract(CLI::App& command, extract_options& options) {
-    scan_options& chosen = options.m_scan;
     command
         .add_option("-o,--output", options.m_folder,
                     "Write the files to this folder, which is created if need be; no file in it is "
@@ -107,16 +97,10 @@ void describe_extract(CLI::App& command, extract_options& options) {
                     "Write the index to this new file instead of index.ndjson in the folder; - is "
                     "standard output")
         ->type_name("FILE");
-    describe_pile(command, chosen.m_pile);
-    describe_threads(command, chosen.m_threads);
-    describe_progress(command, chosen.m_progress);
-    describe_max_size(command, chosen.m_rows.m_max_size);
-    describe_rules(command, chosen.m_rows.m_rules);
-    describe_sources(command, chosen.m_sources);
+    describe_reading(command, options.m_scan);
     command.final_callback([&options] {
-        std::vector<std::string>& sources = options.m_scan.m_sources;
-        if (sources.empty()) sources.push_back(standard_input());
-        const std::string source = source_around(options.m_folder, sources);
+        complete_reading(options.m_scan);
+        const std::string source = source_around(options.m_folder, options.m_scan.m_sources);
         if (!source.empty())
             throw CLI::ValidationError("the folder of --output is within the source " + source
                                        + ", which would be read while it is written");
@@ -124,17 +108,15 @@ void describe_extract(CLI::App& command, extract_options& options) {
 }
 
 exit_status run_extract(const extract_options& chosen) {
-    extract_options options = chosen;
-    options.m_scan.m_pile.m_rules = options.m_scan.m_rows.m_rules;
-    target_folder folder(options.m_folder);
+    target_folder folder(chosen.m_folder);
     if (!folder.open()) {
         cannot_write(folder.name(), system_error_text(errno));
         return some_input_failed;
     }
     extract_totals totals;
-    const bool is_written = options.m_index == "-"
-                                ? extract_and_print_index(options.m_scan, folder, totals)
-                                : extract_with_index(options, folder, totals);
+    const bool is_written = chosen.m_index == "-"
+                                ? extract_and_print_index(chosen.m_scan, folder, totals)
+                                : extract_with_index(chosen, folder, totals);
     if (!is_written) return some_input_failed;
     return status_of(totals.m_scan);
 }

@@ -3,13 +3,12 @@
 #include "mailstructure/merge_command.h"
 
 #include "common/output_file.h"
-#include "mailstructure/scan_command.h"
+#include "mailstructure/row_output.h"
 #include "scan/rows/row_reader.h"
 #include "scan/rows/table_file.h"
 #include "scan/shards/shard_merge.h"
 
 #include <cerrno>
-#include <iostream>
 #include <optional>
 #include <string_view>
 
@@ -24,20 +23,13 @@ bool fail(const shard_fault& fault) {
     return false;
 }
 
-bool cannot_write(const std::string& file_name, const std::string& why) {
-    return fail({file_name, "cannot write: " + why});
-}
-
 using shards_list = std::vector<shard_file>;
 
 /// False, after a complaint unless a pipe has no reader, if the shards cannot be merged, or the
 /// rows cannot be written.
 bool merge_to_standard_output(const shards_list& shards, scan_totals& totals) {
     errno = 0;
-    const auto write = [](std::string_view rows) {
-        return !!std::cout.write(rows.data(), static_cast<std::streamsize>(rows.size()));
-    };
-    const std::optional<shard_fault> fault = merge_shards(shards, write, totals);
+    const std::optional<shard_fault> fault = merge_shards(shards, print_rows, totals);
     if (fault) return fail(*fault);
     return output_got_out();
 }
@@ -69,16 +61,7 @@ bool merge_into_tables(const shards_list& shards, const std::string& file_name,
 } // namespace
 
 void describe_merge(CLI::App& command, merge_options& options) {
-    CLI::Option* const output =
-        command
-            .add_option("-o,--output", options.m_output,
-                        "Write the rows to this new file; - is standard output, the default")
-            ->type_name("FILE");
-    command
-        .add_option("--sqlite", options.m_sqlite,
-                    "Write the rows to this new file of SQLite instead of printing them")
-        ->type_name("FILE")
-        ->excludes(output);
+    describe_row_files(command, options.m_output, options.m_sqlite);
     command
         .add_option("SHARD", options.m_shards,
                     "Files with the rows of all shards of one scan, in any order")

@@ -8,14 +8,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
 constexpr unsigned most_threads = 256;
 
-} // namespace
-
+/// Adds --mbox, --content-length and --one.
 void describe_pile(CLI::App& command, pile_options& options) {
     describe_choice(
         command, "--mbox", {"auto", "strict", "any", "thunderbird"}, "RULES",
@@ -62,4 +63,20 @@ void describe_sources(CLI::App& command, std::vector<std::string>& sources) {
                     "Mailboxes, messages, and folders of them; - is standard input, which is also "
                     "read when none is named")
         ->type_name("");
+}
+
+} // namespace
+
+void describe_reading(CLI::App& command, scan_options& options) {
+    describe_pile(command, options.m_pile);
+    describe_threads(command, options.m_threads);
+    describe_progress(command, options.m_progress);
+    describe_max_size(command, options.m_rows.m_max_size);
+    describe_rules(command, options.m_rows.m_rules);
+    describe_sources(command, options.m_sources);
+}
+
+void complete_reading(scan_options& options) {
+    if (options.m_sources.empty()) options.m_sources.push_back(standard_input());
+    options.m_pile.m_rules = options.m_rows.m_rules;
 }

@@ -3,24 +3,16 @@
 #ifndef TOOLS_MAILSTRUCTURE_PILE_COMMAND_LINE_H
 #define TOOLS_MAILSTRUCTURE_PILE_COMMAND_LINE_H
 
-#include "scan/pipeline/pile_reader.h"
-#include "scan/progress.h"
+#include "scan/scan.h"
 
 #include <CLI/CLI.hpp>
-#include <string>
-#include <vector>
 
-/// Adds the options --mbox, --content-length and --one.
-void describe_pile(CLI::App& command, pile_options& options);
+/// Adds the options that say what is read and how, and the argument SOURCE..., any number of files
+/// and folders. The number of threads becomes that of the processors.
+void describe_reading(CLI::App& command, scan_options& options);
 
-/// Adds the option --threads.
-/// @param threads  becomes the number of processors, and receives another number
-void describe_threads(CLI::App& command, unsigned& threads);
-
-/// Adds the option --progress.
-void describe_progress(CLI::App& command, progress_choice& choice);
-
-/// Adds the argument SOURCE..., any number of files and folders.
-void describe_sources(CLI::App& command, std::vector<std::string>& sources);
+/// To be called when all have been read: standard input is the source if none is named.
+/// @throws CLI::ValidationError  if standard input cannot be
+void complete_reading(scan_options& options);
 
 #endif

@@ -5,6 +5,7 @@
 #include "common/output_file.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/pile_command_line.h"
+#include "mailstructure/row_output.h"
 #include "mailstructure/shard_choice.h"
 #include "scan/output/row_file.h"
 #include "scan/resumption.h"
@@ -21,14 +22,6 @@
 
 namespace {
 
-bool write_rows(std::string_view rows) {
-    return !!std::cout.write(rows.data(), static_cast<std::streamsize>(rows.size()));
-}
-
-std::string counted(std::uint64_t number, const std::string& what) {
-    return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
-}
-
 /// One line for each total, and one for each kind of fault.
 std::string summary_of(const scan_totals& totals) {
     std::string text = "sources   " + std::to_string(totals.m_sources) + "\nmessages  "
@@ -40,31 +33,12 @@ std::string summary_of(const scan_totals& totals) {
     return text;
 }
 
-/// Says what was found wrong, in one line.
-void complain_about_faults(const scan_totals& totals) {
-    std::uint64_t all = 0;
-    std::string codes;
-    for (const auto& [code, count] : totals.m_faults) {
-        all += count;
-        codes += (codes.empty() ? "" : ", ") + std::string(code) + ' ' + std::to_string(count);
-    }
-    if (all != 0)
-        complain(counted(all, "fault") + " in " + counted(totals.m_sources, "source") + ": "
-                 + codes);
-}
-
 /// False, after a complaint unless a pipe has no reader, if standard output cannot be written.
 bool scan_to_standard_output(const scan_options& options, scan_totals& totals) {
     errno = 0;
-    totals = scan(options, write_rows);
+    totals = scan(options, print_rows);
     if (!options.m_makes_rows) std::cout << summary_of(totals);
     return output_got_out();
-}
-
-/// False, after a complaint.
-bool cannot_write(const std::string& file_name, const std::string& why) {
-    complain_about_input(file_name, "cannot write: " + why, std::nullopt);
-    return false;
 }
 
 /// False, after a complaint, if the file cannot be written.
@@ -90,15 +64,14 @@ bool scan_into_new_tables(const scan_options& options, const std::string& file_n
 /// @return false, after a complaint, if that is not possible
 template <class file>
 bool scan_with_checkpoints(scan_options& options, file& output, scan_totals& totals) {
-    const auto complain_about = [&options](const std::string& what) {
-        complain_about_input(options.m_output, what, std::nullopt);
-        return false;
-    };
-    if (!output.error().empty()) return complain_about("cannot write: " + output.error());
+    if (!output.error().empty()) return cannot_write(options.m_output, output.error());
     options.m_resumed = output.resumed();
     if (options.m_resumed) {
         const resumption found = check_resumption(options, *options.m_resumed);
-        if (!found.m_fault.empty()) return complain_about("cannot resume: " + found.m_fault);
+        if (!found.m_fault.empty()) {
+            complain_about_input(options.m_output, "cannot resume: " + found.m_fault, std::nullopt);
+            return false;
+        }
         options.m_bytes_before = found.m_bytes_before;
     }
     scan_state beginning;
@@ -106,8 +79,7 @@ bool scan_with_checkpoints(scan_options& options, file& output, scan_totals& tot
     if (output.begin(options.m_resumed.value_or(beginning))) totals = scan(options, output);
     if (output.finish()) return true;
     const std::string advice = output.advice();
-    return complain_about("cannot write: " + output.error()
-                          + (advice.empty() ? "" : "; " + advice));
+    return cannot_write(options.m_output, output.error() + (advice.empty() ? "" : "; " + advice));
 }
 
 /// Standard input cannot be read again, and what was made of it is of no use unless it is complete.
@@ -185,7 +157,7 @@ CLI::Option* describe_resumption(CLI::App& command, scan_command_options& option
 bool write_plan(const std::string& plan, const std::string& file_name) {
     if (file_name == "-") {
         errno = 0;
-        write_rows(plan);
+        print_rows(plan);
         return output_got_out();
     }
     output_file output(file_name, existing_file::is_kept);
@@ -199,19 +171,9 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
     scan_options& chosen = options.m_scan;
     CLI::Option* const summary =
         command.add_flag("--summary", options.m_summary, "Print totals alone, and no rows");
-    CLI::Option* const output =
-        command
-            .add_option("-o,--output", options.m_output,
-                        "Write the rows to this new file; - is standard output, the default")
-            ->type_name("FILE")
-            ->excludes(summary);
-    CLI::Option* const tables =
-        command
-            .add_option("--sqlite", options.m_sqlite,
-                        "Write the rows to this new file of SQLite instead of printing them")
-            ->type_name("FILE")
-            ->excludes(summary)
-            ->excludes(output);
+    const auto [output, tables] = describe_row_files(command, options.m_output, options.m_sqlite);
+    output->excludes(summary);
+    tables->excludes(summary);
     CLI::Option* const resume = describe_resumption(command, options);
     describe_shards(command, options, {summary, tables, resume});
     describe_choice(
@@ -224,15 +186,9 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
         [&chosen](std::size_t choice) { chosen.m_rows.m_findings = choice != 0; },
         "What is wrong with each message, as the command check tells it: none, or count (the "
         "default)");
-    describe_pile(command, chosen.m_pile);
-    describe_threads(command, chosen.m_threads);
-    describe_progress(command, chosen.m_progress);
-    describe_max_size(command, chosen.m_rows.m_max_size);
-    describe_rules(command, chosen.m_rows.m_rules);
-    describe_sources(command, chosen.m_sources);
+    describe_reading(command, chosen);
     command.final_callback([&options] {
-        std::vector<std::string>& sources = options.m_scan.m_sources;
-        if (sources.empty()) sources.push_back(standard_input());
+        complete_reading(options.m_scan);
         if (!options.m_resume) return;
         if (options.m_output == "-" && options.m_sqlite.empty())
             throw CLI::ValidationError("--resume is for use with --output or --sqlite");
@@ -244,7 +200,6 @@ void describe_scan(CLI::App& command, scan_command_options& options) {
 exit_status run_scan(const scan_command_options& chosen) {
     scan_options options = chosen.m_scan;
     options.m_makes_rows = !chosen.m_summary;
-    options.m_pile.m_rules = options.m_rows.m_rules;
     options.m_rows.m_hash = chosen.m_hash.value_or(hash_choice::message);
     if (chosen.m_summary) options.m_rows.m_hash = hash_choice::none; // nothing would show it
     if (!chosen.m_plan.empty()) {
@@ -259,13 +214,4 @@ exit_status run_scan(const scan_command_options& chosen) {
                                                      : scan_to_standard_output(options, totals);
     if (!is_written) return some_input_failed;
     return status_of(totals);
-}
-
-exit_status status_of(const scan_totals& totals) {
-    if (totals.m_are_sources_others) {
-        complain("the sources have changed while the shard was scanned; scan all shards once more");
-        return some_input_failed;
-    }
-    complain_about_faults(totals);
-    return totals.m_errors == 0 ? all_well : some_input_failed;
 }

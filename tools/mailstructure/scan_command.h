@@ -29,7 +29,4 @@ void describe_scan(CLI::App& command, scan_command_options& options);
 /// Prints the rows, or a summary, and counts what is wrong on standard error.
 exit_status run_scan(const scan_command_options& chosen);
 
-/// Counts what was found wrong on standard error. @return whether all was read
-exit_status status_of(const scan_totals& totals);
-
 #endif
