@@ -3,6 +3,7 @@
 #include "common/charset_names.h"
 
 #include "common/ascii_case.h"
+#include "common/character_class.h"
 
 #include <algorithm>
 #include <array>
@@ -168,8 +169,6 @@ bool is_passed_over(char c) {
     return std::string_view("-_ .:+()").find(c) != std::string_view::npos;
 }
 
-bool is_letter_or_digit(char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); }
-
 } // namespace
 
 std::string_view converter_name(std::string_view charset) {
@@ -177,7 +176,7 @@ std::string_view converter_name(std::string_view charset) {
     for (const char byte : charset) {
         const char c = lower_case(byte);
         if (is_passed_over(c)) continue;
-        if (!is_letter_or_digit(c) || name.size() == longest_name) return "";
+        if (!(is_letter(c) || is_digit(c)) || name.size() == longest_name) return "";
         name += c;
     }
     const auto* const found = std::lower_bound(

@@ -3,6 +3,7 @@
 #include "common/message_date.h"
 
 #include "common/ascii_case.h"
+#include "common/character_class.h"
 #include "common/field_parameters.h"
 
 #include <algorithm>
@@ -34,9 +35,7 @@ constexpr std::array zones = {
     named_zone{"mst", -7}, named_zone{"mdt", -6}, named_zone{"pst", -8}, named_zone{"pdt", -7},
 };
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-bool is_letter(char c) { return lower_case(c) >= 'a' && lower_case(c) <= 'z'; }
-bool is_separator(char c) { return c == ' ' || c == ',' || (c >= '\t' && c <= '\r'); }
+bool is_separator(char c) { return c == ',' || is_white_space(c); }
 
 /// The number that the text consists of; nothing for any other text, or if it is too long.
 std::optional<unsigned> number(std::string_view text) {

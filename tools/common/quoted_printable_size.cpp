@@ -3,11 +3,10 @@
 
 #include "common/quoted_printable_size.h"
 
+#include "common/character_class.h"
 #include "common/hex_digit.h"
 
 namespace {
-
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
 /// The length of the line end at the beginning of the text; 0 if there is none.
 std::size_t line_end_of(std::string_view text) {

@@ -3,6 +3,7 @@
 #include "common/safe_file_name.h"
 
 #include "common/ascii_case.h"
+#include "common/character_class.h"
 #include "common/printable.h"
 
 #include <algorithm>
@@ -65,7 +66,7 @@ bool is_device(std::string_view name) {
     // The superscripts one, two and three count as digits.
     constexpr std::array<std::string_view, 3> superscripts = {"\u00b9", "\u00b2", "\u00b3"};
     const std::string_view number = stem.substr(3);
-    return (number.size() == 1 && number.front() >= '0' && number.front() <= '9')
+    return (number.size() == 1 && is_digit(number.front()))
            || std::find(superscripts.begin(), superscripts.end(), number) != superscripts.end();
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/shell_word.h"
 
+#include "common/character_class.h"
 #include "common/printable.h"
 
 #include <algorithm>
@@ -10,8 +11,7 @@ namespace {
 
 bool is_plain(char byte) {
     constexpr std::string_view others = "_./:,@%+=-";
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z')
-           || (byte >= '0' && byte <= '9') || others.find(byte) != std::string_view::npos;
+    return is_letter(byte) || is_digit(byte) || others.find(byte) != std::string_view::npos;
 }
 
 bool is_shown(const utf8_character& character) {

@@ -4,6 +4,7 @@
 #include "common/transfer_decoding.h"
 
 #include "common/ascii_case.h"
+#include "common/character_class.h"
 #include "common/hex_digit.h"
 
 #include <algorithm>
@@ -73,8 +74,6 @@ private:
     std::vector<std::uint8_t> m_decoded;
 };
 
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
-
 /// Gathers decoded bytes and hands them to a sink in blocks, until that wants no more.
 class block_gatherer {
 public:
@@ -133,8 +132,6 @@ constexpr std::array<std::uint8_t, 256> values_of_characters() {
 constexpr std::array<std::uint8_t, 256> base64_digits = values_of_characters();
 
 std::uint8_t base64_digit(char c) { return base64_digits[static_cast<unsigned char>(c)]; }
-
-bool is_white_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// Decodes what it can of base64, and counts what it passes over.
 class lenient_base64_decoder {

@@ -2,6 +2,8 @@
 
 #include "mailstructure/argument_check.h"
 
+#include "common/character_class.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -11,7 +13,6 @@ namespace {
 bool begins_option_name(char letter) {
     return letter != '-' && letter != '!' && letter != ' ' && letter != '\n';
 }
-bool is_digit(char letter) { return letter >= '0' && letter <= '9'; }
 
 /// "--name" or "--name=value".
 bool is_long_option(std::string_view word) {

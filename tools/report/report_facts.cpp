@@ -2,6 +2,7 @@
 
 #include "report/report_facts.h"
 
+#include "common/character_class.h"
 #include "report/queries.h" // made from doc/queries.sql
 
 #include <algorithm>
@@ -48,9 +49,7 @@ ranking read_ranking(scan_tables& tables, std::string_view name) {
 bool is_month(std::string_view text) {
     if (text.size() != 7 || text[4] != '-') return false;
     return std::all_of(text.begin(), text.end(),
-                       [&text](const char& each) {
-                           return (each >= '0' && each <= '9') || &each == &text[4];
-                       })
+                       [&text](const char& each) { return is_digit(each) || &each == &text[4]; })
            && text.substr(5) >= "01" && text.substr(5) <= "12";
 }
 

@@ -2,6 +2,7 @@
 
 #include "report/scan_tables.h"
 
+#include "common/character_class.h"
 #include "common/complaint.h"
 #include "common/descriptor_io.h"
 #include "common/private_folder.h"
@@ -27,10 +28,9 @@ std::string immutable_address(const std::string& path) {
     std::string address = path.front() == '/' ? "file:" : "file:./";
     for (const char character : path) {
         const auto byte = static_cast<unsigned char>(character);
-        const bool is_plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z')
-                              || (byte >= '0' && byte <= '9') || byte == '/' || byte == '.'
-                              || byte == '_' || byte == '-';
-        if (is_plain) {
+        constexpr std::string_view others = "/._-";
+        if (is_letter(character) || is_digit(character)
+            || others.find(character) != std::string_view::npos) {
             address += character;
         } else {
             address += '%';

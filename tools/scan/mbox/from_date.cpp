@@ -2,6 +2,8 @@
 
 #include "scan/mbox/from_date.h"
 
+#include "common/character_class.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -16,12 +18,7 @@ constexpr std::array<std::string_view, 7> weekdays = {"Mon", "Tue", "Wed", "Thu"
 constexpr std::array<std::string_view, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-constexpr bool is_digit(char c) { return c >= '0' && c <= '9'; }
-constexpr bool is_capital(char c) { return c >= 'A' && c <= 'Z'; }
-constexpr bool is_blank(char c) { return c == ' ' || c == '\t'; }
-constexpr bool is_word(char c) {
-    return is_digit(c) || is_capital(c) || (c >= 'a' && c <= 'z') || c == '_';
-}
+constexpr bool is_word(char c) { return is_digit(c) || is_letter(c) || c == '_'; }
 
 /// Takes pieces off the front of a text. Each function takes its piece, or leaves the text as it is
 /// and returns false.
@@ -145,24 +142,23 @@ bool ends_with_date(std::string_view line) {
 }
 
 bool has_strict_form(std::string_view line) {
-    const auto is_space = [](char c) { return is_blank(c) || (c >= '\n' && c <= '\r'); };
-    const auto is_other = [is_space](char c) { return !is_space(c); };
+    const auto is_other = [](char c) { return !is_white_space(c); };
     constexpr std::size_t any = std::string_view::npos;
     date_reader reader(line);
     if (!reader.take(from)) return false;
-    reader.take_some(is_space, 0, any);
-    if (!reader.take_some(is_other, 1, any) || !reader.take_some(is_space, 1, any)
-        || !reader.take_some(is_word, 3, 3) || !reader.take_some(is_space, 1, any)
-        || !reader.take_some(is_word, 3, 3) || !reader.take_some(is_space, 1, any)
-        || !reader.take_digits(1, 2) || !reader.take_some(is_space, 1, any) || !reader.take_time()
-        || !reader.take_some(is_space, 1, any))
+    reader.take_some(is_white_space, 0, any);
+    if (!reader.take_some(is_other, 1, any) || !reader.take_some(is_white_space, 1, any)
+        || !reader.take_some(is_word, 3, 3) || !reader.take_some(is_white_space, 1, any)
+        || !reader.take_some(is_word, 3, 3) || !reader.take_some(is_white_space, 1, any)
+        || !reader.take_digits(1, 2) || !reader.take_some(is_white_space, 1, any)
+        || !reader.take_time() || !reader.take_some(is_white_space, 1, any))
         return false;
     const date_reader year = reader;
-    const auto is_year_at_end = [is_space](date_reader rest) {
-        return rest.take_digits(4, 4) && rest.take_some(is_space, 0, any) && rest.is_at_end();
+    const auto is_year_at_end = [](date_reader rest) {
+        return rest.take_digits(4, 4) && rest.take_some(is_white_space, 0, any) && rest.is_at_end();
     };
     if (is_year_at_end(year)) return true;
-    return reader.take_some(is_other, 1, any) && reader.take_some(is_space, 1, any)
+    return reader.take_some(is_other, 1, any) && reader.take_some(is_white_space, 1, any)
            && is_year_at_end(reader);
 }
 

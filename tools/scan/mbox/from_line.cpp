@@ -2,6 +2,7 @@
 
 #include "scan/mbox/from_line.h"
 
+#include "common/character_class.h"
 #include "scan/mbox/from_date.h"
 
 #include <algorithm>
@@ -31,7 +32,7 @@ public:
     /// to the field before them.
     std::optional<bool> take_field() {
         std::optional<std::string_view> line = take();
-        while (line && !line->empty() && (line->front() == ' ' || line->front() == '\t')) {
+        while (line && !line->empty() && is_blank(line->front())) {
             if (is_at_end()) return false;
             line = take();
         }
