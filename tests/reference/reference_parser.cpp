@@ -30,7 +30,7 @@ enum class phase : std::uint8_t { header, body, epilogue };
 enum class verdict : std::uint8_t { consumed, block_ended };
 
 /// Which open entities take a line into their contents range.
-enum class takers : std::uint8_t { all_open, all_but_current };
+enum class takers : std::uint8_t { all_open, all_but_innermost };
 
 class parser {
 public:
@@ -91,7 +91,7 @@ private:
             if (on_header_line(line) == verdict::consumed) return;
             m_phase = phase::body;
         }
-        if (current().m_message) {
+        if (innermost().m_message) {
             open_entity();
             if (on_header_line(line) == verdict::consumed) return;
             m_phase =
@@ -106,14 +106,14 @@ private:
 
     // ------------------------------------------------------------------------------- open entities
 
-    entity& current() { return *m_open.back(); }
+    entity& innermost() { return *m_open.back(); }
 
-    /// Opens a child of the current entity; its header block begins.
+    /// Opens a child of the innermost entity; its header block begins.
     void open_entity() {
         m_result.m_entities.emplace_back();
         entity& child = m_result.m_entities.back();
-        child.m_parent = &current();
-        current().m_children.push_back(&child);
+        child.m_parent = &innermost();
+        innermost().m_children.push_back(&child);
         m_open.push_back(&child);
         m_record = nullptr;
         m_in_content_type = false;
@@ -122,7 +122,7 @@ private:
         m_phase = phase::header;
     }
 
-    /// Closes the current entity; the root stays open whatever comes.
+    /// Closes the innermost entity; the root stays open whatever comes.
     void close_entity() {
         if (m_open.size() > 1) m_open.pop_back();
     }
@@ -131,7 +131,7 @@ private:
     /// entities at most: of a message in a message the outer one stays open.
     void close_part() {
         close_entity();
-        if (current().m_message) close_entity();
+        if (innermost().m_message) close_entity();
     }
 
     void add_contents_line(takers who, const input_line& line) {
@@ -144,8 +144,8 @@ private:
     verdict on_header_line(const input_line& line) {
         const std::string& text = line.m_text;
         if (text.empty()) {
-            add_contents_line(takers::all_but_current, line);
-            add_header(current(), line);
+            add_contents_line(takers::all_but_innermost, line);
+            add_header(innermost(), line);
             m_phase = phase::body;
             return verdict::consumed;
         }
@@ -193,8 +193,8 @@ private:
             m_scratch = field();
             m_record = &m_scratch; // it has no name, and so counts as Content-Type
         } else {
-            current().m_headers.emplace_back();
-            m_record = &current().m_headers.back();
+            innermost().m_headers.emplace_back();
+            m_record = &innermost().m_headers.back();
             m_record->m_name = text.substr(0, colon);
         }
         m_in_content_type = abbreviates(m_record->m_name, "content-type");
@@ -219,7 +219,7 @@ private:
             // The contract has this spelling. The usual name, which ends in "encoding", is no
             // beginning of it.
             if (abbreviates(m_record->m_name, "content-transfer-enconding"))
-                current().m_encoding = m_record->m_value;
+                innermost().m_encoding = m_record->m_value;
             m_in_multipart_type = false;
         }
         end_header_line(line);
@@ -227,10 +227,10 @@ private:
 
     /// What every field line and continuation line does last.
     void end_header_line(const input_line& line) {
-        add_contents_line(takers::all_but_current, line);
+        add_contents_line(takers::all_but_innermost, line);
         if (m_record->m_beg == 0xFFFFFFFF) m_record->m_beg = line.m_start;
         m_record->m_end = line.m_end;
-        add_header(current(), line);
+        add_header(innermost(), line);
     }
 
     // -------------------------------------------------------------------------------- Content-Type
@@ -238,14 +238,14 @@ private:
     void take_content_type(const std::string& value) {
         const std::size_t slash = value.find('/');
         if (slash == std::string::npos) {
-            current().m_type = value; // and the subtype stays
+            innermost().m_type = value; // and the subtype stays
         } else {
-            current().m_type = value.substr(0, slash);
-            current().m_subtype = value.substr(slash + 1);
+            innermost().m_type = value.substr(0, slash);
+            innermost().m_subtype = value.substr(slash + 1);
         }
 
         if (abbreviates(value, "message/rfc822")) { // the empty value does, too
-            current().m_message = true;
+            innermost().m_message = true;
             m_in_multipart_type = false;
         } else {
             m_in_multipart_type = begins_with(value, "multipart/");
@@ -295,7 +295,7 @@ private:
 
         if (m_in_multipart_type && abbreviates(name, "boundary")) {
             m_boundaries.push_back("--" + value);
-            current().m_multipart = true;
+            innermost().m_multipart = true;
         }
         return true;
     }
@@ -309,28 +309,28 @@ private:
     }
 
     void on_body_line(const input_line& line) {
-        if (current().m_type.empty()) current().m_type = "text";
-        if (current().m_subtype.empty()) current().m_subtype = "plain";
+        if (innermost().m_type.empty()) innermost().m_type = "text";
+        if (innermost().m_subtype.empty()) innermost().m_subtype = "plain";
 
         switch (match_innermost(line)) {
         case boundary_match::separator:
-            if (!current().m_multipart) close_part();
+            if (!innermost().m_multipart) close_part();
             open_entity();
-            add_contents_line(takers::all_but_current, line);
+            add_contents_line(takers::all_but_innermost, line);
             break;
         case boundary_match::closing:
-            add_contents_line(takers::all_but_current, line); // the last part is still open here
-            if (!current().m_multipart) {
+            add_contents_line(takers::all_but_innermost, line); // the last part is still open here
+            if (!innermost().m_multipart) {
                 close_part();
                 m_boundaries.pop_back();
             }
-            add_body_line(current(), m_wanted.m_keep_text, line);
+            add_body_line(innermost(), m_wanted.m_keep_text, line);
             m_phase = phase::epilogue;
             m_record = nullptr;
             break;
         case boundary_match::none:
             add_contents_line(takers::all_open, line);
-            add_body_line(current(), m_wanted.m_keep_text, line);
+            add_body_line(innermost(), m_wanted.m_keep_text, line);
             m_record = nullptr;
             break;
         }
@@ -339,16 +339,18 @@ private:
     void on_epilogue_line(const input_line& line) {
         switch (match_innermost(line)) {
         case boundary_match::separator:
-            close_part(); // here the current entity is closed even if it is a multipart
+            close_part(); // here the innermost entity is closed even if it is a multipart
             open_entity();
-            add_contents_line(takers::all_but_current, line);
+            add_contents_line(takers::all_but_innermost, line);
             break;
         case boundary_match::closing:
             close_entity(); // one only, and the line is an epilogue line of the entity around it
             m_boundaries.pop_back();
-            add_epilogue_line(current(), m_wanted.m_keep_text, line);
+            add_epilogue_line(innermost(), m_wanted.m_keep_text, line);
             break;
-        case boundary_match::none: add_epilogue_line(current(), m_wanted.m_keep_text, line); break;
+        case boundary_match::none:
+            add_epilogue_line(innermost(), m_wanted.m_keep_text, line);
+            break;
         }
     }
 
@@ -358,7 +360,7 @@ private:
 
     std::uint32_t m_next_start = 0;        // offset of the next line
     phase m_phase = phase::header;         // where the next line goes
-    std::vector<entity*> m_open;           // the root first, the current entity last
+    std::vector<entity*> m_open;           // the root first, the innermost entity last
     bool m_fresh = false;                  // an entity was opened and no line has come since
     field* m_record = nullptr;             // the field that a continuation line extends
     field m_scratch;                       // stands in for a field past the memory limit
