@@ -145,7 +145,7 @@ private:
     std::string m_text;
 };
 
-/// In a process of its own, so that what the allocator does depends on no other run.
+/// Measures in a process of its own, so that what the allocator does depends on no other run.
 void run_in_child(const cost::chosen_shape& shape, std::size_t n) {
     const pid_t child = fork();
     if (child == 0) {
