@@ -4,7 +4,7 @@
 
 #include "common/ascii_case.h"
 #include "scan/mbox/from_date.h"
-#include "scan/mbox/from_search.h"
+#include "scan/mbox/line_search.h"
 
 #include <algorithm>
 #include <charconv>
@@ -121,7 +121,7 @@ void mbox_splitter::look(std::string_view bytes, std::uint64_t offset, bool is_l
         if (m_header && !believe_content_length(window, found)) return;
         if (m_next >= window.end()) break;
         const std::size_t begin = static_cast<std::size_t>(m_next - offset);
-        const std::size_t lf = find_from_line(bytes, begin);
+        const std::size_t lf = find_line(bytes, begin, "\nFrom ");
         if (lf == std::string_view::npos) {
             // The last bytes may be the beginning of what is looked for.
             m_next =

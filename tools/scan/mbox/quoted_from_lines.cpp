@@ -1,29 +1,10 @@
 #include "scan/mbox/quoted_from_lines.h"
 
+#include "scan/mbox/line_search.h"
+
 namespace {
 
-constexpr std::size_t block_bytes = 64;
 constexpr std::string_view unquoted = "From ";
-
-/// Whether an LF that a '>' follows stands among the 64 bytes at p. Reads one byte more. The loop
-/// has no branch, so that the compiler makes a few vector instructions of it.
-bool may_hold_quoted_line(const char* p) {
-    unsigned char found = 0;
-    for (std::size_t i = 0; i < block_bytes; ++i)
-        found = static_cast<unsigned char>(found
-                                           | (static_cast<unsigned char>(p[i] == '\n')
-                                              & static_cast<unsigned char>(p[i + 1] == '>')));
-    return found != 0;
-}
-
-/// Just past the first LF that a '>' follows, from that place on; or the end of the text.
-std::size_t find_quoted_line(std::string_view text, std::size_t at) {
-    while (text.size() > block_bytes && at < text.size() - block_bytes
-           && !may_hold_quoted_line(text.data() + at))
-        at += block_bytes;
-    const std::size_t found = text.find("\n>", at);
-    return found == std::string_view::npos ? text.size() : found + 1;
-}
 
 } // namespace
 
@@ -33,7 +14,8 @@ void quoted_from_lines::add(std::string_view bytes) {
             take(bytes[at++]);
             continue;
         }
-        at = find_quoted_line(bytes, at);
+        const std::size_t line_feed = find_line(bytes, at, "\n>");
+        at = line_feed == std::string_view::npos ? bytes.size() : line_feed + 1;
         if (at != bytes.size() || bytes.ends_with('\n')) m_come = 0;
     }
 }
