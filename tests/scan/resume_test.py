@@ -78,7 +78,7 @@ class Interrupted(unittest.TestCase):
         mbox.write_bytes(mailbox(messages, chance))
         mail = self.folder / "mail"
         mail.mkdir()
-        for number in range(4):
+        for number in range(12):
             (mail / f"{number}").write_bytes(b"Subject: %d\n\nhello\n" % number)
         (mail / "broken").write_bytes(b"\x7fELF")
         (mail / "2-mbox").write_bytes(mailbox(messages // 3, chance))
@@ -182,7 +182,7 @@ class AtEveryCall(Interrupted):
             faults = [row["code"] for row in scanned.of_kind("fault", rows)]
             self.assertEqual((status, faults.count("cannot-read")), (1, 1))
             self.assertIn("cannot-read 1", complaints)
-            self.assertEqual(len(scanned.of_kind("source", rows)), 7)
+            self.assertEqual(len(scanned.of_kind("source", rows)), 15)
             self.assertGreaterEqual(len(scanned.of_kind("message", rows)), messages - 9)
         self.assertGreater(cases, 12)
 
@@ -358,7 +358,7 @@ class Resumption(Interrupted):
     def test_refuses_a_folder_that_has_changed(self):
         self.sources = [self.folder / "mail", self.folder / "mbox"]
         self.interrupt("-o")
-        while self.checkpoint("-o")[0] < 6: # the folder is done
+        while self.checkpoint("-o")[0] < 14: # the folder is done
             status, _ = self.scan("-o", "--resume", "--checkpoint=0", failing="kill:change:17")
             self.assertEqual(status, -signal.SIGKILL)
         new = self.folder / "mail/0-new"

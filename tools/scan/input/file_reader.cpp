@@ -13,6 +13,13 @@
 #include <unistd.h>
 #include <utility>
 
+namespace {
+
+/// Of a smaller file the system reads everything at once, without being told.
+constexpr std::uint64_t least_bytes_to_announce = std::uint64_t{128} << 10;
+
+} // namespace
+
 file_reader::file_reader(const std::string& name, std::function<void(std::uint64_t)> count)
     : m_count(std::move(count)), m_owned(name != "-") {
     m_descriptor = m_owned ? ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY) : STDIN_FILENO;
@@ -26,12 +33,13 @@ file_reader::file_reader(const std::string& name, std::function<void(std::uint64
         return;
     }
     if (!S_ISREG(file.st_mode)) return;
-    const off_t start = ::lseek(m_descriptor, 0, SEEK_CUR);
+    const off_t start = m_owned ? 0 : ::lseek(m_descriptor, 0, SEEK_CUR);
     if (start < 0) return;
     m_start = static_cast<std::uint64_t>(start);
     m_size = static_cast<std::uint64_t>(file.st_size > start ? file.st_size - start : 0);
     m_modified = std::int64_t{file.st_mtim.tv_sec} * 1'000'000'000 + file.st_mtim.tv_nsec;
-    ::posix_fadvise(m_descriptor, start, 0, POSIX_FADV_SEQUENTIAL);
+    if (*m_size >= least_bytes_to_announce)
+        ::posix_fadvise(m_descriptor, start, 0, POSIX_FADV_SEQUENTIAL);
 }
 
 file_reader::~file_reader() {
@@ -50,12 +58,16 @@ std::size_t file_reader::read(char* to, std::size_t count) {
 }
 
 std::size_t file_reader::read_file(char* to, std::size_t count) {
-    if (m_error != 0) return 0;
+    if (m_error != 0 || m_is_at_end) return 0;
     const ssize_t got = read_some(m_descriptor, to, count);
     if (got < 0) m_error = errno;
     if (got <= 0) return 0;
-    m_count(static_cast<std::uint64_t>(got));
-    return static_cast<std::size_t>(got);
+    const auto bytes = static_cast<std::size_t>(got);
+    m_next_byte += bytes;
+    // The file has been read as far as it was long, and more was asked for.
+    m_is_at_end = bytes < count && m_next_byte == m_size;
+    m_count(bytes);
+    return bytes;
 }
 
 std::optional<read_failure> file_reader::failure() const {
@@ -77,7 +89,8 @@ std::string_view file_reader::beginning(std::size_t count) {
 bool file_reader::seek(std::uint64_t offset) {
     if (::lseek(m_descriptor, static_cast<off_t>(m_start + offset), SEEK_SET) < 0) return false;
     m_given = m_beginning.size();
-    m_position = offset;
+    m_position = m_next_byte = offset;
+    m_is_at_end = false;
     return true;
 }
 

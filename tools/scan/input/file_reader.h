@@ -50,8 +50,10 @@ private:
     std::int64_t m_modified = 0;
     std::uint64_t m_start = 0;
     std::uint64_t m_position = 0;
-    std::string m_beginning; // read, but not given by read() yet
-    std::size_t m_given = 0; // of m_beginning
+    std::uint64_t m_next_byte = 0; // of the file, to be read by the next call of the system
+    bool m_is_at_end = false;      // the last read has met the end of the file
+    std::string m_beginning;       // read, but not given by read() yet
+    std::size_t m_given = 0;       // of m_beginning
 };
 
 #endif

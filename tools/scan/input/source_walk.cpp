@@ -28,8 +28,12 @@ bool may_be_file(const std::string& name) {
     return ::stat(name.c_str(), &there) != 0 || S_ISREG(there.st_mode);
 }
 
-bool has(const std::vector<std::string>& sorted, const char* name) {
-    return std::binary_search(sorted.begin(), sorted.end(), name);
+/// Where the entry of that name is, or would be.
+template <class Entries>
+auto place_of(Entries& sorted, std::string_view name) {
+    return std::lower_bound(
+        sorted.begin(), sorted.end(), name,
+        [](const auto& entry, std::string_view wanted) { return entry.m_name < wanted; });
 }
 
 std::string joined(const std::string& folder, const std::string& name) {
@@ -39,7 +43,9 @@ std::string joined(const std::string& folder, const std::string& name) {
 } // namespace
 
 source_walk::source_walk(std::vector<std::string> names, const std::string& output) {
-    m_path.push_back({"", std::move(names), 0});
+    folder given;
+    for (std::string& name : names) given.m_entries.push_back({std::move(name), DT_UNKNOWN});
+    m_path.push_back(std::move(given));
     const std::size_t slash = output.rfind('/');
     const std::string output_folder =
         slash == std::string::npos ? "." : output.substr(0, slash + 1);
@@ -58,12 +64,14 @@ bool source_walk::next(found_source& source) {
             continue;
         }
         const bool was_given = last.m_name.empty();
-        const std::string entry = last.m_entries[last.m_next++];
-        const std::string name = was_given ? entry : joined(last.m_name, entry);
+        const folder_entry& entry = last.m_entries[last.m_next++];
+        const unsigned char type = entry.m_type;
+        const std::string name = was_given ? entry.m_name : joined(last.m_name, entry.m_name);
         source.m_error = 0;
         source.m_is_named = was_given;
         source.m_name = name;
-        if (is_folder(name, was_given) && name != "-") {
+        if (type == DT_REG) return true; // nothing else is asked of the file here
+        if (type == DT_DIR || (is_folder(name, was_given) && name != "-")) {
             if (!enter(name, source)) return true;
         } else if (was_given || may_be_file(name)) {
             return true; // whether it can be read will be seen
@@ -87,13 +95,13 @@ bool source_walk::enter(const std::string& name, found_source& source) {
         if (entry == nullptr) break;
         const std::string_view entry_name = entry->d_name;
         if (entry_name != "." && entry_name != ".." && entry_name != ".mh_sequences")
-            entered.m_entries.emplace_back(entry_name);
+            entered.m_entries.push_back({std::string(entry_name), entry->d_type});
     }
     if (source.m_error != 0) return false;
-    std::vector<std::string>& entries = entered.m_entries;
-    std::sort(entries.begin(), entries.end());
-    if (has(entries, "cur") && has(entries, "new") && has(entries, "tmp"))
-        entries.erase(std::lower_bound(entries.begin(), entries.end(), "tmp"));
+    std::vector<folder_entry>& entries = entered.m_entries;
+    std::sort(entries.begin(), entries.end(),
+              [](const folder_entry& a, const folder_entry& b) { return a.m_name < b.m_name; });
+    if (has(entries, "cur") && has(entries, "new")) remove(entries, "tmp");
     if (!m_output_name.empty()) pass_over_output(entered, ::dirfd(opened.get()));
     m_path.push_back(std::move(entered));
     return true;
@@ -106,9 +114,16 @@ void source_walk::pass_over_output(folder& entered, int descriptor) const {
         return;
     const std::string partial = m_output_name + ".partial";
     for (const std::string& each :
-         {partial, partial + "-journal", partial + ".checkpoint", partial + ".checkpoint~"}) {
-        const auto found =
-            std::lower_bound(entered.m_entries.begin(), entered.m_entries.end(), each);
-        if (found != entered.m_entries.end() && *found == each) entered.m_entries.erase(found);
-    }
+         {partial, partial + "-journal", partial + ".checkpoint", partial + ".checkpoint~"})
+        remove(entered.m_entries, each);
+}
+
+bool source_walk::has(const std::vector<folder_entry>& sorted, std::string_view name) {
+    const auto found = place_of(sorted, name);
+    return found != sorted.end() && found->m_name == name;
+}
+
+/// Removes the entry of that name, if there is one.
+void source_walk::remove(std::vector<folder_entry>& sorted, std::string_view name) {
+    if (has(sorted, name)) sorted.erase(place_of(sorted, name));
 }

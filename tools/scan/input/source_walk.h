@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -37,14 +38,20 @@ public:
     bool next(found_source& source);
 
 private:
+    struct folder_entry {
+        std::string m_name;
+        unsigned char m_type; // as readdir() tells it; DT_UNKNOWN if it does not
+    };
     struct folder {
         std::string m_name; // "" for the names that were given
-        std::vector<std::string> m_entries;
+        std::vector<folder_entry> m_entries;
         std::size_t m_next = 0;
     };
 
     bool enter(const std::string& name, found_source& source);
     void pass_over_output(folder& entered, int descriptor) const;
+    static bool has(const std::vector<folder_entry>& sorted, std::string_view name);
+    static void remove(std::vector<folder_entry>& sorted, std::string_view name);
 
     std::string m_output_name; // in its folder; empty if there is none
     dev_t m_output_device = 0; // of its folder
