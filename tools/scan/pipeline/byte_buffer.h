@@ -3,7 +3,7 @@
 #ifndef TOOLS_SCAN_PIPELINE_BYTE_BUFFER_H
 #define TOOLS_SCAN_PIPELINE_BYTE_BUFFER_H
 
-#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -19,8 +19,8 @@ public:
     /// buffer.
     char* room_for(std::size_t count) {
         if (m_capacity - m_size < count) {
-            const std::size_t wanted = std::max(m_size + count, 2 * m_capacity);
-            std::unique_ptr<char[]> larger(new char[wanted]); // not set to zero
+            const std::size_t wanted = std::bit_ceil(m_size + count); // at least twice as much
+            std::unique_ptr<char[]> larger(new char[wanted]);         // not set to zero
             if (m_size != 0) std::memcpy(larger.get(), m_bytes.get(), m_size);
             m_bytes = std::move(larger);
             m_capacity = wanted;

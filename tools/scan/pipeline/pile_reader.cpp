@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t block_bytes = std::size_t{1} << 20;
+constexpr std::size_t block_bytes = std::size_t{256} << 10;
 /// Bytes of a message that are held in memory. Of a longer one the structure alone is kept.
 constexpr std::uint64_t most_bytes_held = std::uint64_t{32} << 20;
 constexpr std::size_t most_faults_held = 4096; // in a batch, when the next block is read
