@@ -17,21 +17,65 @@ constexpr bool is_plain(char byte) {
     return byte >= ' ' && byte < '\x7f' && byte != '"' && byte != '\\';
 }
 
+/// The number of plain bytes at the front.
+std::size_t plain_bytes(std::string_view text) {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    constexpr std::uint64_t top_bits = 0x8080808080808080;
+    const auto has_zero = [](std::uint64_t word) { return (word - ones) & ~word & top_bits; };
+    std::size_t at = 0;
+    for (; text.size() - at >= sizeof(std::uint64_t); at += sizeof(std::uint64_t)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        const std::uint64_t below = (word - ones * ' ') & ~word; // the top bit: less than a blank
+        const std::uint64_t above = word | (word + ones);        // the top bit: 0x7f or more
+        const std::uint64_t quotes = has_zero(word ^ ones * '"') | has_zero(word ^ ones * '\\');
+        if (((below | above | quotes) & top_bits) != 0) break;
+    }
+    while (at < text.size() && is_plain(text[at])) ++at;
+    return at;
+}
+
 constexpr bool is_ascii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
 } // namespace
 
+/// Appends to the row.
+inline void row_writer::append(std::string_view bytes) {
+    if (bytes.size() > m_piece.size() - m_piece_bytes) {
+        flush();
+        if (bytes.size() > m_piece.size()) {
+            m_out += bytes;
+            return;
+        }
+    }
+    std::memcpy(m_piece.data() + m_piece_bytes, bytes.data(), bytes.size());
+    m_piece_bytes += bytes.size();
+}
+
+inline void row_writer::append(char byte) {
+    if (m_piece_bytes == m_piece.size()) flush();
+    m_piece[m_piece_bytes++] = byte;
+}
+
+/// Appends to the output what is not there yet.
+void row_writer::flush() {
+    m_out.append(m_piece.data(), m_piece_bytes);
+    m_piece_bytes = 0;
+}
+
 template <class Number>
 void row_writer::append_digits(Number value) {
-    std::array<char, 20> digits{};
-    m_out.append(digits.data(),
-                 std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+    constexpr std::size_t most = 20;
+    if (m_piece.size() - m_piece_bytes < most) flush();
+    char* const digits = m_piece.data() + m_piece_bytes;
+    const char* const digits_end = std::to_chars(digits, digits + most, value).ptr;
+    m_piece_bytes += static_cast<std::size_t>(digits_end - digits);
 }
 
 void row_writer::begin(row_kind kind) {
     if (m_form == row_form::packed) {
-        m_out += static_cast<char>(packed_item::row);
-        m_out += static_cast<char>(kind);
+        append(static_cast<char>(packed_item::row));
+        append(static_cast<char>(kind));
         return;
     }
     constexpr std::array names = {"message", "entity", "fault", "source", "finding"};
@@ -39,16 +83,17 @@ void row_writer::begin(row_kind kind) {
 }
 
 void row_writer::begin(std::string_view kind) {
-    m_out += "{\"kind\":\"";
-    m_out += kind;
-    m_out += '"';
+    append("{\"kind\":\"");
+    append(kind);
+    append('"');
 }
 
 void row_writer::end() {
     if (m_form == row_form::packed)
-        m_out += static_cast<char>(packed_item::end);
+        append(static_cast<char>(packed_item::end));
     else
-        m_out += "}\n";
+        append("}\n");
+    flush();
 }
 
 void row_writer::write_text(std::string_view name, std::string_view value) {
@@ -76,16 +121,16 @@ void row_writer::write_signed(std::string_view name, std::int64_t value) {
 void row_writer::write_flag(std::string_view name, bool value) {
     if (m_form == row_form::packed) return pack_number(value ? 1 : 0);
     write_name(name);
-    m_out += value ? "true" : "false";
+    append(value ? std::string_view("true") : std::string_view("false"));
 }
 
 void row_writer::write_null(std::string_view name) {
     if (m_form == row_form::packed) {
-        m_out += static_cast<char>(packed_item::null);
+        append(static_cast<char>(packed_item::null));
         return;
     }
     write_name(name);
-    m_out += "null";
+    append("null");
 }
 
 void row_writer::write_range(std::string_view name, std::uint32_t offset, std::uint32_t length) {
@@ -94,29 +139,28 @@ void row_writer::write_range(std::string_view name, std::uint32_t offset, std::u
         return pack_number(length);
     }
     write_name(name);
-    m_out += "{\"offset\":";
+    append("{\"offset\":");
     append_digits(offset);
-    m_out += ",\"length\":";
+    append(",\"length\":");
     append_digits(length);
-    m_out += '}';
+    append('}');
 }
 
 void row_writer::write_name(std::string_view name) {
-    m_out += ",\"";
-    m_out += name;
-    m_out += "\":";
+    append(",\"");
+    append(name);
+    append("\":");
 }
 
 void row_writer::append_quoted(std::string_view value) {
-    m_out += '"';
+    append('"');
     while (!value.empty()) {
-        const auto* const plain_end = std::find_if_not(value.begin(), value.end(), is_plain);
-        const auto plain = static_cast<std::size_t>(plain_end - value.begin());
-        m_out.append(value.data(), plain);
+        const std::size_t plain = plain_bytes(value);
+        append(value.substr(0, plain));
         value.remove_prefix(plain);
         if (!value.empty()) append_unusual(value);
     }
-    m_out += '"';
+    append('"');
 }
 
 /// Appends the first character of the rest, which is not plain, and removes it there.
@@ -126,14 +170,14 @@ void row_writer::append_unusual(std::string_view& rest) {
     rest.remove_prefix(character.m_bytes);
     const char32_t code_point = character.m_code_point;
     if (!character.m_valid) {
-        m_out += "\\ufffd";
+        append("\\ufffd");
     } else if (bytes == "\"" || bytes == "\\") {
-        m_out += '\\';
-        m_out += bytes;
+        append('\\');
+        append(bytes);
     } else if (code_point < 0x20 || code_point == 0x7f || is_spelled_out(code_point)) {
         append_escape(code_point);
     } else {
-        m_out += bytes;
+        append(bytes);
     }
 }
 
@@ -145,18 +189,19 @@ void row_writer::append_escape(char32_t code_point) {
         append_escape(0xd800 + (code_point >> 10U));
         code_point = 0xdc00 + (code_point & 0x3ffU);
     }
-    m_out += "\\u";
-    for (const unsigned shift : {12U, 8U, 4U, 0U}) m_out += digits[code_point >> shift & 0xfU];
+    append("\\u");
+    for (const unsigned shift : {12U, 8U, 4U, 0U}) append(digits[code_point >> shift & 0xfU]);
 }
 
 void row_writer::pack_number(std::uint64_t value) {
     std::array<char, 1 + sizeof value> item = {static_cast<char>(packed_item::number)};
     std::memcpy(item.data() + 1, &value, sizeof value);
-    m_out.append(item.data(), item.size());
+    append({item.data(), item.size()});
 }
 
 void row_writer::pack_text(std::string_view value) {
     pack_number(0); // becomes the item of a text when its length is known
+    flush();
     const std::size_t text_begin = m_out.size();
     while (!value.empty()) {
         const auto* const plain_end = std::find_if_not(

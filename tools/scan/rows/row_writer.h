@@ -4,6 +4,8 @@
 #ifndef TOOLS_SCAN_ROWS_ROW_WRITER_H
 #define TOOLS_SCAN_ROWS_ROW_WRITER_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,9 +18,13 @@ enum class row_kind : std::uint8_t { message, entity, fault, source, finding };
 /// Appends to a text. Values may hold any bytes: what is no UTF-8 becomes U+FFFD. In JSON, control
 /// characters, and characters that reorder or hide the text around them, are spelled out. In packed
 /// rows NUL becomes U+FFFD as well, because a text of SQLite ends there for many functions.
+///
+/// What is written may lie in the object until the row ends.
 class row_writer {
 public:
     row_writer(std::string& out, row_form form) : m_out(out), m_form(form) {}
+    row_writer(const row_writer&) = delete;
+    row_writer& operator=(const row_writer&) = delete;
 
     /// Begins a row with the member "kind". The names of members are written as they are.
     void begin(row_kind kind);
@@ -37,6 +43,9 @@ public:
     void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
 
 private:
+    void append(std::string_view bytes);
+    void append(char byte);
+    void flush();
     void write_name(std::string_view name);
     template <class Number>
     void append_digits(Number value);
@@ -48,6 +57,10 @@ private:
 
     std::string& m_out;
     row_form m_form;
+    // What is still to be appended to m_out. A row has dozens of small pieces, and to append each
+    // of them to a string costs more than to copy all of them once more.
+    std::array<char, 512> m_piece{};
+    std::size_t m_piece_bytes = 0;
 };
 
 #endif
