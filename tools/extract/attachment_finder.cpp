@@ -6,24 +6,10 @@
 #include "common/attachments.h"
 #include "common/complaint.h"
 #include "common/field_lookup.h"
-#include "scan/pipeline/digest.h"
 
 #include <utility>
 
 namespace {
-
-void decode_and_hash(found_attachment& found) {
-    digest decoded;
-    found.m_damage = decode(
-        found.m_encoding.value_or(transfer_encoding::none), found.m_body,
-        [&](std::string_view bytes) {
-            decoded.add(bytes);
-            found.m_size += bytes.size();
-            return true;
-        },
-        strictness::lenient);
-    found.m_digest = decoded.text();
-}
 
 void report_missing_bytes(batch& work, const message_facts& message, int error) {
     scan_fault fault;
@@ -58,7 +44,8 @@ void find_attachments(batch& work, const message_facts& message, MailStructure::
         found.m_byte = found.m_message + body.m_offset;
         found.m_encoding =
             transfer_encoding_named(encoding_in_effect(entity, by), strictness::lenient);
-        decode_and_hash(found);
+        found.m_decoded =
+            decode_and_hash(found.m_encoding.value_or(transfer_encoding::none), found.m_body);
         work.m_attachments.push_back(std::move(found));
     }
 }

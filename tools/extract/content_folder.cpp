@@ -72,7 +72,8 @@ private:
 
 /// Whether it is a file that can hold what the attachment does.
 bool can_hold(const struct stat& file, const found_attachment& found) {
-    return S_ISREG(file.st_mode) && static_cast<std::uint64_t>(file.st_size) == found.m_size;
+    return S_ISREG(file.st_mode)
+           && static_cast<std::uint64_t>(file.st_size) == found.m_decoded.m_size;
 }
 
 int compare_contents(int file, const found_attachment& found) {
@@ -104,9 +105,9 @@ int compare_with_existing(int folder, const std::string& name, const found_attac
 
 stored_as content_folder::store(const found_attachment& found) {
     const std::string wanted =
-        found.m_digest + '.'
+        found.m_decoded.m_digest + '.'
         + std::string(extension_for(found.m_type + '/' + found.m_subtype, found.m_sent_name));
-    const std::string inner = found.m_digest.substr(0, 2);
+    const std::string inner = found.m_decoded.m_digest.substr(0, 2);
     m_name = inner + '/' + wanted;
     const int folder = m_folder.open_within(inner);
     if (folder < 0) {
@@ -120,7 +121,7 @@ stored_as content_folder::store(const found_attachment& found) {
 
 stored_as content_folder::store_in(int folder, const found_attachment& found,
                                    const std::string& wanted) {
-    const std::string existing = existing_name(folder, found.m_digest, wanted);
+    const std::string existing = existing_name(folder, found.m_decoded.m_digest, wanted);
     if (existing.empty()) return write(folder, found, wanted);
     m_name.replace(m_name.find('/') + 1, std::string::npos, existing);
     return compare(folder, found, existing);

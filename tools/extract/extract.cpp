@@ -118,7 +118,7 @@ private:
         ++m_totals.m_attachments;
         if (stored == stored_as::new_file) {
             ++m_totals.m_new_files;
-            m_totals.m_new_bytes += found.m_size;
+            m_totals.m_new_bytes += found.m_decoded.m_size;
         }
         return true;
     }
@@ -141,10 +141,10 @@ private:
         } else if (!found.m_encoding) {
             fault.m_code = "unknown-encoding";
             fault.m_text = "the attachment has an unknown transfer encoding, and was not decoded";
-        } else if (found.m_damage) {
-            fault.m_byte += found.m_damage->m_offset;
+        } else if (found.m_decoded.m_damage) {
+            fault.m_byte += found.m_decoded.m_damage->m_offset;
             fault.m_code = "damaged-attachment";
-            fault.m_text = "decoded with damage: " + found.m_damage->m_what;
+            fault.m_text = "decoded with damage: " + found.m_decoded.m_damage->m_what;
         } else {
             return std::nullopt;
         }

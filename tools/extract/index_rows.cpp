@@ -14,11 +14,11 @@ void append_attachment_row(std::string& rows, const source_facts& source,
     row.write_text("subtype", found.m_subtype);
     row.write_text_or_null("filename", found.m_sent_name);
     row.write_text_or_null("disposition", found.m_disposition);
-    row.write_text("decoded_sha256", found.m_digest);
-    row.write_number("decoded_size", found.m_size);
-    row.write_text("decode_status", !found.m_encoding ? "unknown-encoding"
-                                    : found.m_damage  ? "damaged"
-                                                      : "ok");
+    row.write_text("decoded_sha256", found.m_decoded.m_digest);
+    row.write_number("decoded_size", found.m_decoded.m_size);
+    row.write_text("decode_status", !found.m_encoding          ? "unknown-encoding"
+                                    : found.m_decoded.m_damage ? "damaged"
+                                                               : "ok");
     row.write_text_or_null("file", file);
     row.end();
 }

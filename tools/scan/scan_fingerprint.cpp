@@ -35,7 +35,5 @@ std::string scan_fingerprint(const scan_options& options) {
     std::string facts = words_of(options);
     append_words(facts, {static_cast<std::uint64_t>(options.m_rows.m_form)});
     for (const std::string& source : options.m_sources) facts += '\0' + source;
-    digest all;
-    all.add(facts);
-    return all.text();
+    return sha256_text(facts);
 }

@@ -13,12 +13,6 @@ constexpr std::string_view first_word = "mailstructure-scan-1";
 constexpr std::string_view last_word = "end";
 constexpr std::string_view no_digest = "-";
 
-std::string digest_of(std::string_view text) {
-    digest all;
-    all.add(text);
-    return all.text();
-}
-
 } // namespace
 
 std::string text_of(const scan_state& state) {
@@ -35,14 +29,14 @@ std::string text_of(const scan_state& state) {
     out << totals.m_faults.size() << '\n';
     for (const auto& [code, count] : totals.m_faults) out << code << ' ' << count << '\n';
     const std::string text = out.str();
-    return text + std::string(last_word) + ' ' + digest_of(text) + '\n';
+    return text + std::string(last_word) + ' ' + sha256_text(text) + '\n';
 }
 
 std::optional<scan_state> state_in(const std::string& text) {
     const std::size_t end = text.rfind("\n" + std::string(last_word) + ' ');
     if (end == std::string::npos) return std::nullopt;
     const std::string lines = text.substr(0, end + 1);
-    if (text.substr(end + 1) != std::string(last_word) + ' ' + digest_of(lines) + '\n')
+    if (text.substr(end + 1) != std::string(last_word) + ' ' + sha256_text(lines) + '\n')
         return std::nullopt;
     scan_state state;
     std::istringstream in(lines);

@@ -44,6 +44,13 @@ private:
     sha256_ctx m_state{};
 };
 
+/// SHA-256 of a text, in 64 hexadecimal digits.
+inline std::string sha256_text(std::string_view text) {
+    digest all;
+    all.add(text);
+    return all.text();
+}
+
 /// MD5 of a text, in 32 hexadecimal digits.
 inline std::string md5_text(std::string_view text) {
     md5_ctx state{};

@@ -3,7 +3,7 @@
 #ifndef TOOLS_SCAN_PIPELINE_FOUND_ATTACHMENT_H
 #define TOOLS_SCAN_PIPELINE_FOUND_ATTACHMENT_H
 
-#include "common/transfer_decoding.h"
+#include "scan/pipeline/decoded_body.h"
 
 #include <cstdint>
 #include <optional>
@@ -22,9 +22,7 @@ struct found_attachment {
     std::uint64_t m_byte = 0; ///< Where it begins in the source.
     /// The encoding to undo; nothing if that is unknown, and the body is then taken as it is.
     std::optional<transfer_encoding> m_encoding;
-    std::optional<decoding_damage> m_damage; ///< The first damage of the encoded body.
-    std::uint64_t m_size = 0;                ///< Bytes of the decoded body.
-    std::string m_digest;                    ///< SHA-256 of these in hexadecimal.
+    decoded_body m_decoded;
 };
 
 #endif

@@ -7,7 +7,7 @@
 #include "common/field_lookup.h"
 #include "common/message_date.h"
 #include "common/message_fields.h"
-#include "common/transfer_decoding.h"
+#include "scan/pipeline/decoded_body.h"
 #include "scan/pipeline/digest.h"
 #include "scan/rows/row_writer.h"
 
@@ -67,9 +67,7 @@ std::string id_hash(const std::string& message_id) {
 /// Writes the digests of the body, as it is and decoded.
 void write_body_digests(row_writer& row, const MimeObj& entity, std::string_view body,
                         MailStructure::rules by) {
-    digest raw;
-    raw.add(body);
-    row.write_text("sha256", raw.text());
+    row.write_text("sha256", sha256_text(body));
     const auto encoding =
         transfer_encoding_named(encoding_in_effect(entity, by), strictness::lenient);
     if (!encoding) {
@@ -77,19 +75,10 @@ void write_body_digests(row_writer& row, const MimeObj& entity, std::string_view
         row.write_null("decoded_size");
         return row.write_text("decode_status", "unknown-encoding");
     }
-    digest decoded;
-    std::uint64_t size = 0;
-    const auto damage = decode(
-        *encoding, body,
-        [&decoded, &size](std::string_view bytes) {
-            decoded.add(bytes);
-            size += bytes.size();
-            return true;
-        },
-        strictness::lenient);
-    row.write_text("decoded_sha256", decoded.text());
-    row.write_number("decoded_size", size);
-    row.write_text("decode_status", damage ? "damaged" : "ok");
+    const decoded_body decoded = decode_and_hash(*encoding, body);
+    row.write_text("decoded_sha256", decoded.m_digest);
+    row.write_number("decoded_size", decoded.m_size);
+    row.write_text("decode_status", decoded.m_damage ? "damaged" : "ok");
 }
 
 void write_ranges(row_writer& row, const MimeObj& entity) {
