@@ -20,54 +20,75 @@ public:
     using Ch = char;
     static constexpr std::size_t block_size = 32768;
 
+    /// The most characters that room() makes room for.
+    static constexpr std::size_t most_room = 256;
+
     /// The stream must live as long as this object.
     explicit json_output(std::ostream& to) : m_to(to) {} // NOLINT: the block is filled as needed
 
+    /// Where the next characters belong, no more than most_room of them. take() then tells where
+    /// they end.
+    char* room() {
+        if (m_used >= block_size) pass_block();
+        return m_block.data() + m_used;
+    }
+    void take(const char* end) { m_used = static_cast<std::size_t>(end - m_block.data()); }
+
     void put(char character) {
-        if (m_used == block_size) hand_on();
-        m_block[m_used++] = character;
+        char* const to = room();
+        *to = character;
+        take(to + 1);
     }
     void put(std::string_view text) {
-        while (text.size() > block_size - m_used) {
-            const std::size_t fits = block_size - m_used;
+        while (text.size() > m_block.size() - m_used) {
+            const std::size_t fits = m_block.size() - m_used;
             std::memcpy(m_block.data() + m_used, text.data(), fits);
-            m_used = block_size;
+            m_used = m_block.size();
             text.remove_prefix(fits);
-            hand_on();
+            pass_block();
         }
         std::memcpy(m_block.data() + m_used, text.data(), text.size());
         m_used += text.size();
     }
-    /// Writes the text in quotes. It has no more bytes than a block, and none that JSON escapes.
-    void put_quoted(std::string_view text) {
-        if (text.size() + 2 > block_size - m_used) {
-            put('"');
-            put(text);
-            return put('"');
-        }
-        char* const to = m_block.data() + m_used;
+    /// Writes a text in quotes, whose length the compiler knows. No character of it is one that
+    /// JSON escapes.
+    template <std::size_t size>
+    void put_quoted(const char (&text)[size]) { // NOLINT: an array keeps its length
+        static_assert(size + 1 <= most_room);
+        char* const to = room();
         to[0] = '"';
-        std::memcpy(to + 1, text.data(), text.size());
-        to[text.size() + 1] = '"';
-        m_used += text.size() + 2;
+        std::memcpy(to + 1, text, size - 1);
+        to[size] = '"';
+        take(to + size + 1);
     }
     /// The name by which rapidjson knows put().
     void Put(char character) { put(character); }
     /// rapidjson calls this at the end of each document. Blocks are passed on when they are full.
     void Flush() {}
 
-    /// Passes on what the block holds. The state of the stream tells whether all of it was written.
+    /// Passes on all that is held. The state of the stream tells whether all of it was written.
     void hand_on() {
-        m_to.write(m_block.data(), static_cast<std::streamsize>(m_used));
-        m_handed_on = m_handed_on || m_used != 0;
+        while (m_used > block_size) pass_block();
+        pass(m_used);
         m_used = 0;
     }
     bool has_handed_on() const { return m_handed_on; }
     bool is_refused() const { return !m_to; }
 
 private:
+    void pass(std::size_t count) {
+        m_to.write(m_block.data(), static_cast<std::streamsize>(count));
+        m_handed_on = m_handed_on || count != 0;
+    }
+    /// Passes on a full block, and keeps what lies behind it.
+    void pass_block() {
+        pass(block_size);
+        m_used -= block_size;
+        std::memcpy(m_block.data(), m_block.data() + block_size, m_used);
+    }
+
     std::ostream& m_to;
-    std::array<char, block_size> m_block;
+    std::array<char, block_size + most_room> m_block;
     std::size_t m_used = 0;
     bool m_handed_on = false;
 };

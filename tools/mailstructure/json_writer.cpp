@@ -10,15 +10,17 @@
 #include "common/message_fields.h"
 #include "mailstructure/json_string.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <nettle/base64.h>
 #include <optional>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/writer.h>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -36,10 +38,16 @@ std::string quoted_base64(std::string_view bytes) {
     return text;
 }
 
-void put_number(json_output& output, std::uint32_t number) {
-    std::array<char, 10> digits{};
-    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    output.put({digits.data(), static_cast<std::size_t>(end - digits.data())});
+/// Appends a text whose length the compiler knows.
+template <std::size_t size>
+char* append(char* to, const char (&text)[size]) { // NOLINT: an array keeps its length
+    std::memcpy(to, text, size - 1);
+    return to + size - 1;
+}
+
+char* append(char* to, std::uint32_t number) {
+    constexpr std::size_t most_digits = 10;
+    return std::to_chars(to, to + most_digits, number).ptr;
 }
 
 /// Writes documents of every form. A "record" is an object with a list of those of its values that
@@ -47,9 +55,8 @@ void put_number(json_output& output, std::uint32_t number) {
 template <class writer>
 class tree_writer {
 public:
-    /// @param gap  is written after each colon and comma of a range
-    tree_writer(json_output& output, const json_message& message, std::string_view gap)
-        : m_output(output), m_writer(output), m_message(message), m_gap(gap),
+    tree_writer(json_output& output, const json_message& message)
+        : m_output(output), m_writer(output), m_message(message),
           m_ranges(message.m_root, message.m_source) {}
 
     writer& settings() { return m_writer; }
@@ -73,19 +80,30 @@ private:
     };
 
     void begin_value(rapidjson::Type type);
-    void write_key(std::string_view name);
-    void write_string(std::string_view name, std::string_view value);
-    void write_string_or_null(std::string_view name, std::string_view value);
-    void write_number(std::string_view name, std::uint64_t value);
-    void write_flag(std::string_view name, bool value);
-    void write_range(std::string_view name, std::uint32_t offset, std::uint32_t length);
+    // Each of these writes a member of an object. (Its name is an array, so that the compiler knows
+    // the length: most of the output is names.)
+    template <std::size_t size>
+    using member_name = const char (&)[size]; // NOLINT
+    template <std::size_t size>
+    void write_key(member_name<size> name);
+    template <std::size_t size>
+    void write_string(member_name<size> name, std::string_view value);
+    template <std::size_t size>
+    void write_string_or_null(member_name<size> name, std::string_view value);
+    template <std::size_t size>
+    void write_number(member_name<size> name, std::uint64_t value);
+    template <std::size_t size>
+    void write_flag(member_name<size> name, bool value);
+    template <std::size_t size>
+    void write_range(member_name<size> name, std::uint32_t offset, std::uint32_t length);
     void write_rules();
     void write_line_members(const mail_sections::visited& visited, std::size_t index);
     void write_members(const mail_sections::visited& visited);
     void write_description(const mail_sections::visited& visited);
     void write_decoded_size(const mail_sections::visited& visited);
     void write_message_fields(const MailStructure::MimeObj& entity);
-    void write_addresses(std::string_view name, const MailStructure::MimeObj& entity);
+    template <std::size_t size>
+    void write_addresses(member_name<size> name, const MailStructure::MimeObj& entity);
     void write_ranges(const MailStructure::MimeObj& entity);
     void write_fields(const MailStructure::MimeObj& entity);
     void write_field(const MailStructure::header& field);
@@ -96,7 +114,6 @@ private:
     json_output& m_output;
     writer m_writer;
     const json_message& m_message;
-    const std::string_view m_gap;
     mail_sections::ranges m_ranges;
     // These describe the record that is being written:
     record_place m_place;
@@ -235,7 +252,8 @@ void tree_writer<writer>::write_message_fields(const MailStructure::MimeObj& ent
 }
 
 template <class writer>
-void tree_writer<writer>::write_addresses(std::string_view name,
+template <std::size_t size>
+void tree_writer<writer>::write_addresses(member_name<size> name,
                                           const MailStructure::MimeObj& entity) {
     write_key(name);
     m_writer.StartArray();
@@ -340,13 +358,15 @@ void tree_writer<writer>::begin_value(rapidjson::Type type) {
 
 /// @param name  has no character that JSON escapes
 template <class writer>
-void tree_writer<writer>::write_key(std::string_view name) {
+template <std::size_t size>
+void tree_writer<writer>::write_key(member_name<size> name) {
     begin_value(rapidjson::kStringType);
     m_output.put_quoted(name);
 }
 
 template <class writer>
-void tree_writer<writer>::write_string(std::string_view name, std::string_view value) {
+template <std::size_t size>
+void tree_writer<writer>::write_string(member_name<size> name, std::string_view value) {
     write_key(name);
     begin_value(rapidjson::kStringType);
     if (!put_json_string(m_output, value))
@@ -354,50 +374,52 @@ void tree_writer<writer>::write_string(std::string_view name, std::string_view v
 }
 
 template <class writer>
-void tree_writer<writer>::write_string_or_null(std::string_view name, std::string_view value) {
+template <std::size_t size>
+void tree_writer<writer>::write_string_or_null(member_name<size> name, std::string_view value) {
     if (!value.empty()) return write_string(name, value);
     write_key(name);
     m_writer.Null();
 }
 
 template <class writer>
-void tree_writer<writer>::write_number(std::string_view name, std::uint64_t value) {
+template <std::size_t size>
+void tree_writer<writer>::write_number(member_name<size> name, std::uint64_t value) {
     write_key(name);
     m_writer.Uint64(value);
 }
 
 template <class writer>
-void tree_writer<writer>::write_flag(std::string_view name, bool value) {
+template <std::size_t size>
+void tree_writer<writer>::write_flag(member_name<size> name, bool value) {
     write_key(name);
     m_writer.Bool(value);
 }
 
 /// A range stays on one line in every form.
 template <class writer>
-void tree_writer<writer>::write_range(std::string_view name, std::uint32_t offset,
+template <std::size_t size>
+void tree_writer<writer>::write_range(member_name<size> name, std::uint32_t offset,
                                       std::uint32_t length) {
     write_key(name);
     begin_value(rapidjson::kObjectType);
-    m_output.put("{\"offset\":");
-    m_output.put(m_gap);
-    put_number(m_output, offset);
-    m_output.put(',');
-    m_output.put(m_gap);
-    m_output.put("\"length\":");
-    m_output.put(m_gap);
-    put_number(m_output, length);
-    m_output.put('}');
+    constexpr std::size_t gap = std::is_same_v<writer, pretty_writer> ? 1 : 0; // blanks
+    char* to = append(m_output.room(), R"({"offset":)");
+    to = append(std::fill_n(to, gap, ' '), offset);
+    to = append(to, ",");
+    to = append(std::fill_n(to, gap, ' '), R"("length":)");
+    to = append(std::fill_n(to, gap, ' '), length);
+    m_output.take(append(to, "}"));
 }
 
 } // namespace
 
 void write_json(json_output& output, const json_message& message, json_form form) {
     if (form == json_form::pretty) {
-        tree_writer<pretty_writer> pretty(output, message, " ");
+        tree_writer<pretty_writer> pretty(output, message);
         pretty.settings().SetIndent(' ', 2);
         pretty.write_document();
     } else {
-        tree_writer<line_writer> plain(output, message, "");
+        tree_writer<line_writer> plain(output, message);
         form == json_form::flat ? plain.write_lines() : plain.write_document();
     }
     output.hand_on();
