@@ -184,8 +184,10 @@ private:
 } // namespace
 
 std::string decode_encoded_words(std::string_view text) {
+    const std::size_t first = text.find("=?");
+    if (first == std::string_view::npos) return std::string(text); // as most are
     decoded_text result(text);
-    for (std::size_t at = text.find("=?"); at != std::string_view::npos;) {
+    for (std::size_t at = first; at != std::string_view::npos;) {
         const std::optional<encoded_word> word = parse_word(text.substr(at));
         const std::optional<std::string> decoded = word ? decode_word(*word) : std::nullopt;
         if (decoded) result.add(*word, *decoded, at);

@@ -8,9 +8,9 @@
 
 namespace {
 
-std::string value_of(const MailStructure::MimeObj& entity, std::string_view name) {
+std::string_view value_of(const MailStructure::MimeObj& entity, std::string_view name) {
     const MailStructure::header* const field = first_field(entity, name);
-    return field == nullptr ? "" : field->m_value;
+    return field == nullptr ? std::string_view() : field->m_value;
 }
 
 } // namespace
@@ -25,7 +25,7 @@ std::vector<mail_address> addresses_of(const MailStructure::MimeObj& entity,
 }
 
 std::string written_date_of(const MailStructure::MimeObj& entity) {
-    return value_of(entity, "date");
+    return std::string(value_of(entity, "date"));
 }
 
 std::optional<std::chrono::sys_seconds> date_of(const MailStructure::MimeObj& entity) {
