@@ -42,12 +42,6 @@ std::string copied_text_node(std::string_view text) {
     return result;
 }
 
-std::string grouped(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t left = digits.size(); left > 3; left -= 3) digits.insert(left - 3, 1, ',');
-    return digits;
-}
-
 std::string counted(std::uint64_t number, const std::string& one, const std::string& several) {
     return grouped(number) + ' ' + (number == 1 ? one : several);
 }

@@ -5,6 +5,7 @@
 #ifndef TOOLS_PAGE_MARKUP_H
 #define TOOLS_PAGE_MARKUP_H
 
+#include "common/grouped_number.h"
 #include "common/printable.h"
 
 #include <cstddef>
@@ -22,9 +23,6 @@ std::string text_node(std::string_view text, std::size_t most_bytes,
 /// A text that people copy, as a text node: nothing is cut, and backslashes stay as they are. The
 /// text should hold only what is shown, as shell_word() sees to; for anything else stands U+FFFD.
 std::string copied_text_node(std::string_view text);
-
-/// "1,234,567"
-std::string grouped(std::uint64_t number);
 
 /// "1 part", "2,000 parts"
 std::string counted(std::uint64_t number, const std::string& one, const std::string& several);

@@ -2,6 +2,7 @@
 
 #include "scan/progress.h"
 
+#include "common/grouped_number.h"
 #include "scan/input/source_walk.h"
 
 #include <array>
@@ -14,12 +15,6 @@
 namespace {
 
 constexpr std::chrono::milliseconds time_between_lines{200};
-
-std::string with_commas(std::uint64_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, 1, ',');
-    return digits;
-}
 
 /// "310 MiB", "1.2 GiB"
 std::string size_text(double bytes) {
@@ -69,8 +64,8 @@ std::string progress_text(std::uint64_t read, std::optional<std::uint64_t> total
         text += " of " + size_text(static_cast<double>(*total)) + " ("
                 + std::to_string(static_cast<int>(100 * part)) + " %)";
     }
-    text += ", " + with_commas(messages) + (messages == 1 ? " message, " : " messages, ")
-            + with_commas(errors) + (errors == 1 ? " error" : " errors");
+    text += ", " + grouped(messages) + (messages == 1 ? " message, " : " messages, ")
+            + grouped(errors) + (errors == 1 ? " error" : " errors");
     if (seconds <= 0 || read <= before) return text;
     const double rate = static_cast<double>(read - before) / seconds;
     text += ", " + size_text(rate) + "/s";
