@@ -2,6 +2,7 @@
 
 #include "clean_lines.h"
 
+#include "byte_vector.h"
 #include "line_bytes.h"
 
 #include <array>
@@ -26,20 +27,6 @@ good_bytes good_bytes_of(transfer_encoding encoding) noexcept {
     case transfer_encoding::uuencode: return good_bytes::ascii;
     default: return good_bytes::any;
     }
-}
-
-/// Sixteen bytes, as GCC and Clang have them on every processor: an operator works on all of them
-/// at once, and a comparison gives 0xFF where it holds, and else 0.
-using byte_vector = unsigned char __attribute__((vector_size(16)));
-
-byte_vector load(const char* bytes) noexcept {
-    byte_vector loaded;
-    std::memcpy(&loaded, bytes, sizeof loaded);
-    return loaded;
-}
-
-byte_vector equal(byte_vector bytes, char to) noexcept {
-    return reinterpret_cast<byte_vector>(bytes == static_cast<unsigned char>(to)); // NOLINT: bits
 }
 
 byte_vector at_most(byte_vector bytes, unsigned char most) noexcept {
@@ -74,9 +61,8 @@ std::size_t line_ends_in(const char* block) noexcept {
         bad |= bad_ones<Good, CrLf>(bytes, load(block + at + 1));
         line_ends += equal(bytes, '\n') & 1;
     }
+    if (is_any_set(bad)) return not_found;
     std::array<std::uint64_t, 2> words{};
-    std::memcpy(words.data(), &bad, sizeof bad);
-    if ((words[0] | words[1]) != 0) return not_found;
     std::memcpy(words.data(), &line_ends, sizeof line_ends);
     // The highest byte of the product is the sum of all bytes of the other factor.
     constexpr std::uint64_t ones = 0x0101010101010101;

@@ -1,32 +1,40 @@
 #include "line_bytes.h"
 
+#include "byte_vector.h"
+
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
+#include <array>
 
 namespace mail_structure_detail::findings {
 
 namespace {
 
-constexpr std::uint64_t low_bits = 0x0101010101010101;
-constexpr std::uint64_t top_bits = 0x8080808080808080;
-constexpr std::uint64_t letters = low_bits * 'a';
+/// What vectors of bytes have in them.
+struct unusual_bytes {
+    byte_vector m_all{};       // all vectors, one on top of the other
+    byte_vector m_nul_or_cr{}; // not 0 if there was one
 
-/// Not 0 if one of the eight bytes is 0.
-constexpr std::uint64_t zero_byte_in(std::uint64_t word) noexcept {
-    return (word - low_bits) & ~word & top_bits;
-}
-
-/// What words of eight bytes have in them.
-struct unusual_bits {
-    std::uint64_t m_all = 0;       // all words, one on top of the other
-    std::uint64_t m_nul_or_cr = 0; // not 0 if there was one
-
-    void add(std::uint64_t word) noexcept {
-        m_all |= word;
-        m_nul_or_cr |= zero_byte_in(word) | zero_byte_in(word ^ (low_bits * '\r'));
+    void add(byte_vector bytes) noexcept {
+        m_all |= bytes;
+        m_nul_or_cr |= equal(bytes, '\0') | equal(bytes, '\r');
     }
 };
+
+unusual_bytes unusual_bytes_in(std::string_view bytes) noexcept {
+    constexpr std::size_t step = sizeof(byte_vector);
+    unusual_bytes found;
+    if (bytes.size() < step) {
+        std::array<char, step> padded{};
+        padded.fill('a'); // nothing unusual
+        std::copy(bytes.begin(), bytes.end(), padded.begin());
+        found.add(load(padded.data()));
+        return found;
+    }
+    const char* const last = bytes.data() + bytes.size() - step;
+    for (const char* at = bytes.data(); at < last; at += step) found.add(load(at));
+    found.add(load(last)); // some of these bytes may be there twice
+    return found;
+}
 
 } // namespace
 
@@ -41,22 +49,13 @@ std::string_view without_line_end(const message_line& line) noexcept {
 
 line_bytes bytes_of(const message_line& line) noexcept {
     const std::string_view bytes = without_line_end(line);
-    unusual_bits bits;
-    std::size_t at = 0;
-    for (; bytes.size() - at >= sizeof(std::uint64_t); at += sizeof(std::uint64_t)) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data() + at, sizeof word);
-        bits.add(word);
-    }
-    std::uint64_t last = letters; // nothing unusual
-    std::memcpy(&last, bytes.data() + at, bytes.size() - at);
-    bits.add(last);
+    const unusual_bytes unusual = unusual_bytes_in(bytes);
     line_bytes found;
-    if (bits.m_nul_or_cr != 0) {
+    if (is_any_set(unusual.m_nul_or_cr)) {
         found.m_nul = bytes.find('\0');
         found.m_bare_cr = bytes.find('\r');
     }
-    if ((bits.m_all & top_bits) != 0) {
+    if (is_any_set(unusual.m_all & 0x80)) {
         const auto is_high = [](char c) { return static_cast<unsigned char>(c) > 127; };
         const auto* const begin = std::find_if(bytes.begin(), bytes.end(), is_high);
         const auto* const end = std::find_if_not(begin, bytes.end(), is_high);

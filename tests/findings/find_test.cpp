@@ -7,11 +7,13 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace findings {
@@ -29,6 +31,13 @@ std::vector<finding> findings_of(std::string_view message) {
 
 std::string bytes_of(const finding& found, std::string_view message) {
     return std::string(message.substr(found.m_offset, found.m_length));
+}
+
+std::vector<std::uint64_t> offsets_of(name wanted, std::string_view message) {
+    std::vector<std::uint64_t> offsets;
+    for (const finding& found : findings_of(message))
+        if (found.m_name == wanted) offsets.push_back(found.m_offset);
+    return offsets;
 }
 
 std::string as_text(const finding& found, std::string_view message) {
@@ -155,6 +164,22 @@ TEST(receiver, gets_its_context_and_may_throw) {
     const auto refuse = [](const finding&) { throw std::runtime_error("enough"); };
     auto copy = refuse;
     EXPECT_THROW(mail_findings::find("a\n", copy), std::runtime_error);
+}
+
+/// Bytes are looked at in blocks, and those at the end of a line otherwise than the others.
+TEST(finding, of_an_unusual_byte_at_each_place_of_header_lines_of_many_lengths) {
+    for (std::size_t length = 3; length <= 70; ++length)
+        for (std::size_t at = 2; at < length; ++at) {
+            std::string message = "a:" + std::string(length - 2, 'x') + "\n\n";
+            for (const auto& [byte, wanted] :
+                 {std::pair('\0', name::nul), std::pair('\r', name::bare_cr),
+                  std::pair('\xe9', name::header_not_ascii)}) {
+                if (byte == '\r' && at + 1 == length) continue; // belongs to the line end
+                message[at] = byte;
+                EXPECT_EQ(offsets_of(wanted, message), std::vector<std::uint64_t>{at}) << length;
+            }
+            EXPECT_EQ(offsets_of(name::bare_cr, message), std::vector<std::uint64_t>{}) << length;
+        }
 }
 
 } // namespace
