@@ -242,7 +242,7 @@ class Resumption(Interrupted):
     def interrupt(self, form, *options):
         """Leaves a scan that has come into the middle of the first source."""
         status, _ = self.scan(form, "--checkpoint=0", "--threads=1", *options,
-                              failing="kill:change:" + ("35" if form == "-o" else "400"))
+                              failing="kill:change:" + ("35" if form == "-o" else "200"))
         self.assertEqual(status, -signal.SIGKILL)
         self.assertTrue((self.out / "rows.partial").exists())
 
@@ -281,7 +281,7 @@ class Resumption(Interrupted):
             mbox.write_bytes(original[:5000] + b"x" * (offset - 6000) + original[offset - 1000:])
             os.utime(mbox, ns=times)
             status, _ = self.scan(form, "--resume", "--checkpoint=0", "--threads=1",
-                                  failing="kill:change:" + ("75" if form == "-o" else "900"))
+                                  failing="kill:change:" + ("75" if form == "-o" else "500"))
             self.assertEqual(status, -signal.SIGKILL)
             self.assertGreater(self.checkpoint(form)[0], 0)
             mbox.write_bytes(original)
