@@ -198,17 +198,22 @@ class Bench:
                     notmuch_new), ("mairix", mairix)) if shutil.which(name.split()[0])}
         if not indexers:
             return "No program that indexes mail is installed."
-        rows = [*self.tool, "--hash=none", "--threads=1", mail]
-        median = medians_of({"scan": lambda: seconds_of(rows), **indexers},
-                            self.options.rounds)
+        scans = {f"{what} of a Maildir, {threads}": [*self.tool, "--hash=none", *arguments, mail]
+                 for what, findings in (("rows", ["--findings=none"]), ("rows and findings", []))
+                 for threads, arguments in (("one thread", ["--threads=1", *findings]),
+                                            ("a thread for each processor", findings))}
+        ways = {name: lambda command=command: seconds_of(command)
+                for name, command in scans.items()}
+        median = medians_of({**ways, **indexers}, self.options.rounds)
         fastest = min(indexers, key=median.get)
-        self.add(f"rows and findings of a Maildir, one thread, against `{fastest}`",
-                 median[fastest] / median["scan"], WANTED["indexers"])
+        for name in scans:
+            self.add(f"{name}, against `{fastest}`", median[fastest] / median[name],
+                     WANTED["indexers"])
         shutil.rmtree(mail)
         each = ", ".join(f"`{name}` {self.options.maildir / median[name]:,.0f}"
-                         for name in ("scan", *indexers))
+                         for name in indexers)
         return (f"The Maildir has {self.options.maildir:,} messages. Messages a second: {each}."
-                " The others do more than `scan`: they index the words of the texts.")
+                " They do more than `scan`: they index the words of the texts too.")
 
     def tables(self):
         """Rows of entities that go into one SQLite file each second."""
@@ -258,11 +263,13 @@ class Bench:
         return "The mbox for the memory comes through a pipe; two threads."
 
 
-def machine():
-    """The processor, as the system names it."""
+def machine(folder):
+    """The processor, as the system names it, and the kind of file system."""
     with open("/proc/cpuinfo", encoding="utf-8") as file:
         names = [line.split(":")[1].strip() for line in file if line.startswith("model name")]
-    return f"{names[0] if names else platform.machine()}, {os.cpu_count()} processors"
+    kind = output_of(["stat", "--file-system", "--format=%T", folder]).strip()
+    return (f"{names[0] if names else platform.machine()}, {os.cpu_count()} processors; piles and"
+            f" tables on a file system of the kind {kind}.")
 
 
 def item(text):
@@ -301,7 +308,7 @@ def main():
         " rows go to",
         f"`/dev/null`. Medians of {options.rounds} runs by the clock, in which the programs took"
         " turns.", "",
-        *item(machine()), *remarks, "",
+        *item(machine(bench.folder)), *remarks, "",
         "| | | wanted |", "|---|---:|---:|", *bench.lines, ""])
     print(page, end="")
     if not options.only_prints:
