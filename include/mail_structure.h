@@ -23,7 +23,9 @@
 
 namespace mail_structure_detail {
 class chunk_parse;
-}
+class record_store;
+class spare_storage;
+} // namespace mail_structure_detail
 
 /// The parser, and the tree that it leaves.
 ///
@@ -250,6 +252,34 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// The message.
     MimeObj m_root;
 
+    /// Records that the tree has no use for at present, up to 64 KiB of them. They are no part of
+    /// the message, and a copy has none of them.
+    class MAIL_STRUCTURE_API spare_records {
+    public:
+        spare_records() noexcept = default;
+        /// Copies nothing.
+        spare_records(const spare_records& /*other*/) noexcept {}
+        /// Takes over the records; the other object has none then.
+        spare_records(spare_records&& other) noexcept { std::swap(m_held, other.m_held); }
+        /// Copies nothing, and leaves the records of this object as they are. (So nothing can go
+        /// wrong where an object is assigned to itself.)
+        // cppcheck-suppress operatorEqVarError
+        // NOLINTNEXTLINE(bugprone-unhandled-self-assignment,cert-oop54-cpp)
+        spare_records& operator=(const spare_records& /*other*/) noexcept { return *this; }
+        /// Exchanges the records.
+        spare_records& operator=(spare_records&& other) noexcept {
+            std::swap(m_held, other.m_held);
+            return *this;
+        }
+        ~spare_records();
+
+    private:
+        friend class mail_structure_detail::spare_storage;
+        mail_structure_detail::record_store* m_held = nullptr;
+    };
+    /// What Fill keeps for the next message. There is nothing in it for the host.
+    spare_records m_spare = {};
+
     /// A limit, in bytes, on the memory that the header fields and parameters of one message take,
     /// as Fill estimates it: 64 and the length of the first line for each field, and 64 and the
     /// text length for each parameter. Fields and parameters past the limit are left out of the
@@ -275,11 +305,12 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// may stay: it is in the header block, and is passed over there.
     ///
     /// References into the old tree of m_root are invalid as soon as Fill starts. The records of
-    /// that tree and their storage are used again for the new message, and those that it does not
-    /// need are freed. While Fill runs, the object may take as much memory as both trees together;
-    /// call m_root.clear() before Fill where that matters. m_root itself keeps its storage as clear
-    /// leaves it; assign MailStructure() to free everything. No other code, not even that of the
-    /// stream's buffer, may look at the tree while Fill runs.
+    /// that tree and their storage are used again for the new message. Of those that it does not
+    /// need, up to 64 KiB are kept for later messages, and the others are freed. While Fill runs,
+    /// the object may take as much memory as both trees together; call m_root.clear() before Fill
+    /// where that matters. m_root itself keeps its storage as clear leaves it; assign
+    /// MailStructure() to free everything. No other code, not even that of the stream's buffer, may
+    /// look at the tree while Fill runs.
     ///
     /// @throws std::runtime_error  "error in io input data": a CR or NUL stands inside a line, or
     ///                             an LF where the stream's locale widens LF to another byte

@@ -100,7 +100,7 @@ parameter_check::piece parameter_check::take_value(field_text& text) {
         text.take_to_semicolon_or_white_space();
         return {begin, text.place()};
     }
-    std::string unquoted;
+    text_with_room<120> unquoted;
     text.take_quoted_string(unquoted);
     const piece value{begin, text.place()};
     if (!is_ended_quote(text_of(value)))

@@ -19,7 +19,7 @@ template <class Grammar>
 class chunk_parse_by final : public chunk_parse {
 public:
     chunk_parse_by(MailStructure& message, std::uint32_t first_offset)
-        : m_loop(message), m_reader(first_offset, Grammar::names) {}
+        : m_loop(message, nullptr), m_reader(first_offset, Grammar::names) {}
 
     void feed(std::string_view chunk) override {
         m_reader.add(chunk);

@@ -17,7 +17,8 @@ namespace {
 /// @param input  a stream, or the bytes themselves
 template <class Grammar, class Source, class Input>
 void fill_by(MailStructure& message, Input& input, std::uint32_t first_offset) {
-    line_loop<Grammar> loop(message);
+    parse_rooms rooms;
+    line_loop<Grammar> loop(message, &rooms);
     Source source(input, first_offset, Grammar::names);
     loop.take_lines(source);
     loop.end_input();

@@ -20,8 +20,10 @@ template <class Grammar>
 class line_loop {
 public:
     /// Takes over the message's old tree. @throws std::bad_alloc
-    explicit line_loop(MailStructure& message)
-        : m_message(message), m_tree(message, Grammar::unset_body), m_grammar(m_tree) {}
+    /// @param rooms  must outlive this object; null where the parse is to have none
+    line_loop(MailStructure& message, parse_rooms* rooms)
+        : m_message(message), m_tree(message, Grammar::unset_body, rooms),
+          m_grammar(m_tree, rooms) {}
     line_loop(const line_loop&) = delete;
     line_loop& operator=(const line_loop&) = delete;
 

@@ -91,14 +91,18 @@ failed_run run(MailStructure& message, const rule_set& by, const allocating_mess
 class failed_fill : public test_support::failed_parse {
 protected:
     /// Checks that the tree fits the number of bytes taken, and that the right exception left Fill.
+    /// @param is_used  the parser object had been filled before
     std::string judged(const MailStructure& message, const failed_run& result,
-                       const run_options& options) const {
+                       const run_options& options, bool is_used) const {
         if (std::strcmp(result.m_error, "bad_alloc") == 0)
             return judged_after_bad_alloc(message, result.m_taken);
         // std::stable_sort, which orders the sections of a boundary, does without its buffer.
         if (by().m_rules == MailStructure::rules::standard && *result.m_error == '\0'
             && !result.m_went_bad)
             return test_support::first_difference(message, "", m_steps.at_end());
+        // Old records for which there is no memory are not kept for later messages.
+        if (is_used && !result.m_went_bad)
+            return test_support::first_difference(message, result.m_error, m_steps.at_end());
         // std::getline could not enlarge the line and set badbit alone, so that the input ended
         // there.
         if (!result.m_went_bad || (reads_in_place && options.m_window != 0))
@@ -134,7 +138,7 @@ protected:
                 goes_on = result.m_has_sprung;
                 const std::string difference =
                     result.m_has_sprung
-                        ? judged(message, result, options)
+                        ? judged(message, result, options, before != nullptr)
                         : test_support::first_difference(message, result.m_error, m_steps.at_end());
                 ASSERT_EQ(difference, "")
                     << "allocation " << failing << ", window " << options.m_window;

@@ -4,13 +4,11 @@
 #define MAIL_STRUCTURE_PARSER_CLASSIC_BOUNDARY_H
 
 #include "../lines/delimiter_filter.h"
+#include "../tree/first_room.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace mail_structure_detail::classic {
 
@@ -22,32 +20,44 @@ enum class boundary_match : std::uint8_t { none, separator, closing };
 /// Content-Type fields registered them.
 class delimiter_stack {
 public:
-    /// @throws std::bad_alloc
-    delimiter_stack() {
-        constexpr std::size_t usual_nesting = 10;
-        m_delimiters.reserve(usual_nesting);
-    }
+    /// @param rooms  must outlive this object; null where there are none
+    explicit delimiter_stack(parse_rooms* rooms = nullptr) noexcept
+        : m_begins(list_in<std::size_t>(room_in(rooms, &parse_rooms::m_delimiters))),
+          m_texts(text_in(room_in(rooms, &parse_rooms::m_boundaries))) {}
 
-    bool empty() const noexcept { return m_delimiters.empty(); }
-    const std::string& back() const noexcept { return m_delimiters.back(); }
+    bool empty() const noexcept { return m_begins.empty(); }
+    /// Valid until a delimiter is added.
+    std::string_view back() const noexcept {
+        return std::string_view(m_texts).substr(m_begins.back());
+    }
     /// Passes all lines that begin with the last delimiter.
     const delimiter_filter& filter() const noexcept { return m_filter; }
 
     /// @throws std::bad_alloc, and then nothing has changed
-    void push_back(std::string delimiter) {
-        m_delimiters.push_back(std::move(delimiter));
+    void push_back(std::string_view boundary) {
+        const std::size_t begin = m_texts.size();
+        m_begins.push_back(begin);
+        try {
+            m_texts.append("--").append(boundary);
+        } catch (...) {
+            m_texts.resize(begin);
+            m_begins.pop_back();
+            throw;
+        }
         set_filter();
     }
     void pop_back() noexcept {
-        m_delimiters.pop_back();
+        m_texts.resize(m_begins.back());
+        m_begins.pop_back();
         if (!empty()) set_filter();
     }
 
 private:
-    void set_filter() noexcept { m_filter = delimiter_filter(std::string_view(back()).substr(2)); }
+    void set_filter() noexcept { m_filter = delimiter_filter(back().substr(2)); }
 
-    std::vector<std::string> m_delimiters;
-    delimiter_filter m_filter; // of the last one
+    room_list<std::size_t> m_begins; // of each in m_texts
+    room_text m_texts;               // one behind the other
+    delimiter_filter m_filter;       // of the last one
 };
 
 /// Kept: byte for byte. A trailing blank, another case, or anything but "--" after the delimiter

@@ -21,7 +21,8 @@ namespace mail_structure_detail::classic {
 
 class classic_grammar {
 public:
-    explicit classic_grammar(growing_tree& tree) : m_state(tree) {}
+    /// @param rooms  must outlive this object; null where there are none
+    classic_grammar(growing_tree& tree, parse_rooms* rooms) : m_state(tree, rooms) {}
 
     /// Takes one line.
     /// @throws std::runtime_error, std::length_error  see MailStructure::Fill

@@ -27,7 +27,8 @@ struct field_in_progress {
 };
 
 struct classic_state {
-    explicit classic_state(growing_tree& tree) : m_tree(tree), m_open(tree.m_open) {}
+    classic_state(growing_tree& tree, parse_rooms* rooms)
+        : m_tree(tree), m_open(tree.m_open), m_delimiters(rooms) {}
     classic_state(const classic_state&) = delete;
     classic_state& operator=(const classic_state&) = delete;
 

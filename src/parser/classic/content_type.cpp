@@ -26,7 +26,7 @@ void store_parameter(classic_state& state, const parameter& found) {
         static_cast<std::uint32_t>(found.m_name.size() + found.m_value.size()));
     if (field.m_record != &state.m_scratch) state.m_open.add_parameter(found.m_name, found.m_value);
     if (field.m_is_multipart && is_boundary_name(found.m_name)) {
-        state.m_delimiters.push_back(std::string("--").append(found.m_value));
+        state.m_delimiters.push_back(found.m_value);
         state.m_open.innermost().m_multipart = true;
     }
 }

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace mail_structure_detail::standard {
 
@@ -24,7 +23,7 @@ int hex_digit(char c) noexcept {
 
 /// Appends the text, with the byte that it encodes in place of each "%41" and the like. A "%"
 /// without two hexadecimal digits behind it stays.
-void append_decoded(std::string& out, std::string_view text) {
+void append_decoded(room_text& out, std::string_view text) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '%' && text.size() - at > 2) {
             const int high = hex_digit(text[at + 1]);
@@ -55,11 +54,12 @@ bool is_number(std::string_view text) noexcept {
 } // namespace
 
 void boundary_parameter::take(std::string_view name, std::string_view value) {
-    if (m_plain || !is_word(name.substr(0, name_bytes), boundary_name)) return;
+    if (m_is_plain || !is_word(name.substr(0, name_bytes), boundary_name)) return;
     name.remove_prefix(name_bytes);
-    if (name.empty())
-        m_plain = value;
-    else if (name == "*") {
+    if (name.empty()) {
+        m_value = value;
+        m_is_plain = true;
+    } else if (name == "*") {
         if (!m_extended) m_extended = value;
     } else if (name.front() == '*') {
         take_section(name.substr(1), value);
@@ -74,40 +74,35 @@ void boundary_parameter::take_section(std::string_view number, std::string_view 
     m_sections.push_back({std::string(number), std::string(value), encoded});
 }
 
-std::optional<std::string> boundary_parameter::value() {
-    std::string found;
-    if (m_plain)
-        found = std::move(*m_plain);
-    else if (m_extended)
-        append_decoded(found, without_charset(*m_extended));
-    else if (!m_sections.empty())
-        found = joined_sections();
-    else
-        return std::nullopt;
-    found.resize(trimmed_at_end(found).size());
-    return found;
+std::optional<std::string_view> boundary_parameter::value() {
+    if (!m_is_plain) {
+        if (!m_extended && m_sections.empty()) return std::nullopt;
+        if (m_extended)
+            append_decoded(m_value, without_charset(*m_extended));
+        else
+            join_sections();
+    }
+    return trimmed_at_end(m_value);
 }
 
-/// The values of the sections in the order of their numbers, which may leave gaps. Where several
-/// sections have the same number, the first of them counts.
-std::string boundary_parameter::joined_sections() {
+/// Puts the values of the sections together in the order of their numbers, which may leave gaps.
+/// Where several sections have the same number, the first of them counts.
+void boundary_parameter::join_sections() {
     const auto is_before = [](const section& a, const section& b) {
         if (a.m_number.size() != b.m_number.size()) return a.m_number.size() < b.m_number.size();
         return a.m_number < b.m_number;
     };
     std::stable_sort(m_sections.begin(), m_sections.end(), is_before);
-    std::string joined;
     const section* last = nullptr;
     for (const section& present : m_sections) {
         if (last != nullptr && last->m_number == present.m_number) continue;
         if (!present.m_encoded)
-            joined += present.m_value;
+            m_value += present.m_value;
         else
-            append_decoded(joined,
+            append_decoded(m_value,
                            last == nullptr ? without_charset(present.m_value) : present.m_value);
         last = &present;
     }
-    return joined;
 }
 
 } // namespace mail_structure_detail::standard

@@ -8,6 +8,9 @@
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_BOUNDARY_H
 
+#include "../tree/first_room.h"
+
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,10 +23,10 @@ public:
     /// Takes a parameter of the field. Parameters that give no boundary are passed over.
     /// @throws std::bad_alloc
     void take(std::string_view name, std::string_view value);
-    /// The boundary, if the field had one. It may be empty. To be called once, when all parameters
-    /// have been taken. Costs the number of sections times its
+    /// The boundary, if the field had one. It may be empty, and is valid as long as this object. To
+    /// be called once, when all parameters have been taken. Costs the number of sections times its
     /// logarithm. @throws std::bad_alloc
-    std::optional<std::string> value();
+    std::optional<std::string_view> value();
 
 private:
     /// "boundary*12*=..."
@@ -34,9 +37,12 @@ private:
     };
 
     void take_section(std::string_view number, std::string_view value);
-    std::string joined_sections();
+    void join_sections();
 
-    std::optional<std::string> m_plain;    // of "boundary="
+    static constexpr std::size_t usual_bytes = 120;
+
+    text_with_room<usual_bytes> m_value;   // of "boundary=", if there is one; else set by value()
+    bool m_is_plain = false;               // there is a "boundary="
     std::optional<std::string> m_extended; // of "boundary*=", still encoded
     std::vector<section> m_sections;       // in the order of the field
 };

@@ -29,25 +29,27 @@ bool content_type_reader::read_parameter(parameter& found) {
 
 std::string_view content_type_reader::read_value() {
     if (!m_text.is_at('"')) return read_unquoted_value();
-    m_room.clear();
-    m_text.take_quoted_string(m_room);
-    return m_room;
+    m_value.reserve(usual_bytes); // takes the room, the first time
+    m_value.clear();
+    m_text.take_quoted_string(m_value);
+    return m_value;
 }
 
 /// The text up to the next semicolon, less comments behind white space, and trimmed at its end.
 std::string_view content_type_reader::read_unquoted_value() {
     std::string_view value = m_text.take_to_semicolon_or_white_space();
     if (m_text.at_end() || m_text.is_at(';')) return value; // nearly always
-    m_room.assign(value);
+    m_value.reserve(usual_bytes);
+    m_value.assign(value);
     while (!m_text.at_end() && !m_text.is_at(';')) {
         const std::string_view white_space = m_text.take_white_space();
-        m_room.append(white_space);
+        m_value.append(white_space);
         if (!white_space.empty() && m_text.is_at('('))
             m_text.skip_comment();
         else
-            m_room.append(m_text.take_to_semicolon_or_white_space());
+            m_value.append(m_text.take_to_semicolon_or_white_space());
     }
-    value = m_room;
+    value = m_value;
     return trimmed_at_end(value);
 }
 

@@ -4,9 +4,10 @@
 #ifndef MAIL_STRUCTURE_PARSER_STANDARD_CONTENT_TYPE_H
 #define MAIL_STRUCTURE_PARSER_STANDARD_CONTENT_TYPE_H
 
+#include "../tree/first_room.h"
 #include "field_text.h"
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 namespace mail_structure_detail::standard {
@@ -39,8 +40,11 @@ private:
     std::string_view read_value();
     std::string_view read_unquoted_value();
 
+    static constexpr std::size_t usual_bytes = 120;
+
     field_text m_text;
-    std::string m_room; // for a value that is not one piece of the text
+    first_room<usual_bytes + 1> m_room;
+    room_text m_value{room_allocator<char>(&m_room)}; // one that is not one piece of the text
 };
 
 /// What stands before the first semicolon outside comments, without white space at both ends.

@@ -19,11 +19,23 @@ std::uint64_t length_bit(std::size_t bytes) noexcept {
 
 } // namespace
 
+delimiters_in_force::delimiters_in_force(parse_rooms* rooms) noexcept
+    : m_delimiters(list_in<delimiter>(room_in(rooms, &parse_rooms::m_delimiters))),
+      m_texts(text_in(room_in(rooms, &parse_rooms::m_boundaries))),
+      m_slots(list_in<std::size_t>(room_in(rooms, &parse_rooms::m_slots))) {}
+
 void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
     if (2 * (m_delimiters.size() + 1) > m_slots.size()) grow_table();
     const std::uint64_t hash = keyed_hash(boundary);
     std::size_t& slot = m_slots[slot_of(boundary, hash)];
-    m_delimiters.push_back({std::string(boundary), hash, depth, slot});
+    const std::size_t begin = m_texts.size();
+    m_delimiters.push_back({begin, boundary.size(), hash, depth, slot});
+    try {
+        m_texts.append(boundary);
+    } catch (...) {
+        m_delimiters.pop_back();
+        throw;
+    }
     slot = m_delimiters.size() - 1;
     m_lengths |= length_bit(boundary.size());
     if (m_delimiters.size() == 1) m_filter = delimiter_filter(boundary);
@@ -34,9 +46,10 @@ void delimiters_in_force::push(std::string_view boundary, std::size_t depth) {
 void delimiters_in_force::pop_some_from(std::size_t index) noexcept {
     while (m_delimiters.size() > index) {
         const delimiter& last = m_delimiters.back();
-        std::size_t& slot = m_slots[slot_of(last.m_boundary, last.m_hash)];
+        std::size_t& slot = m_slots[slot_of(boundary_of(last), last.m_hash)];
         assert(slot == m_delimiters.size() - 1);
         slot = last.m_hidden;
+        m_texts.resize(last.m_begin);
         m_delimiters.pop_back();
     }
     if (m_delimiters.empty()) m_lengths = 0;
@@ -48,8 +61,8 @@ void delimiters_in_force::pop_some_from(std::size_t index) noexcept {
 void delimiters_in_force::set_filter() noexcept {
     constexpr std::size_t usual_nesting = 8;
     if (m_delimiters.empty() || m_delimiters.size() > usual_nesting) return;
-    m_filter = delimiter_filter(m_delimiters.front().m_boundary);
-    for (const delimiter& known : m_delimiters) m_filter.admit(known.m_boundary);
+    m_filter = delimiter_filter(boundary_of(m_delimiters.front()));
+    for (const delimiter& known : m_delimiters) m_filter.admit(boundary_of(known));
 }
 
 /// Does what match does, for a line that begins with "--" and is no delimiter line of the innermost
@@ -84,19 +97,18 @@ std::size_t delimiters_in_force::slot_of(std::string_view boundary,
     for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask) {
         if (m_slots[at] == none) return at;
         const delimiter& found = m_delimiters[m_slots[at]];
-        if (found.m_hash == hash && found.m_boundary == boundary) return at;
+        if (found.m_hash == hash && boundary_of(found) == boundary) return at;
     }
 }
 
 /// Doubles the table and puts the delimiters in again, the outermost first, so that the innermost
 /// of those with the same boundary remains.
 void delimiters_in_force::grow_table() {
-    constexpr std::size_t fewest = 16;
-    std::vector<std::size_t> slots(std::max(fewest, 2 * m_slots.size()), none);
-    m_slots.swap(slots);
+    constexpr std::size_t fewest_slots = 16;
+    m_slots.assign(std::max(fewest_slots, 2 * m_slots.size()), none);
     for (std::size_t index = 0; index < m_delimiters.size(); ++index) {
         const delimiter& known = m_delimiters[index];
-        m_slots[slot_of(known.m_boundary, known.m_hash)] = index;
+        m_slots[slot_of(boundary_of(known), known.m_hash)] = index;
     }
 }
 

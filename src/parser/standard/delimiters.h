@@ -9,13 +9,12 @@
 #define MAIL_STRUCTURE_PARSER_STANDARD_DELIMITERS_H
 
 #include "../lines/delimiter_filter.h"
+#include "../tree/first_room.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace mail_structure_detail::standard {
 
@@ -29,6 +28,9 @@ struct delimiter_match {
 
 class delimiters_in_force {
 public:
+    /// @param rooms  must outlive this object; null where there are none
+    explicit delimiters_in_force(parse_rooms* rooms = nullptr) noexcept;
+
     /// Brings a delimiter into force, as the innermost one.
     /// @param depth  the number of open entities, of which the innermost is the multipart
     /// @throws std::bad_alloc, and then nothing has changed
@@ -58,7 +60,8 @@ private:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
     struct delimiter {
-        std::string m_boundary;
+        std::size_t m_begin; // of the boundary in m_texts
+        std::size_t m_bytes; // of the boundary
         std::uint64_t m_hash;
         std::size_t m_depth;
         std::size_t m_hidden; // the next delimiter outwards with the same boundary, or none
@@ -68,7 +71,7 @@ private:
     /// @param boundary  the line's text without the dashes before the boundary; "--" may stand
     ///                  behind the boundary, but no white space
     std::optional<delimiter_match> match_innermost(std::string_view boundary) const noexcept {
-        const std::string_view innermost = m_delimiters.back().m_boundary;
+        const std::string_view innermost = boundary_of(m_delimiters.back());
         if (!boundary.starts_with(innermost)) return std::nullopt;
         boundary.remove_prefix(innermost.size());
         const std::size_t index = m_delimiters.size() - 1;
@@ -77,17 +80,21 @@ private:
         return std::nullopt;
     }
     std::optional<delimiter_match> match_trimmed(std::string_view line_text) const noexcept;
+    std::string_view boundary_of(const delimiter& known) const noexcept {
+        return {m_texts.data() + known.m_begin, known.m_bytes};
+    }
     void pop_some_from(std::size_t index) noexcept;
     std::size_t find(std::string_view boundary) const noexcept;
     std::size_t slot_of(std::string_view boundary, std::uint64_t hash) const noexcept;
     void grow_table();
     void set_filter() noexcept;
 
-    std::vector<delimiter> m_delimiters; // the outermost first
+    room_list<delimiter> m_delimiters; // the outermost first
+    room_text m_texts;                 // one boundary behind the other
     // Open addressing. A slot is `none` or the index of the innermost delimiter of a boundary.
     // Delimiters are taken out in the reverse of the order in which they were put in, so no search
     // for another boundary leads over a slot that becomes empty.
-    std::vector<std::size_t> m_slots;
+    room_list<std::size_t> m_slots;
     delimiter_filter m_filter;   // of all delimiters
     std::uint64_t m_lengths = 0; // bit n: a boundary of n, n + 64, ... bytes has come into force
 };

@@ -26,7 +26,7 @@ void field_text::skip_comment() noexcept {
     }
 }
 
-void field_text::take_quoted_string(std::string& value) {
+void field_text::take_quoted_string(room_text& value) {
     ++m_at;
     while (!at_end()) {
         char c = m_text[m_at++];

@@ -5,12 +5,12 @@
 #define MAIL_STRUCTURE_PARSER_STANDARD_FIELD_TEXT_H
 
 #include "../lines/character_class.h"
+#include "../tree/first_room.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -101,7 +101,7 @@ public:
     /// Passes over a quoted string, which must begin at the place, and appends what it stands for
     /// to `value`, without quotes and backslashes. A quoted string that is not finished ends with
     /// the text. @throws std::bad_alloc
-    void take_quoted_string(std::string& value);
+    void take_quoted_string(room_text& value);
     /// Moves to the next semicolon outside quoted strings and comments, or to the end.
     void skip_to_semicolon() noexcept;
     /// Moves to the next semicolon outside comments, or to the end.

@@ -6,6 +6,7 @@
 #include "field_text.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -81,7 +82,10 @@ void read_multipart_parameters(standard_state& state, content_type_reader& reade
         record_parameter(state, found);
         boundary.take(found.m_name, found.m_value);
     }
-    state.m_block.m_boundary = boundary.value();
+    const std::optional<std::string_view> value = boundary.value();
+    if (!value) return;
+    state.m_boundary = *value;
+    state.m_block.m_has_boundary = true;
 }
 
 void end_content_type(standard_state& state, std::string_view text) {
@@ -192,8 +196,8 @@ void end_header_block(standard_state& state) {
         entity.m_subtype = "rfc822";
     }
     state.m_phase = phase::body;
-    if (state.m_block.m_boundary) {
-        state.m_delimiters.push(*state.m_block.m_boundary, state.m_open.depth());
+    if (state.m_block.m_has_boundary) {
+        state.m_delimiters.push(state.m_boundary, state.m_open.depth());
         entity.m_multipart = true;
     } else if (holds_message(entity)) {
         entity.m_message = true;

@@ -21,7 +21,7 @@ void add_epilogue_lines(standard_state& state, const line_run& lines) {
 
 } // namespace
 
-standard_grammar::standard_grammar(growing_tree& tree) : m_state(tree) {
+standard_grammar::standard_grammar(growing_tree& tree, parse_rooms* rooms) : m_state(tree, rooms) {
     MailStructure::MimeObj& root = m_state.m_open.innermost();
     root.m_type = "text";
     root.m_subtype = "plain";

@@ -20,7 +20,8 @@ namespace mail_structure_detail::standard {
 
 class standard_grammar {
 public:
-    explicit standard_grammar(growing_tree& tree);
+    /// @param rooms  must outlive this object; null where there are none
+    standard_grammar(growing_tree& tree, parse_rooms* rooms);
 
     /// What a field name may be made of.
     static constexpr field_names names = field_names::printable;

@@ -9,8 +9,6 @@
 #include "delimiters.h"
 
 #include <cstdint>
-#include <optional>
-#include <string>
 
 namespace mail_structure_detail::standard {
 
@@ -31,11 +29,14 @@ struct header_block_state {
     MailStructure::header* m_record = nullptr; // of the last field; null where that has none
     bool m_has_content_type = false;           // one has been read; later ones do not count
     bool m_has_encoding = false;               // the same for Content-Transfer-Encoding
-    std::optional<std::string> m_boundary;     // of a multipart
+    bool m_has_boundary = false;               // it is a multipart with that of the state
 };
 
 struct standard_state {
-    explicit standard_state(growing_tree& tree) : m_tree(tree), m_open(tree.m_open) {}
+    standard_state(growing_tree& tree, parse_rooms* rooms)
+        : m_tree(tree), m_open(tree.m_open), m_delimiters(rooms),
+          m_field_text(text_in(room_in(rooms, &parse_rooms::m_field_text))),
+          m_boundary(text_in(room_in(rooms, &parse_rooms::m_boundary))) {}
     standard_state(const standard_state&) = delete;
     standard_state& operator=(const standard_state&) = delete;
 
@@ -54,7 +55,8 @@ struct standard_state {
     header_block_state m_block;
     /// The text of the Content-Type field, or of a Content-Transfer-Encoding field, so far: from
     /// just past the colon on, without line ends.
-    std::string m_field_text;
+    room_text m_field_text;
+    room_text m_boundary; // of the last multipart that has one
 };
 
 } // namespace mail_structure_detail::standard

@@ -38,9 +38,9 @@ public:
     /// later change of them has no effect on this parse.
     /// @param unset_body  what tells that a body range has not been set yet
     /// @throws std::bad_alloc
-    growing_tree(MailStructure& message, unset_by unset_body)
-        : m_open(message.m_root, unset_body), m_memory(MailStructure::m_memlimit),
-          m_keep_text(message.m_keep_text) {}
+    growing_tree(MailStructure& message, unset_by unset_body, parse_rooms* rooms)
+        : m_open(message.m_root, unset_body, &message.m_spare, rooms),
+          m_memory(MailStructure::m_memlimit), m_keep_text(message.m_keep_text) {}
 
     /// Counts a field of the innermost entity, adds its record and returns it. Returns null, and
     /// adds none, where the limit leaves no room.

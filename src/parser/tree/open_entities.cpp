@@ -10,8 +10,11 @@ namespace mail_structure_detail {
 
 using MimeObj = MailStructure::MimeObj;
 
-open_entities::open_entities(MimeObj& root, unset_by unset_body) try
-    : m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
+open_entities::open_entities(MimeObj& root, unset_by unset_body,
+                             MailStructure::spare_records* records, parse_rooms* rooms) try
+    : m_entities(list_in<MimeObj*>(room_in(rooms, &parse_rooms::m_chain))),
+      m_accounts(list_in<account>(room_in(rooms, &parse_rooms::m_accounts))), m_spare(records),
+      m_mime(&MimeObj::m_mime_beg, &MimeObj::m_mime_len, unset_by::length),
       m_body(&MimeObj::m_body_beg, &MimeObj::m_body_len, unset_body),
       m_epilogue(&MimeObj::m_epilogue_beg, &MimeObj::m_epilogue_len, unset_by::length),
       m_contents(&MimeObj::m_contents_beg, &MimeObj::m_contents_len, unset_by::length) {
@@ -153,7 +156,7 @@ void open_entities::settle_from(std::size_t first) noexcept {
         if (body_lines != 0) entity.m_body_last_empty = m_body_tally.m_last_empty;
         if (m_epilogue_tally.m_lines != settled.m_epilogue_lines_before)
             entity.m_epilogue_last_empty = m_epilogue_tally.m_last_empty;
-        settled.m_records.cut_off_old(entity);
+        settled.m_records.cut_off_old(entity, m_spare);
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include <mail_structure.h>
 
+#include "first_room.h"
 #include "reused_records.h"
 #include "shared_range.h"
 
@@ -16,7 +17,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace mail_structure_detail {
 
@@ -47,8 +47,11 @@ public:
     /// Begins with the root alone, cleared. The records of its descendants wait to be used again.
     /// The root's tree must outlive this object, and nothing else may add to the tree meanwhile.
     /// @param unset_body  what tells that a body range has not been set yet
+    /// @param records     see spare_storage
+    /// @param rooms       must outlive this object; null where there are none
     /// @throws std::bad_alloc, and then the root is cleared and has no descendants
-    open_entities(MailStructure::MimeObj& root, unset_by unset_body);
+    open_entities(MailStructure::MimeObj& root, unset_by unset_body,
+                  MailStructure::spare_records* records = nullptr, parse_rooms* rooms = nullptr);
     /// Pays what is owed to the entities still open, and cuts off old records, also when an
     /// exception ends the parse.
     ~open_entities();
@@ -131,8 +134,8 @@ private:
     void settle_from(std::size_t first) noexcept;
     std::size_t first_keeper(const kept_text& kept) const noexcept;
 
-    std::vector<MailStructure::MimeObj*> m_entities; // the root first, the innermost last
-    std::vector<account> m_accounts;                 // one for each entity
+    room_list<MailStructure::MimeObj*> m_entities; // the root first, the innermost last
+    room_list<account> m_accounts;                 // one for each entity
     spare_storage m_spare;
     line_tally m_body_tally;
     line_tally m_epilogue_tally;

@@ -22,13 +22,13 @@
 #include <mail_structure.h>
 
 #include "../lines/line_run.h"
+#include "first_room.h"
 
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <set>
 #include <utility>
-#include <vector>
 
 namespace mail_structure_detail {
 
@@ -38,7 +38,7 @@ enum class unset_by : std::uint8_t { length, offset };
 class shared_range {
 public:
     using member = std::uint32_t MailStructure::MimeObj::*;
-    using entity_stack = std::vector<MailStructure::MimeObj*>;
+    using entity_stack = room_list<MailStructure::MimeObj*>;
 
     shared_range(member beg, member len, unset_by test)
         : m_beg(beg), m_len(len), m_unset_by(test) {}

@@ -25,7 +25,7 @@ std::optional<std::string> boundary_of(std::string_view parameters) {
     boundary_parameter boundary;
     parameter found;
     while (reader.read_parameter(found)) boundary.take(found.m_name, found.m_value);
-    return boundary.value();
+    return std::optional<std::string>(boundary.value());
 }
 
 class standard_boundary : public testing::TestWithParam<text_case> {};
