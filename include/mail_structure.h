@@ -305,12 +305,12 @@ struct MAIL_STRUCTURE_API MailStructure {
     /// may stay: it is in the header block, and is passed over there.
     ///
     /// References into the old tree of m_root are invalid as soon as Fill starts. The records of
-    /// that tree and their storage are used again for the new message. Of those that it does not
-    /// need, up to 64 KiB are kept for later messages, and the others are freed. While Fill runs,
-    /// the object may take as much memory as both trees together; call m_root.clear() before Fill
-    /// where that matters. m_root itself keeps its storage as clear leaves it; assign
-    /// MailStructure() to free everything. No other code, not even that of the stream's buffer, may
-    /// look at the tree while Fill runs.
+    /// that tree and their storage are used again for the new message. Those that it does not need
+    /// are kept for later messages if they take 64 KiB or less, and are freed if they take more.
+    /// While Fill runs, the object may take as much memory as both trees together; call
+    /// m_root.clear() before Fill where that matters. m_root itself keeps its storage as clear
+    /// leaves it; assign MailStructure() to free everything. No other code, not even that of the
+    /// stream's buffer, may look at the tree while Fill runs.
     ///
     /// @throws std::runtime_error  "error in io input data": a CR or NUL stands inside a line, or
     ///                             an LF where the stream's locale widens LF to another byte
