@@ -125,6 +125,7 @@ install(
   COMPONENT development)
 install(
   FILES bench/growth.svg bench/profile.md bench/python.md bench/results.md bench/results.svg
+        bench/scan.md
   DESTINATION ${document_dir}/bench
   COMPONENT development)
 install(
