@@ -113,23 +113,19 @@ bool record_store::put(parameter_list& list) noexcept {
     return append(m_lists, list, most_lists, bytes_of(list));
 }
 
-bool record_store::take(std::vector<MimeObj>& children) {
-    if (m_entities.empty()) return false;
-    const std::size_t bytes = bytes_of(m_entities.back());
-    children.push_back(std::move(m_entities.back()));
-    m_entities.pop_back();
+template <class Record>
+bool record_store::move_last(std::vector<Record>& from, std::vector<Record>& to) {
+    if (from.empty()) return false;
+    const std::size_t bytes = bytes_of(from.back());
+    to.push_back(std::move(from.back()));
+    from.pop_back();
     m_bytes -= bytes;
     return true;
 }
 
-bool record_store::take(std::vector<header>& fields) {
-    if (m_fields.empty()) return false;
-    const std::size_t bytes = bytes_of(m_fields.back());
-    fields.push_back(std::move(m_fields.back()));
-    m_fields.pop_back();
-    m_bytes -= bytes;
-    return true;
-}
+bool record_store::take(std::vector<MimeObj>& children) { return move_last(m_entities, children); }
+
+bool record_store::take(std::vector<header>& fields) { return move_last(m_fields, fields); }
 
 void record_store::take(parameter_list& list) noexcept {
     if (m_lists.empty()) return;

@@ -65,6 +65,8 @@ private:
     template <class Record>
     bool append(std::vector<Record>& records, Record& record, std::size_t most,
                 std::size_t bytes) noexcept;
+    template <class Record>
+    bool move_last(std::vector<Record>& from, std::vector<Record>& to);
 
     std::vector<MailStructure::MimeObj> m_entities;
     std::vector<MailStructure::header> m_fields;
