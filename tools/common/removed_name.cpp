@@ -2,6 +2,8 @@
 
 #include "common/removed_name.h"
 
+#include "common/signal_handling.h"
+
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -31,17 +33,10 @@ void on_ending_signal(int signal) {
     static_cast<void>(::raise(signal));
 }
 
-/// A signal that is ignored stays ignored, and one that has a handler keeps it.
 void handle_ending_signals() {
     for (int signal = 1; signal <= SIGRTMAX; ++signal) {
-        if (std::find(signals_let_be.begin(), signals_let_be.end(), signal) != signals_let_be.end())
-            continue;
-        struct sigaction present = {};
-        if (::sigaction(signal, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
-        struct sigaction action = {};
-        action.sa_handler = on_ending_signal;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        ::sigaction(signal, &action, nullptr);
+        if (std::find(signals_let_be.begin(), signals_let_be.end(), signal) == signals_let_be.end())
+            handle_once(signal, on_ending_signal);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "common/complaint.h"
 #include "common/descriptor_io.h"
+#include "common/signal_handling.h"
 
 #include <array>
 #include <atomic>
@@ -34,16 +35,8 @@ void on_interruption(int signal) {
     static_cast<void>(::raise(signal));
 }
 
-/// A signal that is ignored stays ignored.
 void handle_interruptions() {
-    for (const int signal : signals_that_interrupt) {
-        struct sigaction present = {};
-        if (::sigaction(signal, nullptr, &present) != 0 || present.sa_handler != SIG_DFL) continue;
-        struct sigaction action = {};
-        action.sa_handler = on_interruption;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        ::sigaction(signal, &action, nullptr);
-    }
+    for (const int signal : signals_that_interrupt) handle_once(signal, on_interruption);
 }
 
 /// Takes a lock that ends with the program, on one byte behind all that a file can have. A lock on
