@@ -13,7 +13,7 @@ namespace mail_structure_detail::findings {
 namespace {
 
 constexpr std::size_t block_bytes = 64;
-/// A line that is too long has at least that many whole blocks within it.
+/// A line that is too long has at least this many whole blocks within it.
 constexpr std::size_t blocks_of_long_line = (longest_line + 1) / block_bytes - 1;
 
 /// Encodings, grouped by the bytes that are good in them.

@@ -11,8 +11,9 @@
 /// and folders. The number of threads becomes that of the processors.
 void describe_reading(CLI::App& command, scan_options& options);
 
-/// To be called when all have been read: standard input is the source if none is named.
-/// @throws CLI::ValidationError  if standard input cannot be
+/// To be called when all options and arguments have been read: standard input becomes the source if
+/// no source is named.
+/// @throws CLI::ValidationError  if standard input cannot be the source
 void complete_reading(scan_options& options);
 
 #endif

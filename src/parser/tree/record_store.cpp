@@ -15,7 +15,7 @@ constexpr std::size_t most_entities = 16;
 constexpr std::size_t most_fields = 64;
 constexpr std::size_t most_lists = 16;
 constexpr std::size_t most_bytes = std::size_t{64} << 10U;
-/// Up to how much of the storage of one record is taken for usual.
+/// What one record has beyond these is not usual: bytes of texts, fields, children, parameters.
 constexpr std::size_t longest_name = 63;
 constexpr std::size_t longest_value = 511;
 constexpr std::size_t usual_fields = 16;

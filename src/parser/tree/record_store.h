@@ -4,8 +4,8 @@
 // more than the one before, and so allocates nothing.
 //
 // A record that comes here is given as much storage as others of its kind have had, within limits:
-// the field that is short in this message is long in another one. For the same reason some fields
-// more are made when the last one has been taken.
+// the field that is short in this message is long in another one. For the same reason the store
+// makes some new fields when its last field has been taken.
 
 #ifndef MAIL_STRUCTURE_PARSER_TREE_RECORD_STORE_H
 #define MAIL_STRUCTURE_PARSER_TREE_RECORD_STORE_H

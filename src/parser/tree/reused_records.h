@@ -53,9 +53,9 @@ public:
         return m_records == nullptr ? nullptr : m_records->m_held;
     }
 
-    /// Take the records from index `in_use` on out of a tree, the last one first. They are kept if
-    /// all that are kept are no more than is documented; else all of them are freed, for they are
-    /// not those of usual messages.
+    /// Take the records from index `in_use` on out of a tree, the last one first. They are kept,
+    /// unless more records would be kept then than is documented. In that case all kept records are
+    /// freed: a message that leaves so many is no usual one.
     void cut_off_children(MailStructure::MimeObj& entity, std::size_t in_use) noexcept;
     void cut_off_fields(MailStructure::MimeObj& entity, std::size_t in_use) noexcept;
     void cut_off_parameters(MailStructure::header& field, std::size_t in_use) noexcept;

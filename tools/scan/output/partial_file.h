@@ -11,7 +11,7 @@
 /// on. One program at a time has it open. There is one object at a time.
 class partial_file {
 public:
-    /// The name of the file beside it that tells where to go on ends so.
+    /// How the name ends of the file beside it, which tells from where a scan goes on.
     static constexpr std::string_view checkpoint_ending = ".checkpoint";
 
     /// Opens FILE.partial for reading and writing; a failure shows in error(). A file that is
