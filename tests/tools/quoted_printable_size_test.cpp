@@ -2,6 +2,7 @@
 
 #include "common/quoted_printable_size.h"
 #include "common/transfer_decoding.h"
+#include "support/repeated.h"
 
 #include <array>
 #include <cstddef>
@@ -10,6 +11,8 @@
 #include <string_view>
 
 namespace {
+
+using test_support::repeated;
 
 void expect_size_as_decoded(std::string_view text) {
     std::size_t bytes = 0;
@@ -70,6 +73,33 @@ TEST(quoted_printable_size, knows_digits) {
     for (const std::string_view text :
          {"=4", "=41", "=4g", "=g4", "=4=", "=aF=fA=00", "==41", "===41=", "=4\n=41 \n"})
         expect_size_as_decoded(text);
+}
+
+/// Pieces of every kind, at every place of the first blocks of a longer text.
+TEST(quoted_printable_size, is_that_of_the_decoded_text_at_every_place) {
+    const std::string text =
+        repeated(3, "price =3D 20=E2=82=AC, one long line =\r\nand another=\n");
+    for (const std::string_view piece :
+         {"=", "=4", "=4g", "=g4", "=aF", "==41", " ", "\t", "\n", "\r", "\r\n", " \n", "\t \r\n",
+          " \r", "= \n", "=\t\r\n", "=\r", "=\n=", " =20\n"}) {
+        for (std::size_t at = 0; at <= text.size(); ++at) {
+            expect_size_as_decoded(std::string(text).insert(at, piece));
+            if (::testing::Test::HasFatalFailure()) return;
+        }
+    }
+}
+
+TEST(quoted_printable_size, leaves_out_blanks_at_line_ends_of_any_length) {
+    for (std::size_t length = 0; length < 200; ++length) {
+        for (const std::string_view before : {"", "x", "=3D", "="}) {
+            for (const std::string_view end : {"", "\n", "\r\n", "\r", "x"}) {
+                const std::string blanks = std::string(before) + std::string(length, ' ');
+                expect_size_as_decoded(blanks + std::string(end));
+                expect_size_as_decoded(blanks + std::string(end) + std::string(100, 'y'));
+                if (::testing::Test::HasFatalFailure()) return;
+            }
+        }
+    }
 }
 
 } // namespace
