@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -138,6 +139,50 @@ TEST(conversion_of_long_texts, is_linear) {
         damaged.finish(result);
         ASSERT_TRUE(damaged.damage()) << charset;
         EXPECT_GE(damaged.damage()->m_count, 500000U) << charset;
+    }
+}
+
+/// What a conversion has left in its converter does not reach the next one of that charset.
+TEST(conversions, know_nothing_of_each_other) {
+    for (const auto& [charset, beginning, text, converted] :
+         {std::tuple("iso-2022-jp", "\x1b$BF", "BF|K", "BF|K"),       // two bytes a character
+          std::tuple("iso-2022-kr", "\x1b$)C\x0e", "0!", "0!"),       //
+          std::tuple("windows-1258", "a", "\xEC", "\u0301"),          // a letter is held back
+          std::tuple("sjis", "\x93", "a", "a"),                       // half a character
+          std::tuple("windows-1252", "caf\xE9", "\x80", "\u20ac")}) { // all converted
+        for (const strictness how : {strictness::strict, strictness::lenient}) {
+            {
+                utf8_conversion abandoned(charset, how);
+                std::string begun;
+                abandoned.add(beginning, begun);
+            }
+            EXPECT_EQ(to_utf8(text, charset), converted) << charset;
+        }
+    }
+}
+
+TEST(conversions, of_one_charset_go_on_side_by_side) {
+    EXPECT_EQ(to_utf8("a", "iso-2022-jp"), "a"); // its converter is then there to be used again
+    utf8_conversion first("iso-2022-jp", strictness::strict);
+    utf8_conversion second("iso-2022-jp", strictness::strict);
+    std::string first_text;
+    std::string second_text;
+    EXPECT_TRUE(first.add("\x1b$BF|", first_text));
+    EXPECT_TRUE(second.add("BF|", second_text));
+    EXPECT_TRUE(first.add("K\\\x1b(B", first_text));
+    EXPECT_TRUE(first.finish(first_text) && second.finish(second_text));
+    EXPECT_EQ(first_text, "\u65e5\u672c");
+    EXPECT_EQ(second_text, "BF|");
+}
+
+/// More charsets than there are idle converters, several times over.
+TEST(conversions, of_many_charsets_follow_each_other) {
+    for (int round = 0; round < 3; ++round) {
+        for (int number = 1250; number <= 1258; ++number)
+            EXPECT_EQ(to_utf8("\x80", "windows-" + std::to_string(number)),
+                      number == 1251 ? "\u0402" : "\u20ac");
+        for (const char* const part : {"1", "2", "9", "15"})
+            EXPECT_EQ(to_utf8("\xDF", std::string("iso-8859-") + part), "\u00df");
     }
 }
 

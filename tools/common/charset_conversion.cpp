@@ -5,9 +5,11 @@
 #include "common/charset_names.h"
 #include "common/printable.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <iconv.h>
+#include <utility>
 
 namespace {
 
@@ -27,21 +29,82 @@ constexpr std::array marks_16 = {byte_order_mark{{"\xFF\xFE", 2}, "UTF-16LE"},
 constexpr std::array marks_32 = {byte_order_mark{{"\xFF\xFE\0\0", 4}, "UTF-32LE"},
                                  byte_order_mark{{"\0\0\xFE\xFF", 4}, "UTF-32BE"}};
 
+const auto no_converter = reinterpret_cast<iconv_t>(-1); // NOLINT: the system's value for failure
+
+/// Converters of one thread that are open and not in use. When the system opens the first one of a
+/// charset it loads a library, and it unloads that library after the last one: both together take
+/// longer than most conversions.
+class idle_converters {
+public:
+    idle_converters() = default;
+    ~idle_converters() {
+        for (const place& each : m_places) close(each.m_handle);
+    }
+    idle_converters(const idle_converters&) = delete;
+    idle_converters& operator=(const idle_converters&) = delete;
+
+    /// A converter that is as good as new, which is the caller's from then on; no_converter if none
+    /// of the charset is idle.
+    iconv_t take(std::string_view charset) {
+        place* const found = place_of(charset);
+        if (found == nullptr) return no_converter;
+        found->m_charset = {};
+        return std::exchange(found->m_handle, no_converter);
+    }
+
+    /// Keeps the converter, and closes another one if there are too many.
+    /// @param charset  lives as long as the program
+    void keep(std::string_view charset, iconv_t handle) noexcept {
+        ::iconv(handle, nullptr, nullptr, nullptr, nullptr); // makes it as good as new
+        place* to = place_of({});
+        if (to == nullptr) {
+            to = &m_places[m_next_closed];
+            m_next_closed = (m_next_closed + 1) % m_places.size();
+            close(to->m_handle);
+        }
+        *to = {charset, handle};
+    }
+
+private:
+    struct place {
+        std::string_view m_charset; // "" if there is no converter here
+        iconv_t m_handle = no_converter;
+    };
+
+    place* place_of(std::string_view charset) {
+        auto* const found =
+            std::find_if(m_places.begin(), m_places.end(),
+                         [charset](const place& each) { return each.m_charset == charset; });
+        return found == m_places.end() ? nullptr : found;
+    }
+
+    static void close(iconv_t handle) {
+        if (handle != no_converter) ::iconv_close(handle);
+    }
+
+    std::array<place, 8> m_places; // most mail is in fewer charsets
+    std::size_t m_next_closed = 0; // the place whose converter goes when there are too many
+};
+
+thread_local idle_converters idle; // NOLINT: it outlives each conversion
+
 } // namespace
 
 /// An open converter of the system.
 class utf8_conversion::converter {
 public:
-    explicit converter(const char* charset) : m_handle(::iconv_open("UTF-8", charset)) {}
+    /// @param charset  lives as long as the program
+    explicit converter(std::string_view charset)
+        : m_charset(charset), m_handle(idle.take(charset)) {
+        if (!is_open()) m_handle = ::iconv_open("UTF-8", std::string(charset).c_str());
+    }
     ~converter() {
-        if (is_open()) ::iconv_close(m_handle);
+        if (is_open()) idle.keep(m_charset, m_handle);
     }
     converter(const converter&) = delete;
     converter& operator=(const converter&) = delete;
 
-    bool is_open() const {
-        return m_handle != reinterpret_cast<iconv_t>(-1); // NOLINT: the system's value for failure
-    }
+    bool is_open() const { return m_handle != no_converter; }
 
     /// Converts as far as possible and appends the result.
     /// @return 0, or the system's number for what ended the conversion
@@ -69,6 +132,7 @@ private:
         }
     }
 
+    std::string_view m_charset;
     iconv_t m_handle;
 };
 
@@ -91,7 +155,7 @@ utf8_conversion::~utf8_conversion() = default;
 void utf8_conversion::open(std::string_view converter_name) {
     if (converter_name.substr(0, 6) == "UTF-16") m_unit = 2;
     if (converter_name.substr(0, 6) == "UTF-32") m_unit = 4;
-    m_convert = std::make_unique<converter>(std::string(converter_name).c_str());
+    m_convert = std::make_unique<converter>(converter_name);
     m_known = m_convert->is_open();
     m_kind = m_known ? kind::by_iconv : kind::utf8;
 }
