@@ -189,6 +189,27 @@ TEST(json_values, have_every_byte_at_every_place) {
     }
 }
 
+/// Texts that are longer than what the output makes room for at once.
+TEST(json_values, have_any_length) {
+    MailStructure::MimeObj root;
+    std::vector<std::string> texts;
+    for (const std::size_t room : {json_output::most_room, json_output::block_size}) {
+        for (std::size_t length = room - 3; length <= room + 3; ++length) {
+            texts.push_back(std::string(length, 'x'));
+            texts.push_back(std::string(length, 'x') + "\"\u00e9" + std::string(length, 'y'));
+        }
+    }
+    for (const std::string& text : texts) root.get_header()->m_value = text;
+    const rapidjson::Document line = read_json(json_of(root, json_form::flat));
+    for (unsigned each = 0; each < texts.size(); ++each)
+        EXPECT_EQ(string_at(line, "/fields/" + std::to_string(each) + "/value"), texts[each]);
+
+    const std::string odd = std::string(json_output::block_size, 'x') + '\xFF';
+    EXPECT_EQ(
+        exact_at(read_json(json_of(entity_with_field(odd), json_form::flat)), "/fields/0/value"),
+        odd);
+}
+
 TEST(json_values, that_a_terminal_would_act_on_are_spelled_out) {
     const std::string hostile = "\x1B\x7F\xC2\x80\xC2\x9B\xC2\x9F\xC2\xAD\xD8\x9C\xE1\xA0\x8E"
                                 "\xE2\x80\x8B\xE2\x80\xA8\xE2\x80\xAE"

@@ -2,6 +2,8 @@
 
 #include "mailstructure/json_string.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <utility>
@@ -25,6 +27,12 @@ public:
 
     void put(char character) { m_text += character; }
     void put(std::string_view text) { m_text += text; }
+    std::size_t put_plain_front(std::string_view text) {
+        std::array<char, 256> copy; // NOLINT: filled as needed
+        const std::size_t plain = copy_plain_front(text.substr(0, copy.size()), copy.data());
+        m_text.append(copy.data(), plain);
+        return plain;
+    }
 
 private:
     void begin(std::string_view name) {

@@ -4,6 +4,8 @@
 #ifndef TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
 #define TOOLS_MAILSTRUCTURE_JSON_OUTPUT_H
 
+#include "mailstructure/json_string.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -21,18 +23,21 @@ public:
     static constexpr std::size_t block_size = 32768;
 
     /// The most characters that room() makes room for.
-    static constexpr std::size_t most_room = 256;
+    static constexpr std::size_t most_room = 1024;
 
     /// The stream must live as long as this object.
     explicit json_output(std::ostream& to) : m_to(to) {} // NOLINT: the block is filled as needed
+    json_output(const json_output&) = delete;
+    json_output& operator=(const json_output&) = delete;
+    ~json_output() = default;
 
     /// Where the next characters belong, no more than most_room of them. take() then tells where
     /// they end.
     char* room() {
-        if (m_used >= block_size) pass_block();
-        return m_block.data() + m_used;
+        if (m_end >= m_block.data() + block_size) pass_block();
+        return m_end;
     }
-    void take(const char* end) { m_used = static_cast<std::size_t>(end - m_block.data()); }
+    void take(char* end) { m_end = end; }
 
     void put(char character) {
         char* const to = room();
@@ -40,15 +45,19 @@ public:
         take(to + 1);
     }
     void put(std::string_view text) {
-        while (text.size() > m_block.size() - m_used) {
-            const std::size_t fits = m_block.size() - m_used;
-            std::memcpy(m_block.data() + m_used, text.data(), fits);
-            m_used = m_block.size();
-            text.remove_prefix(fits);
-            pass_block();
+        while (!text.empty()) {
+            char* const to = room();
+            take(to + text.copy(to, most_room));
+            text.remove_prefix(std::min(most_room, text.size()));
         }
-        std::memcpy(m_block.data() + m_used, text.data(), text.size());
-        m_used += text.size();
+    }
+    /// Writes the plain bytes at the front of the text, or the first of them.
+    /// @return how many it has written
+    std::size_t put_plain_front(std::string_view text) {
+        char* const to = room();
+        const std::size_t plain = copy_plain_front(text.substr(0, most_room), to);
+        take(to + plain);
+        return plain;
     }
     /// Writes a text in quotes, whose length the compiler knows. No character of it is one that
     /// JSON escapes.
@@ -68,9 +77,9 @@ public:
 
     /// Passes on all that is held. The state of the stream tells whether all of it was written.
     void hand_on() {
-        while (m_used > block_size) pass_block();
-        pass(m_used);
-        m_used = 0;
+        if (held() > block_size) pass_block();
+        pass(held());
+        m_end = m_block.data();
     }
     bool has_handed_on() const { return m_handed_on; }
     bool is_refused() const { return !m_to; }
@@ -83,13 +92,15 @@ private:
     /// Passes on a full block, and keeps what lies behind it.
     void pass_block() {
         pass(block_size);
-        m_used -= block_size;
-        std::memcpy(m_block.data(), m_block.data() + block_size, m_used);
+        const std::size_t rest = held() - block_size;
+        std::memcpy(m_block.data(), m_block.data() + block_size, rest);
+        m_end = m_block.data() + rest;
     }
+    std::size_t held() const { return static_cast<std::size_t>(m_end - m_block.data()); }
 
     std::ostream& m_to;
     std::array<char, block_size + most_room> m_block;
-    std::size_t m_used = 0;
+    char* m_end = m_block.data(); // of what the block holds
     bool m_handed_on = false;
 };
 

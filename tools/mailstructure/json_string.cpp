@@ -9,46 +9,58 @@
 
 namespace {
 
-using block = std::uint64_t;
-
 /// A block whose bytes all have that value.
-constexpr block each_byte(std::uint8_t value) { return 0x0101010101010101U * value; }
-
-constexpr block high_bits = each_byte(0x80);
-
-/// Whether a byte of the block is less than that value, which is at most 0x80. (A byte that is less
-/// has its high bit set by the subtraction; the borrow can set that of further bytes too, but not
-/// the first one.)
-constexpr bool has_less(block bytes, std::uint8_t value) {
-    return ((bytes - each_byte(value)) & ~bytes & high_bits) != 0;
+template <class block>
+constexpr block each_byte(std::uint8_t value) {
+    return static_cast<block>(~block{0}) / 0xFF * value;
 }
 
-constexpr bool has(block bytes, char value) {
-    return has_less(bytes ^ each_byte(static_cast<std::uint8_t>(value)), 1);
+/// Whether all bytes of the block are plain: a JSON string holds them as they are. (The high bit of
+/// a byte is set beyond ASCII. Adding one sets it for DEL; subtracting sets it for a byte that is
+/// less. Only behind a byte that is not plain can a carry or a borrow change it.)
+template <class block>
+constexpr bool is_plain(block bytes) {
+    constexpr auto ones = each_byte<block>(1);
+    const block quotes = (bytes ^ each_byte<block>('"')) - ones;
+    const block backslashes = (bytes ^ each_byte<block>('\\')) - ones;
+    const block others = bytes | (bytes + ones) | (bytes - each_byte<block>(' '));
+    return ((others | quotes | backslashes) & each_byte<block>(0x80)) == 0;
 }
 
-/// Whether a JSON string holds all bytes of the block that begins here as they are.
-bool is_plain_block(const char* begin) {
+constexpr bool is_plain(char c) { return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; }
+
+/// Copies a block.
+/// @return whether all of its bytes are plain
+template <class block>
+bool copy_plain_block(const char* from, char* to) {
     block bytes = 0;
-    std::memcpy(&bytes, begin, sizeof bytes);
-    const bool has_beyond_ascii = (((bytes + each_byte(1)) | bytes) & high_bits) != 0; // or DEL
-    return !has_beyond_ascii && !has_less(bytes, ' ') && !has(bytes, '"') && !has(bytes, '\\');
+    std::memcpy(&bytes, from, sizeof bytes);
+    std::memcpy(to, &bytes, sizeof bytes);
+    return is_plain(bytes);
 }
 
-bool is_plain(char c) { return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; }
+/// Copies plain bytes in blocks of that type.
+/// @param plain  how many bytes of the text are copied
+template <class block>
+void copy_plain_blocks(std::string_view text, std::size_t& plain, char* to) {
+    const char* const from = text.data();
+    while (text.size() - plain >= sizeof(block)
+           && copy_plain_block<block>(from + plain, to + plain))
+        plain += sizeof(block);
+    // The last block of the text may begin within the one before.
+    const std::size_t rest = text.size() - plain;
+    if (plain == 0 || rest == 0 || rest >= sizeof(block)) return;
+    const std::size_t last = text.size() - sizeof(block);
+    if (copy_plain_block<block>(from + last, to + last)) plain = text.size();
+}
 
 } // namespace
 
-std::size_t plain_front_of(std::string_view text) {
-    constexpr std::size_t block_bytes = sizeof(block);
+std::size_t copy_plain_front(std::string_view text, char* to) {
     std::size_t plain = 0;
-    while (text.size() - plain >= block_bytes && is_plain_block(text.data() + plain))
-        plain += block_bytes;
-    // The last block of the text may begin within the one before.
-    const std::size_t rest = text.size() - plain;
-    if (plain != 0 && rest < block_bytes && is_plain_block(text.data() + text.size() - block_bytes))
-        return text.size();
-    while (plain < text.size() && is_plain(text[plain])) ++plain;
+    copy_plain_blocks<std::uint64_t>(text, plain, to);
+    copy_plain_blocks<std::uint32_t>(text, plain, to);
+    for (; plain < text.size() && is_plain(text[plain]); ++plain) to[plain] = text[plain];
     return plain;
 }
 

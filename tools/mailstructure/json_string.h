@@ -33,21 +33,22 @@ private:
     bool m_is_valid = true;
 };
 
-/// The number of bytes at the front of the text that a JSON string holds as they are, each a
+/// Copies the bytes at the front of the text that a JSON string holds as they are, each of them a
 /// character: those of ASCII, except for controls, the quote and the backslash.
-std::size_t plain_front_of(std::string_view text);
+/// @param to  has room for the whole text, and what lies there behind the copy may change too
+/// @return how many bytes it has copied
+std::size_t copy_plain_front(std::string_view text, char* to);
 
 /// Writes the text as a string, quotes included. Linear.
-/// @param to  has the functions put(char) and put(std::string_view)
+/// @param to  has the functions put(char), put(std::string_view) and put_plain_front(text), which
+///            writes as many bytes as copy_plain_front() gives, or fewer, and returns their number
 /// @return whether all of the text is valid UTF-8, so that the string is the text
 template <class output>
 bool put_json_string(output& to, std::string_view text) {
     bool all_is_valid = true;
     to.put('"');
     while (!text.empty()) {
-        const std::size_t plain = plain_front_of(text);
-        to.put(text.substr(0, plain));
-        text.remove_prefix(plain);
+        text.remove_prefix(to.put_plain_front(text));
         if (text.empty()) break;
         const json_character next(text);
         to.put(next.shown());
