@@ -8,7 +8,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <sys/resource.h>
 #include <sys/time.h>
@@ -27,6 +29,26 @@ TEST(file_bytes, reads_a_small_file_and_maps_a_large_one) {
         EXPECT_EQ(taken.failed(), file_bytes::failure::none);
         EXPECT_EQ(taken.bytes(), contents);
     }
+}
+
+/// How many times this process has called the system to read; nothing if the system does not count
+/// that. To ask takes calls too, the same number each time.
+std::optional<long> calls_to_read() {
+    std::ifstream counts("/proc/self/io");
+    std::string name;
+    for (long count = 0; counts >> name >> count;)
+        if (name == "syscr:") return count;
+    return std::nullopt;
+}
+
+TEST(file_bytes, reads_a_small_file_by_one_call) {
+    const temporary_file file("first\nsecond\n");
+    const std::optional<long> start = calls_to_read();
+    if (!start) GTEST_SKIP() << "this system does not count the calls";
+    const long calls_to_ask = *calls_to_read() - *start;
+    const long before = *calls_to_read();
+    EXPECT_EQ(file_bytes(file.name()).bytes(), "first\nsecond\n");
+    EXPECT_EQ(*calls_to_read() - before - calls_to_ask, 1);
 }
 
 TEST(file_bytes, has_none_of_an_empty_file) {

@@ -115,14 +115,12 @@ file_bytes::~file_bytes() {
 }
 
 void file_bytes::take(int descriptor, const std::string& file_name) {
-    constexpr std::size_t room_for_a_pipe = 65536;
     struct stat file = {};
     const bool has_size =
         ::fstat(descriptor, &file) == 0 && S_ISREG(file.st_mode) && file.st_size > 0;
     const auto size = has_size ? static_cast<std::uint64_t>(file.st_size) : 0;
     if (size >= fewest_bytes_mapped && map(descriptor, size, file_name)) return;
-    if (m_failed == failure::none)
-        read_all(descriptor, has_size && size < fewest_bytes_mapped ? size + 1 : room_for_a_pipe);
+    if (m_failed == failure::none) read_all(descriptor, size < fewest_bytes_mapped ? size : 0);
 }
 
 /// Maps a file of that size. False if it has to be read instead, since its descriptor is not at the
@@ -144,16 +142,18 @@ bool file_bytes::map(int descriptor, std::uint64_t size, const std::string& file
     return true;
 }
 
-/// @param room  for that many bytes, at first
-void file_bytes::read_all(int descriptor, std::size_t room) {
+/// @param size  of the file; 0 if that is not known
+void file_bytes::read_all(int descriptor, std::size_t size) {
+    constexpr std::size_t room_for_a_pipe = 65536;
     std::size_t capacity = 0;
     for (;;) {
-        if (m_size == capacity && !grow(capacity, room)) return;
+        if (m_size == capacity && !grow(capacity, size == 0 ? room_for_a_pipe : size + 1)) return;
         const ssize_t count = read_some(descriptor, m_data + m_size, capacity - m_size);
         if (count < 0) return fail(failure::cannot_read, errno);
         if (count == 0) return;
         m_size += static_cast<std::size_t>(count);
         if (m_size > m_limit) return fail(failure::too_big, 0);
+        if (m_size == size) return; // there was room for one more byte, which did not come
     }
 }
 

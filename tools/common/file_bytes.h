@@ -44,7 +44,7 @@ public:
 private:
     void take(int descriptor, const std::string& file_name);
     bool map(int descriptor, std::uint64_t size, const std::string& file_name);
-    void read_all(int descriptor, std::size_t room);
+    void read_all(int descriptor, std::size_t size);
     bool grow(std::size_t& capacity, std::size_t first_room);
     void fail(failure how, int error);
 
