@@ -4,7 +4,7 @@
 #include "common/message_file.h"
 #include "robustness/failing_new.h"
 #include "support/repeated.h"
-#include "tools/temporary_file.h"
+#include "support/temporary_file.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@ namespace {
 using test_support::allocation_trap;
 using test_support::live_allocations;
 using test_support::memory;
+using test_support::temporary_file;
 
 TEST(failed_message_file, tells_that_memory_is_out) {
     const temporary_file written("From a\n"

@@ -1,7 +1,7 @@
 // How the tool gets the bytes of a file: mapped or read, all of them or none.
 
 #include "common/file_bytes.h"
-#include "tools/temporary_file.h"
+#include "support/temporary_file.h"
 
 #include <array>
 #include <cerrno>
@@ -16,6 +16,8 @@
 #include <sys/time.h>
 #include <thread>
 #include <unistd.h>
+
+using test_support::temporary_file;
 
 namespace {
 

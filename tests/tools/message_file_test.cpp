@@ -4,8 +4,8 @@
 #include "support/expect_tree_text.h"
 #include "support/message_generator.h"
 #include "support/parse.h"
+#include "support/temporary_file.h"
 #include "support/tree_text.h"
-#include "tools/temporary_file.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,6 +19,7 @@
 namespace {
 
 MailStructure parse(const std::string& input) { return test_support::parse(input).m_message; }
+using test_support::temporary_file;
 using test_support::tree_text;
 using rules = MailStructure::rules;
 

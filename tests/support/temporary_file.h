@@ -1,12 +1,14 @@
 // A file for one test.
 
-#ifndef TESTS_TOOLS_TEMPORARY_FILE_H
-#define TESTS_TOOLS_TEMPORARY_FILE_H
+#ifndef TESTS_SUPPORT_TEMPORARY_FILE_H
+#define TESTS_SUPPORT_TEMPORARY_FILE_H
 
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 #include <unistd.h>
+
+namespace test_support {
 
 /// A file with these contents that is removed when this object ends.
 class temporary_file {
@@ -26,5 +28,7 @@ public:
 private:
     std::string m_name = testing::TempDir() + "mailstructure_test_XXXXXX";
 };
+
+} // namespace test_support
 
 #endif
