@@ -8,6 +8,7 @@
 #include <ios>
 #include <locale>
 #include <memory>
+#include <new>
 #include <typeinfo>
 
 namespace mail_structure_detail {
@@ -15,6 +16,11 @@ namespace mail_structure_detail {
 namespace {
 
 constexpr std::streamoff no_position = -1;
+
+// Small files need no more than the first block. With larger blocks, a long file is read by fewer
+// calls, and fewer lines straddle two blocks.
+constexpr std::streamsize first_block_bytes = 65536;
+constexpr std::streamsize largest_block_bytes = 262144;
 
 bool converts_nothing(const std::locale& locale) {
     using conversion = std::codecvt<char, char, std::mbstate_t>;
@@ -46,25 +52,36 @@ bool read_ahead::suits(std::streambuf& file) {
 }
 
 read_ahead::read_ahead(std::streambuf& file)
-    : m_file(file), m_block_end(position_of(file)),
-      m_block(std::make_unique_for_overwrite<char[]>(block_bytes)) {}
+    : m_file(file), m_block_end(position_of(file)), m_block_bytes(first_block_bytes),
+      m_block(std::make_unique_for_overwrite<char[]>(first_block_bytes)) {}
 
 read_ahead::~read_ahead() {
     if (gptr() != egptr()) set_file_to(m_block_end - (egptr() - gptr()));
 }
 
 read_ahead::int_type read_ahead::underflow() {
+    const bool was_full = egptr() - eback() == m_block_bytes;
+    if (was_full && m_block_bytes < largest_block_bytes) use_larger_block();
     const std::size_t count = m_has_failed ? read_after_failure() : read_block();
     m_block_end += static_cast<std::streamoff>(count);
     setg(m_block.get(), m_block.get(), m_block.get() + count);
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
+/// Where there is no memory for it, the file is read on in the smaller block.
+void read_ahead::use_larger_block() noexcept {
+    char* const larger = new (std::nothrow) char[largest_block_bytes];
+    if (larger == nullptr) return;
+    setg(nullptr, nullptr, nullptr); // all of the smaller block has been taken
+    m_block.reset(larger);
+    m_block_bytes = largest_block_bytes;
+}
+
 /// After a failure it is not known how many bytes were read before it. So the file is set back and
 /// read as its own buffer reads it, which fails at the byte where it would fail without this class.
 std::size_t read_ahead::read_block() {
     try {
-        return static_cast<std::size_t>(m_file.sgetn(m_block.get(), block_bytes));
+        return static_cast<std::size_t>(m_file.sgetn(m_block.get(), m_block_bytes));
     } catch (const std::ios_base::failure&) {
         if (!set_file_to(m_block_end)) throw;
     } catch (...) { // for example, the thread is being cancelled
@@ -87,7 +104,7 @@ bool read_ahead::set_file_to(std::streamoff place) noexcept {
 std::size_t read_ahead::read_after_failure() {
     setg(nullptr, nullptr, nullptr);
     if (traits_type::eq_int_type(m_file.sgetc(), traits_type::eof())) return 0;
-    const std::streamsize most = std::min(m_file.in_avail(), block_bytes);
+    const std::streamsize most = std::min(m_file.in_avail(), m_block_bytes);
     return static_cast<std::size_t>(m_file.sgetn(m_block.get(), most));
 }
 

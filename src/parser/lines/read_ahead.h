@@ -37,13 +37,13 @@ protected:
 private:
     std::size_t read_block();
     std::size_t read_after_failure();
+    void use_larger_block() noexcept;
     bool set_file_to(std::streamoff place) noexcept;
-
-    static constexpr std::streamsize block_bytes = 65536;
 
     std::streambuf& m_file;
     std::streamoff m_block_end; // the file's position, just past the block
     bool m_has_failed = false;
+    std::streamsize m_block_bytes;
     std::unique_ptr<char[]> m_block;
 };
 

@@ -4,6 +4,7 @@
 #include <mail_structure.h>
 
 #include "parser/lines/read_ahead.h"
+#include "support/temporary_file.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -24,27 +25,12 @@
 #include <unistd.h>
 
 using mail_structure_detail::read_ahead;
+using test_support::temporary_file;
 
 namespace {
 
-constexpr std::size_t block = 65536;
-
-/// A file that exists for as long as the object.
-class temporary_file {
-public:
-    explicit temporary_file(std::string_view content)
-        : m_path(testing::TempDir() + "mailstructure_read_ahead_" + std::to_string(getpid())) {
-        std::ofstream(m_path, std::ios::binary) << content;
-    }
-    ~temporary_file() { std::remove(m_path.c_str()); }
-    temporary_file(const temporary_file&) = delete;
-    temporary_file& operator=(const temporary_file&) = delete;
-
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
+constexpr std::size_t block = 65536;         // the first one of a file
+constexpr std::size_t larger_block = 262144; // each one after it
 
 /// Bytes whose values depend on their offsets.
 std::string bytes_of_length(std::size_t length) {
@@ -66,7 +52,7 @@ class own_filebuf : public std::filebuf {};
 
 TEST(read_ahead, suits_plain_files_alone) {
     const temporary_file file("a: b\n");
-    std::ifstream open(file.path());
+    std::ifstream open(file.name());
     EXPECT_TRUE(read_ahead::suits(*open.rdbuf()));
 
     std::filebuf closed;
@@ -74,23 +60,23 @@ TEST(read_ahead, suits_plain_files_alone) {
     std::stringbuf text("a: b\n");
     EXPECT_FALSE(read_ahead::suits(text));
     own_filebuf own;
-    own.open(file.path(), std::ios::in);
+    own.open(file.name(), std::ios::in);
     EXPECT_FALSE(read_ahead::suits(own)) << "the host's code might be asked for bytes";
     std::ifstream converting;
     converting.imbue(std::locale(std::locale(), new busy_conversion));
-    converting.open(file.path());
+    converting.open(file.name());
     EXPECT_FALSE(read_ahead::suits(*converting.rdbuf()));
 }
 
 TEST(read_ahead, suits_files_that_are_not_begun) {
     const temporary_file file("a: b\nc: d\n");
-    std::fstream in(file.path(), std::ios::in | std::ios::out);
+    std::fstream in(file.name(), std::ios::in | std::ios::out);
     in.get();
     EXPECT_FALSE(read_ahead::suits(*in.rdbuf())) << "a byte may have been put back";
     in.seekg(5);
     EXPECT_TRUE(read_ahead::suits(*in.rdbuf()));
     std::filebuf written;
-    written.open(file.path(), std::ios::out);
+    written.open(file.name(), std::ios::out);
     EXPECT_FALSE(read_ahead::suits(written)) << "nothing can be read from it";
 }
 
@@ -106,22 +92,23 @@ TEST(read_ahead, does_not_suit_a_pipe) {
 
 TEST(read_ahead, gives_all_bytes) {
     for (const std::size_t length :
-         {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 3 * block + 7}) {
+         {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, block + larger_block - 1,
+          block + larger_block, block + larger_block + 1, block + 3 * larger_block + 7}) {
         const std::string bytes = bytes_of_length(length);
         const temporary_file file(bytes);
-        std::ifstream in(file.path(), std::ios::binary);
+        std::ifstream in(file.name(), std::ios::binary);
         read_ahead ahead(*in.rdbuf());
         EXPECT_TRUE(all_from(ahead) == bytes) << length << " bytes";
     }
 }
 
 TEST(read_ahead, begins_where_the_file_stands_and_leaves_it_where_its_reader_stopped) {
-    const std::string bytes = bytes_of_length(3 * block);
+    const std::string bytes = bytes_of_length(block + 2 * larger_block);
     const temporary_file file(bytes);
     for (const std::size_t first : {std::size_t{0}, std::size_t{5}, std::size_t{9000}}) {
-        for (const std::size_t count :
-             {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1, 2 * block + 3}) {
-            std::ifstream in(file.path(), std::ios::binary);
+        for (const std::size_t count : {std::size_t{0}, std::size_t{1}, block - 1, block, block + 1,
+                                        block + larger_block, block + larger_block + 3}) {
+            std::ifstream in(file.name(), std::ios::binary);
             std::string before(first, ' ');
             in.read(before.data(), static_cast<std::streamsize>(first));
             {
@@ -171,8 +158,11 @@ private:
     void* m_place = nullptr;
 };
 
-TEST(read_ahead, a_read_error_comes_at_its_own_place) {
-    const memory_file memory(20);
+/// In pages of 4 KiB: a failure in the first block, in the second one and in a later one.
+class read_error : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(read_error, comes_at_its_own_place) {
+    const memory_file memory(GetParam());
     const std::string bytes = bytes_of_length(memory.bytes());
     bytes.copy(memory.begin(), bytes.size());
     std::ifstream in = memory.stream();
@@ -186,8 +176,8 @@ TEST(read_ahead, a_read_error_comes_at_its_own_place) {
     EXPECT_TRUE(found == bytes) << found.size() << " bytes of " << bytes.size();
 }
 
-TEST(read_ahead, a_message_with_a_read_error_is_read_as_by_getline) {
-    const memory_file memory(20);
+TEST_P(read_error, ends_a_message_as_by_getline) {
+    const memory_file memory(GetParam());
     const std::string bytes = "a: b\n\n" + bytes_of_length(memory.bytes() - 6);
     bytes.copy(memory.begin(), bytes.size());
     for (const auto mask : {std::ios::goodbit, std::ios::badbit}) {
@@ -218,5 +208,7 @@ TEST(read_ahead, a_message_with_a_read_error_is_read_as_by_getline) {
         EXPECT_EQ(message.m_root.m_headers.size(), 1U);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(pages, read_error, testing::Values(10, 20, 100));
 
 } // namespace
