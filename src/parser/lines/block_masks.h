@@ -9,8 +9,8 @@
 // of the templates, with three functions that read the 64 bytes at p:
 // - masks(p) makes the masks shown here.
 // - look<Dashes, Strays>(p, probe) tells whether one of the bytes is suspect and not before an LF,
-//   or is an LF before a line that begins with a dash and has what the probe asks for. This also
-//   reads the 64 bytes at p + 1 and, with Dashes, those at p + probe.m_ahead.
+//   or is an LF before a line that begins with a dash and, if Dashes says so, has what the probe
+//   asks for. This also reads the 64 bytes at p + 1 and, for the probe, those at p + probe.m_ahead.
 // - name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first byte that
 //   it may not hold, the bits mean nothing.
 // Each processor's file includes this one where its own instructions are switched on, so everything
@@ -38,6 +38,9 @@ struct block_look {
     std::uint64_t m_lf;
     bool m_may_end; // whether a line that begins or stands in the block may end the run
 };
+
+/// Which lines that begin with a dash may end a run, as far as a quick look tells.
+enum class dashed_look : std::uint8_t { none, each, probed };
 
 /// One byte of a line, which lines that may be delimiter lines have in common.
 struct filter_probe {

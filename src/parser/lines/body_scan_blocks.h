@@ -5,9 +5,10 @@
 //     suspect   0 0 1  0  0 0 0 0       stray unless the next byte is an LF
 //     dash      0 0 0  0  1 1 0 0       one behind an LF may begin a delimiter line
 //
-// Most lines that begin with dashes are no delimiter lines, and a branch for each of them would
-// often be mispredicted. So the scan also looks at the byte of each line that tells most of these
-// lines from delimiter lines (see delimiter_filter.h), and branches only if that byte fits too.
+// Most lines that begin with dashes are no delimiter lines. In text that has many of them, a branch
+// for each would often be mispredicted. There the scan also looks at the byte of each line that
+// tells most of these lines from delimiter lines (see delimiter_filter.h), and branches only if
+// that byte fits too. In other text it saves that look.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
@@ -74,11 +75,11 @@ std::uint64_t dashed_ends(const block_masks& masks, const scan_progress& reached
 /// Passes over blocks in which no line can end the run. Stops at the first block that needs a
 /// closer look, and where less than a block and the bytes that the filter looks at are left. Not
 /// inline, so that the compiler keeps the constants of the loop in registers.
-template <class Make, bool Dashes, bool Strays>
+template <class Make, dashed_look Dashes, bool Strays>
 [[gnu::noinline]] scan_progress pass_over_text(scan_progress reached, std::string_view bytes,
                                                const delimiter_filter& filter) noexcept {
     const filter_probe probe{filter.probe_place() + 1, filter.probe_bits(), filter.probe_value()};
-    const std::size_t needed = block_bytes + (Dashes ? probe.m_ahead : 1);
+    const std::size_t needed = block_bytes + (Dashes == dashed_look::probed ? probe.m_ahead : 1);
     while (bytes.size() - reached.m_start >= needed) {
         const char* const block = bytes.data() + reached.m_start;
         fetch_ahead(block);
@@ -92,6 +93,10 @@ template <class Make, bool Dashes, bool Strays>
 template <class Make, bool Dashes, bool Strays>
 scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& filter) noexcept {
     if (Dashes && filter.passes(bytes)) return {};
+    constexpr std::size_t soon = 1024; // bytes: after a stop so soon, more lines with dashes follow
+    constexpr dashed_look at_first = Dashes ? dashed_look::each : dashed_look::none;
+    constexpr dashed_look later = Dashes ? dashed_look::probed : dashed_look::none;
+    bool has_many_dashes = false;
     scan_progress reached;
     std::uint64_t ends = 0;
     std::uint64_t lf = 0;
@@ -103,7 +108,10 @@ scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& fil
         lf = masks.m_lf;
         if (ends != 0 || rest.size() <= block_bytes) break;
         reached.pass(masks.m_lf);
-        reached = pass_over_text<Make, Dashes, Strays>(reached, bytes, filter);
+        const std::size_t before = reached.m_start;
+        reached = has_many_dashes ? pass_over_text<Make, later, Strays>(reached, bytes, filter)
+                                  : pass_over_text<Make, at_first, Strays>(reached, bytes, filter);
+        has_many_dashes = has_many_dashes || reached.m_start - before < soon;
     }
     // The run ends with the last LF up to the first byte whose bit is set in `ends`.
     if (ends != 0) lf &= ends ^ (ends - 1);

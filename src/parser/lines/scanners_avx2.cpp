@@ -69,22 +69,24 @@ struct avx2 {
                 bits(equal(low, '-'), equal(high, '-'))};
     }
 
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static __m256i may_end(const char* p, const filter_probe& probe) noexcept {
         const __m256i bytes = load(p);
         const __m256i next = load(p + 1);
         __m256i found = _mm256_setzero_si256();
         if constexpr (Strays) found = _mm256_andnot_si256(equal(next, '\n'), suspect(bytes));
-        if constexpr (Dashes) {
-            const __m256i dashed = _mm256_and_si256(equal(bytes, '\n'), equal(next, '-'));
-            const __m256i probed =
-                equal(_mm256_and_si256(load(p + probe.m_ahead), _mm256_set1_epi8(probe.m_bits)),
-                      probe.m_value);
-            found = _mm256_or_si256(found, _mm256_and_si256(dashed, probed));
+        if constexpr (Dashes != dashed_look::none) {
+            __m256i dashed = _mm256_and_si256(equal(bytes, '\n'), equal(next, '-'));
+            if constexpr (Dashes == dashed_look::probed) {
+                const __m256i asked =
+                    _mm256_and_si256(load(p + probe.m_ahead), _mm256_set1_epi8(probe.m_bits));
+                dashed = _mm256_and_si256(dashed, equal(asked, probe.m_value));
+            }
+            found = _mm256_or_si256(found, dashed);
         }
         return found;
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static block_look look(const char* p, const filter_probe& probe) noexcept {
         const __m256i found = _mm256_or_si256(may_end<Dashes, Strays>(p, probe),
                                               may_end<Dashes, Strays>(p + 32, probe));

@@ -38,7 +38,7 @@ struct avx512 {
                 equal('-')};
     }
 
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static block_look look(const char* p, const filter_probe& probe) noexcept {
         const __m512i bytes = _mm512_loadu_si512(p);
         const __m512i next = _mm512_loadu_si512(p + 1);
@@ -52,12 +52,13 @@ struct avx512 {
             stray = _mm512_mask_cmpneq_epi8_mask(suspect, next, line_feed);
         }
         __mmask64 like_delimiter = 0;
-        if constexpr (Dashes) {
-            const __mmask64 dashed = _mm512_mask_cmpeq_epi8_mask(lf, next, _mm512_set1_epi8('-'));
+        if constexpr (Dashes != dashed_look::none)
+            like_delimiter = _mm512_mask_cmpeq_epi8_mask(lf, next, _mm512_set1_epi8('-'));
+        if constexpr (Dashes == dashed_look::probed) {
             const __m512i differing = _mm512_xor_si512(_mm512_loadu_si512(p + probe.m_ahead),
                                                        _mm512_set1_epi8(probe.m_value));
-            like_delimiter =
-                _mm512_mask_testn_epi8_mask(dashed, differing, _mm512_set1_epi8(probe.m_bits));
+            like_delimiter = _mm512_mask_testn_epi8_mask(like_delimiter, differing,
+                                                         _mm512_set1_epi8(probe.m_bits));
         }
         return {std::uint64_t{lf}, _kortestz_mask64_u8(stray, like_delimiter) == 0};
     }

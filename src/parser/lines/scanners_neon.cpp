@@ -56,19 +56,22 @@ struct neon {
     static block_masks masks(const char* p) noexcept {
         return {gather(p, lf), gather(p, suspect), gather(p, dash)};
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static uint8x16_t may_end(const char* p, const filter_probe& probe) noexcept {
         uint8x16_t found = vdupq_n_u8(0);
         if constexpr (Strays) found = vbicq_u8(suspect(p), lf(p + 1));
-        if constexpr (Dashes) {
-            const uint8x16_t dashed = vandq_u8(lf(p), dash(p + 1));
-            const uint8x16_t probed = vandq_u8(load(p + probe.m_ahead),
-                                               vdupq_n_u8(static_cast<std::uint8_t>(probe.m_bits)));
-            found = vorrq_u8(found, vandq_u8(dashed, equal(probed, probe.m_value)));
+        if constexpr (Dashes != dashed_look::none) {
+            uint8x16_t dashed = vandq_u8(lf(p), dash(p + 1));
+            if constexpr (Dashes == dashed_look::probed) {
+                const uint8x16_t bits = vdupq_n_u8(static_cast<std::uint8_t>(probe.m_bits));
+                const uint8x16_t asked = vandq_u8(load(p + probe.m_ahead), bits);
+                dashed = vandq_u8(dashed, equal(asked, probe.m_value));
+            }
+            found = vorrq_u8(found, dashed);
         }
         return found;
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static block_look look(const char* p, const filter_probe& probe) noexcept {
         uint8x16_t found = vdupq_n_u8(0);
         for (unsigned at = 0; at < block_bytes; at += 16)

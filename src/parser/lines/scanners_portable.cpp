@@ -40,20 +40,23 @@ struct portable {
         return found;
     }
 
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static std::uint64_t may_end(const char* p, const filter_probe& probe) noexcept {
         const std::uint64_t word = load(p);
         const std::uint64_t next = load(p + 1);
         std::uint64_t found = 0;
         if constexpr (Strays) found = (equal(word, '\r') | equal(word, '\0')) & ~equal(next, '\n');
-        if constexpr (Dashes) {
-            const std::uint64_t bits = ones * static_cast<unsigned char>(probe.m_bits);
-            found |= equal(word, '\n') & equal(next, '-')
-                     & equal(load(p + probe.m_ahead) & bits, probe.m_value);
+        if constexpr (Dashes != dashed_look::none) {
+            std::uint64_t dashed = equal(word, '\n') & equal(next, '-');
+            if constexpr (Dashes == dashed_look::probed) {
+                const std::uint64_t bits = ones * static_cast<unsigned char>(probe.m_bits);
+                dashed &= equal(load(p + probe.m_ahead) & bits, probe.m_value);
+            }
+            found |= dashed;
         }
         return found;
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static block_look look(const char* p, const filter_probe& probe) noexcept {
         block_look seen{0, false};
         for (unsigned at = 0; at < block_bytes; at += 8) {

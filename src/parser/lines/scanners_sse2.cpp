@@ -51,19 +51,22 @@ struct sse2 {
     static block_masks masks(const char* p) noexcept {
         return {gather(p, lf), gather(p, suspect), gather(p, dash)};
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static __m128i may_end(const char* p, const filter_probe& probe) noexcept {
         __m128i found = _mm_setzero_si128();
         if constexpr (Strays) found = _mm_andnot_si128(lf(p + 1), suspect(p));
-        if constexpr (Dashes) {
-            const __m128i dashed = _mm_and_si128(lf(p), dash(p + 1));
-            const __m128i probed = equal(
-                _mm_and_si128(load(p + probe.m_ahead), _mm_set1_epi8(probe.m_bits)), probe.m_value);
-            found = _mm_or_si128(found, _mm_and_si128(dashed, probed));
+        if constexpr (Dashes != dashed_look::none) {
+            __m128i dashed = _mm_and_si128(lf(p), dash(p + 1));
+            if constexpr (Dashes == dashed_look::probed) {
+                const __m128i asked =
+                    _mm_and_si128(load(p + probe.m_ahead), _mm_set1_epi8(probe.m_bits));
+                dashed = _mm_and_si128(dashed, equal(asked, probe.m_value));
+            }
+            found = _mm_or_si128(found, dashed);
         }
         return found;
     }
-    template <bool Dashes, bool Strays>
+    template <dashed_look Dashes, bool Strays>
     static block_look look(const char* p, const filter_probe& probe) noexcept {
         __m128i found = _mm_setzero_si128();
         for (unsigned at = 0; at < block_bytes; at += 16)

@@ -143,4 +143,20 @@ TEST(body_scanners, agree_on_dashed_lines) {
     }
 }
 
+/// The scanners look at lines that begin with dashes in one way while there are few, and in another
+/// when there have been many.
+TEST(body_scanners, agree_on_dashed_lines_far_apart_and_near) {
+    const std::string pieces[] = {"--x\n", "---b\n", "-\n", "---a\n", "\r\n"};
+    seeded_random random(3);
+    for (int round = 0; round < 3000; ++round) {
+        std::string bytes;
+        for (std::size_t count = random.below(8); count != 0; --count) {
+            const std::size_t gap = random.one_in(2) ? random.below(200) : random.below(4000);
+            bytes += std::string(gap, 't') + '\n';
+            bytes += pieces[random.one_in(20) ? 3 + random.below(2) : random.below(3)];
+        }
+        ASSERT_NO_FATAL_FAILURE(expect_all_agree(bytes)) << "round " << round;
+    }
+}
+
 } // namespace
