@@ -37,14 +37,20 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #endif
 }
 
+/// From here to where the next line of the cache begins, which is at most a block away. It takes
+/// longer to load a block that lies in two such lines.
+inline std::size_t bytes_to_next_line_of_cache(const char* p) noexcept {
+    return block_bytes - reinterpret_cast<std::uintptr_t>(p) % block_bytes;
+}
+
 /// How far a scan has come.
 struct scan_progress {
     std::size_t m_start = 0; // of the next block
     std::size_t m_lines = 0; // that end before it
 
-    void pass(std::uint64_t lf) noexcept {
-        m_start += block_bytes;
-        m_lines += static_cast<std::size_t>(std::popcount(lf));
+    void pass(std::uint64_t lf, std::size_t bytes = block_bytes) noexcept {
+        m_start += bytes;
+        m_lines += static_cast<std::size_t>(std::popcount(lf & first_bits(bytes)));
     }
 };
 
@@ -107,7 +113,7 @@ scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& fil
         ends = stray_ends<Strays>(masks, rest) | dashed_ends<Dashes>(masks, reached, bytes, filter);
         lf = masks.m_lf;
         if (ends != 0 || rest.size() <= block_bytes) break;
-        reached.pass(masks.m_lf);
+        reached.pass(masks.m_lf, bytes_to_next_line_of_cache(rest.data()));
         const std::size_t before = reached.m_start;
         reached = has_many_dashes ? pass_over_text<Make, later, Strays>(reached, bytes, filter)
                                   : pass_over_text<Make, at_first, Strays>(reached, bytes, filter);
