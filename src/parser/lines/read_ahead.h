@@ -44,7 +44,8 @@ private:
     std::streamoff m_block_end; // the file's position, just past the block
     bool m_has_failed = false;
     std::streamsize m_block_bytes;
-    std::unique_ptr<char[]> m_block;
+    std::unique_ptr<char[]> m_room; // of the block
+    char* m_block;
 };
 
 } // namespace mail_structure_detail
