@@ -56,6 +56,11 @@ class Figure:
 
     def __init__(self):
         self.times, self.bytes, self.lines, self.error = [], 0.0, 0.0, None
+        self.of_rounds = {}
+
+    def add(self, seconds, round_name):
+        self.times.append(seconds)
+        self.of_rounds.setdefault(round_name, []).append(seconds)
 
     def megabytes_per_second(self):
         return self.bytes / statistics.median(self.times) / 1e6
@@ -75,11 +80,13 @@ def read_figures(paths):
             text = file.read()
         # A file is empty where there was nothing to measure.
         for run in json.loads(text)["benchmarks"] if text else []:
+            if run.get("run_type") == "aggregate": # of the repeats in this file
+                continue
             figure = figures.setdefault(run["run_name"], Figure())
             if run.get("error_occurred"):
                 figure.error = run["error_message"]
                 continue
-            figure.times.append(run["cpu_time"] / 1e3)
+            figure.add(run["cpu_time"] / 1e3, path.split(".")[-2])
             figure.bytes, figure.lines = run["bytes"], run["lines"]
     return figures
 
@@ -93,10 +100,21 @@ def rate(figures, name):
 
 
 def ratio(figures, name, others, other):
-    """The speed of the first, divided by that of the other."""
+    """The speed of the first, divided by that of the other: in all rounds and, in brackets, in the
+    rounds where that is lowest and highest."""
     if not (has_times(figures, name) and has_times(others, other)):
         return "–"
-    times = figures[name].megabytes_per_second() / others[other].megabytes_per_second()
+    one, two = figures[name], others[other]
+    bytes_ratio = one.bytes / two.bytes
+    times = statistics.median(two.times) / statistics.median(one.times) * bytes_ratio
+    in_rounds = [statistics.median(two.of_rounds[each]) / statistics.median(seconds) * bytes_ratio
+                 for each, seconds in one.of_rounds.items() if each in two.of_rounds]
+    lowest, highest = ratio_text(min(in_rounds)), ratio_text(max(in_rounds))
+    spread = f" ({lowest}–{highest})" if lowest != highest else ""
+    return ratio_text(times) + spread
+
+
+def ratio_text(times):
     return f"{times:.2f}" if times < 10 else f"{times:.0f}"
 
 
@@ -238,10 +256,13 @@ def package_versions(names):
 INTRODUCTION = """# Figures of the last accepted run
 
 Written by `bench/run`; not to be edited. MB/s are millions of bytes per second of processor time:
-the median of {repeats} repeats, in which the programs took turns; “best” is the fastest repeat. “×
-another” says how many times as fast as the other the parse is in this run. One parser object takes
-all messages of a workload, as in a server, so each parse also clears away the tree of the message
-before. The result of the parse was checked outside the timing.
+the median of {repeats} repeats or more, in which the programs took turns; “best” is the fastest
+repeat. The two sets of rules took turns within one process as well, and so did `std::ifstream` and
+the loop beside it. “× another” says how many times as fast as the other the parse is in this run,
+and in brackets in the rounds of the run where that is least and most: other systems share the
+memory of the machine. One parser object takes all messages of a workload, as in a server, so each
+parse also clears away the tree of the message before. The result of the parse was checked outside
+the timing.
 
 - machine: {machine}
 - compiler: {compiler}
@@ -280,7 +301,7 @@ entering messages at a depth of 513, so its figures for these are not those of a
 
 
 def write_table(path, options, figures, plain, growth):
-    repeats = max(len(figure.times) for figure in figures.values())
+    repeats = min(len(figure.times) for figure in figures.values() if figure.times)
     text = INTRODUCTION.format(repeats=repeats, machine=machine(), compiler=options.compiler,
                                packages=package_versions(options.packages.split()),
                                date=datetime.date.today().isoformat())
