@@ -100,18 +100,17 @@ def rate(figures, name):
 
 
 def ratio(figures, name, others, other):
-    """The speed of the first, divided by that of the other: in all rounds and, in brackets, in the
-    rounds where that is lowest and highest."""
+    """The speed of the first, divided by that of the other: the median of the rounds and, in
+    brackets, the least and the most."""
     if not (has_times(figures, name) and has_times(others, other)):
         return "–"
     one, two = figures[name], others[other]
-    bytes_ratio = one.bytes / two.bytes
-    times = statistics.median(two.times) / statistics.median(one.times) * bytes_ratio
-    in_rounds = [statistics.median(two.of_rounds[each]) / statistics.median(seconds) * bytes_ratio
-                 for each, seconds in one.of_rounds.items() if each in two.of_rounds]
-    lowest, highest = ratio_text(min(in_rounds)), ratio_text(max(in_rounds))
-    spread = f" ({lowest}–{highest})" if lowest != highest else ""
-    return ratio_text(times) + spread
+    ratios = [statistics.median(two.of_rounds[each]) / statistics.median(seconds)
+              * one.bytes / two.bytes
+              for each, seconds in one.of_rounds.items() if each in two.of_rounds]
+    least, most = ratio_text(min(ratios)), ratio_text(max(ratios))
+    spread = f" ({least}–{most})" if least != most else ""
+    return ratio_text(statistics.median(ratios)) + spread
 
 
 def ratio_text(times):
@@ -258,11 +257,11 @@ INTRODUCTION = """# Figures of the last accepted run
 Written by `bench/run`; not to be edited. MB/s are millions of bytes per second of processor time:
 the median of {repeats} repeats or more, in which the programs took turns; “best” is the fastest
 repeat. The two sets of rules took turns within one process as well, and so did `std::ifstream` and
-the loop beside it. “× another” says how many times as fast as the other the parse is in this run,
-and in brackets in the rounds of the run where that is least and most: other systems share the
-memory of the machine. One parser object takes all messages of a workload, as in a server, so each
-parse also clears away the tree of the message before. The result of the parse was checked outside
-the timing.
+the loop beside it. “× another” says how many times as fast as the other the parse is: the median
+of the rounds of this run and, in brackets, the least and the most of them, for other systems share
+the memory of the machine. One parser object takes all messages of a workload, as in a server, so
+each parse also clears away the tree of the message before. The result of the parse was checked
+outside the timing.
 
 - machine: {machine}
 - compiler: {compiler}
