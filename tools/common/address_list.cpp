@@ -14,15 +14,16 @@ namespace {
 
 /// Decodes encoded words, and leaves one blank of each run of white space.
 std::string decoded_name(std::string_view text) {
-    std::string result;
-    for (const char byte : decode_encoded_words(trimmed(text))) {
-        if (!is_folding_white_space(byte)) {
-            result += byte;
-        } else if (!result.empty() && result.back() != ' ') {
-            result += ' ';
-        }
+    std::string name = decode_encoded_words(trimmed(text));
+    std::size_t length = 0; // of what has been moved to the front
+    for (const char byte : name) {
+        const bool is_white_space = is_folding_white_space(byte);
+        if (is_white_space && (length == 0 || name[length - 1] == ' ')) continue;
+        name[length++] = is_white_space ? ' ' : byte;
     }
-    return std::string(trimmed(result));
+    if (length != 0 && name[length - 1] == ' ') --length;
+    name.resize(length);
+    return name;
 }
 
 /// Walks over a list from left to right, once.
@@ -75,18 +76,18 @@ private:
     /// A quote that is never closed is left out, and quotes nothing.
     void take_quoted() {
         const std::size_t begin = m_at;
-        std::string unquoted;
+        const std::size_t unquoted_before = m_unquoted.size();
         for (++m_at; m_at < m_text.size() && m_text[m_at] != '"'; ++m_at) {
             if (m_text[m_at] == '\\' && m_at + 1 < m_text.size()) ++m_at;
-            unquoted += m_text[m_at];
+            m_unquoted += m_text[m_at];
         }
         m_last_quote_seen = m_at >= m_text.size();
         if (m_last_quote_seen) {
+            m_unquoted.resize(unquoted_before);
             m_at = begin + 1;
             return;
         }
         ++m_at;
-        m_unquoted += unquoted;
         m_written += m_text.substr(begin, m_at - begin);
     }
 
@@ -199,7 +200,10 @@ private:
 
 } // namespace
 
-std::vector<mail_address> addresses_in(std::string_view text) { return list_reader(text).read(); }
+std::vector<mail_address> addresses_in(std::string_view text) {
+    if (text.empty()) return {}; // as for the many entities that have no such field
+    return list_reader(text).read();
+}
 
 std::string identifier_in(std::string_view text) {
     std::string bare = without_comments(text);
