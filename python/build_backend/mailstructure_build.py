@@ -36,6 +36,7 @@ DECODERS = (
     "charset_names",
     "decoded_size",
     "encoded_text",
+    "entity_fields",
     "field_lookup",
     "field_parameters",
     "message_date",

@@ -159,10 +159,12 @@ public:
 
 private:
     reference describe(const mail_sections::visited& visited);
-    void add_description(record& to, const mail_sections::visited& visited);
+    void add_description(record& to, const mail_sections::visited& visited,
+                         const entity_fields& fields);
     void add_decoded_size(const record& to, const mail_sections::visited& visited);
-    static void add_message_fields(record& to, const MailStructure::MimeObj& entity);
-    static void add_addresses(record& to, const MailStructure::MimeObj& entity, const char* name);
+    static void add_message_fields(record& to, const entity_fields& fields);
+    static void add_addresses(record& to, const char* name,
+                              const std::vector<mail_address>& addresses);
     static void add_ranges(record& to, const MailStructure::MimeObj& entity);
     static void add_fields(record& to, const MailStructure::MimeObj& entity);
     static reference field(record& to, const MailStructure::header& field,
@@ -205,8 +207,9 @@ reference describer::describe(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     record made;
     made.set_string_or_none("section", std::string(visited.m_name));
-    add_description(made, visited);
-    add_message_fields(made, entity);
+    const entity_fields fields(entity);
+    add_description(made, visited, fields);
+    add_message_fields(made, fields);
     record::set_flag(made.members(), "multipart", entity.m_multipart);
     record::set_flag(made.members(), "message", entity.m_message);
     add_ranges(made, entity);
@@ -218,17 +221,18 @@ reference describer::describe(const mail_sections::visited& visited) {
 }
 
 /// What the Content-... fields say of the entity.
-void describer::add_description(record& to, const mail_sections::visited& visited) {
+void describer::add_description(record& to, const mail_sections::visited& visited,
+                                const entity_fields& fields) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     const MailStructure::rules by = m_source.m_rules;
     to.set_string("type", entity.m_type);
     to.set_string("subtype", entity.m_subtype);
     to.set_string("encoding", entity.m_encoding);
-    to.set_string_or_none("transfer_encoding", transfer_encoding_of(entity, by));
-    to.set_string_or_none("charset", charset_of(entity, m_source));
-    to.set_string_or_none("disposition", disposition_of(entity, by));
-    to.set_string_or_none("filename", file_name_of(entity, m_source));
-    to.set_string_or_none("content_id", identifier_of(entity, "content-id"));
+    to.set_string_or_none("transfer_encoding", transfer_encoding_of(fields, by));
+    to.set_string_or_none("charset", charset_of(fields, m_source));
+    to.set_string_or_none("disposition", disposition_of(fields, by));
+    to.set_string_or_none("filename", file_name_of(fields, m_source));
+    to.set_string_or_none("content_id", identifier_of(fields, known_field::content_id));
     add_decoded_size(to, visited);
 }
 
@@ -248,21 +252,22 @@ void describer::add_decoded_size(const record& to, const mail_sections::visited&
     record::set_flag(to.members(), "damaged", size && size->m_is_damaged);
 }
 
-void describer::add_message_fields(record& to, const MailStructure::MimeObj& entity) {
-    to.set_string_or_none("subject", subject_of(entity));
-    add_addresses(to, entity, "from");
-    add_addresses(to, entity, "to");
-    add_addresses(to, entity, "cc");
-    to.set_string_or_none("date", written_date_of(entity));
-    const std::optional<std::chrono::sys_seconds> date = date_of(entity);
+void describer::add_message_fields(record& to, const entity_fields& fields) {
+    to.set_string_or_none("subject", subject_of(fields));
+    add_addresses(to, "from", addresses_of(fields, known_field::from));
+    add_addresses(to, "to", addresses_of(fields, known_field::to));
+    add_addresses(to, "cc", addresses_of(fields, known_field::cc));
+    to.set_string_or_none("date", std::string(written_date_of(fields)));
+    const std::optional<std::chrono::sys_seconds> date = date_of(fields);
     to.set_string_or_none("date_utc", date ? utc_text(*date) : "");
-    to.set_string_or_none("message_id", identifier_of(entity, "message-id"));
+    to.set_string_or_none("message_id", identifier_of(fields, known_field::message_id));
 }
 
-void describer::add_addresses(record& to, const MailStructure::MimeObj& entity, const char* name) {
+void describer::add_addresses(record& to, const char* name,
+                              const std::vector<mail_address>& addresses) {
     reference list(PyList_New(0));
     std::size_t index = 0;
-    for (const mail_address& each : addresses_of(entity, name)) {
+    for (const mail_address& each : addresses) {
         const std::string place = '/' + std::string(name) + '/' + std::to_string(index++);
         const reference address(PyDict_New());
         to.set_string_or_none(address.get(), place, "name", each.m_name);

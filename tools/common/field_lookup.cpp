@@ -14,9 +14,9 @@ using MimeObj = MailStructure::MimeObj;
 using rules = MailStructure::rules;
 
 /// The field of that name that counts, or null.
-const MailStructure::header* field_that_counts(const MimeObj& entity, std::string_view name,
+const MailStructure::header* field_that_counts(const entity_fields& fields, known_field name,
                                                rules by) {
-    return by == rules::standard ? first_field(entity, name) : last_field(entity, name);
+    return by == rules::standard ? fields.first(name) : fields.last(name);
 }
 
 /// The parameters of the field, read from its bytes in the file.
@@ -34,10 +34,10 @@ std::vector<field_parameter> parameters_in_bytes_of(const MailStructure::header*
 /// end a value at a semicolon within quotes: a name in pieces, for instance, would be lost, so that
 /// the field is read from its bytes again. So is Content-Disposition, whose parameters the library
 /// does not record by any rules.
-std::vector<field_parameter> content_type_parameters(const MimeObj& entity,
+std::vector<field_parameter> content_type_parameters(const entity_fields& fields,
                                                      const tree_source& source) {
     const MailStructure::header* const field =
-        field_that_counts(entity, "content-type", source.m_rules);
+        field_that_counts(fields, known_field::content_type, source.m_rules);
     if (source.m_rules == rules::classic) return parameters_in_bytes_of(field, source.m_bytes);
     std::vector<field_parameter> parameters;
     if (field == nullptr) return parameters;
@@ -74,34 +74,35 @@ bool holds_others(const MimeObj& entity) noexcept {
     return entity.m_multipart || entity.m_message || !entity.m_children.empty();
 }
 
-std::string transfer_encoding_of(const MimeObj& entity, rules by) {
+std::string transfer_encoding_of(const entity_fields& fields, rules by) {
     const MailStructure::header* const field =
-        field_that_counts(entity, "content-transfer-encoding", by);
+        field_that_counts(fields, known_field::content_transfer_encoding, by);
     if (field == nullptr) return "";
-    return by == rules::standard ? entity.m_encoding : without_comments(field->m_value);
+    return by == rules::standard ? fields.entity().m_encoding : without_comments(field->m_value);
 }
 
-std::string encoding_in_effect(const MimeObj& entity, rules by) {
-    const bool looked_into = entity.m_multipart || entity.m_message;
-    return by == rules::standard && looked_into ? "" : transfer_encoding_of(entity, by);
+std::string encoding_in_effect(const entity_fields& fields, rules by) {
+    const bool looked_into = fields.entity().m_multipart || fields.entity().m_message;
+    return by == rules::standard && looked_into ? "" : transfer_encoding_of(fields, by);
 }
 
-std::string charset_of(const MimeObj& entity, const tree_source& source) {
-    return decoded_parameter(content_type_parameters(entity, source), "charset");
+std::string charset_of(const entity_fields& fields, const tree_source& source) {
+    return decoded_parameter(content_type_parameters(fields, source), "charset");
 }
 
-std::string disposition_of(const MimeObj& entity, rules by) {
-    const MailStructure::header* const field = field_that_counts(entity, "content-disposition", by);
+std::string disposition_of(const entity_fields& fields, rules by) {
+    const MailStructure::header* const field =
+        field_that_counts(fields, known_field::content_disposition, by);
     if (field == nullptr) return "";
     std::string word = without_comments(field->m_value);
     word.resize(std::min(word.find_first_of("; \t\r\n"), word.size()));
     return word;
 }
 
-std::string file_name_of(const MimeObj& entity, const tree_source& source) {
+std::string file_name_of(const entity_fields& fields, const tree_source& source) {
     const MailStructure::header* const disposition =
-        field_that_counts(entity, "content-disposition", source.m_rules);
+        field_that_counts(fields, known_field::content_disposition, source.m_rules);
     const std::string name =
         decoded_parameter(parameters_in_bytes_of(disposition, source.m_bytes), "filename");
-    return name.empty() ? decoded_parameter(content_type_parameters(entity, source), "name") : name;
+    return name.empty() ? decoded_parameter(content_type_parameters(fields, source), "name") : name;
 }

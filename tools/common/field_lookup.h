@@ -7,6 +7,7 @@
 
 #include <mail_structure.h>
 
+#include "common/entity_fields.h"
 #include "common/tree_source.h"
 
 #include <string>
@@ -33,23 +34,23 @@ bool holds_others(const MailStructure::MimeObj& entity) noexcept;
 /// The transfer encoding that the entity's Content-Transfer-Encoding field names, as written but
 /// without comments; "" if there is no such field. By the standard rules this is the library's
 /// m_encoding, which the classic rules do not set.
-std::string transfer_encoding_of(const MailStructure::MimeObj& entity, MailStructure::rules by);
+std::string transfer_encoding_of(const entity_fields& fields, MailStructure::rules by);
 
 /// The transfer encoding to undo, as transfer_encoding_of() gives it. By the standard rules that of
 /// an entity into which the library has looked has no effect: its parts, or its message, are there
 /// as they are. The result is then "".
-std::string encoding_in_effect(const MailStructure::MimeObj& entity, MailStructure::rules by);
+std::string encoding_in_effect(const entity_fields& fields, MailStructure::rules by);
 
 /// The charset parameter of the Content-Type field as written; "" if there is none.
-std::string charset_of(const MailStructure::MimeObj& entity, const tree_source& source);
+std::string charset_of(const entity_fields& fields, const tree_source& source);
 
 /// The word with which the Content-Disposition field begins, as written: "attachment", "inline" or
 /// what the sender chose; "" if there is no such field.
-std::string disposition_of(const MailStructure::MimeObj& entity, MailStructure::rules by);
+std::string disposition_of(const entity_fields& fields, MailStructure::rules by);
 
 /// The entity's file name: the parameter filename of Content-Disposition or, if there is none, the
 /// parameter name of Content-Type; "" if there is neither. It is decoded as decoded_parameter()
 /// says. The sender chose it, and it may hold any byte.
-std::string file_name_of(const MailStructure::MimeObj& entity, const tree_source& source);
+std::string file_name_of(const entity_fields& fields, const tree_source& source);
 
 #endif

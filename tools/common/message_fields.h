@@ -3,9 +3,8 @@
 #ifndef TOOLS_COMMON_MESSAGE_FIELDS_H
 #define TOOLS_COMMON_MESSAGE_FIELDS_H
 
-#include <mail_structure.h>
-
 #include "common/address_list.h"
+#include "common/entity_fields.h"
 
 #include <chrono>
 #include <optional>
@@ -18,18 +17,18 @@
 // that a result may hold any byte.
 
 /// The decoded Subject, its blanks as written; "" if there is none.
-std::string subject_of(const MailStructure::MimeObj& entity);
+std::string subject_of(const entity_fields& fields);
 
-/// The addresses in the field of that name: "from", "to", "cc".
-std::vector<mail_address> addresses_of(const MailStructure::MimeObj& entity, std::string_view name);
+/// The addresses in the field of that name: from, to, cc.
+std::vector<mail_address> addresses_of(const entity_fields& fields, known_field name);
 
-/// The Date as written; "" if there is none.
-std::string written_date_of(const MailStructure::MimeObj& entity);
+/// The Date as written, in the entity; "" if there is none.
+std::string_view written_date_of(const entity_fields& fields);
 /// The moment that it names; nothing if it names none.
-std::optional<std::chrono::sys_seconds> date_of(const MailStructure::MimeObj& entity);
+std::optional<std::chrono::sys_seconds> date_of(const entity_fields& fields);
 
-/// The identifier in the field of that name, "message-id" or "content-id", without its angle
+/// The identifier in the field of that name, message_id or content_id, without its angle
 /// brackets; "" if there is none.
-std::string identifier_of(const MailStructure::MimeObj& entity, std::string_view name);
+std::string identifier_of(const entity_fields& fields, known_field name);
 
 #endif

@@ -99,11 +99,11 @@ private:
     void write_rules();
     void write_line_members(const mail_sections::visited& visited, std::size_t index);
     void write_members(const mail_sections::visited& visited);
-    void write_description(const mail_sections::visited& visited);
+    void write_description(const mail_sections::visited& visited, const entity_fields& fields);
     void write_decoded_size(const mail_sections::visited& visited);
-    void write_message_fields(const MailStructure::MimeObj& entity);
+    void write_message_fields(const entity_fields& fields);
     template <std::size_t size>
-    void write_addresses(member_name<size> name, const MailStructure::MimeObj& entity);
+    void write_addresses(member_name<size> name, const std::vector<mail_address>& addresses);
     void write_ranges(const MailStructure::MimeObj& entity);
     void write_fields(const MailStructure::MimeObj& entity);
     void write_field(const MailStructure::header& field);
@@ -194,8 +194,9 @@ template <class writer>
 void tree_writer<writer>::write_members(const mail_sections::visited& visited) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     write_string_or_null("section", visited.m_name);
-    write_description(visited);
-    write_message_fields(entity);
+    const entity_fields fields(entity);
+    write_description(visited, fields);
+    write_message_fields(fields);
     write_flag("multipart", entity.m_multipart);
     write_flag("message", entity.m_message);
     write_ranges(entity);
@@ -207,17 +208,18 @@ void tree_writer<writer>::write_members(const mail_sections::visited& visited) {
 
 /// What the Content-... fields say of the entity.
 template <class writer>
-void tree_writer<writer>::write_description(const mail_sections::visited& visited) {
+void tree_writer<writer>::write_description(const mail_sections::visited& visited,
+                                            const entity_fields& fields) {
     const MailStructure::MimeObj& entity = *visited.m_entity;
     const MailStructure::rules by = m_message.m_source.m_rules;
     write_string("type", entity.m_type);
     write_string("subtype", entity.m_subtype);
     write_string("encoding", entity.m_encoding);
-    write_string_or_null("transfer_encoding", transfer_encoding_of(entity, by));
-    write_string_or_null("charset", charset_of(entity, m_message.m_source));
-    write_string_or_null("disposition", disposition_of(entity, by));
-    write_string_or_null("filename", file_name_of(entity, m_message.m_source));
-    write_string_or_null("content_id", identifier_of(entity, "content-id"));
+    write_string_or_null("transfer_encoding", transfer_encoding_of(fields, by));
+    write_string_or_null("charset", charset_of(fields, m_message.m_source));
+    write_string_or_null("disposition", disposition_of(fields, by));
+    write_string_or_null("filename", file_name_of(fields, m_message.m_source));
+    write_string_or_null("content_id", identifier_of(fields, known_field::content_id));
     write_decoded_size(visited);
 }
 
@@ -240,25 +242,25 @@ void tree_writer<writer>::write_decoded_size(const mail_sections::visited& visit
 }
 
 template <class writer>
-void tree_writer<writer>::write_message_fields(const MailStructure::MimeObj& entity) {
-    write_string_or_null("subject", subject_of(entity));
-    write_addresses("from", entity);
-    write_addresses("to", entity);
-    write_addresses("cc", entity);
-    write_string_or_null("date", written_date_of(entity));
-    const std::optional<std::chrono::sys_seconds> date = date_of(entity);
+void tree_writer<writer>::write_message_fields(const entity_fields& fields) {
+    write_string_or_null("subject", subject_of(fields));
+    write_addresses("from", addresses_of(fields, known_field::from));
+    write_addresses("to", addresses_of(fields, known_field::to));
+    write_addresses("cc", addresses_of(fields, known_field::cc));
+    write_string_or_null("date", written_date_of(fields));
+    const std::optional<std::chrono::sys_seconds> date = date_of(fields);
     write_string_or_null("date_utc", date ? utc_text(*date) : "");
-    write_string_or_null("message_id", identifier_of(entity, "message-id"));
+    write_string_or_null("message_id", identifier_of(fields, known_field::message_id));
 }
 
 template <class writer>
 template <std::size_t size>
 void tree_writer<writer>::write_addresses(member_name<size> name,
-                                          const MailStructure::MimeObj& entity) {
+                                          const std::vector<mail_address>& addresses) {
     write_key(name);
     m_writer.StartArray();
     std::size_t index = 0;
-    for (const mail_address& each : addresses_of(entity, name)) {
+    for (const mail_address& each : addresses) {
         m_place = {name, index++, std::nullopt};
         m_writer.StartObject();
         write_string_or_null("name", each.m_name);

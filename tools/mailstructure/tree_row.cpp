@@ -76,22 +76,23 @@ std::string size_text(std::uint64_t bytes, const row_style& style) {
 tree_row row_of(const mail_sections::visited& numbered, mail_sections::ranges& ranges,
                 const tree_source& source, const row_style& style) {
     const MimeObj& entity = *numbered.m_entity;
+    const entity_fields fields(entity);
     tree_row row;
     row.m_section = numbered.m_name.empty() ? ellipsis(style) : std::string(numbered.m_name);
     row.m_type = shown(media_type_of(entity), style);
     row.m_holds_others = holds_others(entity);
-    row.m_encoding = or_dash(shown(transfer_encoding_of(entity, source.m_rules), style));
-    row.m_charset = or_dash(shown(charset_of(entity, source), style));
+    row.m_encoding = or_dash(shown(transfer_encoding_of(fields, source.m_rules), style));
+    row.m_charset = or_dash(shown(charset_of(fields, source), style));
     row.m_size = size_text(entity.m_body_len, style);
     if (style.m_decoded_sizes && !row.m_holds_others)
         row.m_decoded_size = decoded_size_text(numbered, ranges, source, style);
     row.m_lines = lines_text(entity.m_lines);
     row.m_place = place_text(entity.m_mime_beg, entity.m_mime_len);
-    row.m_disposition = shown(disposition_of(entity, source.m_rules), style);
-    const std::string file_name = file_name_of(entity, source);
+    row.m_disposition = shown(disposition_of(fields, source.m_rules), style);
+    const std::string file_name = file_name_of(fields, source);
     if (!file_name.empty()) row.m_file_name = quoted(shown(file_name, style));
     if (!numbered.m_is_message || numbered.m_depth == 0) return row;
-    if (const MailStructure::header* const subject = first_field(entity, "subject")) {
+    if (const MailStructure::header* const subject = fields.first(known_field::subject)) {
         row.m_subject = "Subject: " + shown_value(subject->m_value, style);
     }
     return row;

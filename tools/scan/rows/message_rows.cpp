@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,13 +48,13 @@ std::string address_list_text(const std::vector<mail_address>& addresses) {
     return text;
 }
 
-void write_message_fields(row_writer& row, const MimeObj& root) {
-    const std::vector<mail_address> from = addresses_of(root, "from");
-    row.write_text_or_null("subject", subject_of(root));
+void write_message_fields(row_writer& row, const entity_fields& fields) {
+    const std::vector<mail_address> from = addresses_of(fields, known_field::from);
+    row.write_text_or_null("subject", subject_of(fields));
     row.write_text_or_null("from", address_list_text(from));
     row.write_text_or_null("from_address", from.empty() ? "" : from.front().m_address);
-    row.write_text_or_null("to", address_list_text(addresses_of(root, "to")));
-    const std::string date = written_date_of(root);
+    row.write_text_or_null("to", address_list_text(addresses_of(fields, known_field::to)));
+    const std::string_view date = written_date_of(fields);
     const auto moment = message_date(date);
     row.write_text_or_null("date", moment ? utc_text(*moment) : "");
     row.write_text_or_null("date_text", date);
@@ -121,11 +122,12 @@ private:
         row.write_text_or_null("section", visited.m_name);
         row.write_text("type", entity.m_type);
         row.write_text("subtype", entity.m_subtype);
+        const entity_fields fields(entity);
         row.write_text_or_null("transfer_encoding",
-                               transfer_encoding_of(entity, m_options.m_rules));
-        row.write_text_or_null("charset", charset_of(entity, m_source));
-        row.write_text_or_null("filename", file_name_of(entity, m_source));
-        row.write_text_or_null("disposition", disposition_of(entity, m_options.m_rules));
+                               transfer_encoding_of(fields, m_options.m_rules));
+        row.write_text_or_null("charset", charset_of(fields, m_source));
+        row.write_text_or_null("filename", file_name_of(fields, m_source));
+        row.write_text_or_null("disposition", disposition_of(fields, m_options.m_rules));
         row.write_flag("multipart", entity.m_multipart);
         row.write_flag("message_within", entity.m_message);
         write_ranges(row, entity);
@@ -202,8 +204,9 @@ std::uint64_t append_message_rows(std::string& rows, const message_facts& messag
                    options.m_rules == MailStructure::rules::standard ? "standard" : "classic");
     static const MimeObj no_tree;
     const MimeObj& root = message.m_root == nullptr ? no_tree : *message.m_root;
-    write_message_fields(row, root);
-    const std::string message_id = identifier_of(root, "message-id");
+    const entity_fields fields(root);
+    write_message_fields(row, fields);
+    const std::string message_id = identifier_of(fields, known_field::message_id);
     row.write_text_or_null("message_id", message_id);
     row.write_number("entities", extent.m_entities);
     row.write_number("depth", extent.m_depth);
