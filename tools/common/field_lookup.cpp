@@ -29,20 +29,32 @@ std::vector<field_parameter> parameters_in_bytes_of(const MailStructure::header*
     return parameters_in(text.substr(colon + 1));
 }
 
+/// Those parameters of the Content-Type field whose names begin with that name, and perhaps others.
+///
 /// The standard rules record every parameter of this field, without quotes and comments, and the
 /// list of the tree is used. The classic ones record none with a digit or a star in its name, and
 /// end a value at a semicolon within quotes: a name in pieces, for instance, would be lost, so that
 /// the field is read from its bytes again. So is Content-Disposition, whose parameters the library
 /// does not record by any rules.
 std::vector<field_parameter> content_type_parameters(const entity_fields& fields,
-                                                     const tree_source& source) {
+                                                     const tree_source& source,
+                                                     std::string_view wanted) {
     const MailStructure::header* const field =
         field_that_counts(fields, known_field::content_type, source.m_rules);
     if (source.m_rules == rules::classic) return parameters_in_bytes_of(field, source.m_bytes);
     std::vector<field_parameter> parameters;
     if (field == nullptr) return parameters;
-    for (const auto& [name, value] : field->m_params) parameters.push_back({name, value});
+    for (const auto& [name, value] : field->m_params) {
+        if (equal_ignoring_case(std::string_view(name).substr(0, wanted.size()), wanted))
+            parameters.push_back({name, value});
+    }
     return parameters;
+}
+
+/// The decoded parameter of the Content-Type field; "" if there is none.
+std::string content_type_parameter(const entity_fields& fields, const tree_source& source,
+                                   std::string_view name) {
+    return decoded_parameter(content_type_parameters(fields, source, name), name);
 }
 
 } // namespace
@@ -87,7 +99,7 @@ std::string encoding_in_effect(const entity_fields& fields, rules by) {
 }
 
 std::string charset_of(const entity_fields& fields, const tree_source& source) {
-    return decoded_parameter(content_type_parameters(fields, source), "charset");
+    return content_type_parameter(fields, source, "charset");
 }
 
 std::string disposition_of(const entity_fields& fields, rules by) {
@@ -104,5 +116,5 @@ std::string file_name_of(const entity_fields& fields, const tree_source& source)
         field_that_counts(fields, known_field::content_disposition, source.m_rules);
     const std::string name =
         decoded_parameter(parameters_in_bytes_of(disposition, source.m_bytes), "filename");
-    return name.empty() ? decoded_parameter(content_type_parameters(fields, source), "name") : name;
+    return name.empty() ? content_type_parameter(fields, source, "name") : name;
 }

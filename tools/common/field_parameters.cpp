@@ -218,6 +218,7 @@ std::vector<field_parameter> parameters_in(std::string_view body) {
 
 std::string decoded_parameter(const std::vector<field_parameter>& parameters,
                               std::string_view name) {
+    if (parameters.empty()) return ""; // as for most fields
     const pieces_by_number pieces = pieces_of(parameters, name);
     if (pieces.contains(0)) return joined(pieces);
     for (const field_parameter& each : parameters) {
