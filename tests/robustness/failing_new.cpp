@@ -1,5 +1,7 @@
 #include "robustness/failing_new.h"
 
+#include "support/left_frames.h"
+
 #include <cstdlib>
 #include <new>
 
@@ -48,7 +50,10 @@ allocation_trap::allocation_trap(std::size_t failing, memory afterwards) noexcep
     g_is_armed = true;
 }
 
-allocation_trap::~allocation_trap() { g_is_armed = false; }
+allocation_trap::~allocation_trap() {
+    g_is_armed = false;
+    collect_left_frames();
+}
 
 std::size_t allocation_trap::count() const noexcept { return g_count; }
 
