@@ -2,6 +2,7 @@
 
 #include "parser/chunk_parse.h"
 #include "parser/fill.h"
+#include "support/left_frames.h"
 #include "support/seeded_random.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 /// @return the exception that left the call, in words
 template <class Call>
-std::string error_of(const Call& call) {
+std::string caught_from(const Call& call) {
     try {
         call();
         return {};
@@ -33,6 +34,13 @@ std::string error_of(const Call& call) {
     } catch (...) {
         return "other";
     }
+}
+
+template <class Call>
+std::string error_of(const Call& call) {
+    std::string error = caught_from(call);
+    if (!error.empty()) collect_left_frames();
+    return error;
 }
 
 /// A copy of some bytes. No memory follows them that may be read.
