@@ -37,8 +37,8 @@ inline void fetch_ahead([[maybe_unused]] const char* p) noexcept {
 #endif
 }
 
-/// From here to where the next line of the cache begins, which is at most a block away. It takes
-/// longer to load a block that lies in two such lines.
+/// The number of bytes from p to where the next line of the cache begins: from 1 to a block's. It
+/// takes longer to load a block that lies in two lines of the cache.
 inline std::size_t bytes_to_next_line_of_cache(const char* p) noexcept {
     return block_bytes - reinterpret_cast<std::uintptr_t>(p) % block_bytes;
 }
@@ -48,6 +48,7 @@ struct scan_progress {
     std::size_t m_start = 0; // of the next block
     std::size_t m_lines = 0; // that end before it
 
+    /// Goes on by so many bytes of the block, whose LFs the mask shows.
     void pass(std::uint64_t lf, std::size_t bytes = block_bytes) noexcept {
         m_start += bytes;
         m_lines += static_cast<std::size_t>(std::popcount(lf & first_bits(bytes)));
@@ -79,8 +80,8 @@ std::uint64_t dashed_ends(const block_masks& masks, const scan_progress& reached
 }
 
 /// Passes over blocks in which no line can end the run. Stops at the first block that needs a
-/// closer look, and where less than a block and the bytes that the filter looks at are left. Not
-/// inline, so that the compiler keeps the constants of the loop in registers.
+/// closer look, and where fewer bytes are left than a quick look reads. Not inline, so that the
+/// compiler keeps the constants of the loop in registers.
 template <class Make, dashed_look Dashes, bool Strays>
 [[gnu::noinline]] scan_progress pass_over_text(scan_progress reached, std::string_view bytes,
                                                const delimiter_filter& filter) noexcept {
@@ -99,7 +100,8 @@ template <class Make, dashed_look Dashes, bool Strays>
 template <class Make, bool Dashes, bool Strays>
 scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& filter) noexcept {
     if (Dashes && filter.passes(bytes)) return {};
-    constexpr std::size_t soon = 1024; // bytes: after a stop so soon, more lines with dashes follow
+    // A stop before so many bytes shows that lines that begin with dashes come close together.
+    constexpr std::size_t few_bytes = 1024;
     constexpr dashed_look at_first = Dashes ? dashed_look::each : dashed_look::none;
     constexpr dashed_look later = Dashes ? dashed_look::probed : dashed_look::none;
     bool has_many_dashes = false;
@@ -113,11 +115,12 @@ scanned_lines scan_by_blocks(std::string_view bytes, const delimiter_filter& fil
         ends = stray_ends<Strays>(masks, rest) | dashed_ends<Dashes>(masks, reached, bytes, filter);
         lf = masks.m_lf;
         if (ends != 0 || rest.size() <= block_bytes) break;
+        // The bytes of this block that lie in the next line of the cache are looked at once more.
         reached.pass(masks.m_lf, bytes_to_next_line_of_cache(rest.data()));
         const std::size_t before = reached.m_start;
         reached = has_many_dashes ? pass_over_text<Make, later, Strays>(reached, bytes, filter)
                                   : pass_over_text<Make, at_first, Strays>(reached, bytes, filter);
-        has_many_dashes = has_many_dashes || reached.m_start - before < soon;
+        has_many_dashes = has_many_dashes || reached.m_start - before < few_bytes;
     }
     // The run ends with the last LF up to the first byte whose bit is set in `ends`.
     if (ends != 0) lf &= ends ^ (ends - 1);
