@@ -15,7 +15,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <istream>
 #include <malloc.h>
 #include <map>
 #include <span>
@@ -237,9 +236,13 @@ TEST(heap_bounds, worst_case_in_the_promises_is_that_of_the_table) {
                 megabytes * of_standard / 1000, 0.05);
 }
 
-/// The peak of Fill is at most the block's KiB above the message itself, and hardly less.
-void expect_block(std::istream& file, double kibibytes) {
+/// While Fill reads a plain file of so many bytes, the peak is at most the documented KiB above
+/// what the message itself takes, and hardly less.
+void expect_block(std::size_t file_bytes, const std::string& documented) {
+    const test_support::temporary_file written(std::string(file_bytes, '\n'));
+    std::ifstream file(written.name());
     ASSERT_TRUE(file);
+    const double kibibytes = cost::figure("doc/behaviour.md", documented);
     MailStructure message;
     const heap_meter meter;
     EXPECT_EQ(test_support::fill_unchecked(message, file), "");
@@ -249,17 +252,19 @@ void expect_block(std::istream& file, double kibibytes) {
     EXPECT_GT(static_cast<double>(meter.peak()), 0.97 * block);
 }
 
-/// A file that Fill reads through a block of its own.
-TEST(heap_bounds, block_for_a_plain_file_is_the_documented_one) {
-    std::ifstream file(MAILSTRUCTURE_FOLDER "/LICENSE");
-    expect_block(file,
-                 cost::figure("doc/behaviour.md", "([0-9]+) KiB more while a plain file is read"));
+TEST(heap_bounds, block_for_a_short_plain_file_is_the_documented_one) {
+    for (const std::size_t file_bytes : {1U, 65535U}) {
+        SCOPED_TRACE(file_bytes);
+        expect_block(file_bytes,
+                     "([0-9]+) KiB more while a plain file of less than 64 KiB is read");
+    }
 }
 
 TEST(heap_bounds, blocks_for_a_long_plain_file_are_the_documented_ones) {
-    const test_support::temporary_file long_file(std::string(1000000, '\n'));
-    std::ifstream file(long_file.name());
-    expect_block(file, cost::figure("doc/behaviour.md", "([0-9]+) KiB more if that file is"));
+    for (const std::size_t file_bytes : {65536U, 1000000U}) {
+        SCOPED_TRACE(file_bytes);
+        expect_block(file_bytes, "([0-9]+) KiB more while one of 64 KiB or more is read");
+    }
 }
 
 /// Fills the object with a message whose part has field values of that many bytes.
