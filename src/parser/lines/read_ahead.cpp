@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::streamoff no_position = -1;
 
-// Small files need no more than the first block. With larger blocks, a long file is read by fewer
+// A short file needs no more than the first block. With larger blocks, a long file is read by fewer
 // calls, and fewer lines straddle two blocks.
 constexpr std::streamsize first_block_bytes = 65536;
 constexpr std::streamsize largest_block_bytes = 262144;
@@ -32,7 +32,7 @@ constexpr std::size_t room_of(std::streamsize block_bytes) noexcept {
     return static_cast<std::size_t>(block_bytes) + cache_line_bytes - 1;
 }
 
-/// The first place in the room that suits a block.
+/// Where the block begins in its room: at the first beginning of a line of the cache.
 char* block_in(char* room) noexcept {
     const std::uintptr_t past_line = reinterpret_cast<std::uintptr_t>(room) % cache_line_bytes;
     return past_line == 0 ? room : room + (cache_line_bytes - past_line);
@@ -85,7 +85,7 @@ read_ahead::int_type read_ahead::underflow() {
     return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
 }
 
-/// Where there is no memory for it, the file is read on in the smaller block.
+/// Replaces the block by a larger one. If there is no memory for that, the block stays as it is.
 void read_ahead::use_larger_block() noexcept {
     char* const larger = new (std::nothrow) char[room_of(largest_block_bytes)];
     if (larger == nullptr) return;

@@ -43,8 +43,8 @@ private:
     std::streambuf& m_file;
     std::streamoff m_block_end; // the file's position, just past the block
     bool m_has_failed = false;
-    std::streamsize m_block_bytes;
-    std::unique_ptr<char[]> m_room; // of the block
+    std::streamsize m_block_bytes;  // how many the block can hold
+    std::unique_ptr<char[]> m_room; // where the block lies
     char* m_block;
 };
 
