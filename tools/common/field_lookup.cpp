@@ -1,4 +1,4 @@
-// Finds header fields and reads what the tools need of them; see the header.
+// Reads what the tools need of the fields that describe a body; see the header.
 
 #include "common/field_lookup.h"
 
@@ -6,6 +6,7 @@
 #include "common/field_parameters.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -58,24 +59,6 @@ std::string content_type_parameter(const entity_fields& fields, const tree_sourc
 }
 
 } // namespace
-
-const MailStructure::header* first_field(const MailStructure::MimeObj& entity,
-                                         std::string_view name) {
-    const auto found = std::find_if(entity.m_headers.begin(), entity.m_headers.end(),
-                                    [name](const MailStructure::header& field) {
-                                        return equal_ignoring_case(field.m_name, name);
-                                    });
-    return found == entity.m_headers.end() ? nullptr : &*found;
-}
-
-const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
-                                        std::string_view name) {
-    const auto found = std::find_if(entity.m_headers.rbegin(), entity.m_headers.rend(),
-                                    [name](const MailStructure::header& field) {
-                                        return equal_ignoring_case(field.m_name, name);
-                                    });
-    return found == entity.m_headers.rend() ? nullptr : &*found;
-}
 
 std::string media_type_of(const MimeObj& entity) {
     if (entity.m_type.empty() && entity.m_subtype.empty()) return "(no type)";

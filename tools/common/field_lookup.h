@@ -1,6 +1,6 @@
-// Header fields by their exact names, and what the tools read out of them: transfer encoding,
-// charset, disposition and file name. Beside them, the media type that the library has recorded,
-// and whether an entity holds others.
+// What the tools read out of the header fields that describe a body: transfer encoding, charset,
+// disposition and file name. Beside them, the media type that the library has recorded, and whether
+// an entity holds others.
 
 #ifndef TOOLS_COMMON_FIELD_LOOKUP_H
 #define TOOLS_COMMON_FIELD_LOOKUP_H
@@ -11,14 +11,6 @@
 #include "common/tree_source.h"
 
 #include <string>
-#include <string_view>
-
-/// The first, or the last, field of exactly this name, ASCII case ignored; null if there is none.
-/// Linear in the number of fields.
-const MailStructure::header* first_field(const MailStructure::MimeObj& entity,
-                                         std::string_view name);
-const MailStructure::header* last_field(const MailStructure::MimeObj& entity,
-                                        std::string_view name);
 
 /// "text/plain": the media type that the library has recorded; "(no type)" if it has recorded none.
 /// The classic rules fill in the default type only when the body begins.

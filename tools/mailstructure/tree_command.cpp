@@ -2,7 +2,7 @@
 
 #include "mailstructure/tree_command.h"
 
-#include "common/field_lookup.h"
+#include "common/entity_fields.h"
 #include "common/message_reader.h"
 #include "mailstructure/command_line.h"
 #include "mailstructure/output_text.h"
@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -147,12 +148,16 @@ void add_line(page& to, const tree_line& line, const column_widths& widths) {
 
 /// The fields of the message that tell a person which one it is.
 void add_heading(page& to, const MailStructure::MimeObj& root, const row_style& style) {
-    for (const std::string_view name : {"Subject", "From", "Date"}) {
-        const MailStructure::header* const field = first_field(root, name);
+    constexpr std::pair<known_field, std::string_view> shown[] = {{known_field::subject, "Subject"},
+                                                                  {known_field::from, "From"},
+                                                                  {known_field::date, "Date"}};
+    const entity_fields fields(root);
+    for (const auto& [name, label] : shown) {
+        const MailStructure::header* const field = fields.first(name);
         if (field == nullptr) continue;
-        to.add(name, look::bold);
+        to.add(label, look::bold);
         to.add(":");
-        to.add_blanks(sizeof("Subject") - name.size());
+        to.add_blanks(sizeof("Subject") - label.size());
         to.add(shown_value(field->m_value, style));
         to.end_line();
     }

@@ -1,4 +1,4 @@
-// Fields by their exact names, and what is read from fields that describe a body.
+// What is read from fields that describe a body.
 
 #include "common/ascii_case.h"
 #include "common/field_lookup.h"
@@ -18,19 +18,6 @@ MailStructure parse(const std::string& input, rules by = rules::classic) {
     std::istringstream stream(input);
     EXPECT_EQ(test_support::fill(message, stream, 0, by), "");
     return message;
-}
-
-TEST(field, is_found_by_its_whole_name_alone) {
-    const MailStructure message = parse("Subject-Line: no\n"
-                                        "subJect: one\n"
-                                        "Subject: two\n"
-                                        "\n"
-                                        "x\n");
-    ASSERT_NE(first_field(message.m_root, "Subject"), nullptr);
-    EXPECT_EQ(first_field(message.m_root, "Subject")->m_value, "one");
-    EXPECT_EQ(last_field(message.m_root, "SUBJECT")->m_value, "two");
-    EXPECT_EQ(first_field(message.m_root, "Sub"), nullptr);
-    EXPECT_EQ(last_field(message.m_root, ""), nullptr);
 }
 
 TEST(names, are_equal_whatever_the_case_of_ascii_letters) {
