@@ -19,10 +19,12 @@ bool has_type_of_text(const MimeObj& entity) {
                || equal_ignoring_case(entity.m_subtype, "html"));
 }
 
-bool is_attachment(const MimeObj& entity, const std::string& sent_name, MailStructure::rules by) {
+bool is_attachment(const entity_fields& fields, const std::string& sent_name,
+                   MailStructure::rules by) {
+    const MimeObj& entity = fields.entity();
     if (!entity.m_message && !entity.m_children.empty()) return false; // its parts may be some
     if (!sent_name.empty()) return true;
-    const std::string disposition = disposition_of(entity, by);
+    const std::string disposition = disposition_of(fields, by);
     if (!disposition.empty() && !equal_ignoring_case(disposition, "inline")) return true;
     const bool is_empty_multipart = entity.m_multipart && !entity.m_message;
     return !is_empty_multipart && !has_type_of_text(entity);
@@ -54,8 +56,9 @@ std::optional<attachment> attachment_walk::next() {
 std::optional<attachment>
 attachment_walk::attachment_from(const mail_sections::visited& numbered) const {
     const MimeObj& entity = *numbered.m_entity;
-    std::string sent_name = file_name_of(entity, m_source);
-    if (!is_attachment(entity, sent_name, m_source.m_rules)) return std::nullopt;
+    const entity_fields fields(entity);
+    std::string sent_name = file_name_of(fields, m_source);
+    if (!is_attachment(fields, sent_name, m_source.m_rules)) return std::nullopt;
     std::string name = name_for(numbered, sent_name);
     if (m_pattern != nullptr && !m_pattern->matches(sent_name) && !m_pattern->matches(name))
         return std::nullopt;

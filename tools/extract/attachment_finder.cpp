@@ -32,18 +32,19 @@ void find_attachments(batch& work, const message_facts& message, MailStructure::
     attachment_walk walk(*message.m_root, source, nullptr);
     while (std::optional<attachment> each = walk.next()) {
         const MailStructure::MimeObj& entity = *each->m_body.m_entity;
+        const entity_fields fields(entity);
         const mail_sections::byte_range body = ranges.of(each->m_body);
         found_attachment found;
         found.m_message = message.m_place->m_offset;
         found.m_section = std::move(each->m_section);
         found.m_type = entity.m_type;
         found.m_subtype = entity.m_subtype;
-        found.m_disposition = disposition_of(entity, by);
+        found.m_disposition = disposition_of(fields, by);
         found.m_sent_name = std::move(each->m_sent_name);
         found.m_body = bytes.substr(body.m_offset, body.m_length);
         found.m_byte = found.m_message + body.m_offset;
         found.m_encoding =
-            transfer_encoding_named(encoding_in_effect(entity, by), strictness::lenient);
+            transfer_encoding_named(encoding_in_effect(fields, by), strictness::lenient);
         found.m_decoded =
             decode_and_hash(found.m_encoding.value_or(transfer_encoding::none), found.m_body);
         work.m_attachments.push_back(std::move(found));

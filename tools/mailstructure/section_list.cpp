@@ -40,8 +40,9 @@ std::string_view name_of_holder(std::string_view name) {
 
 /// The columns that tell about the part as a file; "" if its header block tells nothing.
 std::string file_columns_of(const MimeObj& entity, const tree_source& source, character_set set) {
-    const std::string disposition = disposition_of(entity, source.m_rules);
-    const std::string name = file_name_of(entity, source);
+    const entity_fields fields(entity);
+    const std::string disposition = disposition_of(fields, source.m_rules);
+    const std::string name = file_name_of(fields, source);
     if (disposition.empty() && name.empty()) return "";
     const std::string shown_disposition =
         disposition.empty() ? "-" : printable(disposition, character_set::ascii);

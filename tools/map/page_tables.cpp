@@ -52,9 +52,10 @@ std::string value_of(const MailStructure::header& field, const tree_source& sour
 
 /// The name by which people know an entity: that of its file or, of a message, its subject.
 std::string known_as(const mail_sections::visited& visited, const tree_source& source) {
-    std::string file_name = file_name_of(*visited.m_entity, source);
+    const entity_fields fields(*visited.m_entity);
+    std::string file_name = file_name_of(fields, source);
     if (!file_name.empty() || !visited.m_is_message) return file_name;
-    return readable(subject_of(*visited.m_entity));
+    return readable(subject_of(fields));
 }
 
 /// The media type, which may be broken after its slash.

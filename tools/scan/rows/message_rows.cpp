@@ -66,11 +66,11 @@ std::string id_hash(const std::string& message_id) {
 }
 
 /// Writes the digests of the body, as it is and decoded.
-void write_body_digests(row_writer& row, const MimeObj& entity, std::string_view body,
+void write_body_digests(row_writer& row, const entity_fields& fields, std::string_view body,
                         MailStructure::rules by) {
     row.write_text("sha256", sha256_text(body));
     const auto encoding =
-        transfer_encoding_named(encoding_in_effect(entity, by), strictness::lenient);
+        transfer_encoding_named(encoding_in_effect(fields, by), strictness::lenient);
     if (!encoding) {
         row.write_null("decoded_sha256");
         row.write_null("decoded_size");
@@ -135,7 +135,7 @@ private:
         if (m_ranges && entity.m_children.empty()) {
             const mail_sections::byte_range body =
                 m_ranges->of({&entity, mail_sections::piece::body, visited.m_is_message});
-            write_body_digests(row, entity, m_message.m_bytes.substr(body.m_offset, body.m_length),
+            write_body_digests(row, fields, m_message.m_bytes.substr(body.m_offset, body.m_length),
                                m_options.m_rules);
         }
         row.end();
