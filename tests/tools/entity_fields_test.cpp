@@ -5,6 +5,7 @@
 #include <cctype>
 #include <gtest/gtest.h>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -64,5 +65,9 @@ TEST(entity_fields, are_found_by_their_whole_names_in_any_case) {
         EXPECT_EQ(fields.last(field)->m_value, std::string("last ") + name);
     }
 }
+
+using entity = MailStructure::MimeObj;
+static_assert(std::is_convertible_v<const entity&, entity_fields>);
+static_assert(!std::is_constructible_v<entity_fields, entity>, "its fields would be gone");
 
 } // namespace

@@ -24,17 +24,19 @@ enum class known_field : std::uint8_t {
     content_transfer_encoding
 };
 
-/// The known fields of one entity, which must outlive this object and not change. A function that
-/// wants these can be given the entity; several functions share one pass if they get this object.
+/// The known fields of one entity, which must outlive this object and not change. A function with a
+/// parameter of this class can be called with the entity itself; a caller of several such functions
+/// saves passes over the fields by giving all of them the same object.
 class entity_fields {
 public:
     /// Linear in the number of fields.
     // cppcheck-suppress noExplicitConstructor ; an entity will do
     entity_fields(const MailStructure::MimeObj& entity) noexcept;
+    entity_fields(const MailStructure::MimeObj&& entity) = delete; // it would not live long enough
 
     const MailStructure::MimeObj& entity() const { return m_entity; }
 
-    /// The first, or the last, field of that name, ASCII case ignored; null if there is none.
+    /// The first, or the last, field of that name, in any case; null if there is none.
     const MailStructure::header* first(known_field name) const { return of(name).m_first; }
     const MailStructure::header* last(known_field name) const { return of(name).m_last; }
 
