@@ -56,7 +56,7 @@ class Figure:
 
     def __init__(self):
         self.times, self.bytes, self.lines, self.error = [], 0.0, 0.0, None
-        self.of_rounds = {}
+        self.of_rounds = {} # the same times by the name of their round
 
     def add(self, seconds, round_name):
         self.times.append(seconds)

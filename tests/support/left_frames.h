@@ -1,5 +1,5 @@
-// Tests that let thousands of exceptions leave functions call this after each of them, which keeps
-// the address sanitizer fast.
+// Keeps the address sanitizer fast in tests in which thousands of exceptions leave functions: these
+// tests call collect_left_frames() after each exception.
 
 #ifndef TESTS_SUPPORT_LEFT_FRAMES_H
 #define TESTS_SUPPORT_LEFT_FRAMES_H

@@ -142,7 +142,7 @@ bool file_bytes::map(int descriptor, std::uint64_t size, const std::string& file
     return true;
 }
 
-/// @param size  of the file; 0 if that is not known
+/// @param size  of the file, if it is a small one; 0 for any other input
 void file_bytes::read_all(int descriptor, std::size_t size) {
     constexpr std::size_t room_for_a_pipe = 65536;
     std::size_t capacity = 0;

@@ -22,7 +22,7 @@ std::string subject_of(const entity_fields& fields);
 /// The addresses in the field of that name: from, to, cc.
 std::vector<mail_address> addresses_of(const entity_fields& fields, known_field name);
 
-/// The Date as written, in the entity; "" if there is none.
+/// The Date as written, which lies in the entity; "" if there is none.
 std::string_view written_date_of(const entity_fields& fields);
 /// The moment that it names; nothing if it names none.
 std::optional<std::chrono::sys_seconds> date_of(const entity_fields& fields);

@@ -51,7 +51,8 @@ public:
             text.remove_prefix(std::min(most_room, text.size()));
         }
     }
-    /// Writes the plain bytes at the front of the text, or the first of them.
+    /// Writes the bytes at the front of the text that copy_plain_front() copies, but no more than
+    /// most_room of them.
     /// @return how many it has written
     std::size_t put_plain_front(std::string_view text) {
         char* const to = room();
