@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <ostream>
 #include <string>
-#include <tuple>
 #include <utility>
 
 namespace {
@@ -142,21 +141,35 @@ TEST(conversion_of_long_texts, is_linear) {
     }
 }
 
+struct abandoned_case {
+    const char* m_leaves;
+    const char* m_charset;
+    const char* m_abandoned;
+    const char* m_text;
+    const char* m_converted;
+};
+
+const abandoned_case abandoned_cases[] = {
+    {"two_bytes_a_character", "iso-2022-jp", "\x1b$BF", "BF|K", "BF|K"},
+    {"two_bytes_a_character", "iso-2022-kr", "\x1b$)C\x0e", "0!", "0!"},
+    {"a_letter_held_back", "windows-1258", "a", "\xEC", "\u0301"},
+    {"half_a_character", "sjis", "\x93", "a", "a"},
+    {"half_a_character", "utf-16", "\xFF\xFE=\xD8", "\xAC\x20", "\u20ac"},
+    {"the_order_of_bytes", "utf-16", "\xFE\xFF\x20\xAC", "\xAC\x20", "\u20ac"},
+    {"nothing", "windows-1252", "caf\xE9", "\x80", "\u20ac"},
+};
+
 /// What a conversion has left in its converter does not reach the next one of that charset.
 TEST(conversions, know_nothing_of_each_other) {
-    for (const auto& [charset, beginning, text, converted] :
-         {std::tuple("iso-2022-jp", "\x1b$BF", "BF|K", "BF|K"),       // two bytes a character
-          std::tuple("iso-2022-kr", "\x1b$)C\x0e", "0!", "0!"),       //
-          std::tuple("windows-1258", "a", "\xEC", "\u0301"),          // a letter is held back
-          std::tuple("sjis", "\x93", "a", "a"),                       // half a character
-          std::tuple("windows-1252", "caf\xE9", "\x80", "\u20ac")}) { // all converted
+    for (const abandoned_case& row : abandoned_cases) {
+        SCOPED_TRACE(std::string(row.m_leaves) + ", " + row.m_charset);
         for (const strictness how : {strictness::strict, strictness::lenient}) {
             {
-                utf8_conversion abandoned(charset, how);
+                utf8_conversion abandoned(row.m_charset, how);
                 std::string begun;
-                abandoned.add(beginning, begun);
+                abandoned.add(row.m_abandoned, begun);
             }
-            EXPECT_EQ(to_utf8(text, charset), converted) << charset;
+            EXPECT_EQ(to_utf8(row.m_text, row.m_charset), row.m_converted);
         }
     }
 }
