@@ -63,6 +63,9 @@ const body_case body_cases[] = {
      " name*0=\"c \";\n"
      " name*1=d\n",
      "", "utf-8", "c d"},
+    {"parameters_in_any_case", "Content-Type: a/b; CHARSET=c; Name*0=d; nAME*1=e\n", "", "c", "de"},
+    {"longer_parameters_are_others", "Content-Type: a/b; charsets=c; name-x=d; nam=e\n", "", "",
+     ""},
     {"semicolon_in_quotes", "Content-Type: a/b; name=\"c; d\"; charset=utf-8\n", "", "utf-8",
      "c; d"},
 };
