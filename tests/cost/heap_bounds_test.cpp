@@ -239,6 +239,7 @@ TEST(heap_bounds, worst_case_in_the_promises_is_that_of_the_table) {
 /// While Fill reads a plain file of so many bytes, the peak is at most the documented KiB above
 /// what the message itself takes, and hardly less.
 void expect_block(std::size_t file_bytes, const std::string& documented) {
+    mallopt(M_MMAP_THRESHOLD, 1 << 25); // so that no block is rounded up to whole pages
     const test_support::temporary_file written(std::string(file_bytes, '\n'));
     std::ifstream file(written.name());
     ASSERT_TRUE(file);
