@@ -8,9 +8,11 @@
 // Processors differ only in how the masks are made. For each there is a struct, the parameter Make
 // of the templates, with three functions that read the 64 bytes at p:
 // - masks(p) makes the masks shown here.
-// - look<Dashes, Strays>(p, probe) tells whether one of the bytes is suspect and not before an LF,
-//   or is an LF before a line that begins with a dash and, if Dashes says so, has what the probe
-//   asks for. This also reads the 64 bytes at p + 1 and, for the probe, those at p + probe.m_ahead.
+// - look<Dashes, Strays>(p, probe) tells where the LFs are, and whether a line may end the run:
+//   with Strays, because one of the bytes is suspect and not before an LF; by Dashes, because one
+//   of the bytes is an LF before a line that begins with a dash. If Dashes is `probed`, that line
+//   must also have what the probe asks for. This also reads the 64 bytes at p + 1 and, for the
+//   probe, those at p + probe.m_ahead.
 // - name<Names>(p) sets the bit of each byte that a field name may hold. Behind the first byte that
 //   it may not hold, the bits mean nothing.
 // Each processor's file includes this one where its own instructions are switched on, so everything
@@ -39,7 +41,8 @@ struct block_look {
     bool m_may_end; // whether a line that begins or stands in the block may end the run
 };
 
-/// Which lines that begin with a dash may end a run, as far as a quick look tells.
+/// The lines that begin with a dash of which a quick look says that they may end the run: none of
+/// them, each, or those that have what the probe asks for.
 enum class dashed_look : std::uint8_t { none, each, probed };
 
 /// One byte of a line, which lines that may be delimiter lines have in common.

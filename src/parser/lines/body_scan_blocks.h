@@ -8,7 +8,7 @@
 // Most lines that begin with dashes are no delimiter lines. In text that has many of them, a branch
 // for each would often be mispredicted. There the scan also looks at the byte of each line that
 // tells most of these lines from delimiter lines (see delimiter_filter.h), and branches only if
-// that byte fits too. In other text it saves that look.
+// that byte fits too. In other text the scan saves that look.
 
 #ifndef MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
 #define MAIL_STRUCTURE_PARSER_LINES_BODY_SCAN_BLOCKS_H
