@@ -86,29 +86,22 @@ TEST(field, tells_encoding_charset_and_file_name) {
     }
 }
 
+constexpr const char* two_of_each = "Content-Type: a/b; charset=c\n"
+                                    "Content-Type: d/e; charset=f\n"
+                                    "Content-Transfer-Encoding: base64\n"
+                                    "Content-Transfer-Encoding: 8bit\n"
+                                    "Content-Disposition: a; filename=g\n"
+                                    "Content-Disposition: a; filename=h\n";
+
 const body_case classic_cases[] = {
-    {"last_of_two",
-     "Content-Type: a/b; charset=c\n"
-     "Content-Type: d/e; charset=f\n"
-     "Content-Transfer-Encoding: base64\n"
-     "Content-Transfer-Encoding: 8bit\n"
-     "Content-Disposition: a; filename=g\n"
-     "Content-Disposition: a; filename=h\n",
-     "8bit", "f", "h"},
+    {"last_of_two", two_of_each, "8bit", "f", "h"},
     {"all_but_comments_is_the_encoding", "Content-Transfer-Encoding: a b(c)\n", "a b", "", ""},
     {"no_encoding_in_the_field", "Content-Transfer-Encoding: (x)\n", "", "", ""},
     {"backslashes_of_a_path", "Content-Type: a/b; name=\"C:\\new\"\n", "", "", "C:\\new"},
 };
 
 const body_case standard_cases[] = {
-    {"first_of_two",
-     "Content-Type: a/b; charset=c\n"
-     "Content-Type: d/e; charset=f\n"
-     "Content-Transfer-Encoding: base64\n"
-     "Content-Transfer-Encoding: 8bit\n"
-     "Content-Disposition: a; filename=g\n"
-     "Content-Disposition: a; filename=h\n",
-     "base64", "c", "g"},
+    {"first_of_two", two_of_each, "base64", "c", "g"},
     {"first_token_is_the_encoding", "Content-Transfer-Encoding: (x) a b\n", "a", "", ""},
     {"no_encoding_in_the_field", "Content-Transfer-Encoding: (x)\n", "7bit", "", ""},
     {"names_in_pieces_that_are_encoded",
